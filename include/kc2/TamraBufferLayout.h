@@ -1,0 +1,74 @@
+/**
+ * @file
+ * kc2::Platform::TamraBufferLayout: which planes a video-core buffer of a pixel format carries.
+ */
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace kc2::Platform {
+
+#pragma GCC visibility push(default)
+
+/**
+ * The buffer layouts of the video core (Tamra). No instances: all operations are static, allocate
+ * nothing and are safe from any thread.
+ */
+class TamraBufferLayout {
+public:
+    /**
+     * The planes that a buffer can carry, in the video core's numbering. Any other 32-bit value may
+     * be passed too: no format has it, and messages print it as "?".
+     */
+    enum PlaneID : uint32_t {
+        Y = 0,         ///< luma
+        UV = 1,        ///< interleaved chroma
+        Y_META = 2,    ///< compression metadata of the luma plane
+        UV_META = 3,   ///< compression metadata of the chroma plane
+        RGB = 4,       ///< all colour channels, and alpha
+        RGB_META = 5,  ///< compression metadata of the RGB plane
+    };
+
+    TamraBufferLayout() = delete;
+
+    /**
+     * The video core's own colour-format number of a pixel format.
+     *
+     * A fixed mapping in code, valid also before the library's initialiser has run and after its
+     * destructor has. TAMRA_NV21 answers 2, the number of its row.
+     *
+     * @param format a kc2::PixFormat constant.
+     * @return 0 to 11; 0 also for every value that is no format of the video core. Logs nothing.
+     */
+    static uint32_t FormatMap(unsigned int format);
+
+    /**
+     * Checks that a buffer of `format` carries `plane`. A format or a plane that does not is
+     * reported by one error line with the tag "Platform_BufferLayout".
+     *
+     * @param format a kc2::PixFormat constant.
+     * @param plane the plane asked for.
+     * @param width picture width in pixels; any value, not read.
+     * @param height picture height in pixels; any value, not read.
+     * @return 0, whether or not the pair is valid: the offset is the allocator's to compute.
+     */
+    static uint64_t Offset(unsigned int format, PlaneID plane, unsigned long width,
+                           unsigned long height);
+
+private:
+    struct FormatEntry {
+        uint32_t colorFormat;
+        std::unordered_set<PlaneID> planes;
+    };
+    using FormatTable = std::unordered_map<uint32_t, FormatEntry>;
+
+    [[gnu::visibility("hidden")]] static FormatTable buildFormatTable();
+
+    [[gnu::visibility("hidden")]] static const FormatTable mFormatTable;
+};
+
+#pragma GCC visibility pop
+
+}  // namespace kc2::Platform
