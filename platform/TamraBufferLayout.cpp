@@ -1,0 +1,56 @@
+// Which planes a buffer of a pixel format carries, and the format's number in the video core.
+
+#include "kc2/TamraBufferLayout.h"
+
+#include <iterator>
+#include <utility>
+
+#include "log/Log.h"
+#include "platform/FormatRows.h"
+
+namespace kc2::Platform {
+
+namespace {
+
+// Compares `format` with every row's constant; the compiler turns it into a switch.
+template <size_t... Row>
+uint32_t colorFormatOf(uint32_t format, std::index_sequence<Row...>) {
+    uint32_t colorFormat = 0;
+    (void)((format == std::integral_constant<uint32_t, *kFormatRows[Row].format>::value &&
+            (colorFormat = kFormatRows[Row].colorFormat, true)) ||
+           ...);
+    return colorFormat;
+}
+
+}  // namespace
+
+// The library's one load-time initialiser.
+const TamraBufferLayout::FormatTable TamraBufferLayout::mFormatTable = buildFormatTable();
+
+TamraBufferLayout::FormatTable TamraBufferLayout::buildFormatTable() {
+    FormatTable table;
+    for (const FormatRow& row : kFormatRows) {
+        table.emplace(*row.format,
+                      FormatEntry{row.colorFormat, {row.planes.begin(), row.planes.end()}});
+    }
+    return table;
+}
+
+uint32_t TamraBufferLayout::FormatMap(unsigned int format) {
+    return colorFormatOf(format, std::make_index_sequence<std::size(kFormatRows)>());
+}
+
+uint64_t TamraBufferLayout::Offset(unsigned int format, PlaneID plane, unsigned long /*width*/,
+                                   unsigned long /*height*/) {
+    const auto entry = mFormatTable.find(format);
+    if (entry == mFormatTable.end()) {
+        KC2_LOG_ERROR(log::kTagBufferLayout, "%s is not a Tamra color format!",
+                      PixFormat::Str(format));
+    } else if (entry->second.planes.count(plane) == 0) {
+        KC2_LOG_ERROR(log::kTagBufferLayout, "Format %s does not contain plane-%s",
+                      PixFormat::Str(format), planeName(plane));
+    }
+    return 0;
+}
+
+}  // namespace kc2::Platform
