@@ -1,0 +1,22 @@
+// Every path and property of the device that the store depends on.
+#pragma once
+
+namespace kc2 {
+
+// Which target this device is. Unset counts as kDefaultVariant.
+inline constexpr char kVariantProperty[] = "vendor.media.target_variant";
+inline constexpr char kDefaultVariant[] = "default";
+
+// The system spec document lies in <directory><variant>/<name>; the first directory wins.
+inline constexpr char kOdmSpecDirectory[] = "/odm/etc/media";
+inline constexpr char kVendorSpecDirectory[] = "/vendor/etc/media";
+inline constexpr char kSystemSpecName[] = "/video_system_specs.json";
+
+// Read when the path above cannot be opened.
+inline constexpr char kFallbackSystemSpec[] = "/vendor/etc/video_system_specs.json";
+
+// The private configuration file, and the tool whose presence lets the library seed it.
+inline constexpr char kPrivateConfig[] = "/data/vendor/media/video_private_configs.json";
+inline constexpr char kCodecTestTool[] = "/vendor/bin/kcodec2_test";
+
+}  // namespace kc2

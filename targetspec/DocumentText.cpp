@@ -1,0 +1,21 @@
+// The text of a document, out of a file stream.
+
+#include "targetspec/DocumentText.h"
+
+#include <istream>
+
+#include "targetspec/TextLimits.h"
+
+namespace kc2 {
+
+bool readText(std::ifstream& stream, std::string* text) {
+    std::istream input(stream.rdbuf());  // With flags of its own, and no exceptions asked for.
+    char block[4096];
+    while (input.good() && text->size() <= kMaxTextBytes) {
+        input.read(block, sizeof(block));
+        text->append(block, static_cast<size_t>(input.gcount()));
+    }
+    return !input.bad();
+}
+
+}  // namespace kc2

@@ -1,0 +1,87 @@
+// Text -> SpecDocument, and what was found on the way. Knows JSON, knows no store.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "targetspec/SpecDocument.h"
+
+namespace kc2 {
+
+// What the reader leaves out or changes, and how much of the document it costs.
+enum class FindingKind {
+    // The whole document is rejected.
+    TextTooLong,
+    TooManyValues,
+    NestingTooDeep,
+    SyntaxError,
+    RootNotObject,
+    VideoNotObject,
+
+    // The section, the named entry or the row is skipped; the device says so (skipReason()).
+    SectionNotObject,
+    FeatureNotBoolean,
+    PresetNotInteger,
+    RowSizeNotThree,
+    RowNotArray,
+    RowValueNotInteger,
+    TierLevelNotInteger,
+    PerfWordNotHexadecimal,
+
+    // Skipped, or of no effect, in silence.
+    NoVideo,
+    ListNotArray,
+    ElementNotString,
+    ProfileNotUnsigned,
+
+    // Taken, but not as it is written.
+    ObjectAsArray,  // Walked over its member values, in ascending key order.
+    NumberAsBoolean,
+    NullAsFalse,
+    BooleanAsInteger,
+    NullAsZero,
+    RealTruncated,
+    NegativeAsUnsigned,
+    PerfWordUnquoted,
+    PerfWordTail,
+    TierLevelAbsent,  // Counts as 0.
+};
+
+// Where in the document: Video/<section>/<name>[<index>], as far as it applies.
+struct Place {
+    const char* section = nullptr;
+    std::string_view name = {};  // Member of the section; may hold any bytes.
+    int index = -1;              // Element of the section or of the member.
+
+    std::string toString() const;
+};
+
+// One thing found. Valid only while it is being reported.
+struct Finding {
+    FindingKind kind;
+    Place place = {};
+    // Bytes of the text that it is about: [start, limit).
+    size_t start = 0;
+    size_t limit = 0;
+    std::string_view detail = {};  // The parser's own words on a syntax error.
+};
+
+class FindingSink {
+public:
+    virtual void report(const Finding& finding) = 0;
+
+protected:
+    ~FindingSink() = default;
+};
+
+// Why a value was skipped, for the kinds that the device logs; null for all others.
+const char* skipReason(FindingKind kind);
+
+// Reads one document. Returns false when it is rejected; `document` then holds nothing.
+//
+// Every value is checked before it is converted, and the text before it is parsed: device builds of
+// JsonCpp end the process on whatever it does not accept.
+bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink& findings);
+
+}  // namespace kc2

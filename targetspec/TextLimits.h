@@ -1,0 +1,31 @@
+// What a document's text may hold before it is handed to the JSON parser.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "targetspec/SpecReader.h"
+
+namespace kc2 {
+
+// The parser's own limit: one more level ends the process there. A container at this level may
+// still be empty.
+inline constexpr size_t kMaxNesting = 1000;
+
+// Documents are of some ten kilobytes and a hundred values. These bounds are far above that, and
+// keep a hostile document from taking the service's memory: the parser needs up to 160 bytes per
+// value.
+inline constexpr size_t kMaxTextBytes = size_t{64} << 20;
+inline constexpr size_t kMaxValues = size_t{4} << 20;
+
+struct LimitBreach {
+    FindingKind kind;
+    size_t offset;
+};
+
+// The first place where `text` goes beyond the limits. Brackets inside strings and comments, and
+// whatever follows the root value, do not count, as they do not for the parser.
+std::optional<LimitBreach> findLimitBreach(std::string_view text);
+
+}  // namespace kc2
