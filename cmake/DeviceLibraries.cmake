@@ -1,0 +1,29 @@
+# What a device build links: the device's liblog and libkcodec2_base. Sets KC2_LIBLOG,
+# KC2_LIBKCODEC2_BASE and KC2_ANDROID_INCLUDE (where <android/log.h> lies).
+#
+# Where a library is not at hand, an empty one of the same name is built to link against, as the NDK
+# does for the platform's libraries: the result is the device's binary, but runs only on a device.
+
+find_path(KC2_ANDROID_INCLUDE android/log.h)
+if(NOT KC2_ANDROID_INCLUDE)
+    set(KC2_ANDROID_INCLUDE ${CMAKE_CURRENT_SOURCE_DIR}/hostplatform/include)
+endif()
+
+find_library(KC2_LIBLOG log)
+find_library(KC2_LIBKCODEC2_BASE kcodec2_base)
+
+function(kc2_link_stub variable name)
+    if(NOT ${variable})
+        message(STATUS "lib${name} not found: linking against an empty one")
+        add_library(kcodec2_stub_${name} SHARED cmake/linkstubs/${name}.cpp)
+        target_include_directories(kcodec2_stub_${name} PRIVATE
+            ${CMAKE_CURRENT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR}/include)
+        target_include_directories(kcodec2_stub_${name} SYSTEM PRIVATE ${KC2_ANDROID_INCLUDE})
+        set_target_properties(kcodec2_stub_${name} PROPERTIES
+            OUTPUT_NAME ${name} LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/linkstubs)
+        set(${variable} kcodec2_stub_${name} PARENT_SCOPE)
+    endif()
+endfunction()
+
+kc2_link_stub(KC2_LIBLOG log)
+kc2_link_stub(KC2_LIBKCODEC2_BASE kcodec2_base)
