@@ -4,28 +4,12 @@
 
 namespace kc2 {
 
-namespace {
-
-struct ChipDocument {
-    const char* chip;  // Code name to find in the path; the first row that is found wins.
-    const char* document;
-};
-
-constexpr ChipDocument kChipDocuments[] = {
-        {"brel", kDefaultDocument1},
-        {"mirt", kDefaultDocument1},
-        {"orvelle", kDefaultDocument2},
-};
-
-}  // namespace
-
-const char* defaultDocumentFor(const std::string& specPath) {
-    for (const ChipDocument& row : kChipDocuments) {
-        if (specPath.find(row.chip) != std::string::npos) {
-            return row.document;
-        }
+const ChipDocument& chipDocumentFor(const std::string& specPath) {
+    const ChipDocument* row = kChipDocuments;
+    while (specPath.find(row->chip) == std::string::npos) {
+        ++row;  // Ends at the last row: every path contains the empty name.
     }
-    return kDefaultDocument3;
+    return *row;
 }
 
 }  // namespace kc2

@@ -11,7 +11,21 @@ extern const char kDefaultDocument1[];
 extern const char kDefaultDocument2[];
 extern const char kDefaultDocument3[];
 
-// The built-in document of the chip whose code name `specPath` contains, anywhere in it.
-const char* defaultDocumentFor(const std::string& specPath);
+struct ChipDocument {
+    const char* chip;  // Code name to find in the spec file's path; empty for any other chip.
+    int number;        // Of the built-in document.
+    const char* text;
+};
+
+// In the order in which they are tried: the first row whose chip the path contains wins.
+inline constexpr ChipDocument kChipDocuments[] = {
+        {"brel", 1, kDefaultDocument1},
+        {"mirt", 1, kDefaultDocument1},
+        {"orvelle", 2, kDefaultDocument2},
+        {"", 3, kDefaultDocument3},
+};
+
+// The row of the chip whose code name `specPath` contains, anywhere in it.
+const ChipDocument& chipDocumentFor(const std::string& specPath);
 
 }  // namespace kc2

@@ -105,6 +105,7 @@ private:
         forEachElement(place, list, [&](const Place& at, const Json::Value& element) {
             if (element.isString()) {
                 names->insert(names->end(), element.asString());
+                report(FindingKind::Taken, at, element);
             } else {
                 report(FindingKind::ElementNotString, at, element);
             }
@@ -197,6 +198,7 @@ private:
         forEachMember(targetSpecFeatures, [&](const Place& place, const Json::Value& value) {
             if (const std::optional<bool> isOn = toBoolean(place, value)) {
                 mDocument.features.emplace_hint(mDocument.features.end(), place.name, *isOn);
+                report(FindingKind::Taken, place, value);
             } else {
                 report(FindingKind::FeatureNotBoolean, place, value);
             }
@@ -207,6 +209,7 @@ private:
         forEachMember(targetSpecPresets, [&](const Place& place, const Json::Value& value) {
             if (const std::optional<int32_t> preset = toInteger(place, value)) {
                 mDocument.presets.emplace_hint(mDocument.presets.end(), place.name, *preset);
+                report(FindingKind::Taken, place, value);
             } else {
                 report(FindingKind::PresetNotInteger, place, value);
             }
@@ -230,6 +233,7 @@ private:
                 const std::optional<uint32_t> bitRate = toUnsignedPattern(place, row[2]);
                 if (low && high && bitRate) {
                     mDocument.nimbraModeBitRateTable.push_back({*low, *high, *bitRate});
+                    report(FindingKind::Taken, place, row);
                 } else {
                     report(FindingKind::RowValueNotInteger, place, row[!low ? 0 : !high ? 1 : 2]);
                 }
@@ -245,9 +249,7 @@ private:
             return 0;
         }
         const std::optional<int32_t> value = toInteger(place, *level);
-        if (!value) {
-            report(FindingKind::TierLevelNotInteger, place, *level);
-        }
+        report(value ? FindingKind::Taken : FindingKind::TierLevelNotInteger, place, *level);
         return value.value_or(0);
     }
 
@@ -261,6 +263,7 @@ private:
                            [&](const Place& place, const Json::Value& profile) {
                                if (profile.isUInt()) {
                                    mDocument.dvProfiles.insert(profile.asUInt());
+                                   report(FindingKind::Taken, place, profile);
                                } else {
                                    report(FindingKind::ProfileNotUnsigned, place, profile);
                                }
@@ -295,6 +298,7 @@ private:
                       [&](const Place& place, const Json::Value& list) {
                           if (auto words = toPerfWords(place, list)) {
                               values.emplace_hint(values.end(), place.name, std::move(*words));
+                              report(FindingKind::Taken, place, list);
                           }
                       });
     }

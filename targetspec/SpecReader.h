@@ -9,7 +9,7 @@
 
 namespace kc2 {
 
-// What the reader leaves out or changes, and how much of the document it costs.
+// What the reader does with a value: leaves it out (and how much that costs), takes it, changes it.
 enum class FindingKind {
     // The whole document is rejected.
     TextTooLong,
@@ -34,6 +34,8 @@ enum class FindingKind {
     ListNotArray,
     ElementNotString,
     ProfileNotUnsigned,
+
+    Taken,  // The value was taken: the section's element, the named entry, the row.
 
     // Taken, but not as it is written.
     ObjectAsArray,  // Walked over its member values, in ascending key order.

@@ -48,7 +48,7 @@ uint32_t TargetSpec::extractSpecData() {
 }
 
 const char* TargetSpec::getPrivateConfig() {
-    return defaultDocumentFor(readTargetVariant());
+    return chipDocumentFor(readTargetVariant()).text;
 }
 
 }  // namespace kc2
