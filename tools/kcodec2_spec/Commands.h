@@ -1,0 +1,23 @@
+// The tool's commands. Each prints to standard output and returns the exit code.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kc2::tool {
+
+// Exit codes, the same for every command.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFindings = 1;  // check: errors found. formats: no such format.
+inline constexpr int kExitUsage = 2;     // Wrong usage, or a file that cannot be read.
+
+// Loads the store as a component would and prints it.
+int show(bool asJson);
+
+// Prints a built-in document, to start a new one from.
+int printDefault(int number);
+
+// Prints the table of pixel formats, or the row of one given by name or value.
+int printFormats(const std::string& wanted);
+
+}  // namespace kc2::tool

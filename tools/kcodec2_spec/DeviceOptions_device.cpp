@@ -1,0 +1,13 @@
+// On a device the tool looks at that device: nothing to set, and its log is the device's.
+
+#include "DeviceOptions.h"
+
+namespace kc2::tool {
+
+void addDeviceOptions(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
+void applyDeviceOptions(const DeviceOptions& /*options*/) {}
+
+void muteLog() {}
+
+}  // namespace kc2::tool

@@ -1,0 +1,81 @@
+// On a development machine the tool plays the device that its options describe.
+
+#include <map>
+#include <string>
+
+#include "DeviceOptions.h"
+#include "hostplatform/HostPlatform.h"
+
+namespace kc2::tool {
+
+namespace {
+
+const std::map<std::string, uint32_t> kLogLevels = {{"quiet", 0x0}, {"info", 0x2}, {"debug", 0xE}};
+
+std::string checkMapping(const std::string& mapping) {
+    const size_t colon = mapping.find(':');
+    if (mapping.empty() || mapping[0] != '/' || colon == std::string::npos) {
+        return "\"" + mapping + "\" is not of the form /PREFIX:DIR";
+    }
+    return CLI::ExistingDirectory(mapping.substr(colon + 1));
+}
+
+std::string checkProperty(const std::string& property) {
+    const size_t equals = property.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+        return "\"" + property + "\" is not of the form NAME=VALUE";
+    }
+    return std::string();
+}
+
+}  // namespace
+
+void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
+    const std::string group = "The device";
+    command.add_option("--rootdir", options->rootDirectory,
+                       "Where the device's file system lies (default: this machine's own)")
+            ->type_name("DIR")
+            ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
+            ->group(group);
+    command.add_option("--dirmap", options->mappings,
+                       "Where one directory of the device lies; goes before --rootdir; repeatable")
+            ->type_name("/PREFIX:DIR")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkMapping, ""))
+            ->group(group);
+    command.add_option("--property", options->properties,
+                       "A system property, such as vendor.media.target_variant; repeatable")
+            ->type_name("NAME=VALUE")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkProperty, ""))
+            ->group(group);
+    command.add_option(
+                   "--log", options->logLevel,
+                   "Which info and debug lines the library logs: quiet, info, debug, or a level "
+                   "word such as 0x2 (default: quiet)")
+            ->type_name("LEVEL")
+            ->transform(CLI::Transformer(kLogLevels).description(""))
+            ->group(group);
+}
+
+void applyDeviceOptions(const DeviceOptions& options) {
+    host::setReadOnly(true);
+    host::setLogLevel(options.logLevel);
+    if (!options.rootDirectory.empty()) {
+        host::mapDirectory("/", options.rootDirectory);
+    }
+    for (const std::string& mapping : options.mappings) {
+        const size_t colon = mapping.find(':');
+        host::mapDirectory(mapping.substr(0, colon), mapping.substr(colon + 1));
+    }
+    for (const std::string& property : options.properties) {
+        const size_t equals = property.find('=');
+        host::setProperty(property.substr(0, equals), property.substr(equals + 1));
+    }
+}
+
+void muteLog() {
+    host::setLogSink([](int, const char*, const char*) {});
+}
+
+}  // namespace kc2::tool

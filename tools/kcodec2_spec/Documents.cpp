@@ -1,0 +1,88 @@
+// Documents as the library's own reader sees them, and the two that a load of this device reads.
+
+#include "Documents.h"
+
+#include <fstream>
+#include <utility>
+
+#include "kc2/TargetSpec.h"
+#include "targetspec/DevicePaths.h"
+#include "targetspec/DocumentText.h"
+#include "targetspec/PrivateConfigFile.h"
+#include "targetspec/SystemSpecFile.h"
+
+namespace kc2::tool {
+
+namespace {
+
+class FindingKeeper final : public FindingSink {
+public:
+    explicit FindingKeeper(std::vector<KeptFinding>* findings) : mFindings(*findings) {}
+
+    void report(const Finding& finding) override {
+        const Place& place = finding.place;
+        mFindings.push_back({finding.kind, place.section != nullptr ? place.section : "",
+                             std::string(place.name), place.index, finding.start, finding.limit,
+                             std::string(finding.detail)});
+    }
+
+private:
+    std::vector<KeptFinding>& mFindings;
+};
+
+Document readStream(std::string origin, std::string path, std::ifstream& stream) {
+    std::string text;
+    const bool isReadable = readText(stream, &text);
+    Document document = readDocument(std::move(origin), std::move(path), std::move(text));
+    document.isReadable = isReadable;
+    document.isAccepted = document.isAccepted && isReadable;
+    return document;
+}
+
+}  // namespace
+
+Document readDocument(std::string origin, std::string path, std::string text) {
+    Document document;
+    document.origin = std::move(origin);
+    document.path = std::move(path);
+    document.text = std::move(text);
+    FindingKeeper keeper(&document.findings);
+    document.isAccepted = readSpecDocument(document.text, &document.content, keeper);
+    return document;
+}
+
+Document readDocumentFile(const std::string& path) {
+    std::ifstream stream(path);
+    if (!stream.is_open()) {
+        Document unreadable;
+        unreadable.path = path;
+        unreadable.isReadable = false;
+        return unreadable;
+    }
+    return readStream("document", path, stream);
+}
+
+Load walkLoad() {
+    Load load;
+    load.firstPath = TargetSpec::readTargetVariant();
+    load.chip = &chipDocumentFor(load.firstPath);
+
+    std::ifstream systemSpec;
+    const std::string systemSpecPath = openSystemSpec(systemSpec);
+    if (!systemSpecPath.empty()) {
+        load.systemSpec = readStream("system spec", systemSpecPath, systemSpec);
+    }
+
+    std::ifstream privateFile;
+    load.isSeeded = openPrivateConfig(privateFile);
+    load.isPrivateFileOpen = privateFile.is_open();
+    if (privateFile.fail()) {
+        load.overlay = readDocument("built-in document " + std::to_string(load.chip->number),
+                                    std::string(), load.chip->text);
+    } else {
+        load.overlay = readStream("private file", kPrivateConfig, privateFile);
+    }
+    return load;
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,56 @@
+// Documents as the library's own reader sees them, and the two that a load of this device reads.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "targetspec/DefaultDocuments.h"
+#include "targetspec/SpecDocument.h"
+#include "targetspec/SpecReader.h"
+
+namespace kc2::tool {
+
+// A Finding that outlives the reading.
+struct KeptFinding {
+    FindingKind kind;
+    std::string section;
+    std::string name;
+    int index;
+    size_t start;
+    size_t limit;
+    std::string detail;
+};
+
+struct Document {
+    std::string origin;  // "system spec", "private file" or "built-in document N".
+    std::string path;    // On the device; empty for a built-in document.
+    std::string text;
+    bool isReadable = true;  // The text was read to its end.
+    bool isAccepted = false;
+    SpecDocument content;  // Empty unless accepted.
+    std::vector<KeptFinding> findings;
+};
+
+// Reads `text` with the library's reader.
+Document readDocument(std::string origin, std::string path, std::string text);
+
+// Reads a file of this machine; isReadable tells whether it could be.
+Document readDocumentFile(const std::string& path);
+
+// The documents of one load, and why it is these.
+struct Load {
+    std::string firstPath;     // Where the system spec document is looked for first.
+    Document systemSpec;       // Its path is empty when none opened, and then it is no document.
+    Document overlay;          // The private file or a built-in document.
+    const ChipDocument* chip;  // The chip's row: what the overlay is without a private file.
+    bool isPrivateFileOpen;
+    bool isSeeded;  // A device would write the built-in document into the private file.
+
+    bool hasSystemSpec() const { return !systemSpec.path.empty(); }
+};
+
+// Does what TargetSpec::Get() does, station by station, and keeps what each station handed over.
+Load walkLoad();
+
+}  // namespace kc2::tool

@@ -1,0 +1,73 @@
+// kcodec2_spec formats: the pixel formats of the video core.
+
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Text.h"
+#include "platform/FormatRows.h"
+
+namespace kc2::tool {
+
+namespace {
+
+std::string planesOf(const Platform::FormatRow& row) {
+    std::string text;
+    for (const Platform::TamraBufferLayout::PlaneID plane : row.planes) {
+        text += (text.empty() ? "" : " ") + std::string(Platform::planeName(plane));
+    }
+    return text;
+}
+
+void printHeading() {
+    std::printf("%-25s %-10s  %10s  %-6s  %s\n", "NAME", "VALUE", "DECIMAL", "NUMBER", "PLANES");
+}
+
+void printRow(const Platform::FormatRow& row) {
+    std::printf("%-25s 0x%-8X  %10u  %-6u  %s\n", row.name, *row.format, *row.format,
+                row.colorFormat, planesOf(row).c_str());
+}
+
+// A format value in C's notation; a log may also show one as a negative number.
+std::optional<uint32_t> toValue(const std::string& text) {
+    char* end = nullptr;
+    const long long value = std::strtoll(text.c_str(), &end, 0);
+    if (text.empty() || *end != '\0' || value < INT32_MIN || value > UINT32_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<uint32_t>(value);
+}
+
+int printUnknown(const std::string& wanted) {
+    std::vector<std::string_view> names;
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        names.emplace_back(row.name);
+    }
+    const std::string near = nearest(wanted, names);
+    std::fprintf(stderr, "kcodec2_spec: %s is no pixel format of the video core.%s\n",
+                 printable(wanted).c_str(),
+                 near.empty() ? "" : (" Did you mean " + near + "?").c_str());
+    return kExitFindings;
+}
+
+}  // namespace
+
+int printFormats(const std::string& wanted) {
+    const std::optional<uint32_t> value = toValue(wanted);
+    bool isFound = false;
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        if (wanted.empty() || wanted == row.name || value == *row.format) {
+            if (!isFound) {
+                printHeading();
+            }
+            printRow(row);
+            isFound = true;
+        }
+    }
+    return isFound ? kExitOk : printUnknown(wanted);
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,41 @@
+// Small pieces of text that several commands print.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kc2::tool {
+
+// "0x40800000".
+std::string hexadecimal(uint32_t value);
+
+// `text` with blanks on the right, up to `width` bytes.
+std::string padded(std::string text, size_t width);
+
+// `text` with control characters written as \xNN: a document may hold any bytes in a name.
+std::string printable(std::string_view text);
+
+// The one of `names` that someone who wrote `word` may have meant; empty when none is near.
+template <typename Names>
+std::string nearest(std::string_view word, const Names& names);
+
+// How many letters must be inserted, removed or replaced to make `a` out of `b`; case costs
+// nothing.
+size_t editDistance(std::string_view a, std::string_view b);
+
+template <typename Names>
+std::string nearest(std::string_view word, const Names& names) {
+    std::string best;
+    size_t bestDistance = word.size() / 3 + 1;  // Beyond that it is another word.
+    for (const std::string_view name : names) {
+        const size_t distance = editDistance(word, name);
+        if (distance <= bestDistance && distance < name.size()) {
+            bestDistance = distance - (distance == 0 ? 0 : 1);
+            best = name;
+        }
+    }
+    return best;
+}
+
+}  // namespace kc2::tool

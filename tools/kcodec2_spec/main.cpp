@@ -1,0 +1,85 @@
+// kcodec2_spec: shows and checks what a device's system spec documents make of its video subsystem.
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "Commands.h"
+#include "DeviceOptions.h"
+#include "targetspec/DefaultDocuments.h"
+
+namespace {
+
+using namespace kc2::tool;  // NOLINT(google-build-using-namespace): this is the tool.
+
+constexpr char kDescription[] =
+        "Shows what a device's system spec documents make of its video subsystem.\n"
+        "\n"
+        "A load reads two documents: the system spec document that the property\n"
+        "vendor.media.target_variant selects, then the private configuration file or, when\n"
+        "there is none, the chip's built-in document. A name that the first one sets keeps its\n"
+        "value.";
+
+constexpr char kExitCodes[] =
+        "Exit codes: 0 fine; 1 errors found, or no such format; 2 wrong usage, or a file that\n"
+        "cannot be read.";
+
+int run(int argc, char** argv) {
+    CLI::App app(kDescription, "kcodec2_spec");
+    app.footer(kExitCodes);
+    app.set_version_flag("--version", KC2_VERSION);
+    app.require_subcommand(1);
+    int exitCode = kExitOk;
+
+    DeviceOptions device;
+    bool asJson = false;
+    CLI::App* const showCommand = app.add_subcommand(
+            "show", "Print the store as a codec component sees it, and where each value came from");
+    showCommand->footer(
+            "Example: kcodec2_spec show --rootdir examples/device \\\n"
+            "                 --property vendor.media.target_variant=_orvelle");
+    addDeviceOptions(*showCommand, &device);
+    showCommand->add_flag("--json", asJson, "Print JSON, for scripts");
+    showCommand->callback([&] {
+        applyDeviceOptions(device);
+        exitCode = show(asJson);
+    });
+
+    int number = 3;
+    std::string variant;
+    CLI::App* const defaultsCommand =
+            app.add_subcommand("defaults", "Print a built-in document, to start a new one from");
+    CLI::Option* const numberOption =
+            defaultsCommand
+                    ->add_option("NUMBER", number,
+                                 "1 (chips brel, mirt), 2 (orvelle) or 3 (all others; the default)")
+                    ->check(CLI::Range(1, 3));
+    defaultsCommand
+            ->add_option("--variant", variant,
+                         "Instead of a number: the target variant whose chip it is for")
+            ->type_name("NAME")
+            ->excludes(numberOption);
+    defaultsCommand->callback([&] {
+        exitCode = printDefault(variant.empty() ? number : kc2::chipDocumentFor(variant).number);
+    });
+
+    std::string format;
+    CLI::App* const formatsCommand = app.add_subcommand(
+            "formats", "Print the pixel formats: name, value, colour-format number, planes");
+    formatsCommand->add_option("FORMAT", format,
+                               "Only this one: its name, or its value in hexadecimal (0x...) or "
+                               "decimal, as a log line shows it");
+    formatsCommand->callback([&] { exitCode = printFormats(format); });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? kExitOk : kExitUsage;
+    }
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return run(argc, argv);
+}
