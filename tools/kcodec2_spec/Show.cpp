@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -16,6 +15,7 @@
 #include "Text.h"
 #include "hostplatform/TargetSpecInspector.h"
 #include "kc2/TargetSpec.h"
+#include "kc2/TargetSpecKeys.h"
 #include "targetspec/DevicePaths.h"
 
 namespace kc2::tool {
@@ -55,7 +55,8 @@ public:
                            Inspector::perfResourceValues(mSpec), &SpecDocument::perfResourceValues,
                            wordPairs),
                 bitRateTable(),
-                dolbyVision(),
+                dolbyVisionProfiles(),
+                dolbyVisionTierLevels(),
                 listSection("Codec plug-ins", "codecPlugins", Inspector::codecPlugins(mSpec),
                             &SpecDocument::codecPlugins),
                 listSection("Pre-processing filters", "preprocessingFilters",
@@ -140,25 +141,33 @@ private:
         return section;
     }
 
-    Section dolbyVision() const {
-        const DVConfigs& limits = TargetSpecInspector::dvConfigs(mSpec);
-        Section section = {.title = "Dolby Vision", .key = "dolbyVision", .entries = {}};
-        for (const uint32_t profile : limits.profiles) {
+    Section dolbyVisionProfiles() const {
+        Section section = {.title = "Dolby Vision profiles",
+                           .key = "dolbyVisionProfiles",
+                           .entries = {},
+                           .isNamed = false};
+        for (const uint32_t profile : TargetSpecInspector::dvConfigs(mSpec).profiles) {
             const auto holds = [profile](const SpecDocument& document) {
                 return document.dvProfiles.count(profile) != 0;
             };
-            const std::string number = std::to_string(profile);
-            section.entries.push_back({"profile " + number, profile, number, firstOrigin(holds)});
+            section.entries.push_back({std::to_string(profile), profile, "", firstOrigin(holds)});
         }
+        return section;
+    }
+
+    // The last document that has the section sets both.
+    Section dolbyVisionTierLevels() const {
+        const DVConfigs& limits = TargetSpecInspector::dvConfigs(mSpec);
         const std::string origin = mLoad.overlay.content.dvTierLevels      ? mLoad.overlay.origin
                                    : mLoad.systemSpec.content.dvTierLevels ? mLoad.systemSpec.origin
                                                                            : "no document";
-        for (const auto& [name, level] :
-             {std::pair("max main-tier level", limits.maxMainTierLevel),
-              std::pair("max high-tier level", limits.maxHighTierLevel)}) {
-            section.entries.push_back({name, level, std::to_string(level), origin});
-        }
-        return section;
+        const auto entry = [&](const char* key, int32_t level) {
+            return Entry{key, level, std::to_string(level), origin};
+        };
+        return {.title = "Dolby Vision tier levels",
+                .key = "dolbyVisionTierLevels",
+                .entries = {entry(targetSpecDVMaxMainTierLevel, limits.maxMainTierLevel),
+                            entry(targetSpecDVMaxHighTierLevel, limits.maxHighTierLevel)}};
     }
 
     Section supportedCodecs() const {

@@ -1,0 +1,290 @@
+// One document into a store: every value rule, every bad value, every rejected document, and what a
+// second document changes.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "Device.h"
+#include "base/BaseLibrary.h"
+#include "hostplatform/HostPlatform.h"
+#include "kc2/TargetSpecKeys.h"
+
+namespace kc2::test {
+
+namespace {
+
+class ParseTest : public testing::Test {
+protected:
+    Device mDevice;
+    TargetSpec mSpec;
+};
+
+std::string nested(int depth, const std::string& innermost) {
+    std::string open;
+    std::string close;
+    for (int i = 1; i < depth; ++i) {
+        open += i % 2 == 0 ? "[" : "{\"a\":";
+        close.insert(0, i % 2 == 0 ? "]" : "}");
+    }
+    return open + innermost + close;
+}
+
+TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
+    host::setLogLevel(0x4);
+    updateLogLevel();
+    EXPECT_EQ(0u, parse(mSpec, R"(/* before the root */ { // after a brace
+        "Ignored": 1,
+        "Video": {
+            "Features": {"on": true, "off": false, "one": 1, "zero": 0.0, "null": null, "Case": 2.5,
+                         "twice": true, "twice": false},
+            "Presets": {"leading": 0101, "cut": -3.9, "top": 2147483647, "low": -2147483648,
+                        "true": true, "null": null, "whole": 7.0},
+            "NimbraModeBitrateTable": [[0, 10, 100], [1, 2], [10, 20, -1], [1, 2, 3, 4],
+                                       [2.9, true, null], 5, null, "abc"],
+            "DolbyVision": {"profiles": [8, 5, 8, -1, 4.0, 4.5, "9", true, null, [], 4294967295],
+                            "max_main_tier_level": 12},
+            "KC2CodecPlugins": ["b", 5, "a", null, "b", ["c"]],
+            "KC2PreProcessingFilters": {"z": "last", "a": "first", "m": 1},
+            "perf-resource-values": {
+                "words": ["0x40C00000", " +5DC", "0XfFfzz", "-1", "7FFFFFFF", 16, -16],
+                "empty": [], "null": null, "scalar": 5, "object": {"b": "2", "a": "1"}},
+            "codecs-available": {"decoders": ["x", "y", 3], "encoders": ["y"]},
+            "OptionalCodecs": ["x", "z"],
+            "KC2EncPostProcessingFilters": ["p", {"q": "q"}, "p"],
+            "Unknown": [1, 2, 3]
+        } /* after */
+    } // after the root)"));
+    EXPECT_EQ(
+            "feature Case 1\nfeature null 0\nfeature off 0\nfeature on 1\nfeature one 1\n"
+            "feature twice 0\nfeature zero 0\n"
+            "preset cut -3\npreset leading 101\npreset low -2147483648\npreset null 0\n"
+            "preset top 2147483647\npreset true 1\npreset whole 7\n"
+            "perf empty\nperf null\nperf object 1 2\nperf scalar\n"
+            "perf words 1086324736 1500 4095 4294967295 2147483647 22 4294967274\n"
+            "row 0 10 100\nrow 10 20 4294967295\nrow 2 1 0\n"
+            "profile 4\nprofile 5\nprofile 8\nprofile 4294967295\nlevels 12 0\n"
+            "plugin b\nplugin a\nplugin b\npre first\npre last\nencpost p\nencpost p\n"
+            "codec x\ncodec y\ncodec z\n",
+            contentOf(mSpec));
+    Lines expected(5, "W/KC2TargetSpec: Unable to queue the json entry due to inappropriate size");
+    expected.insert(expected.end(), 2, "D/KC2TargetSpec: mEncPostProcessingFilters p");
+    EXPECT_EQ(expected, mDevice.takeLog());
+}
+
+TEST_F(ParseTest, ABadValueCostsOnlyItself) {
+    const struct {
+        const char* video;
+        const char* warning;
+        const char* content;
+    } rows[] = {
+            {R"("Features": [], "Presets": {"a": 1})", "Video/Features: not an object",
+             "preset a 1\n"},
+            {R"("Features": {"a": "true", "b": true})", "Video/Features/a: not a boolean",
+             "feature b 1\n"},
+            {R"("Features": {"a": {}, "b": true})", "Video/Features/a: not a boolean",
+             "feature b 1\n"},
+            {R"("Presets": {"a": "1", "b": 2})",
+             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("Presets": {"a": 2147483648, "b": 2})",
+             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("Presets": {"a": -2147483648.5, "b": 2})",
+             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("Presets": {"a": 99999999999999999999, "b": 2})",
+             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("NimbraModeBitrateTable": [[1, 2, "3"], [4, 5, 6]])",
+             "Video/NimbraModeBitrateTable[0]: not an integer in the signed 32-bit range",
+             "row 4 5 6\n"},
+            {R"("NimbraModeBitrateTable": [{"a": 1, "b": 2, "c": 3}, [4, 5, 6]])",
+             "Video/NimbraModeBitrateTable[0]: not an array", "row 4 5 6\n"},
+            {R"("DolbyVision": {"max_main_tier_level": "9", "max_high_tier_level": 3})",
+             "Video/DolbyVision/max_main_tier_level: not an integer in the signed 32-bit range",
+             "levels 0 3\n"},
+            {R"("DolbyVision": 7)", "Video/DolbyVision: not an object", ""},
+            {R"("perf-resource-values": {"a": ["0x1", ""], "b": ["2"]})",
+             "Video/perf-resource-values/a[1]: not a hexadecimal string in the signed 32-bit range",
+             "perf b 2\n"},
+            {R"("perf-resource-values": {"a": ["0x80000000"], "b": ["2"]})",
+             "Video/perf-resource-values/a[0]: not a hexadecimal string in the signed 32-bit range",
+             "perf b 2\n"},
+            {R"("perf-resource-values": {"a": [true, "x"], "b": ["2"]})",
+             "Video/perf-resource-values/a[0]: not a hexadecimal string in the signed 32-bit range",
+             "perf b 2\n"},
+            {R"("codecs-available": ["x"], "OptionalCodecs": ["y"])",
+             "Video/codecs-available: not an object", "codec y\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.video);
+        TargetSpec spec;
+        EXPECT_EQ(0u, parse(spec, R"({"Video": {)" + std::string(row.video) + "}}"));
+        EXPECT_EQ(row.content, contentOf(spec));
+        EXPECT_EQ(Lines{"W/KC2TargetSpec: Skipped " + std::string(row.warning)}, mDevice.takeLog());
+    }
+}
+
+TEST_F(ParseTest, ARejectedDocumentChangesNothing) {
+    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"Features": {"a": true}, "OptionalCodecs": ["x"]}})"));
+    const std::string before = contentOf(mSpec);
+    const std::string head = R"({"Video": {"Features": {"b": true}}, "x": )";
+    std::string manyValues = "[1";
+    for (int i = 0; i < 5 << 20; ++i) {
+        manyValues += ",1";
+    }
+    const std::string longText(size_t{65} << 20, ' ');
+    for (const std::string& text : {std::string(),
+                                    std::string(" // only a comment"),
+                                    std::string("[]"),
+                                    std::string("1"),
+                                    std::string("\"Video\""),
+                                    std::string(R"({"Video": [], "b": 1})"),
+                                    std::string(R"({"Video": "Features"})"),
+                                    head + "tru}",
+                                    head + "1",
+                                    head + "'a'}",
+                                    head + "01e}",
+                                    head + "\"\\u12\"}",
+                                    head + "1,,}",
+                                    std::string("\xEF\xBB\xBF{}"),
+                                    nested(1001, "1"),
+                                    nested(1001, "[]"),
+                                    nested(1000, "[/**/]"),
+                                    nested(200000, "1"),
+                                    head + manyValues + "]}",
+                                    longText + "{}"}) {
+        SCOPED_TRACE(text.substr(0, 60));
+        EXPECT_EQ(kFailed, parse(mSpec, text));
+        EXPECT_EQ(before, contentOf(mSpec));
+        EXPECT_EQ(Lines{kStreamErrorLine}, mDevice.takeLog());
+    }
+}
+
+TEST_F(ParseTest, AcceptsWhatHoldsNothing) {
+    const std::string brackets(2000, '[');
+    for (const std::string& text :
+         {std::string("{}"), std::string("null"), std::string(R"({"video": []})"),
+          std::string(R"({"Video": null})"), std::string(R"({"Video": {}} trailing)"),
+          std::string(R"({"Video": {"Features": null, "Presets": null, "DolbyVision": null,
+                          "KC2CodecPlugins": 5, "OptionalCodecs": null,
+                          "codecs-available": {"decoders": "x", "encoders": null}}})"),
+          nested(1000, "1"), nested(1000, "[]"), nested(1000, "{ /* } */ }"),
+          "{\"a\": \"\\\"" + brackets + "\", /*" + brackets + "*/ \"b\": // " + brackets +
+                  "\n 1}"}) {
+        SCOPED_TRACE(text.substr(0, 60));
+        EXPECT_EQ(0u, parse(mSpec, text));
+        EXPECT_EQ("", contentOf(mSpec));
+        EXPECT_EQ(Lines(), mDevice.takeLog());
+    }
+}
+
+TEST_F(ParseTest, ASecondDocumentAddsButReplacesOnlyTierLevels) {
+    const std::string first = R"({"Video": {
+        "Features": {"a": false}, "Presets": {"a": 1}, "perf-resource-values": {"a": ["1"]},
+        "NimbraModeBitrateTable": [[1, 2, 3]], "KC2CodecPlugins": ["p"],
+        "KC2PreProcessingFilters": ["f"], "KC2EncPostProcessingFilters": ["e"],
+        "DolbyVision": {"profiles": [5], "max_main_tier_level": 9, "max_high_tier_level": 7},
+        "OptionalCodecs": ["c"]}})";
+    ASSERT_EQ(0u, parse(mSpec, first));
+    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {
+        "Features": {"a": true, "b": true}, "Presets": {"a": 2, "b": 2},
+        "perf-resource-values": {"a": ["2"], "b": ["2"]}}})"));
+    EXPECT_EQ(
+            "feature a 0\nfeature b 1\npreset a 1\npreset b 2\nperf a 1\nperf b 2\nrow 1 2 3\n"
+            "profile 5\nlevels 9 7\nplugin p\npre f\nencpost e\ncodec c\n",
+            contentOf(mSpec));
+    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"DolbyVision": {"profiles": [9]}}})"));
+    ASSERT_EQ(0u, parse(mSpec, first));
+    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"DolbyVision": {"max_high_tier_level": 3}}})"));
+    EXPECT_EQ(
+            "feature a 0\nfeature b 1\npreset a 1\npreset b 2\nperf a 1\nperf b 2\n"
+            "row 1 2 3\nrow 1 2 3\nprofile 5\nprofile 9\nlevels 0 3\nplugin p\nplugin p\n"
+            "pre f\npre f\nencpost e\nencpost e\ncodec c\n",
+            contentOf(mSpec));
+}
+
+TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
+    mDevice.write("/a.json", "skip {\"Video\": {\"OptionalCodecs\": [\"a\xFF\"]}}");
+    std::ifstream fromTheMiddle(mDevice("/a.json"));
+    fromTheMiddle.seekg(5);
+    EXPECT_EQ(0u, mSpec.parseJsonData(fromTheMiddle));
+    EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
+    EXPECT_TRUE(fromTheMiddle.is_open() && fromTheMiddle.good());
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(fromTheMiddle)) << "nothing is left";
+
+    std::ifstream atItsEnd(mDevice("/a.json"));
+    atItsEnd.seekg(0, std::ios::end);
+    atItsEnd.setstate(std::ios::eofbit);
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is no failed stream";
+
+    std::ifstream directory(mDevice("/directory/file").substr(0, mDevice("/").size() + 9));
+    ASSERT_TRUE(directory.is_open());
+    directory.exceptions(std::ios::badbit);
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(directory));
+    EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
+    EXPECT_EQ(Lines(3, kStreamErrorLine), mDevice.takeLog());
+
+    std::ifstream failed;
+    failed.setstate(std::ios::badbit);
+    TargetSpec builtIn;
+    TargetSpec expected;
+    EXPECT_EQ(0u, builtIn.parseJsonData(failed));
+    EXPECT_EQ(0u, parse(expected, TargetSpec::getPrivateConfig()));
+    EXPECT_EQ(contentOf(expected), contentOf(builtIn));
+}
+
+TEST_F(ParseTest, LooksKeysUpThroughTheGlobals) {
+    const struct {
+        const char** key;
+        const char* text;
+        const char* document;
+    } rows[] = {
+            {&targetSpecRoot, "Video", R"({"k": {"OptionalCodecs": ["x"]}})"},
+            {&targetSpecFeatures, "Features", R"({"Video": {"k": {"x": true}}})"},
+            {&targetSpecPresets, "Presets", R"({"Video": {"k": {"x": 1}}})"},
+            {&targetSpecNimbraModeBitRate, "NimbraModeBitrateTable",
+             R"({"Video": {"k": [[1, 2, 3]]}})"},
+            {&targetSpecDV, "DolbyVision", R"({"Video": {"k": {"profiles": [1]}}})"},
+            {&targetSpecCodecPlugins, "KC2CodecPlugins", R"({"Video": {"k": ["x"]}})"},
+            {&targetSpecPreProcessingFilters, "KC2PreProcessingFilters",
+             R"({"Video": {"k": ["x"]}})"},
+            {&targetSpecDVProfiles, "profiles", R"({"Video": {"DolbyVision": {"k": [1]}}})"},
+            {&targetSpecDVMaxMainTierLevel, "max_main_tier_level",
+             R"({"Video": {"DolbyVision": {"k": 1}}})"},
+            {&targetSpecDVMaxHighTierLevel, "max_high_tier_level",
+             R"({"Video": {"DolbyVision": {"k": 1}}})"},
+            {&targetSpecPreProcessingFilterCodecName, "codec_name", nullptr},
+            {&targetSpecPreProcessingFilterLibName, "lib_name", nullptr},
+            {&targetSpecPreProcessingFilterInputStreams, "input_streams", nullptr},
+            {&targetSpecPreProcessingFilterOutputStreams, "output_streams", nullptr},
+            {&targetSpecSupportedCodecs, "codecs-available",
+             R"({"Video": {"k": {"encoders": ["x"]}}})"},
+            {&targetSpecAvailableDecoders, "decoders",
+             R"({"Video": {"codecs-available": {"k": ["x"]}}})"},
+            {&targetSpecAvailableEncoders, "encoders",
+             R"({"Video": {"codecs-available": {"k": ["x"]}}})"},
+            {&targetSpecSupportedEncPostProcessingFilters, "KC2EncPostProcessingFilters",
+             R"({"Video": {"k": ["x"]}})"},
+            {&targetSpecOptionalCodecs, "OptionalCodecs", R"({"Video": {"k": ["x"]}})"},
+            {&targetSpecPerfResourceValues, "perf-resource-values",
+             R"({"Video": {"k": {"x": []}}})"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_STREQ(row.text, *row.key);
+        if (row.document != nullptr) {
+            TargetSpec spec;
+            EXPECT_EQ(0u, parse(spec, row.document));
+            EXPECT_EQ("", contentOf(spec));
+            *row.key = "k";
+            EXPECT_EQ(0u, parse(spec, row.document));
+            EXPECT_NE("", contentOf(spec));
+            *row.key = nullptr;
+            EXPECT_EQ(0u, parse(spec, row.document)) << "a null key names no member";
+            *row.key = row.text;
+        }
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
