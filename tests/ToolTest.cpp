@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace kc2::test {
 
@@ -14,14 +19,21 @@ struct Result {
     int exitCode;
 };
 
-Result run(const std::string& arguments) {
-    const std::string command = "cd " KC2_SOURCE_DIR " && " KC2_SPEC_TOOL " " + arguments + " 2>&1";
+// In a directory of the source tree.
+Result run(const std::string& arguments, const std::string& directory = ".") {
+    const std::string command =
+            "cd " KC2_SOURCE_DIR "/" + directory + " && " KC2_SPEC_TOOL " " + arguments + " 2>&1";
     FILE* const pipe = popen(command.c_str(), "r");
     std::string output;
     for (int c; (c = std::fgetc(pipe)) != EOF;) {
         output += static_cast<char>(c);
     }
     return {output, WEXITSTATUS(pclose(pipe))};
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 TEST(ToolTest, EachCommandAnswers) {
@@ -61,6 +73,71 @@ TEST(ToolTest, EachCommandAnswers) {
         EXPECT_NE(std::string::npos, result.output.find(row.text)) << row.arguments << "\n"
                                                                    << result.output;
     }
+}
+
+// tests/check/ holds documents and device trees, each with its report in expected/.
+TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
+    const std::filesystem::path directory = KC2_SOURCE_DIR "/tests/check";
+    std::vector<std::pair<std::string, std::string>> checks = {
+            // Arguments, report.
+            {"--rootdir load-traps --property vendor.media.target_variant=_test", "load-traps"},
+            {"--rootdir load-variant --property vendor.media.target_variant=trail", "load-variant"},
+            {"--rootdir load-variant --property vendor.media.target_variant=/trial",
+             "load-misspelt"},
+            {"--rootdir load-seeded --property vendor.media.target_variant=_mirt", "load-seeded"},
+            {"--rootdir load-bare --property vendor.media.target_variant=_orvelle", "load-bare"},
+            {"--rootdir load-bare --dirmap /data/vendor/media:load-empty", "load-empty"},
+            {"no-codecs.json no-video.json --format json", "json"},
+    };
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        if (entry.path().extension() == ".json") {
+            checks.emplace_back(entry.path().filename(), entry.path().stem());
+        }
+    }
+    EXPECT_LT(20u, checks.size());
+    for (const auto& [arguments, name] : checks) {
+        const std::string report = readFile(directory / "expected" / (name + ".txt"));
+        EXPECT_NE("", report) << name;
+        const Result result = run("check " + arguments, "tests/check");
+        EXPECT_EQ(report, result.output) << arguments;
+        EXPECT_EQ(report.find(": error: ") != std::string::npos ? 1 : 0, result.exitCode) << name;
+    }
+}
+
+TEST(ToolTest, WhatShipsHasNoMistake) {
+    for (const char* what :
+         {"targetspec/defaults/*.json examples/device/*/etc/*/*.json", "--rootdir examples/device",
+          "--rootdir examples/device --property vendor.media.target_variant=_orvelle",
+          "--rootdir tests/check/load-bare --property vendor.media.target_variant=_orvelle "
+          "--disable spec-missing"}) {
+        const Result result = run(std::string("check --werror ") + what);
+        EXPECT_EQ(0, result.exitCode) << what << "\n" << result.output;
+    }
+    EXPECT_EQ(1, run("check --werror tests/check/changed.json").exitCode);
+    EXPECT_EQ(2, run("check no/such/document.json").exitCode);
+}
+
+// docs/checks.md explains every check of --help, by its id.
+TEST(ToolTest, EveryCheckIsDocumented) {
+    const std::string help = run("check --help").output;
+    const std::string page = readFile(KC2_SOURCE_DIR "/docs/checks.md");
+    size_t checks = 0;
+    for (const char* severity : {"error", "warning", "note"}) {
+        const std::string column = std::string(" ") + severity + " ";
+        for (size_t at = help.find("Checks, by"); (at = help.find(column, at)) != std::string::npos;
+             ++at) {
+            const size_t start = help.rfind('\n', at) + 3;
+            const std::string id = help.substr(start, help.find(' ', start) - start);
+            EXPECT_NE(std::string::npos, page.find("| `" + id + "` | " + severity + " |")) << id;
+            ++checks;
+        }
+    }
+    size_t rows = 0;
+    for (size_t at = 0; (at = page.find("\n| `", at)) != std::string::npos; ++at) {
+        ++rows;
+    }
+    EXPECT_EQ(rows, checks);
+    EXPECT_LT(45u, checks);
 }
 
 }  // namespace

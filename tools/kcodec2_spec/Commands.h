@@ -14,6 +14,23 @@ inline constexpr int kExitUsage = 2;     // Wrong usage, or a file that cannot b
 // Loads the store as a component would and prints it.
 int show(bool asJson);
 
+struct CheckOptions {
+    bool asJson = false;
+    bool warningsAreErrors = false;
+    std::vector<std::string> disabledIds;
+};
+
+// Checks documents one by one, as files of this machine.
+int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options);
+
+// Checks the whole load of a device, across both of its documents.
+int checkDevice(const CheckOptions& options);
+
+// The rules of the checks, a line each: id, severity, what it is about.
+std::string ruleTable();
+
+bool isRule(const std::string& id);
+
 // Prints a built-in document, to start a new one from.
 int printDefault(int number);
 

@@ -15,8 +15,9 @@ struct DeviceOptions {
     uint32_t logLevel = 0;
 };
 
-// Adds the options to a command; `options` must outlive the parse.
+// Add options to a command; `options` must outlive the parse.
 void addDeviceOptions(CLI::App& command, DeviceOptions* options);
+void addLogOption(CLI::App& command, DeviceOptions* options);
 
 // Sets the device up. Call it before the library is first used. The tool never writes to a tree
 // that it is shown.

@@ -6,6 +6,8 @@ namespace kc2::tool {
 
 void addDeviceOptions(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
+void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
 void muteLog() {}

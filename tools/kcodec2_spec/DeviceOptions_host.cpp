@@ -10,6 +10,8 @@ namespace kc2::tool {
 
 namespace {
 
+constexpr char kGroup[] = "The device";
+
 const std::map<std::string, uint32_t> kLogLevels = {{"quiet", 0x0}, {"info", 0x2}, {"debug", 0xE}};
 
 std::string checkMapping(const std::string& mapping) {
@@ -31,31 +33,33 @@ std::string checkProperty(const std::string& property) {
 }  // namespace
 
 void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
-    const std::string group = "The device";
     command.add_option("--rootdir", options->rootDirectory,
                        "Where the device's file system lies (default: this machine's own)")
             ->type_name("DIR")
             ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
-            ->group(group);
+            ->group(kGroup);
     command.add_option("--dirmap", options->mappings,
                        "Where one directory of the device lies; goes before --rootdir; repeatable")
             ->type_name("/PREFIX:DIR")
             ->allow_extra_args(false)
             ->check(CLI::Validator(checkMapping, ""))
-            ->group(group);
+            ->group(kGroup);
     command.add_option("--property", options->properties,
                        "A system property, such as vendor.media.target_variant; repeatable")
             ->type_name("NAME=VALUE")
             ->allow_extra_args(false)
             ->check(CLI::Validator(checkProperty, ""))
-            ->group(group);
+            ->group(kGroup);
+}
+
+void addLogOption(CLI::App& command, DeviceOptions* options) {
     command.add_option(
                    "--log", options->logLevel,
                    "Which info and debug lines the library logs: quiet, info, debug, or a level "
                    "word such as 0x2 (default: quiet)")
             ->type_name("LEVEL")
             ->transform(CLI::Transformer(kLogLevels).description(""))
-            ->group(group);
+            ->group(kGroup);
 }
 
 void applyDeviceOptions(const DeviceOptions& options) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "DeviceOptions.h"
@@ -20,8 +21,15 @@ constexpr char kDescription[] =
         "value.";
 
 constexpr char kExitCodes[] =
-        "Exit codes: 0 fine; 1 errors found, or no such format; 2 wrong usage, or a file that\n"
-        "cannot be read.";
+        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats knows\n"
+        "no such format; 2 wrong usage, or a file that cannot be read.";
+
+constexpr char kCheckExamples[] =
+        "Without FILE it does the whole load of the device and checks across its documents.\n"
+        "\n"
+        "Examples: kcodec2_spec check video_system_specs.json\n"
+        "          kcodec2_spec check --rootdir examples/device \\\n"
+        "                 --property vendor.media.target_variant=_orvelle";
 
 int run(int argc, char** argv) {
     CLI::App app(kDescription, "kcodec2_spec");
@@ -38,10 +46,42 @@ int run(int argc, char** argv) {
             "Example: kcodec2_spec show --rootdir examples/device \\\n"
             "                 --property vendor.media.target_variant=_orvelle");
     addDeviceOptions(*showCommand, &device);
+    addLogOption(*showCommand, &device);
     showCommand->add_flag("--json", asJson, "Print JSON, for scripts");
     showCommand->callback([&] {
         applyDeviceOptions(device);
         exitCode = show(asJson);
+    });
+
+    std::vector<std::string> files;
+    CheckOptions checkOptions;
+    CLI::App* const checkCommand = app.add_subcommand(
+            "check", "Report every mistake in documents, or in the whole load of a device");
+    checkCommand->footer(std::string(kCheckExamples) + "\n\nChecks, by the id in brackets:\n" +
+                         ruleTable() + "\n" + kExitCodes);
+    checkCommand->add_option("FILE", files, "Documents to check, each by itself");
+    checkCommand
+            ->add_option_function<std::string>(
+                    "--format",
+                    [&](const std::string& name) { checkOptions.asJson = name == "json"; },
+                    "How to report: text (the default) or json, for scripts and editors")
+            ->check(CLI::IsMember({"text", "json"}).description(""))
+            ->type_name("text|json");
+    checkCommand->add_flag("--werror", checkOptions.warningsAreErrors,
+                           "Exit with 1 on warnings, too");
+    checkCommand->add_option("--disable", checkOptions.disabledIds, "Leave a check out; repeatable")
+            ->type_name("ID")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(
+                    [](const std::string& id) {
+                        return isRule(id) ? std::string() : "there is no check \"" + id + "\"";
+                    },
+                    ""));
+    addDeviceOptions(*checkCommand, &device);
+    checkCommand->callback([&] {
+        applyDeviceOptions(device);
+        muteLog();
+        exitCode = files.empty() ? checkDevice(checkOptions) : checkFiles(files, checkOptions);
     });
 
     int number = 3;

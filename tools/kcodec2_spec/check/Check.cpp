@@ -1,0 +1,149 @@
+// kcodec2_spec check: every mistake of a document, before it reaches a device.
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Documents.h"
+#include "check/Rules.h"
+#include "kc2/TargetSpecKeys.h"
+#include "targetspec/DeviceFile.h"
+#include "targetspec/DevicePaths.h"
+
+namespace kc2::tool {
+
+namespace {
+
+std::vector<const Rule*> allRules() {
+    std::vector<const Rule*> rules;
+    for (const auto& table : {loadRules(), readerRules(), documentRules(), mergeRules()}) {
+        rules.insert(rules.end(), table.begin(), table.end());
+    }
+    return rules;
+}
+
+bool isJson(const Document& document) {
+    for (const KeptFinding& finding : document.findings) {
+        switch (finding.kind) {
+            case FindingKind::TextTooLong:
+            case FindingKind::TooManyValues:
+            case FindingKind::NestingTooDeep:
+            case FindingKind::SyntaxError:
+                return false;
+            default:
+                break;
+        }
+    }
+    return document.isReadable;
+}
+
+void checkDocument(const CheckedDocument& document, Report* report) {
+    if (document.document.isReadable) {
+        applyReaderRules(document, report);
+        applyDocumentRules(document, report);
+    }
+}
+
+int finish(const Report& report, const CheckOptions& options) {
+    if (options.asJson) {
+        report.printJson();
+    } else {
+        report.printText();
+    }
+    const bool isFailed = report.count(Severity::Error) != 0 ||
+                          (options.warningsAreErrors && report.count(Severity::Warning) != 0);
+    return isFailed ? kExitFindings : kExitOk;
+}
+
+}  // namespace
+
+CheckedDocument::CheckedDocument(std::string shownPath, Document read)
+    : document(std::move(read)),
+      source(std::move(shownPath), document.text),
+      outline(isJson(document) ? outlineOf(document.text)
+                               : Outline{OutlineNode(), document.text.size()}) {}
+
+std::vector<const KeptFinding*> CheckedDocument::takenIn(const char* section,
+                                                         const char* name) const {
+    std::vector<const KeptFinding*> taken;
+    for (const KeptFinding& finding : document.findings) {
+        if (finding.kind == FindingKind::Taken && finding.section == section &&
+            (*name == '\0' || finding.name == name)) {
+            taken.push_back(&finding);
+        }
+    }
+    return taken;
+}
+
+const OutlineNode* CheckedDocument::section(const char* key) const {
+    const OutlineNode* const video = findMember(outline.root, targetSpecRoot);
+    return video != nullptr ? findMember(*video, key) : nullptr;
+}
+
+std::string ruleTable() {
+    std::string text;
+    for (const Rule* const rule : allRules()) {
+        char line[160];
+        std::snprintf(line, sizeof(line), "  %-26s %-8s %s\n", rule->id, nameOf(rule->severity),
+                      rule->summary);
+        text += line;
+    }
+    return text;
+}
+
+bool isRule(const std::string& id) {
+    const std::vector<const Rule*> rules = allRules();
+    return std::any_of(rules.begin(), rules.end(),
+                       [&](const Rule* rule) { return rule->id == id; });
+}
+
+int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options) {
+    Report report({options.disabledIds.begin(), options.disabledIds.end()});
+    std::vector<MergedDocuments> checked;  // The report points into these.
+    bool isEachReadable = true;
+    for (const std::string& path : paths) {
+        Document document = readDocumentFile(path);
+        if (!document.isReadable) {
+            std::fprintf(stderr, "kcodec2_spec: cannot read %s\n", path.c_str());
+            isEachReadable = false;
+            continue;
+        }
+        MergedDocuments& alone = checked.emplace_back();
+        alone.push_back(std::make_unique<CheckedDocument>(path, std::move(document)));
+        checkDocument(*alone.front(), &report);
+        applyMergeRules(alone, &report);
+    }
+    const int exitCode = finish(report, options);
+    return isEachReadable ? exitCode : kExitUsage;
+}
+
+int checkDevice(const CheckOptions& options) {
+    Report report({options.disabledIds.begin(), options.disabledIds.end()});
+    Load load = walkLoad();
+    const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
+    CheckedLoad checked = {std::move(load),
+                           {},
+                           Source(deviceFile(specPath), ""),
+                           Source(deviceFile(kPrivateConfig), "")};
+    const auto add = [&](const Document& document) {
+        const std::string path =
+                document.path.empty() ? document.origin : deviceFile(document.path);
+        checked.documents.push_back(std::make_unique<CheckedDocument>(path, document));
+    };
+    if (checked.load.hasSystemSpec()) {
+        add(checked.load.systemSpec);
+    }
+    add(checked.load.overlay);
+
+    applyLoadRules(checked, &report);
+    for (const auto& document : checked.documents) {
+        checkDocument(*document, &report);
+    }
+    applyMergeRules(checked.documents, &report);
+    return finish(report, options);
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,182 @@
+// What a document says that the library's reader does not look at.
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "Text.h"
+#include "check/Rules.h"
+#include "kc2/TargetSpecKeys.h"
+
+namespace kc2::tool {
+
+namespace {
+
+using Emit = std::function<void(Span, std::string)>;
+
+struct DocumentRule {
+    Rule rule;
+    void (*check)(const CheckedDocument& document, const Emit& emit);
+};
+
+void visitAll(const OutlineNode& node, const std::function<void(const OutlineNode&)>& visit) {
+    visit(node);
+    for (const OutlineNode& child : node.children) {
+        visitAll(child, visit);
+    }
+}
+
+void reportUnknownMembers(const OutlineNode* object, const std::string& place,
+                          const std::vector<std::string_view>& known, const Emit& emit) {
+    if (object == nullptr || object->kind != '{') {
+        return;
+    }
+    for (const OutlineNode& member : object->children) {
+        if (std::find(known.begin(), known.end(), member.key) == known.end()) {
+            const std::string near = nearest(member.key, known);
+            emit(member.name, "nothing reads the member \"" + printable(member.key) + "\" of " +
+                                      place +
+                                      (near.empty() ? "" : ". Did you mean \"" + near + "\"?"));
+        }
+    }
+}
+
+void checkUnknownMembers(const CheckedDocument& checked, const Emit& emit) {
+    reportUnknownMembers(&checked.outline.root, "the root", {targetSpecRoot}, emit);
+    reportUnknownMembers(findMember(checked.outline.root, targetSpecRoot), "\"Video\"",
+                         {targetSpecFeatures, targetSpecPresets, targetSpecNimbraModeBitRate,
+                          targetSpecDV, targetSpecCodecPlugins, targetSpecPreProcessingFilters,
+                          targetSpecPerfResourceValues, targetSpecSupportedCodecs,
+                          targetSpecOptionalCodecs, targetSpecSupportedEncPostProcessingFilters},
+                         emit);
+    reportUnknownMembers(
+            checked.section(targetSpecDV), "\"DolbyVision\"",
+            {targetSpecDVProfiles, targetSpecDVMaxMainTierLevel, targetSpecDVMaxHighTierLevel},
+            emit);
+    reportUnknownMembers(checked.section(targetSpecSupportedCodecs), "\"codecs-available\"",
+                         {targetSpecAvailableDecoders, targetSpecAvailableEncoders}, emit);
+}
+
+void checkDuplicateMembers(const CheckedDocument& checked, const Emit& emit) {
+    visitAll(checked.outline.root, [&](const OutlineNode& object) {
+        if (object.kind != '{') {
+            return;
+        }
+        std::unordered_map<std::string_view, const OutlineNode*> last;
+        for (const OutlineNode& member : object.children) {
+            const OutlineNode*& earlier = last[member.key];
+            if (earlier != nullptr) {
+                emit(member.name, "\"" + printable(member.key) +
+                                          "\" stands twice: this one counts, "
+                                          "the one at " +
+                                          checked.source.placeOf(earlier->name.start) +
+                                          " does not");
+            }
+            earlier = &member;
+        }
+    });
+}
+
+void checkLeadingZeros(const CheckedDocument& checked, const Emit& emit) {
+    visitAll(checked.outline.root, [&](const OutlineNode& node) {
+        const std::string_view digits =
+                checked.source.text().substr(node.value.start + (node.kind == '-' ? 1 : 0), 2);
+        const bool isNumber =
+                node.kind == '-' || std::isdigit(static_cast<unsigned char>(node.kind)) != 0;
+        if (isNumber && digits.size() == 2 && digits[0] == '0' &&
+            std::isdigit(static_cast<unsigned char>(digits[1])) != 0) {
+            emit(node.value, "the leading zero does not make the number octal: it is decimal");
+        }
+    });
+}
+
+void checkTrailingText(const CheckedDocument& checked, const Emit& emit) {
+    const std::string_view text = checked.source.text();
+    if (checked.outline.limit < text.size()) {
+        emit({checked.outline.limit, text.size()},
+             "the document ends before this text: nothing reads it");
+    }
+}
+
+void checkPerfWordPairs(const CheckedDocument& checked, const Emit& emit) {
+    for (const KeptFinding* const taken : checked.takenIn(targetSpecPerfResourceValues)) {
+        const auto words = checked.document.content.perfResourceValues.find(taken->name);
+        if (words != checked.document.content.perfResourceValues.end() &&
+            words->second.size() % 2 != 0) {
+            emit({taken->start, taken->limit}, printable(taken->name) + " holds " +
+                                                       std::to_string(words->second.size()) +
+                                                       " words: a resource code lacks its value");
+        }
+    }
+}
+
+// c2.<vendor>.<codec>.<decoder or encoder>, and what distinguishes components of one codec.
+bool hasFormOfComponent(std::string_view name) {
+    std::vector<std::string_view> parts;
+    for (size_t start = 0; start <= name.size();) {
+        const size_t end = std::min(name.find('.', start), name.size());
+        parts.push_back(name.substr(start, end - start));
+        start = end + 1;
+    }
+    for (const std::string_view part : parts) {
+        if (part.empty() || part.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_-") !=
+                                    std::string_view::npos) {
+            return false;
+        }
+    }
+    return parts.size() >= 4 && parts[0] == "c2" &&
+           (parts[3] == "decoder" || parts[3] == "encoder");
+}
+
+void checkCodecNames(const CheckedDocument& checked, const Emit& emit) {
+    const auto checkList = [&](const char* section, const char* name) {
+        for (const KeptFinding* const taken : checked.takenIn(section, name)) {
+            const std::string_view quoted =
+                    checked.source.text().substr(taken->start, taken->limit - taken->start);
+            if (quoted.size() >= 2 && !hasFormOfComponent(quoted.substr(1, quoted.size() - 2))) {
+                emit({taken->start, taken->limit},
+                     "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
+            }
+        }
+    };
+    checkList(targetSpecSupportedCodecs, targetSpecAvailableDecoders);
+    checkList(targetSpecSupportedCodecs, targetSpecAvailableEncoders);
+    checkList(targetSpecOptionalCodecs, "");
+}
+
+constexpr DocumentRule kDocumentRules[] = {
+        {{"unknown-member", Severity::Warning, "a member that nothing reads: a misspelt section"},
+         checkUnknownMembers},
+        {{"duplicate-member", Severity::Warning, "a name that stands twice in one object"},
+         checkDuplicateMembers},
+        {{"leading-zero", Severity::Note, "a number with a leading zero, which is decimal"},
+         checkLeadingZeros},
+        {{"trailing-text", Severity::Warning, "text after the document's end"}, checkTrailingText},
+        {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
+         checkPerfWordPairs},
+        {{"codec-name-form", Severity::Note, "a codec name unlike that of a component"},
+         checkCodecNames},
+};
+
+}  // namespace
+
+void applyDocumentRules(const CheckedDocument& document, Report* report) {
+    for (const DocumentRule& row : kDocumentRules) {
+        row.check(document, [&](Span span, std::string message) {
+            report->add(row.rule, document.source, span, std::move(message));
+        });
+    }
+}
+
+std::vector<const Rule*> documentRules() {
+    std::vector<const Rule*> rules;
+    for (const DocumentRule& row : kDocumentRules) {
+        rules.push_back(&row.rule);
+    }
+    return rules;
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,204 @@
+// Which documents a load reads, and why: each step, and the traps on the way.
+
+#include <cctype>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "Text.h"
+#include "check/Rules.h"
+#include "targetspec/DeviceFile.h"
+#include "targetspec/DevicePaths.h"
+
+namespace kc2::tool {
+
+namespace {
+
+using Emit = std::function<void(const Source&, std::string)>;
+
+struct LoadRule {
+    Rule rule;
+    void (*check)(const CheckedLoad& checked, const Emit& emit);
+};
+
+bool isVariant(const Load& load) {
+    return load.firstPath != std::string(kVendorSpecDirectory) + kSystemSpecName;
+}
+
+// The variant, out of the path that it led to: what stands between directory and file name.
+std::string variantOf(const Load& load) {
+    const std::string_view path = load.firstPath;
+    const std::string_view directory =
+            path.rfind(kOdmSpecDirectory, 0) == 0 ? kOdmSpecDirectory : kVendorSpecDirectory;
+    return std::string(
+            path.substr(directory.size(),
+                        path.size() - directory.size() - std::string_view(kSystemSpecName).size()));
+}
+
+void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
+    const Load& load = checked.load;
+    std::string why = "no variant is set, which selects " + load.firstPath;
+    if (isVariant(load)) {
+        why = "the variant \"" + printable(variantOf(load)) + "\" selects " +
+              printable(load.firstPath);
+        if (load.firstPath.rfind(kVendorSpecDirectory, 0) == 0) {
+            why += std::string(", since the same under ") + kOdmSpecDirectory + " does not exist";
+        }
+    }
+    if (load.systemSpec.path == load.firstPath) {
+        why += ", and that opens";
+    }
+    emit(checked.place, "system spec document: " + why);
+}
+
+void tellOverlay(const CheckedLoad& checked, const Emit& emit) {
+    const Load& load = checked.load;
+    if (!load.overlay.path.empty()) {
+        emit(checked.privatePlace, "private overlay: this file, since it opens");
+        return;
+    }
+    const std::string chip = *load.chip->chip == '\0'
+                                     ? "names no chip"
+                                     : "contains \"" + std::string(load.chip->chip) + "\"";
+    emit(checked.privatePlace, std::string("private overlay: ") + load.overlay.origin +
+                                       ", since this file " +
+                                       (load.isPrivateFileOpen ? "is empty" : "does not open") +
+                                       " and the path " + printable(load.firstPath) + " " + chip);
+}
+
+void tellSeeding(const CheckedLoad& checked, const Emit& emit) {
+    if (checked.load.isSeeded) {
+        emit(checked.privatePlace, std::string("the device would write ") +
+                                           checked.load.overlay.origin + " into this file, since " +
+                                           kCodecTestTool + " is installed");
+    }
+}
+
+void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
+    const Load& load = checked.load;
+    if (!load.hasSystemSpec()) {
+        emit(checked.place, "no system spec document: neither " + printable(load.firstPath) +
+                                    " nor " + kFallbackSystemSpec +
+                                    " opens, so only the overlay (" + load.overlay.origin +
+                                    ") fills the store");
+    } else if (load.systemSpec.path != load.firstPath) {
+        emit(checked.place,
+             "the fallback is read, since " + printable(load.firstPath) + " does not open");
+    }
+}
+
+void checkUnreadable(const CheckedLoad& checked, const Emit& emit) {
+    for (const auto& document : checked.documents) {
+        if (!document->document.isReadable) {
+            emit(document->source, "the file opens, but reading it fails: the device rejects it");
+        }
+    }
+}
+
+void checkLoadWithoutCodecs(const CheckedLoad& checked, const Emit& emit) {
+    const Load& load = checked.load;
+    if (load.systemSpec.content.supportedCodecs.empty() &&
+        load.overlay.content.supportedCodecs.empty()) {
+        emit(checked.place,
+             "no document of the load names a codec component: that enables every component");
+    }
+}
+
+// --- A variant whose directory is not where the library looks
+// -------------------------------------
+
+std::string lettersAndDigitsOf(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
+            result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+    }
+    return result;
+}
+
+// Calls visit(variant) for every variant that has a document under `directory`.
+template <typename Visit>
+void forEachVariantUnder(const std::string& directory, Visit visit) {
+    namespace fs = std::filesystem;
+    const fs::path parent = fs::path(directory).parent_path();
+    const std::string prefix = fs::path(directory).filename();
+    const auto visitChildren = [&](const std::string& devicePath, const auto& visitChild) {
+        std::error_code error;
+        for (fs::directory_iterator child(deviceFile(devicePath), error), end;
+             !error && child != end; child.increment(error)) {
+            visitChild(child->path().filename().string());
+        }
+    };
+    const auto visitIfDocument = [&](const std::string& variant) {
+        std::error_code error;
+        if (fs::exists(deviceFile(directory + variant + kSystemSpecName), error)) {
+            visit(variant);
+        }
+    };
+    visitChildren(parent, [&](const std::string& name) {
+        if (name.rfind(prefix, 0) == 0 && name != prefix) {
+            visitIfDocument(name.substr(prefix.size()));
+        }
+    });
+    visitChildren(directory, [&](const std::string& name) { visitIfDocument("/" + name); });
+}
+
+void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
+    const Load& load = checked.load;
+    if (!isVariant(load) || load.systemSpec.path == load.firstPath) {
+        return;
+    }
+    const std::string wanted = lettersAndDigitsOf(variantOf(load));
+    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        forEachVariantUnder(directory, [&](const std::string& variant) {
+            const std::string found = lettersAndDigitsOf(variant);
+            if (!nearest(wanted, std::vector<std::string>{found}).empty()) {
+                emit(checked.place, directory + printable(variant) + kSystemSpecName +
+                                            " exists: the variant \"" + printable(variant) +
+                                            "\" would select it, \"" + printable(variantOf(load)) +
+                                            "\" does not (it follows \"media\" as it is, with no "
+                                            "\"/\" between)");
+            }
+        });
+    }
+}
+
+constexpr LoadRule kLoadRules[] = {
+        {{"system-spec", Severity::Note, "which system spec document the load reads, and why"},
+         tellSystemSpec},
+        {{"overlay", Severity::Note, "which document the load merges second, and why"},
+         tellOverlay},
+        {{"private-file-seeded", Severity::Note, "a private file that the device would write"},
+         tellSeeding},
+        {{"spec-missing", Severity::Warning, "a system spec document that does not open"},
+         checkMissingSpec},
+        {{"unreadable", Severity::Error, "a document that opens and cannot be read"},
+         checkUnreadable},
+        {{"load-without-codecs", Severity::Warning,
+          "a load that names no component: all are enabled"},
+         checkLoadWithoutCodecs},
+        {{"variant-nearby", Severity::Warning, "a variant that misses a directory near by"},
+         checkVariantNearby},
+};
+
+}  // namespace
+
+void applyLoadRules(const CheckedLoad& load, Report* report) {
+    for (const LoadRule& row : kLoadRules) {
+        row.check(load, [&](const Source& source, std::string message) {
+            report->addForFile(row.rule, source, std::move(message));
+        });
+    }
+}
+
+std::vector<const Rule*> loadRules() {
+    std::vector<const Rule*> rules;
+    for (const LoadRule& row : kLoadRules) {
+        rules.push_back(&row.rule);
+    }
+    return rules;
+}
+
+}  // namespace kc2::tool

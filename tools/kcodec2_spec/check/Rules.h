@@ -1,0 +1,63 @@
+// The rules of the checker: three tables, one for each thing that a rule looks at. To add a rule,
+// add a row and, in the tables with a function, the function.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Documents.h"
+#include "check/Outline.h"
+#include "check/Report.h"
+#include "check/Source.h"
+
+namespace kc2::tool {
+
+// A document with everything that rules look at.
+struct CheckedDocument {
+    CheckedDocument(std::string shownPath, Document read);
+    CheckedDocument(const CheckedDocument&) = delete;
+    CheckedDocument& operator=(const CheckedDocument&) = delete;
+
+    // The values that the reader took in a section, in the order in which it took them.
+    std::vector<const KeptFinding*> takenIn(const char* section, const char* name = "") const;
+
+    // The member of "Video"; null when there is none.
+    const OutlineNode* section(const char* key) const;
+
+    Document document;
+    Source source;    // Of document.text.
+    Outline outline;  // Of the text, as far as it is JSON.
+};
+
+// The documents of a load in the order in which they are merged, or one document alone.
+using MergedDocuments = std::vector<std::unique_ptr<CheckedDocument>>;
+
+// One load of a whole device.
+struct CheckedLoad {
+    Load load;
+    MergedDocuments documents;
+    Source place;         // What findings about the load as a whole name: the system spec's path.
+    Source privatePlace;  // The same of the private file.
+};
+
+// What the library's reader found in a document.
+void applyReaderRules(const CheckedDocument& document, Report* report);
+
+// What a document says that the reader does not look at.
+void applyDocumentRules(const CheckedDocument& document, Report* report);
+
+// What the merged documents come to.
+void applyMergeRules(const MergedDocuments& documents, Report* report);
+
+// Which documents the load reads, and why.
+void applyLoadRules(const CheckedLoad& load, Report* report);
+
+// The rules of each table, for --help and --disable.
+std::vector<const Rule*> readerRules();
+std::vector<const Rule*> documentRules();
+std::vector<const Rule*> mergeRules();
+std::vector<const Rule*> loadRules();
+
+}  // namespace kc2::tool
