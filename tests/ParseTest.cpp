@@ -187,19 +187,24 @@ TEST_F(ParseTest, ASecondDocumentAddsButReplacesOnlyTierLevels) {
     ASSERT_EQ(0u, parse(mSpec, first));
     ASSERT_EQ(0u, parse(mSpec, R"({"Video": {
         "Features": {"a": true, "b": true}, "Presets": {"a": 2, "b": 2},
-        "perf-resource-values": {"a": ["2"], "b": ["2"]}}})"));
-    EXPECT_EQ(
-            "feature a 0\nfeature b 1\npreset a 1\npreset b 2\nperf a 1\nperf b 2\nrow 1 2 3\n"
-            "profile 5\nlevels 9 7\nplugin p\npre f\nencpost e\ncodec c\n",
-            contentOf(mSpec));
-    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"DolbyVision": {"profiles": [9]}}})"));
+        "perf-resource-values": {"a": ["2"], "b": ["2"]},
+        "NimbraModeBitrateTable": [[0, 2, 4]], "KC2CodecPlugins": ["o"],
+        "KC2PreProcessingFilters": ["d"], "KC2EncPostProcessingFilters": ["d"],
+        "codecs-available": {"encoders": ["b"]}}})"));
+    const std::string names =
+            "feature a 0\nfeature b 1\npreset a 1\npreset b 2\nperf a 1\nperf b 2\n";
+    EXPECT_EQ(names + "row 1 2 3\nrow 0 2 4\nprofile 5\nlevels 9 7\nplugin p\nplugin o\n"
+                      "pre f\npre d\nencpost e\nencpost d\ncodec b\ncodec c\n",
+              contentOf(mSpec));
+    ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"DolbyVision": {"profiles": [4]}}})"));
+    EXPECT_EQ(0, mSpec.getDVConfigs().maxMainTierLevel);
+    EXPECT_EQ(0, mSpec.getDVConfigs().maxHighTierLevel);
     ASSERT_EQ(0u, parse(mSpec, first));
     ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"DolbyVision": {"max_high_tier_level": 3}}})"));
-    EXPECT_EQ(
-            "feature a 0\nfeature b 1\npreset a 1\npreset b 2\nperf a 1\nperf b 2\n"
-            "row 1 2 3\nrow 1 2 3\nprofile 5\nprofile 9\nlevels 0 3\nplugin p\nplugin p\n"
-            "pre f\npre f\nencpost e\nencpost e\ncodec c\n",
-            contentOf(mSpec));
+    EXPECT_EQ(names + "row 1 2 3\nrow 0 2 4\nrow 1 2 3\nprofile 4\nprofile 5\nlevels 0 3\n"
+                      "plugin p\nplugin o\nplugin p\npre f\npre d\npre f\n"
+                      "encpost e\nencpost d\nencpost e\ncodec b\ncodec c\n",
+              contentOf(mSpec));
 }
 
 TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
