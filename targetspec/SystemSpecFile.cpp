@@ -18,9 +18,8 @@ std::string openSystemSpec(std::ifstream& stream) {
     }
     KC2_LOG_ERROR(log::kTagTargetSpec, "Failed to open %s", path.c_str());
     KC2_LOG_WARNING(log::kTagTargetSpec, "Falling back to %s", kFallbackSystemSpec);
-    stream.clear();  // The failed open must not make the fallback look failed.
     stream.open(deviceFile(kFallbackSystemSpec));
-    if (stream.is_open()) {
+    if (stream.is_open()) {  // Which has cleared the stream's failed state.
         return kFallbackSystemSpec;
     }
     KC2_LOG_ERROR(log::kTagTargetSpec, "Failed to open %s... Exit!", kFallbackSystemSpec);

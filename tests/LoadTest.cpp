@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -55,6 +57,21 @@ Loaded load(
         }
     }
     return loaded;
+}
+
+// Every query, on the store of kSpec and kPrivate.
+bool answersRight(TargetSpec& spec) {
+    int value = 0;
+    unsigned int wanted = 1;
+    std::list<std::string> names;
+    return spec.isFeatureEnabled("private") && !spec.isFeatureEnabled("both") &&
+           spec.getPresetValue("none", &value) == SPEC_NOT_FOUND &&
+           spec.getPerfResourceValues("none").empty() &&
+           spec.getNimbraModeBitRateValue(&wanted) == 0xFFFFFFFF &&
+           spec.getDVConfigs().profiles.empty() && spec.getCodecPlugins(&names) == SPEC_OK &&
+           spec.getPreprocessingFilters(&names) == SPEC_OK &&
+           spec.getEncPostprocessingFilters(&names) == SPEC_OK && names.empty() &&
+           spec.getSupportedCodecs().empty();
 }
 
 class LoadTest : public testing::Test {
@@ -329,53 +346,44 @@ TEST_F(LoadTest, APrivateFileMayBeRewrittenMeanwhile) {
     }
 }
 
+// The system spec document is a pipe, so the first caller loads until it is written to, and all
+// others have arrived by then.
 TEST_F(LoadTest, ManyFirstCallersShareOneLoad) {
-    mDevice.write(kVariantSpec, kSpec);
+    ASSERT_EQ(0, mkfifo(mDevice(kVariantSpec).c_str(), 0600));
     mDevice.write(kPrivateFile, kPrivate);
     host::setLogLevel(0x2);
     const Lines lines = inOwnProcess([&] {
-        std::atomic<int> waiting{16};
         std::vector<TargetSpec*> instances(16);
+        std::atomic<size_t> arrived{0};
+        std::atomic<int> failures{0};
         std::vector<std::thread> threads;
         threads.reserve(instances.size());
-        std::atomic<int> failures{0};
         for (TargetSpec*& instance : instances) {
             threads.emplace_back([&] {
-                --waiting;
-                while (waiting != 0) {
-                }
+                ++arrived;
                 instance = TargetSpec::Get();
-                TargetSpec& spec = *instance;
-                int value = 0;
-                unsigned int wanted = 1;
-                std::list<std::string> names;
-                const bool isRight = spec.isFeatureEnabled("private") &&
-                                     !spec.isFeatureEnabled("both") &&
-                                     spec.getPresetValue("none", &value) == SPEC_NOT_FOUND &&
-                                     spec.getPerfResourceValues("none").empty() &&
-                                     spec.getNimbraModeBitRateValue(&wanted) == 0xFFFFFFFF &&
-                                     spec.getDVConfigs().profiles.empty() &&
-                                     spec.getCodecPlugins(&names) == SPEC_OK &&
-                                     spec.getPreprocessingFilters(&names) == SPEC_OK &&
-                                     spec.getEncPostprocessingFilters(&names) == SPEC_OK &&
-                                     spec.getSupportedCodecs().empty();
-                failures += isRight ? 0 : 1;
+                failures += answersRight(*instance) ? 0 : 1;
             });
         }
+        while (arrived != instances.size()) {
+            std::this_thread::yield();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        mDevice.write(kVariantSpec, kSpec);
         for (std::thread& thread : threads) {
             thread.join();
         }
-        mDevice.write(kPrivateFile, kSpec);
+        mDevice.write(kPrivateFile, kSpec);  // No later call reads it.
         for (TargetSpec* instance : instances) {
-            failures += instance == TargetSpec::Get() ? 0 : 1;
+            failures += instance == TargetSpec::Get() && answersRight(*instance) ? 0 : 1;
         }
-        Lines dumps = {std::to_string(failures)};
+        Lines result = {std::to_string(failures)};
         for (const std::string& line : mDevice.takeLog()) {
             if (line.find("Features:") != std::string::npos) {
-                dumps.push_back(line);
+                result.push_back(line);
             }
         }
-        return dumps;
+        return result;
     });
     EXPECT_EQ((Lines{"0", "I/KC2TargetSpec: Video Core Features:"}), lines);
 }

@@ -2,7 +2,9 @@
 // second document changes.
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 
@@ -90,6 +92,8 @@ TEST_F(ParseTest, ABadValueCostsOnlyItself) {
             {R"("Presets": {"a": 2147483648, "b": 2})",
              "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
             {R"("Presets": {"a": -2147483648.5, "b": 2})",
+             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("Presets": {"a": 2147483647.5, "b": 2})",
              "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
             {R"("Presets": {"a": 99999999999999999999, "b": 2})",
              "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
@@ -226,7 +230,22 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     directory.exceptions(std::ios::badbit);
     EXPECT_EQ(kFailed, mSpec.parseJsonData(directory));
     EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
-    EXPECT_EQ(Lines(3, kStreamErrorLine), mDevice.takeLog());
+    // A whole document, blanks, and an error before their end: the process's memory, up to a page
+    // that is not there.
+    const size_t size = size_t{64} << 10;
+    char* const memory = static_cast<char*>(
+            mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    munmap(memory + size, size);
+    const std::string text = R"({"Video": {"OptionalCodecs": ["b"]}})";
+    std::fill(memory, memory + size, ' ');
+    std::copy(text.begin(), text.end(), memory);
+    std::ifstream tornOff("/proc/self/mem");
+    tornOff.seekg(reinterpret_cast<std::streamoff>(memory));
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(tornOff));
+    munmap(memory, size);
+
+    EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
+    EXPECT_EQ(Lines(4, kStreamErrorLine), mDevice.takeLog());
 
     std::ifstream failed;
     failed.setstate(std::ios::badbit);
