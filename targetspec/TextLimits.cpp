@@ -96,6 +96,11 @@ std::optional<LimitBreach> findLimitBreach(std::string_view text) {
             case '/':
                 at = lastOfComment(text, at);
                 break;
+            case 'n':
+                if (depth == 0) {
+                    return std::nullopt;  // A null root; it holds nothing.
+                }
+                break;
             default:
                 break;
         }
