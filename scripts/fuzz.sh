@@ -1,0 +1,41 @@
+#!/bin/sh
+# Runs each fuzz target for a bounded time, with ASan and UBSan, on the device's object code:
+# fuzz.sh [SECONDS] (20 for each target by default). What is found is kept in build/asan/fuzz-found.
+set -eu
+
+seconds=${1:-20}
+case $seconds in
+    '' | 0* | *[!0-9]*)
+        echo "usage: fuzz.sh [SECONDS]; SECONDS is a whole number above 0, not \"$seconds\"" >&2
+        exit 2 ;;
+esac
+
+cd "$(dirname "$0")/.."
+build=build/asan
+work=$build/fuzz-work
+found=$build/fuzz-found
+
+cmake --preset asan > /dev/null
+cmake --build --preset asan --target fuzz_document fuzz_values
+
+# Seeds: the built-in documents, the examples, and hand-written ones, under names of their own.
+rm -rf "$work/seeds"
+mkdir -p "$work/seeds" "$found"
+find targetspec/defaults fuzz/corpus $([ ! -d examples ] || echo examples) -name '*.json' |
+    while read -r document; do
+        cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
+    done
+
+# run TARGET OPTION...: libFuzzer prints what it does; its last lines count the executions.
+run() {
+    target=$1
+    shift
+    mkdir -p "$work/$target"
+    echo "fuzz.sh: $target for $seconds s"
+    "$build/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+        -print_final_stats=1 -artifact_prefix="$found/$target-" "$@"
+}
+
+run fuzz_document -dict=fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
+run fuzz_values -max_len=4000 "$work/fuzz_values"
+echo "fuzz.sh: nothing found"
