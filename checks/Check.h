@@ -1,0 +1,13 @@
+// What the check programs share: a condition that ends the program with a line when it is false.
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+
+#define CHECK(condition)                                                                 \
+    do {                                                                                 \
+        if (!(condition)) {                                                              \
+            std::fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
+            std::exit(1);                                                                \
+        }                                                                                \
+    } while (false)

@@ -1,0 +1,256 @@
+#!/usr/bin/env python3
+"""Checks a built library as a loader and a linker see it: check-binary.py LIBRARY
+
+Takes a library of a host build or of a device build, with its symbol table (not stripped). Prints a
+line for each check, and exits with 1 when one fails.
+"""
+
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+MAP = ROOT / "libkcodec2_platform.map.txt"
+KEYS_HEADER = ROOT / "include/kc2/TargetSpecKeys.h"
+SONAME = "libkcodec2_platform.so"
+
+# What the device brings: liblog and the base library. "*" stands for the spelling of std::string.
+PLATFORM_NAMES = (
+    r"__android_log_print",
+    r"_ZN3kc211gC2LogLevelE",
+    r"_ZN3kc214updateLogLevelEv",
+    r"_ZN3kc22OS14SystemProperty3Get.*EPKcS\d_",
+    r"_ZN3kc29PixFormat3StrEj",
+)
+HOST_NAMES = r"_ZN3kc24host.*"
+JSONCPP_NAMES = r"_ZNK?4Json.*"
+# Symbols of the C and C++ libraries carry a version, except libc++'s outside of Android.
+STANDARD_VERSIONS = r".+@(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
+LIBCXX_NAMES = r"(_ZNK?St|_ZT[VT]NSt|_ZTVN10__cxxabiv1|_Zn[wa]m|_Zd[la]Pv|__gxx_personality_v0).*"
+# Hooks of the toolchain that may be absent at run time.
+OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
+
+# What a throw, a catch or a clean-up on the way of an exception refers to.
+EXCEPTION_NAMES = (r"__cxa_(throw|rethrow|begin_catch|end_catch|allocate_exception)|_Unwind_Resume|"
+                   r"__gxx_personality_v0")
+
+
+class Symbol:
+    def __init__(self, fields):
+        self.address = int(fields[1], 16)
+        self.size = int(fields[2], 0)
+        self.type, self.binding = fields[3], fields[4]
+        self.section = fields[6]
+        self.name = fields[7] if len(fields) > 7 else ""
+
+    @property
+    def is_undefined(self):
+        return self.section == "UND"
+
+
+class Library:
+    """The parts of an ELF file that the checks ask for, as readelf prints them."""
+
+    def __init__(self, path):
+        self.path = path
+        self.dynamic_symbols = self._symbols("--dyn-syms")
+        self.symbols = self._symbols("--symbols")
+        self.dynamic = self._readelf("--dynamic")
+        self.segments = self._readelf("--program-headers")
+        self.sections = {}
+        for line in self._readelf("--section-headers").splitlines():
+            match = re.match(r"\s*\[\s*(\d+)\]\s+(\S+)\s+\S+\s+([0-9a-f]+)\s+[0-9a-f]+"
+                             r"\s+([0-9a-f]+)\s+[0-9a-f]+\s+([A-Zop]*)\s", line)
+            if match:
+                number, name, address, size, flags = match.groups()
+                self.sections[number] = (name, int(address, 16), int(size, 16), flags)
+
+    def _readelf(self, option):
+        return subprocess.run(["readelf", "--wide", option, self.path], check=True, text=True,
+                              stdout=subprocess.PIPE).stdout
+
+    def _symbols(self, option):
+        lines = self._readelf(option).split("Symbol table '.symtab'")
+        text = lines[-1] if option == "--symbols" and len(lines) > 1 else lines[0]
+        return [Symbol(line.split()) for line in text.splitlines() if re.match(r"\s*\d+: ", line)]
+
+    def exported(self, name):
+        found = [symbol for symbol in self.dynamic_symbols
+                 if symbol.name == name and not symbol.is_undefined]
+        return found[0] if found else None
+
+    def undefined(self):
+        return [symbol for symbol in self.dynamic_symbols if symbol.is_undefined and symbol.name]
+
+    def needed(self):
+        return re.findall(r"\(NEEDED\).*\[(.*)\]", self.dynamic)
+
+    @property
+    def is_of_host(self):
+        return any("kcodec2_hostplatform" in name for name in self.needed())
+
+    def relro(self):
+        """The addresses that are read-only once the library is loaded: start and end."""
+        match = re.search(r"GNU_RELRO\s+0x[0-9a-f]+ 0x([0-9a-f]+) \S+ \S+ 0x([0-9a-f]+)",
+                          self.segments)
+        return (int(match[1], 16), int(match[1], 16) + int(match[2], 16)) if match else (0, 0)
+
+    def initialisers(self):
+        """The names of the functions in .init_array."""
+        for _, address, size, _ in (s for s in self.sections.values() if s[0] == ".init_array"):
+            entries = []
+            for line in self._readelf("--relocs").splitlines():
+                fields = line.split()
+                if len(fields) >= 4 and re.fullmatch(r"[0-9a-f]{16}", fields[0]):
+                    if address <= int(fields[0], 16) < address + size:
+                        entries.append(self._function_at(int(fields[-1], 16)))
+            return entries if len(entries) == size // 8 else entries + ["an unknown function"]
+        return []
+
+    def _function_at(self, address):
+        names = [symbol.name for symbol in self.symbols
+                 if symbol.type == "FUNC" and symbol.address == address]
+        return names[0] if names else hex(address)
+
+
+# Each check returns what is wrong, a line each.
+
+def exports(library):
+    """exports exactly what the linker map lists"""
+    run = subprocess.run([ROOT / "scripts/check-exports.sh", MAP, library.path], text=True,
+                         stdout=subprocess.PIPE)
+    return run.stdout.splitlines() or ([] if run.returncode == 0 else ["check-exports.sh failed"])
+
+
+def pixel_formats(library):
+    """the 18 pixel formats are weak, read-only objects of 4 bytes"""
+    names = re.findall(r"^\s*(_ZN3kc29PixFormat\S+);", MAP.read_text(), re.MULTILINE)
+    wrong = [] if len(names) == 18 else [f"{MAP.name} lists {len(names)} of them"]
+    for name in names:
+        symbol = library.exported(name)
+        if symbol is None:
+            wrong.append(f"{name} is missing")
+        elif (symbol.binding, symbol.type, symbol.size) != ("WEAK", "OBJECT", 4):
+            wrong.append(f"{name}: {symbol.binding} {symbol.type} of {symbol.size} bytes")
+        elif "W" in library.sections[symbol.section][3]:
+            wrong.append(f"{name} is writable")
+    return wrong
+
+
+def key_names(library):
+    """the 20 key names are writable pointers, one after the other in the header's order"""
+    names = re.findall(r"^extern const char\* (\w+);", KEYS_HEADER.read_text(), re.MULTILINE)
+    wrong = [] if len(names) == 20 else [f"{KEYS_HEADER.name} declares {len(names)} of them"]
+    relro_start, relro_end = library.relro()
+    expected = None
+    for name in names:
+        symbol = library.exported(f"_ZN3kc2{len(name)}{name}E")
+        if symbol is None:
+            wrong.append(f"{name} is missing")
+            continue
+        if (symbol.binding, symbol.type, symbol.size) != ("GLOBAL", "OBJECT", 8):
+            wrong.append(f"{name}: {symbol.binding} {symbol.type} of {symbol.size} bytes")
+        if ("W" not in library.sections[symbol.section][3]
+                or relro_start <= symbol.address < relro_end):
+            wrong.append(f"{name} is read-only")
+        if expected is not None and symbol.address != expected:
+            wrong.append(f"{name} lies at {symbol.address:#x}, not at {expected:#x}")
+        expected = symbol.address + 8
+    return wrong
+
+
+def unique_symbols(library):
+    """no symbol has unique-global binding, which would pin the library in memory"""
+    return [symbol.name for symbol in library.symbols if symbol.binding == "UNIQUE"]
+
+
+def load_time(library):
+    """one load-time initialiser of its own, the format table's; none of iostream"""
+    own = [name for name in library.initialisers() if name != "frame_dummy"]
+    wrong = []
+    if len(own) != 1 or not re.match(r"_GLOBAL__sub_I_.*TamraBufferLayout", own[0]):
+        wrong.append("initialisers: " + (", ".join(own) or "none"))
+    if "PREINIT_ARRAY" in library.dynamic:
+        wrong.append("it has pre-initialisers")
+    return wrong + [symbol.name for symbol in library.undefined()
+                    if re.match(r"_ZNSt.*8ios_base4Init", symbol.name)]
+
+
+def hardening(library):
+    """full RELRO, immediate binding, no executable stack, no text relocations"""
+    wrong = []
+    relro_start, relro_end = library.relro()
+    if relro_start == relro_end:
+        wrong.append("no RELRO segment")
+    for name, address, size, _ in library.sections.values():
+        if name in (".got", ".got.plt", ".init_array", ".data.rel.ro", ".dynamic") and not (
+                relro_start <= address and address + size <= relro_end):
+            wrong.append(f"{name} stays writable")
+    if "BIND_NOW" not in library.dynamic:
+        wrong.append("symbols are bound lazily")
+    stack = re.search(r"GNU_STACK(.*)", library.segments)
+    if stack is None or "E" in re.sub(r"0x\S+", "", stack[1]):
+        wrong.append("the stack is executable")
+    if "TEXTREL" in library.dynamic:
+        wrong.append("the code has relocations")
+    return wrong
+
+
+def names_of_files(library):
+    """the SONAME is libkcodec2_platform.so, and a device's library has no path in it"""
+    wrong = []
+    if f"Library soname: [{SONAME}]" not in library.dynamic:
+        wrong.append("another SONAME, or none")
+    if not library.is_of_host and re.search(r"\((RPATH|RUNPATH)\)", library.dynamic):
+        wrong.append(re.search(r"\((?:RPATH|RUNPATH)\).*", library.dynamic)[0])
+    return wrong
+
+
+def undefined_symbols(library):
+    """takes only the standard libraries, JsonCpp and the five platform names from outside"""
+    wrong = []
+    platform = set()
+    for symbol in library.undefined():
+        name = symbol.name
+        matching = [pattern for pattern in PLATFORM_NAMES if re.fullmatch(pattern, name)]
+        platform.update(matching)
+        if not (matching or re.fullmatch(STANDARD_VERSIONS, name)
+                or re.fullmatch(JSONCPP_NAMES, name) or re.fullmatch(LIBCXX_NAMES, name)
+                or (library.is_of_host and re.fullmatch(HOST_NAMES, name))
+                or (symbol.binding == "WEAK" and re.fullmatch(OPTIONAL_NAMES, name))):
+            wrong.append(name)
+    return wrong + [f"{name} is not used" for name in sorted(set(PLATFORM_NAMES) - platform)]
+
+
+def exceptions(library):
+    """a device's library throws nothing, catches nothing and cleans up after no exception"""
+    if library.is_of_host:
+        return []
+    return [symbol.name for symbol in library.undefined()
+            if re.match(EXCEPTION_NAMES, symbol.name)]
+
+
+CHECKS = (exports, pixel_formats, key_names, unique_symbols, load_time, hardening, names_of_files,
+          undefined_symbols, exceptions)
+
+
+def main():
+    if len(sys.argv) != 2 or sys.argv[1].startswith("-"):
+        sys.exit("usage: check-binary.py LIBRARY")
+    try:
+        library = Library(sys.argv[1])
+    except subprocess.CalledProcessError:
+        sys.exit(f"check-binary.py: {sys.argv[1]} is no library that readelf can read")
+    failed = False
+    for check in CHECKS:
+        wrong = check(library)
+        print(f"{'FAILED' if wrong else 'ok':6} {check.__doc__}")
+        for line in wrong:
+            print(f"       {line}")
+        failed = failed or bool(wrong)
+    sys.exit(1 if failed else 0)
+
+
+if __name__ == "__main__":
+    main()
