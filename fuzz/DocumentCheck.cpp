@@ -127,19 +127,18 @@ void checkDocument(std::string_view text) {
     [[maybe_unused]] static const bool isSetUp = (setUp(), true);
     static const TextFile file;
 
-    TargetSpec emptyStore;
-    StoreContent emptyContent;
-    TargetSpec filledStore;
-    file.write(kEarlierDocument);
-    require(parse(file.path(), &filledStore) == 0, "the earlier document is one");
-    StoreContent filledContent = contentOf(filledStore);
+    TargetSpec store;
+    if (text.size() % 2 == 0) {  // The others meet an empty store.
+        file.write(kEarlierDocument);
+        require(parse(file.path(), &store) == 0, "the earlier document is one");
+    }
+    StoreContent content = contentOf(store);
 
     file.write(text);
     const std::optional<ExpectedDocument> expected = expectedDocument(text);
-    checkParse(file.path(), expected, &emptyStore, &emptyContent);
-    checkParse(file.path(), expected, &emptyStore, &emptyContent);
-    checkParse(file.path(), expected, &filledStore, &filledContent);
-    emptyStore.printSpecifications();
+    checkParse(file.path(), expected, &store, &content);
+    checkParse(file.path(), expected, &store, &content);
+    store.printSpecifications();
 }
 
 }  // namespace kc2::fuzz

@@ -179,8 +179,8 @@ private:
 
     // Containers in containers, around the parser's limit when it comes to that.
     void writeTower() {
-        const int levels = mInput.ConsumeBool() ? mInput.ConsumeIntegralInRange(985, 1005)
-                                                : mInput.ConsumeIntegralInRange(1, 4);
+        const int levels = rarely() ? mInput.ConsumeIntegralInRange(985, 1005)
+                                    : mInput.ConsumeIntegralInRange(1, 4);
         const bool isObject = mInput.ConsumeBool();
         for (int i = 0; i < levels; ++i) {
             mText += isObject ? "{\"0\":" : "[";

@@ -27,7 +27,8 @@ HOST_NAMES = r"_ZN3kc24host.*"
 JSONCPP_NAMES = r"_ZNK?4Json.*"
 # Symbols of the C and C++ libraries carry a version, except libc++'s outside of Android.
 STANDARD_VERSIONS = r".+@(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
-LIBCXX_NAMES = r"(_ZNK?St|_ZT[VT]NSt|_ZTVN10__cxxabiv1|_Zn[wa]m|_Zd[la]Pv|__gxx_personality_v0).*"
+LIBCXX_NAMES = (r"(_ZNK?St|_ZT[VT]NSt|_ZTv0_n\d+_NSt|_ZTVN10__cxxabiv1|_Zn[wa]m|_Zd[la]Pv|"
+                r"__gxx_personality_v0).*")
 # Hooks of the toolchain that may be absent at run time.
 OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
 

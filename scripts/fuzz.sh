@@ -26,15 +26,24 @@ find targetspec/defaults fuzz/corpus $([ ! -d examples ] || echo examples) -name
         cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
     done
 
-# run TARGET OPTION...: libFuzzer prints what it does; its last lines count the executions.
+# run TARGET OPTION...: shows libFuzzer's own account when it finds something, else its figures.
 run() {
     target=$1
     shift
     mkdir -p "$work/$target"
     echo "fuzz.sh: $target for $seconds s"
-    "$build/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
-        -print_final_stats=1 -artifact_prefix="$found/$target-" "$@"
+    if ! "$build/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -verbosity=0 \
+        -print_final_stats=1 -artifact_prefix="$found/$target-" "$@" > "$work/$target.log" 2>&1
+    then
+        cat "$work/$target.log"
+        echo "fuzz.sh: $target found something; the input is in $found/" >&2
+        exit 1
+    fi
+    grep -E "executed_units|exec_per_sec" "$work/$target.log"
 }
+
+# Short stacks with each allocation: half of the time would go into recording them.
+export ASAN_OPTIONS=malloc_context_size=5
 
 run fuzz_document -dict=fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
 run fuzz_values -max_len=4000 "$work/fuzz_values"
