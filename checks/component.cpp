@@ -1,8 +1,7 @@
 // A component that uses the library, for reload.cpp to load and unload.
 
-#include <cstdint>
 #include <fstream>
-#include <iterator>
+#include <list>
 #include <string>
 
 #include "checks/Check.h"
@@ -12,38 +11,8 @@
 #include "kc2/PixFormat.h"
 #include "kc2/TamraBufferLayout.h"
 #include "kc2/TargetSpec.h"
-#include "kc2/TargetSpecKeys.h"
 
 namespace {
-
-// Position-independent code sees the globals where the library has them.
-void checkKeyOrder() {
-    const char** const inOrder[] = {
-            &kc2::targetSpecRoot,
-            &kc2::targetSpecFeatures,
-            &kc2::targetSpecPresets,
-            &kc2::targetSpecNimbraModeBitRate,
-            &kc2::targetSpecDV,
-            &kc2::targetSpecCodecPlugins,
-            &kc2::targetSpecPreProcessingFilters,
-            &kc2::targetSpecDVProfiles,
-            &kc2::targetSpecDVMaxMainTierLevel,
-            &kc2::targetSpecDVMaxHighTierLevel,
-            &kc2::targetSpecPreProcessingFilterCodecName,
-            &kc2::targetSpecPreProcessingFilterLibName,
-            &kc2::targetSpecPreProcessingFilterInputStreams,
-            &kc2::targetSpecPreProcessingFilterOutputStreams,
-            &kc2::targetSpecSupportedCodecs,
-            &kc2::targetSpecAvailableDecoders,
-            &kc2::targetSpecAvailableEncoders,
-            &kc2::targetSpecSupportedEncPostProcessingFilters,
-            &kc2::targetSpecOptionalCodecs,
-            &kc2::targetSpecPerfResourceValues,
-    };
-    for (size_t i = 0; i < std::size(inOrder); ++i) {
-        CHECK(inOrder[i] == inOrder[0] + i);
-    }
-}
 
 void usePlatform() {
     using Layout = kc2::Platform::TamraBufferLayout;
@@ -71,7 +40,6 @@ void useStore() {
 }  // namespace
 
 extern "C" [[gnu::visibility("default")]] void useLibrary() {
-    checkKeyOrder();
     usePlatform();
     useStore();
 }

@@ -92,6 +92,6 @@ compile() {
     done
 } > "$work/build.ninja"
 
-ninja -f "$work/build.ninja" -k 0
+ninja --quiet -f "$work/build.ninja" -k 0
 echo "check-builds.sh: all compiled, without a warning"
 scripts/check-binary.py "$work/libc++/libkcodec2_platform.so"

@@ -8,7 +8,8 @@
  * Assign only while no other thread loads a document. A null pointer names no member. The texts are
  * constants that live as long as the library.
  *
- * The globals lie one after the other in memory, in the order of this file.
+ * The globals lie one after the other in the library's memory, in the order of this file. A program
+ * that GNU ld links with copy relocations has its copies in another order; the library uses those.
  */
 #pragma once
 
