@@ -9,7 +9,7 @@
 #include <exception>
 #include <limits>
 
-#include "hostplatform/TargetSpecInspector.h"
+#include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::fuzz {
 

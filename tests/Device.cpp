@@ -15,7 +15,7 @@
 
 #include "base/BaseLibrary.h"
 #include "hostplatform/HostPlatform.h"
-#include "hostplatform/TargetSpecInspector.h"
+#include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::test {
 

@@ -17,7 +17,7 @@
 
 #include "Device.h"
 #include "hostplatform/HostPlatform.h"
-#include "hostplatform/TargetSpecInspector.h"
+#include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::test {
 

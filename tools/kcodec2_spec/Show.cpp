@@ -13,10 +13,10 @@
 #include "DeviceOptions.h"
 #include "Documents.h"
 #include "Text.h"
-#include "hostplatform/TargetSpecInspector.h"
 #include "kc2/TargetSpec.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::tool {
 
