@@ -58,10 +58,11 @@ struct DVConfigs {
  *
  * Documents are untrusted input. A document that is not valid JSON, whose root or "Video" is
  * neither an object nor null, that nests deeper than the parser's limit (1,000 levels), or that is
- * larger than 64 MiB or 4 Mi values is rejected whole: one error line, and the store stays as it
+ * larger than 32 MiB or 1 Mi values is rejected whole: one error line, and the store stays as it
  * was. Below that a bad value costs only its own section, named entry or table row, with one
  * warning line that names the place; a perf-resource name with one bad element is skipped whole, so
  * that resource codes and their values never slip out of step. Nothing here throws.
+ * A document nested to the limit needs about 512 KiB of the calling thread's stack.
  *
  * Tools and tests may default-construct a store of their own and merge documents into it. Only the
  * queries and printSpecifications() are safe to call concurrently, and only on a store that no
@@ -200,7 +201,8 @@ public:
      * file is first seeded with the built-in document, and this load then merges the built-in
      * document whether or not the file could be written. A file with content is never written to,
      * unless it cannot be opened for reading at all. A seed that cannot be written whole is left
-     * empty, so that the next load seeds it again.
+     * empty, so that the next load seeds it again. A pipe in its place counts as a file that cannot
+     * be opened, and is not written to: opening it could wait for ever.
      * @return 0xFFFFFFFF when the document was rejected; an empty private file without the test
      * tool counts as that.
      */

@@ -23,11 +23,11 @@ struct ReaderRule {
 
 constexpr ReaderRule kReaderRules[] = {
         {FindingKind::TextTooLong,
-         {"document-too-long", Severity::Error, "longer than the 64 MiB that a device reads"},
-         "the document is longer than 64 MiB: the device rejects it"},
+         {"document-too-long", Severity::Error, "longer than the 32 MiB that a device reads"},
+         "the document is longer than 32 MiB: the device rejects it"},
         {FindingKind::TooManyValues,
-         {"too-many-values", Severity::Error, "more than the 4 Mi values that a device reads"},
-         "the document holds more than 4194304 values: the device rejects it"},
+         {"too-many-values", Severity::Error, "more than the 1 Mi values that a device reads"},
+         "the document holds more than 1048576 values: the device rejects it"},
         {FindingKind::NestingTooDeep,
          {"nesting-too-deep", Severity::Error, "nested deeper than the parser's 1,000 levels"},
          "nested deeper than 1000 levels: the device rejects the whole document"},
