@@ -28,11 +28,11 @@ GROUPS = (
     ("the library on the stand-ins", ["libkcodec2_platform_hosted"], ".",
      (*LIBRARY, "kcodec2_platform_hosted"), ""),
     ("the stand-ins", ["libkcodec2_hostplatform"], "hostplatform", None, ""),
-    ("the tool for the device", ["kcodec2_spec"], "tools/kcodec2_spec", None,
+    ("the tool for the device", ["kcodec2_spec"], "tools/kcodec2_spec", ("kcodec2_spec_device",),
      "tools/kcodec2_spec/"),
-    ("the tool for the host", ["kcodec2_spec_host"], "tools/kcodec2_spec", None,
+    ("the tool for the host", ["kcodec2_spec_host"], "tools/kcodec2_spec", ("kcodec2_spec",),
      "tools/kcodec2_spec/"),
-    ("the tests", ["kcodec2_platform_test"], "tests", None, "tests/"),
+    ("the tests", ["kcodec2_platform_test"], "tests", ("kcodec2_tests",), ""),
 )
 
 
@@ -95,7 +95,7 @@ class Blueprint:
             files.update(self.modules[generator]["out"])
         for defaults in module.get("defaults", []):
             files |= self.sources(defaults)
-        return files - self._expand(module.get("exclude_srcs", []))
+        return files
 
     @staticmethod
     def _expand(patterns):

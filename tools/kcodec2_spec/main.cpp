@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "DeviceOptions.h"
+#include "base/Version.h"
 #include "targetspec/DefaultDocuments.h"
 
 namespace {
