@@ -1,0 +1,64 @@
+// Counts instructions: under callgrind each operation leaves a dump of its name, with the runs
+// behind a colon. scripts/check-performance.py runs this and reads the dumps.
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <valgrind/callgrind.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "bench/Documents.h"
+#include "bench/Initialisers.h"
+#include "bench/Operation.h"
+
+namespace {
+
+using kc2::bench::Operation;
+using kc2::bench::Operations;
+
+void count(const Operation& operation) {
+    if (operation.prepare != nullptr) {
+        operation.prepare();
+    } else {
+        operation.run();  // What only a first run does is not what is asked for.
+    }
+    const std::string dump = operation.name + ":" + std::to_string(operation.repetitions);
+    CALLGRIND_ZERO_STATS;
+    for (int run = 0; run < operation.repetitions; ++run) {
+        operation.run();
+    }
+    CALLGRIND_DUMP_STATS_AT(dump.c_str());
+}
+
+// Each operation in a process of its own: it finds the heap as every other one finds it, and the
+// C library's allocator costs more or less with what has been freed before.
+void countApart(const Operations& operations) {
+    for (const Operation& operation : operations) {
+        const pid_t child = fork();
+        if (child == 0) {
+            count(operation);
+            std::_Exit(0);
+        }
+        int status = 0;
+        if (waitpid(child, &status, 0) != child || status != 0) {
+            std::abort();
+        }
+    }
+}
+
+}  // namespace
+
+int main() {
+    // The C library's own initial value, which it would raise with the first large block freed: a
+    // service that loads its first document is as young as that.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    kc2::bench::setUpDevice();
+    countApart({{"nothing 1", 1, [] {}}, {"nothing 1000", 1000, [] {}}});
+    countApart(kc2::bench::firstGetOperations());
+    countApart(kc2::bench::repeatableOperations());
+    countApart(kc2::bench::initialiserOperations());
+    kc2::bench::tearDownDevice();
+    return 0;
+}
