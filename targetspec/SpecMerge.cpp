@@ -3,7 +3,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <string_view>
 
 #include "kc2/TargetSpec.h"
 #include "log/Log.h"
@@ -30,10 +29,31 @@ public:
     }
 };
 
+// The two functions below hand a container over whole when the store's is empty, as the first
+// document finds it: that costs nothing.
+
+// Joins what the store holds and what the document adds; where both hold a name, the store's stays.
+template <typename Names>
+void join(Names& names, Names& added) {
+    if (names.empty()) {
+        names.swap(added);
+    } else {
+        names.merge(added);
+    }
+}
+
+void append(std::vector<NimbraBitRateEntry>& rows, std::vector<NimbraBitRateEntry>& added) {
+    if (rows.empty()) {
+        rows.swap(added);
+    } else {
+        rows.insert(rows.end(), added.begin(), added.end());
+    }
+}
+
 }  // namespace
 
 uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
-    const std::string_view builtInDocument = getPrivateConfig();
+    const char* const builtInDocument = getPrivateConfig();
     SpecDocument document;
     FindingLog findings;
     if (stream.fail()) {
@@ -54,14 +74,12 @@ uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
 
 void TargetSpec::merge(SpecDocument& document) {
     // Names that the store already holds keep their value.
-    mFeatures.merge(document.features);
-    mPresets.merge(document.presets);
-    mPerfResourceValues.merge(document.perfResourceValues);
+    join(mFeatures, document.features);
+    join(mPresets, document.presets);
+    join(mPerfResourceValues, document.perfResourceValues);
 
     // Rows and list entries are appended, duplicates and all.
-    mNimbraModeBitRateTable.insert(mNimbraModeBitRateTable.end(),
-                                   document.nimbraModeBitRateTable.begin(),
-                                   document.nimbraModeBitRateTable.end());
+    append(mNimbraModeBitRateTable, document.nimbraModeBitRateTable);
     mCodecPlugins.splice(mCodecPlugins.end(), document.codecPlugins);
     mPreprocessingFilters.splice(mPreprocessingFilters.end(), document.preprocessingFilters);
     for (const std::string& filter : document.encPostProcessingFilters) {
@@ -71,8 +89,8 @@ void TargetSpec::merge(SpecDocument& document) {
                                      document.encPostProcessingFilters);
 
     // Profiles and codec names are joined.
-    mDVConfigs.profiles.merge(document.dvProfiles);
-    mSupportedCodecs.merge(document.supportedCodecs);
+    join(mDVConfigs.profiles, document.dvProfiles);
+    join(mSupportedCodecs, document.supportedCodecs);
 
     // Both tier levels are replaced by a document that has the section.
     if (document.dvTierLevels) {
