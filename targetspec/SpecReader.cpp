@@ -74,7 +74,8 @@ private:
         if (section == nullptr || section->isNull()) {
             return;
         }
-        for (auto member = section->begin(); member != section->end(); ++member) {
+        const auto limit = section->end();
+        for (auto member = section->begin(); member != limit; ++member) {
             const char* end = nullptr;
             const char* const name = member.memberName(&end);
             visit(Place{.section = key, .name = {name, static_cast<size_t>(end - name)}}, *member);
@@ -120,12 +121,19 @@ private:
     }
 
     std::optional<bool> toBoolean(const Place& place, const Json::Value& value) {
-        if (value.isNull()) {
-            report(FindingKind::NullAsFalse, place, value);
-        } else if (value.isNumeric()) {
-            report(FindingKind::NumberAsBoolean, place, value);
-        } else if (!value.isBool()) {
-            return std::nullopt;
+        switch (value.type()) {
+            case Json::booleanValue:
+                break;
+            case Json::nullValue:
+                report(FindingKind::NullAsFalse, place, value);
+                break;
+            case Json::intValue:
+            case Json::uintValue:
+            case Json::realValue:
+                report(FindingKind::NumberAsBoolean, place, value);
+                break;
+            default:
+                return std::nullopt;
         }
         return value.asBool();
     }
@@ -138,7 +146,13 @@ private:
             case Json::booleanValue:
                 report(FindingKind::BooleanAsInteger, place, value);
                 return value.asInt();
-            case Json::intValue:
+            case Json::intValue: {
+                const Json::LargestInt integer = value.asLargestInt();
+                if (integer != static_cast<int32_t>(integer)) {
+                    return std::nullopt;
+                }
+                return static_cast<int32_t>(integer);
+            }
             case Json::uintValue:
                 return value.isInt() ? std::optional<int32_t>(value.asInt()) : std::nullopt;
             case Json::realValue: {
@@ -172,20 +186,25 @@ private:
     // Hexadecimal text: white space, sign and 0x are optional; reading stops at the first character
     // that is no hexadecimal digit. A number is read through its decimal text.
     std::optional<uint32_t> toPerfWord(const Place& place, const Json::Value& value) {
+        std::string number;
+        const char* text = nullptr;
+        const char* limit = nullptr;
         if (value.isNumeric()) {
             report(FindingKind::PerfWordUnquoted, place, value);
-        } else if (!value.isString()) {
+            number = value.asString();
+            text = number.data();
+            limit = text + number.size();
+        } else if (!value.getString(&text, &limit)) {
             return std::nullopt;
         }
-        const std::string text = value.asString();
         char* end = nullptr;
         errno = 0;
-        const long long word = std::strtoll(text.c_str(), &end, 16);
-        if (end == text.c_str() || errno == ERANGE || word < std::numeric_limits<int32_t>::min() ||
+        const long long word = std::strtoll(text, &end, 16);
+        if (end == text || errno == ERANGE || word < std::numeric_limits<int32_t>::min() ||
             word > std::numeric_limits<int32_t>::max()) {
             return std::nullopt;
         }
-        if (end != text.c_str() + text.size()) {
+        if (end != limit) {
             report(FindingKind::PerfWordTail, place, value);
         }
         if (word < 0) {
@@ -216,6 +235,22 @@ private:
         });
     }
 
+    // A row of three values; none when a value is bad. The first bad one is reported.
+    std::optional<NimbraBitRateEntry> toBitRateEntry(const Place& place, const Json::Value& row) {
+        NimbraBitRateEntry entry = {};
+        auto value = row.begin();
+        for (uint32_t* const field : {&entry.low, &entry.high, &entry.bitRate}) {
+            const std::optional<uint32_t> pattern = toUnsignedPattern(place, *value);
+            if (!pattern) {
+                report(FindingKind::RowValueNotInteger, place, *value);
+                return std::nullopt;
+            }
+            *field = *pattern;
+            ++value;
+        }
+        return entry;
+    }
+
     void readNimbraModeBitRateTable() {
         const char* const key = targetSpecNimbraModeBitRate;
         const Json::Value* const table = findMember(mVideo, key);
@@ -227,16 +262,9 @@ private:
                 report(FindingKind::RowSizeNotThree, place, row);
             } else if (!row.isArray()) {
                 report(FindingKind::RowNotArray, place, row);
-            } else {
-                const std::optional<uint32_t> low = toUnsignedPattern(place, row[0]);
-                const std::optional<uint32_t> high = toUnsignedPattern(place, row[1]);
-                const std::optional<uint32_t> bitRate = toUnsignedPattern(place, row[2]);
-                if (low && high && bitRate) {
-                    mDocument.nimbraModeBitRateTable.push_back({*low, *high, *bitRate});
-                    report(FindingKind::Taken, place, row);
-                } else {
-                    report(FindingKind::RowValueNotInteger, place, row[!low ? 0 : !high ? 1 : 2]);
-                }
+            } else if (const auto entry = toBitRateEntry(place, row)) {
+                mDocument.nimbraModeBitRateTable.push_back(*entry);
+                report(FindingKind::Taken, place, row);
             }
         });
     }
@@ -277,6 +305,7 @@ private:
     // The words of one use case; none when an element is bad. The first bad one is reported.
     std::optional<std::vector<uint32_t>> toPerfWords(const Place& place, const Json::Value& list) {
         std::vector<uint32_t> words;
+        words.reserve(list.size());
         bool isComplete = true;
         forEachElement(place, list, [&](const Place& at, const Json::Value& element) {
             if (!isComplete) {
