@@ -1,8 +1,8 @@
 // Target variant -> path of the system spec document to try first.
 
-#include <filesystem>
+#include <sys/stat.h>
+
 #include <string>
-#include <system_error>
 
 #include "base/BaseLibrary.h"
 #include "kc2/TargetSpec.h"
@@ -22,8 +22,8 @@ std::string TargetSpec::readTargetVariant() {
     std::string candidate = kOdmSpecDirectory + variant + kSystemSpecName;
     // A query that fails for another reason than absence answers false too: a document that cannot
     // be examined would hardly open, and the vendor document then gets its chance.
-    std::error_code ignored;
-    if (std::filesystem::exists(deviceFile(candidate), ignored)) {
+    struct stat ignored = {};
+    if (stat(deviceFile(candidate).c_str(), &ignored) == 0) {
         return candidate;
     }
     return kVendorSpecDirectory + variant + kSystemSpecName;
