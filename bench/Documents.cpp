@@ -119,7 +119,7 @@ std::vector<fs::path> jsonFilesUnder(const fs::path& directory) {
 std::vector<Document> collectDocuments() {
     const fs::path source = KC2_SOURCE_DIR;
     std::vector<Document> documents;
-    for (const char* directory : {"targetspec/defaults", "examples"}) {
+    for (const char* directory : {"targetspec/defaults", "examples/device"}) {
         for (const fs::path& path : jsonFilesUnder(source / directory)) {
             const fs::path name = fs::relative(path, source / fs::path(directory).parent_path());
             documents.push_back({name.string(), path.string(), readText(path)});

@@ -21,7 +21,9 @@ function(kc2_link_stub variable name)
         target_include_directories(kcodec2_stub_${name} SYSTEM PRIVATE ${KC2_ANDROID_INCLUDE})
         set_target_properties(kcodec2_stub_${name} PROPERTIES
             OUTPUT_NAME ${name} LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/linkstubs)
-        set(${variable} kcodec2_stub_${name} PARENT_SCOPE)
+        # By its file: the installed package must not ask for the empty library.
+        add_dependencies(kcodec2_platform kcodec2_stub_${name})
+        set(${variable} $<TARGET_FILE:kcodec2_stub_${name}> PARENT_SCOPE)
     endif()
 endfunction()
 

@@ -1,0 +1,54 @@
+# What `cmake --install` lays out: the library and its headers, the stand-ins and the tool where the
+# build has them, and the files by which CMake and pkg-config find them.
+
+include(CMakePackageConfigHelpers)
+
+set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
+set(pkgconfig_directory ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(exported_targets kcodec2_platform)
+
+install(DIRECTORY include/kc2 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+set_target_properties(kcodec2_platform PROPERTIES EXPORT_NAME platform)
+
+if(KC2_PLATFORM STREQUAL "host")
+    # A directory of its own: nothing that runs on a device may find this header by accident.
+    set(hostplatform_include ${CMAKE_INSTALL_INCLUDEDIR}/kcodec2-hostplatform)
+    install(FILES hostplatform/HostPlatform.h DESTINATION ${hostplatform_include}/hostplatform)
+    target_include_directories(kcodec2_hostplatform
+        INTERFACE $<INSTALL_INTERFACE:${hostplatform_include}>)
+    target_compile_features(kcodec2_hostplatform INTERFACE cxx_std_17)
+    set_target_properties(kcodec2_hostplatform PROPERTIES EXPORT_NAME hostplatform)
+    # The library finds the stand-ins beside it, wherever the package is put.
+    set_target_properties(kcodec2_platform PROPERTIES INSTALL_RPATH "$ORIGIN")
+    list(APPEND exported_targets kcodec2_hostplatform)
+    if(TARGET kcodec2_spec)
+        file(RELATIVE_PATH bin_to_lib
+            ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+        set_target_properties(kcodec2_spec PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+        install(TARGETS kcodec2_spec)
+    endif()
+endif()
+
+install(TARGETS ${exported_targets} EXPORT ${PROJECT_NAME}-targets)
+
+# --- CMake ----------------------------------------------------------------------------------------
+
+install(EXPORT ${PROJECT_NAME}-targets NAMESPACE kcodec2:: DESTINATION ${package_directory})
+configure_package_config_file(cmake/package/${PROJECT_NAME}-config.cmake.in
+    ${PROJECT_NAME}-config.cmake INSTALL_DESTINATION ${package_directory})
+write_basic_package_version_file(${PROJECT_NAME}-config-version.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${PROJECT_NAME}-config.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/${PROJECT_NAME}-config-version.cmake
+    DESTINATION ${package_directory})
+
+# --- pkg-config -----------------------------------------------------------------------------------
+
+# Relative to the file, so that the package may be moved.
+file(RELATIVE_PATH pkgconfig_to_prefix
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" pkgconfig_to_prefix ${pkgconfig_to_prefix})
+foreach(target IN LISTS exported_targets)
+    configure_file(cmake/package/${target}.pc.in ${target}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${target}.pc DESTINATION ${pkgconfig_directory})
+endforeach()
