@@ -12,6 +12,7 @@
 
 #include <cstdint>
 
+/** The pixel formats of the video core. */
 namespace kc2::PixFormat {
 
 #pragma GCC visibility push(default)

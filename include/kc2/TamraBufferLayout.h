@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+/** The platform services. */
 namespace kc2::Platform {
 
 #pragma GCC visibility push(default)

@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+/** The platform library of the media codec service. */
 namespace kc2 {
 
 struct SpecDocument;
@@ -86,7 +87,10 @@ public:
      */
     static TargetSpec* Get();
 
-    /** @name Queries @{ */
+    /**
+     * @name Queries
+     * @{
+     */
 
     /** @return the switch of the feature `name`; false when no document names it. No allocation. */
     bool isFeatureEnabled(const std::string& name);
@@ -165,8 +169,8 @@ public:
 
     /**
      * Path of the system spec document to try first:
-     * /odm/etc/media<variant>/video_system_specs.json when that exists, else the same under
-     * /vendor/etc/media, where <variant> is the property vendor.media.target_variant exactly as it
+     * /odm/etc/mediaVARIANT/video_system_specs.json when that exists, else the same under
+     * /vendor/etc/media, where VARIANT is the property vendor.media.target_variant exactly as it
      * comes, with no "/" put before it. When the property is unset or "default":
      * /vendor/etc/media/video_system_specs.json, and an error line.
      *
