@@ -210,7 +210,8 @@ def report_parsers(instructions, order):
         if name.startswith('load ') and name + '/floor' in instructions:
             document = name[len('load '):]
             parse = instructions[f'load {document}/parse and release']
-            rapid, simd = instructions['RapidJSON ' + document], instructions['simdjson ' + document]
+            rapid = instructions['RapidJSON ' + document]
+            simd = instructions['simdjson ' + document]
             rows.append([document, number(parse), number(rapid), number(simd),
                          f'{parse / rapid:.1f}', f'{parse / simd:.1f}'])
     print_table('Parsers: instructions of parse and release; RapidJSON and simdjson get the text '
@@ -241,13 +242,19 @@ def main():
     parser.add_argument('build', nargs='?', type=pathlib.Path,
                         default=pathlib.Path(__file__).parent.parent / 'build/device',
                         help='build directory with the benchmarks (default: build/device)')
-    build = parser.parse_args().build.resolve()
+    parser.add_argument('--keep', type=pathlib.Path, metavar='DIRECTORY',
+                        help="leave callgrind's dumps in DIRECTORY/dumps, for callgrind_annotate")
+    arguments = parser.parse_args()
+    build = arguments.build.resolve()
     if not (build / 'kcodec2_count_instructions').exists():
         sys.exit(f'{build} holds no benchmarks: configure with KC2_BUILD_BENCHMARKS=ON and build.')
 
     limits = Limits()
     with tempfile.TemporaryDirectory() as directory:
         scratch = pathlib.Path(directory)
+        if arguments.keep:
+            scratch = arguments.keep.resolve()
+            scratch.mkdir(parents=True)
         instructions = count_instructions(build, scratch)
         allocations = count_allocations(build)
         order = list(allocations)
