@@ -60,6 +60,11 @@ private:
     bool mIsEmpty = true;
 };
 
+// The text "<prefix><number>", with its quotes.
+std::string quoted(const char* prefix, const std::string& number) {
+    return std::string("\"").append(prefix).append(number).append("\"");
+}
+
 // `entries` entries over the sections, about as a real document spreads them.
 std::string generatedText(int entries) {
     Section features("Features", '{', '}');
@@ -73,16 +78,23 @@ std::string generatedText(int entries) {
         switch (entry % 10) {
             case 0:
             case 1:
-                features.add("\"private_enc_feature_" + number + "\": true");
+                features.add(quoted("private_enc_feature_", number).append(": true"));
                 break;
             case 2:
             case 3:
             case 4:
             case 5:
-                presets.add("\"private_max_supported_preset_" + number + "\": " + number + "00");
+                presets.add(quoted("private_max_supported_preset_", number)
+                                    .append(": ")
+                                    .append(number)
+                                    .append("00"));
                 break;
             case 6:
-                rows.add("[" + number + ", " + std::to_string(entry + 10) + ", " + number + "]");
+                rows.add(std::string("[")
+                                 .append(number)
+                                 .append(", ")
+                                 .append(std::to_string(entry + 10))
+                                 .append(", 500]"));
                 break;
             case 7:
                 plugins.add("\"libkcodec2_plugin_" + number + ".so\"");

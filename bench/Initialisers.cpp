@@ -27,7 +27,10 @@ std::vector<Initialiser> initialisersOfObjectAt(void* address) {
     size_t bytes = 0;
     for (const ElfW(Dyn)* entry = object->l_ld; entry->d_tag != DT_NULL; ++entry) {
         if (entry->d_tag == DT_INIT_ARRAY) {
-            first = reinterpret_cast<const Initialiser*>(object->l_addr + entry->d_un.d_ptr);
+            const uintptr_t start = object->l_addr + entry->d_un.d_ptr;
+            // The dynamic section has it as a number.
+            // NOLINTNEXTLINE(performance-no-int-to-ptr)
+            first = reinterpret_cast<const Initialiser*>(start);
         } else if (entry->d_tag == DT_INIT_ARRAYSZ) {
             bytes = entry->d_un.d_val;
         }

@@ -83,6 +83,7 @@ void lookUpAll(const Map& names, const std::vector<std::string>& unknownNames, L
 template <typename Map>
 std::vector<std::string> unknownNames(const Map& names) {
     std::vector<std::string> unknown;
+    unknown.reserve(names.size());
     for (const auto& entry : names) {
         unknown.push_back(entry.first + "_");
     }

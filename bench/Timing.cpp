@@ -8,7 +8,7 @@
 namespace {
 
 void time(benchmark::State& state, const kc2::bench::Operation& operation) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (operation.prepare != nullptr) {
             state.PauseTiming();
             operation.prepare();
