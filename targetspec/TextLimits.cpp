@@ -73,34 +73,42 @@ size_t lastOfEmptyContainer(std::string_view text, size_t at) {
 }
 
 // The characters at which the closer look stops, as a table: most characters of a text are others.
-constexpr std::array<bool, 256> marks() {
-    std::array<bool, 256> marks = {};
-    for (const unsigned char mark : {'[', ']', '{', '}', ',', '"', '/'}) {
-        marks[mark] = true;
+using Marks = std::array<bool, 256>;
+
+constexpr Marks marksOf(std::string_view characters) {
+    Marks marks = {};
+    for (const char mark : characters) {
+        marks[static_cast<unsigned char>(mark)] = true;
     }
     return marks;
 }
 
-constexpr std::array<bool, 256> kIsMark = marks();
+constexpr Marks kMarksOfNesting = marksOf("[]{}\"/n");
+constexpr Marks kMarksOfValues = marksOf("[]{}\"/n,");
 
-size_t nextMark(std::string_view text, size_t at) {
-    const auto isMark = [](char c) { return kIsMark[static_cast<unsigned char>(c)]; };
+size_t nextMark(std::string_view text, size_t at, const Marks& marks) {
+    const auto isMark = [&](char c) { return marks[static_cast<unsigned char>(c)]; };
     const auto mark = std::find_if(text.begin() + std::min(at, text.size()), text.end(), isMark);
     return static_cast<size_t>(mark - text.begin());
 }
 
-// Whether `text` holds fewer values and opening brackets than the limits allow, wherever they
-// stand. Nearly every document does, and this costs a fraction of what the closer look takes.
-bool isSmall(std::string_view text) {
+// Each value takes a byte.
+bool canHoldTooManyValues(std::string_view text) {
+    return text.size() > kMaxValues;
+}
+
+// Whether `text` holds as many opening brackets as the limit, wherever they stand. Hardly any
+// document does, and this costs a fraction of what the closer look takes.
+bool canNestTooDeep(std::string_view text) {
     size_t brackets = 0;
     for (const char bracket : {'{', '['}) {
         for (size_t at = text.find(bracket); at != kNone; at = text.find(bracket, at + 1)) {
             if (++brackets == kMaxNesting) {
-                return false;
+                return true;
             }
         }
     }
-    return text.size() < kMaxValues;  // Each value takes a byte.
+    return false;
 }
 
 }  // namespace
@@ -109,13 +117,16 @@ std::optional<LimitBreach> findLimitBreach(std::string_view text) {
     if (text.size() > kMaxTextBytes) {
         return LimitBreach{FindingKind::TextTooLong, kMaxTextBytes};
     }
-    if (isSmall(text)) {
+    const bool countsValues = canHoldTooManyValues(text);
+    if (!countsValues && !canNestTooDeep(text)) {
         return std::nullopt;
     }
+    const Marks& marks = countsValues ? kMarksOfValues : kMarksOfNesting;
     size_t depth = 0;
     size_t values = 1;
     size_t escape = 0;
-    for (size_t at = nextMark(text, 0); at < text.size(); at = nextMark(text, at + 1)) {
+    for (size_t at = nextMark(text, 0, marks); at < text.size();
+         at = nextMark(text, at + 1, marks)) {
         switch (text[at]) {
             case '[':
             case '{':
