@@ -20,6 +20,8 @@ constexpr auto& kTag = log::kTagTargetSpec;
 // The device's voice: what was skipped, as warning lines.
 class FindingLog final : public FindingSink {
 public:
+    FindingLog() : FindingSink(kLastKindThatDevicesLog) {}
+
     void report(const Finding& finding) override {
         if (finding.kind == FindingKind::RowSizeNotThree) {
             KC2_LOG_WARNING(kTag, "Unable to queue the json entry due to inappropriate size");

@@ -31,11 +31,32 @@ bool isObjectOrNull(const Json::Value& value) {
     return value.isObject() || value.isNull();
 }
 
+// The name of the member that an iterator over an object stands at.
+std::string_view nameOf(const Json::Value::const_iterator& member) {
+    const char* end = nullptr;
+    const char* const name = member.memberName(&end);
+    return {name, static_cast<size_t>(end - name)};
+}
+
+void add(std::list<std::string>& names, std::string_view name) {
+    names.emplace_back(name);
+}
+
+void add(std::unordered_set<std::string>& names, std::string_view name) {
+    names.emplace(name);
+}
+
 // The sections of one "Video" object, each read by the function of its name.
 class SectionReader {
 public:
     SectionReader(const Json::Value& video, SpecDocument* document, FindingSink& findings)
-        : mVideo(video), mDocument(*document), mFindings(findings) {}
+        : mDocument(*document), mFindings(findings) {
+        mSections.reserve(video.size());
+        const auto limit = video.end();
+        for (auto section = video.begin(); section != limit; ++section) {
+            mSections.push_back({nameOf(section), &*section});
+        }
+    }
 
     // In the order in which the device's log shows their findings.
     void readAll() {
@@ -53,13 +74,26 @@ public:
 
 private:
     void report(FindingKind kind, const Place& place, const Json::Value& value) {
+        if (!mFindings.hears(kind)) {
+            return;
+        }
         mFindings.report({kind, place, static_cast<size_t>(value.getOffsetStart()),
                           static_cast<size_t>(value.getOffsetLimit()), std::string_view()});
     }
 
+    // A handful of names: comparing them takes less than the parser's lookup.
+    const Json::Value* findSection(const char* key) const {
+        for (const Section& section : mSections) {
+            if (key != nullptr && section.name == key) {
+                return section.value;
+            }
+        }
+        return nullptr;
+    }
+
     // The section `key` when it is one to take members of; null when it is absent or unusable.
     const Json::Value* findObjectSection(const char* key) {
-        const Json::Value* const section = findMember(mVideo, key);
+        const Json::Value* const section = findSection(key);
         if (section != nullptr && !isObjectOrNull(*section)) {
             report(FindingKind::SectionNotObject, {.section = key}, *section);
             return nullptr;
@@ -76,9 +110,7 @@ private:
         }
         const auto limit = section->end();
         for (auto member = section->begin(); member != limit; ++member) {
-            const char* end = nullptr;
-            const char* const name = member.memberName(&end);
-            visit(Place{.section = key, .name = {name, static_cast<size_t>(end - name)}}, *member);
+            visit(Place{.section = key, .name = nameOf(member)}, *member);
         }
     }
 
@@ -104,8 +136,10 @@ private:
     template <typename Names>
     void readNamesOf(const Place& place, const Json::Value& list, Names* names) {
         forEachElement(place, list, [&](const Place& at, const Json::Value& element) {
-            if (element.isString()) {
-                names->insert(names->end(), element.asString());
+            const char* name = nullptr;
+            const char* end = nullptr;
+            if (element.getString(&name, &end)) {
+                add(*names, {name, static_cast<size_t>(end - name)});
                 report(FindingKind::Taken, at, element);
             } else {
                 report(FindingKind::ElementNotString, at, element);
@@ -115,7 +149,7 @@ private:
 
     template <typename Names>
     void readNames(const char* key, Names* names) {
-        if (const Json::Value* const section = findMember(mVideo, key)) {
+        if (const Json::Value* const section = findSection(key)) {
             readNamesOf({.section = key}, *section, names);
         }
     }
@@ -253,7 +287,7 @@ private:
 
     void readNimbraModeBitRateTable() {
         const char* const key = targetSpecNimbraModeBitRate;
-        const Json::Value* const table = findMember(mVideo, key);
+        const Json::Value* const table = findSection(key);
         if (table == nullptr) {
             return;
         }
@@ -345,7 +379,12 @@ private:
         }
     }
 
-    const Json::Value& mVideo;
+    struct Section {
+        std::string_view name;
+        const Json::Value* value;
+    };
+
+    std::vector<Section> mSections;  // The members of "Video".
     SpecDocument& mDocument;
     FindingSink& mFindings;
 };

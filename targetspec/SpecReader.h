@@ -50,6 +50,9 @@ enum class FindingKind {
     TierLevelAbsent,  // Counts as 0.
 };
 
+inline constexpr FindingKind kLastKindThatDevicesLog = FindingKind::PerfWordNotHexadecimal;
+inline constexpr FindingKind kLastKind = FindingKind::TierLevelAbsent;
+
 // Where in the document: Video/<section>/<name>[<index>], as far as it applies.
 struct Place {
     const char* section = nullptr;
@@ -69,12 +72,19 @@ struct Finding {
     std::string_view detail = {};  // The parser's own words on a syntax error.
 };
 
+// Hears of findings up to a kind; what it does not want to hear costs nothing.
 class FindingSink {
 public:
     virtual void report(const Finding& finding) = 0;
 
+    bool hears(FindingKind kind) const { return kind <= mLastKind; }
+
 protected:
+    explicit FindingSink(FindingKind lastKind) : mLastKind(lastKind) {}
     ~FindingSink() = default;
+
+private:
+    const FindingKind mLastKind;
 };
 
 // Why a value was skipped, for the kinds that the device logs; null for all others.

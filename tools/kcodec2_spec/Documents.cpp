@@ -17,7 +17,8 @@ namespace {
 
 class FindingKeeper final : public FindingSink {
 public:
-    explicit FindingKeeper(std::vector<KeptFinding>* findings) : mFindings(*findings) {}
+    explicit FindingKeeper(std::vector<KeptFinding>* findings)
+        : FindingSink(kLastKind), mFindings(*findings) {}
 
     void report(const Finding& finding) override {
         const Place& place = finding.place;
