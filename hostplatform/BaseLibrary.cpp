@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <mutex>
 
@@ -19,8 +20,8 @@ std::atomic<uint32_t> sNextLogLevel{0};
 
 std::mutex sPropertyMutex;
 
-std::map<std::string, std::string>& properties() {
-    static std::map<std::string, std::string> properties;
+std::map<std::string, std::string, std::less<>>& properties() {
+    static std::map<std::string, std::string, std::less<>> properties;
     return properties;
 }
 

@@ -1,5 +1,6 @@
 // Where the directories of the device lie on this machine.
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string_view>
@@ -12,7 +13,8 @@ namespace {
 
 struct DeviceTree {
     std::mutex mutex;
-    std::map<std::string, std::string> mappings;  // Device directory without trailing "/" -> host.
+    // Device directory without trailing "/" -> host.
+    std::map<std::string, std::string, std::less<>> mappings;
     bool isReadOnly = false;
 };
 
@@ -39,7 +41,7 @@ std::string hostPath(const std::string& devicePath) {
     const std::lock_guard<std::mutex> lock(tree.mutex);
     // From the whole path upwards, so that the longest mapped directory is met first.
     for (std::string_view directory = devicePath;;) {
-        const auto mapping = tree.mappings.find(std::string(directory));
+        const auto mapping = tree.mappings.find(directory);
         if (mapping != tree.mappings.end()) {
             return mapping->second + devicePath.substr(directory.size());
         }
