@@ -1,10 +1,13 @@
 // The options that say which device the tool plays. On a device there are none: it is that device.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace kc2::tool {
 

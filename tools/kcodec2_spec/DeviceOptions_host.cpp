@@ -1,9 +1,11 @@
 // On a development machine the tool plays the device that its options describe.
 
+#include "DeviceOptions.h"
+
+#include <CLI/CLI.hpp>
 #include <map>
 #include <string>
 
-#include "DeviceOptions.h"
 #include "hostplatform/HostPlatform.h"
 
 namespace kc2::tool {
