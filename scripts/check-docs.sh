@@ -15,7 +15,7 @@ else
 fi
 
 echo "API reference of include/kc2, without a warning"
-version=$(sed -n 's/^project(kcodec2_platform VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' base/Version.h)
 {
     cat docs/Doxyfile
     echo "OUTPUT_DIRECTORY = \"$output\""

@@ -70,7 +70,7 @@ diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other
 LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consumer/device"
 
 echo "One version everywhere, and a consumer that asks for another one is told"
-version=$(sed -n 's/^project(kcodec2_platform VERSION \([0-9.]*\).*/\1/p' "$source/CMakeLists.txt")
+version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' "$source/base/Version.h")
 for module in kcodec2_platform kcodec2_hostplatform; do
     found=$(pkg-config --modversion $module)
     [ "$found" = "$version" ] || fail "$module is version $found, not $version"
