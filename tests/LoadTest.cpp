@@ -352,46 +352,55 @@ TEST_F(LoadTest, APrivateFileMayBeRewrittenMeanwhile) {
     }
 }
 
-// The system spec document is a pipe, so the first caller loads until it is written to, and all
-// others have arrived by then.
+// Few threads whose first one loads from a pipe until it is written to, so that all others arrive
+// meanwhile; and many that race for a plain file.
 TEST_F(LoadTest, ManyFirstCallersShareOneLoad) {
-    ASSERT_EQ(0, mkfifo(mDevice(kVariantSpec).c_str(), 0600));
-    mDevice.write(kPrivateFile, kPrivate);
-    host::setLogLevel(0x2);
-    const Lines lines = inOwnProcess([&] {
-        std::vector<TargetSpec*> instances(16);
-        std::atomic<size_t> arrived{0};
-        std::atomic<int> failures{0};
-        std::vector<std::thread> threads;
-        threads.reserve(instances.size());
-        for (TargetSpec*& instance : instances) {
-            threads.emplace_back([&] {
-                ++arrived;
-                instance = TargetSpec::Get();
-                failures += answersRight(*instance) ? 0 : 1;
-            });
+    for (const size_t threadCount : {4, 16}) {
+        const bool isPipe = threadCount == 4;
+        Device device;
+        if (isPipe) {
+            ASSERT_EQ(0, mkfifo(device(kVariantSpec).c_str(), 0600));
+        } else {
+            device.write(kVariantSpec, kSpec);
         }
-        while (arrived != instances.size()) {
-            std::this_thread::yield();
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        mDevice.write(kVariantSpec, kSpec);
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        mDevice.write(kPrivateFile, kSpec);  // No later call reads it.
-        for (TargetSpec* instance : instances) {
-            failures += instance == TargetSpec::Get() && answersRight(*instance) ? 0 : 1;
-        }
-        Lines result = {std::to_string(failures)};
-        for (const std::string& line : mDevice.takeLog()) {
-            if (line.find("Features:") != std::string::npos) {
-                result.push_back(line);
+        device.write(kPrivateFile, kPrivate);
+        host::setLogLevel(0x2);
+        const Lines lines = inOwnProcess([&] {
+            std::vector<TargetSpec*> instances(threadCount);
+            std::atomic<size_t> arrived{0};
+            std::atomic<int> failures{0};
+            std::vector<std::thread> threads;
+            threads.reserve(threadCount);
+            for (TargetSpec*& instance : instances) {
+                threads.emplace_back([&] {
+                    ++arrived;
+                    while (!isPipe && arrived != threadCount) {
+                    }
+                    instance = TargetSpec::Get();
+                    failures += answersRight(*instance) ? 0 : 1;
+                });
             }
-        }
-        return result;
-    });
-    EXPECT_EQ((Lines{"0", "I/KC2TargetSpec: Video Core Features:"}), lines);
+            if (isPipe) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                device.write(kVariantSpec, kSpec);
+            }
+            for (std::thread& thread : threads) {
+                thread.join();
+            }
+            device.write(kPrivateFile, kSpec);  // No later call reads it.
+            for (TargetSpec* instance : instances) {
+                failures += instance == TargetSpec::Get() && answersRight(*instance) ? 0 : 1;
+            }
+            Lines result = {std::to_string(failures)};
+            for (const std::string& line : device.takeLog()) {
+                if (line.find("Features:") != std::string::npos) {
+                    result.push_back(line);
+                }
+            }
+            return result;
+        });
+        EXPECT_EQ((Lines{"0", "I/KC2TargetSpec: Video Core Features:"}), lines) << threadCount;
+    }
 }
 
 }  // namespace
