@@ -69,6 +69,13 @@ LD_LIBRARY_PATH=$libraries "$scratch/decoder_setup" 2> "$scratch/log" > "$scratc
 diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
 LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consumer/device"
 
+echo "The program of the README"
+sed -n '/^```cpp$/,/^```$/p' "$source/README.md" | sed '/^```/d' > "$scratch/readme.cpp"
+# shellcheck disable=SC2046
+quietly "${CXX:-c++}" -std=c++17 "$scratch/readme.cpp" -o "$scratch/readme" \
+    $(pkg-config --cflags --libs kcodec2_platform)
+LD_LIBRARY_PATH=$libraries quietly "$scratch/readme"
+
 echo "One version everywhere, and a consumer that asks for another one is told"
 version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' "$source/base/Version.h")
 for module in kcodec2_platform kcodec2_hostplatform; do
