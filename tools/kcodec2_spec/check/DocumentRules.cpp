@@ -172,11 +172,7 @@ void applyDocumentRules(const CheckedDocument& document, Report* report) {
 }
 
 std::vector<const Rule*> documentRules() {
-    std::vector<const Rule*> rules;
-    for (const DocumentRule& row : kDocumentRules) {
-        rules.push_back(&row.rule);
-    }
-    return rules;
+    return rulesOf(kDocumentRules);
 }
 
 }  // namespace kc2::tool

@@ -194,11 +194,7 @@ void applyLoadRules(const CheckedLoad& load, Report* report) {
 }
 
 std::vector<const Rule*> loadRules() {
-    std::vector<const Rule*> rules;
-    for (const LoadRule& row : kLoadRules) {
-        rules.push_back(&row.rule);
-    }
-    return rules;
+    return rulesOf(kLoadRules);
 }
 
 }  // namespace kc2::tool

@@ -293,11 +293,7 @@ void applyMergeRules(const MergedDocuments& documents, Report* report) {
 }
 
 std::vector<const Rule*> mergeRules() {
-    std::vector<const Rule*> rules;
-    for (const MergeRule& row : kMergeRules) {
-        rules.push_back(&row.rule);
-    }
-    return rules;
+    return rulesOf(kMergeRules);
 }
 
 }  // namespace kc2::tool

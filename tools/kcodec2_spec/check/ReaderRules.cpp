@@ -211,11 +211,7 @@ void applyReaderRules(const CheckedDocument& document, Report* report) {
 }
 
 std::vector<const Rule*> readerRules() {
-    std::vector<const Rule*> rules;
-    for (const ReaderRule& row : kReaderRules) {
-        rules.push_back(&row.rule);
-    }
-    return rules;
+    return rulesOf(kReaderRules);
 }
 
 }  // namespace kc2::tool

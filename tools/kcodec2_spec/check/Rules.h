@@ -54,6 +54,16 @@ void applyMergeRules(const MergedDocuments& documents, Report* report);
 // Which documents the load reads, and why.
 void applyLoadRules(const CheckedLoad& load, Report* report);
 
+// The rules of a table's rows.
+template <typename Row, size_t N>
+std::vector<const Rule*> rulesOf(const Row (&rows)[N]) {
+    std::vector<const Rule*> rules;
+    for (const Row& row : rows) {
+        rules.push_back(&row.rule);
+    }
+    return rules;
+}
+
 // The rules of each table, for --help and --disable.
 std::vector<const Rule*> readerRules();
 std::vector<const Rule*> documentRules();
