@@ -17,6 +17,27 @@ namespace {
 
 constexpr auto& kTag = log::kTagTargetSpec;
 
+// Why a value was skipped, for the kinds that the device logs beside rows of the wrong size; null
+// for those that reject the whole document.
+const char* skipReason(FindingKind kind) {
+    switch (kind) {
+        case FindingKind::SectionNotObject:
+            return "not an object";
+        case FindingKind::FeatureNotBoolean:
+            return "not a boolean";
+        case FindingKind::PresetNotInteger:
+        case FindingKind::RowValueNotInteger:
+        case FindingKind::TierLevelNotInteger:
+            return "not an integer in the signed 32-bit range";
+        case FindingKind::RowNotArray:
+            return "not an array";
+        case FindingKind::PerfWordNotHexadecimal:
+            return "not a hexadecimal string in the signed 32-bit range";
+        default:
+            return nullptr;
+    }
+}
+
 // The device's voice: what was skipped, as warning lines.
 class FindingLog final : public FindingSink {
 public:

@@ -73,12 +73,13 @@ public:
     }
 
 private:
-    void report(FindingKind kind, const Place& place, const Json::Value& value) {
-        if (!mFindings.hears(kind)) {
-            return;
+    void report(FindingKind kind, const Place& place, const Json::Value& value,
+                int64_t converted = 0) {
+        if (mFindings.hears(kind)) {
+            mFindings.report({kind, place, static_cast<size_t>(value.getOffsetStart()),
+                              static_cast<size_t>(value.getOffsetLimit()), converted,
+                              std::string_view()});
         }
-        mFindings.report({kind, place, static_cast<size_t>(value.getOffsetStart()),
-                          static_cast<size_t>(value.getOffsetLimit()), std::string_view()});
     }
 
     // A handful of names: comparing them takes less than the parser's lookup.
@@ -164,7 +165,7 @@ private:
             case Json::intValue:
             case Json::uintValue:
             case Json::realValue:
-                report(FindingKind::NumberAsBoolean, place, value);
+                report(FindingKind::NumberAsBoolean, place, value, value.asBool() ? 1 : 0);
                 break;
             default:
                 return std::nullopt;
@@ -178,7 +179,7 @@ private:
                 report(FindingKind::NullAsZero, place, value);
                 return value.asInt();
             case Json::booleanValue:
-                report(FindingKind::BooleanAsInteger, place, value);
+                report(FindingKind::BooleanAsInteger, place, value, value.asInt());
                 return value.asInt();
             case Json::intValue: {
                 const Json::LargestInt integer = value.asLargestInt();
@@ -196,7 +197,7 @@ private:
                     return std::nullopt;
                 }
                 if (real != std::trunc(real)) {
-                    report(FindingKind::RealTruncated, place, value);
+                    report(FindingKind::RealTruncated, place, value, value.asInt());
                 }
                 return value.asInt();
             }
@@ -211,10 +212,11 @@ private:
         if (!integer) {
             return std::nullopt;
         }
+        const auto pattern = static_cast<uint32_t>(*integer);
         if (*integer < 0) {
-            report(FindingKind::NegativeAsUnsigned, place, value);
+            report(FindingKind::NegativeAsUnsigned, place, value, pattern);
         }
-        return static_cast<uint32_t>(*integer);
+        return pattern;
     }
 
     // Hexadecimal text: white space, sign and 0x are optional; reading stops at the first character
@@ -224,7 +226,6 @@ private:
         const char* text = nullptr;
         const char* limit = nullptr;
         if (value.isNumeric()) {
-            report(FindingKind::PerfWordUnquoted, place, value);
             number = value.asString();
             text = number.data();
             limit = text + number.size();
@@ -238,13 +239,17 @@ private:
             word > std::numeric_limits<int32_t>::max()) {
             return std::nullopt;
         }
+        const auto pattern = static_cast<uint32_t>(word);
+        if (!number.empty()) {
+            report(FindingKind::PerfWordUnquoted, place, value, pattern);
+        }
         if (end != limit) {
-            report(FindingKind::PerfWordTail, place, value);
+            report(FindingKind::PerfWordTail, place, value, pattern);
         }
         if (word < 0) {
-            report(FindingKind::NegativeAsUnsigned, place, value);
+            report(FindingKind::NegativeAsUnsigned, place, value, pattern);
         }
-        return static_cast<uint32_t>(word);
+        return pattern;
     }
 
     void readFeatures() {
@@ -429,27 +434,6 @@ std::string Place::toString() const {
     return text;
 }
 
-const char* skipReason(FindingKind kind) {
-    switch (kind) {
-        case FindingKind::SectionNotObject:
-            return "not an object";
-        case FindingKind::FeatureNotBoolean:
-            return "not a boolean";
-        case FindingKind::PresetNotInteger:
-        case FindingKind::RowValueNotInteger:
-        case FindingKind::TierLevelNotInteger:
-            return "not an integer in the signed 32-bit range";
-        case FindingKind::RowSizeNotThree:
-            return "not a row of three values";
-        case FindingKind::RowNotArray:
-            return "not an array";
-        case FindingKind::PerfWordNotHexadecimal:
-            return "not a hexadecimal string in the signed 32-bit range";
-        default:
-            return nullptr;
-    }
-}
-
 bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink& findings) {
     *document = SpecDocument();
     if (const std::optional<LimitBreach> breach = findLimitBreach(text)) {
@@ -472,7 +456,9 @@ bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink
     }
     const Json::Value* const video = findMember(root, targetSpecRoot);
     if (video == nullptr) {
-        findings.report(extent(FindingKind::NoVideo, root));
+        if (findings.hears(FindingKind::NoVideo)) {
+            findings.report(extent(FindingKind::NoVideo, root));
+        }
         return true;
     }
     if (!isObjectOrNull(*video)) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,7 @@ enum class FindingKind {
     RootNotObject,
     VideoNotObject,
 
-    // The section, the named entry or the row is skipped; the device says so (skipReason()).
+    // The section, the named entry or the row is skipped; the device logs it.
     SectionNotObject,
     FeatureNotBoolean,
     PresetNotInteger,
@@ -69,6 +70,7 @@ struct Finding {
     // Bytes of the text that it is about: [start, limit).
     size_t start = 0;
     size_t limit = 0;
+    int64_t converted = 0;         // What became of a value that is taken, but not as written.
     std::string_view detail = {};  // The parser's own words on a syntax error.
 };
 
@@ -86,9 +88,6 @@ protected:
 private:
     const FindingKind mLastKind;
 };
-
-// Why a value was skipped, for the kinds that the device logs; null for all others.
-const char* skipReason(FindingKind kind);
 
 // Reads one document. Returns false when it is rejected; `document` then holds nothing.
 //

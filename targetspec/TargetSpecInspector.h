@@ -1,6 +1,6 @@
 /**
  * @file
- * kc2::TargetSpecInspector: the members of a store, one accessor each, for host tools, tests and
+ * kc2::TargetSpecInspector: the members of a store, one accessor each, for tools, tests and
  * fuzz targets. The library itself does not contain it.
  */
 #pragma once

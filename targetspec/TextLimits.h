@@ -15,7 +15,7 @@ inline constexpr size_t kMaxNesting = 1000;
 
 // Documents are of some ten kilobytes and a hundred values. These bounds are far above that, and
 // keep a hostile document from taking the service's memory: reading needs up to 220 bytes per
-// value.
+// value. An empty array or object counts as two values.
 inline constexpr size_t kMaxTextBytes = size_t{32} << 20;
 inline constexpr size_t kMaxValues = size_t{1} << 20;
 
