@@ -20,8 +20,9 @@ std::atomic<uint32_t> sNextLogLevel{0};
 
 std::mutex sPropertyMutex;
 
+// Never destroyed: a property may still be read while the process exits.
 std::map<std::string, std::string, std::less<>>& properties() {
-    static std::map<std::string, std::string, std::less<>> properties;
+    static auto& properties = *new std::map<std::string, std::string, std::less<>>();
     return properties;
 }
 

@@ -18,8 +18,9 @@ struct DeviceTree {
     bool isReadOnly = false;
 };
 
+// Never destroyed: a file may still be opened while the process exits.
 DeviceTree& deviceTree() {
-    static DeviceTree deviceTree;
+    static DeviceTree& deviceTree = *new DeviceTree();
     return deviceTree;
 }
 
