@@ -28,6 +28,9 @@ if(KC2_PLATFORM STREQUAL "host")
         install(TARGETS kcodec2_spec)
     endif()
 endif()
+if(TARGET kcodec2_spec_device)
+    install(TARGETS kcodec2_spec_device)
+endif()
 
 install(TARGETS ${exported_targets} EXPORT ${PROJECT_NAME}-targets)
 

@@ -65,7 +65,12 @@ TEST(ToolTest, EachCommandAnswers) {
             {"formats 2141391881", 0, "TAMRA_TP10"},
             {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
             {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
-            {"formats 0x127", 1, "0x127 is no pixel format of the video core.\n"},
+            {"formats 0x127", 1,
+             "0x127 is no pixel format of the video core. \"kcodec2_spec formats\""},
+            {"formats 026", 1, "026 is no pixel format"},
+            {"formats rgba_fp16", 0, "RGBA_FP16"},
+            {"chek", 2, "chek"},
+            {"check --rootdir examples/device README.md", 2, "--rootdir"},
     };
     for (const auto& row : rows) {
         const Result result = run(row.arguments);
@@ -114,7 +119,12 @@ TEST(ToolTest, WhatShipsHasNoMistake) {
         EXPECT_EQ(0, result.exitCode) << what << "\n" << result.output;
     }
     EXPECT_EQ(1, run("check --werror tests/check/changed.json").exitCode);
-    EXPECT_EQ(2, run("check no/such/document.json").exitCode);
+    const Result missing = run("check no/such/document.json");
+    EXPECT_EQ(2, missing.exitCode);
+    EXPECT_EQ(
+            "no/such/document.json:1:1: error: the file cannot be read: No such file or directory "
+            "[unreadable]\n1 error, 0 warnings, 0 notes\n",
+            missing.output);
 }
 
 // docs/checks.md explains every check of --help, by its id.

@@ -61,9 +61,10 @@ struct DVConfigs {
  * neither an object nor null, that nests deeper than the parser's limit (1,000 levels), or that is
  * larger than 32 MiB or 1 Mi values is rejected whole: one error line, and the store stays as it
  * was. Below that a bad value costs only its own section, named entry or table row, with one
- * warning line that names the place; a perf-resource name with one bad element is skipped whole, so
- * that resource codes and their values never slip out of step. Nothing here throws.
- * A document nested to the limit needs about 512 KiB of the calling thread's stack.
+ * warning line that names the place (a row of the wrong size has a line of its own); a
+ * perf-resource name with one bad element is skipped whole, so that resource codes and their values
+ * never slip out of step. Nothing here throws. A document nested to the limit needs about 512 KiB
+ * of the calling thread's stack.
  *
  * Tools and tests may default-construct a store of their own and merge documents into it. Only the
  * queries and printSpecifications() are safe to call concurrently, and only on a store that no
@@ -218,7 +219,7 @@ public:
     /** @} */
 
 private:
-    /** Host tools and tests enumerate a store through this; the library does not contain it. */
+    /** Tools and tests enumerate a store through this; the library does not contain it. */
     friend struct TargetSpecInspector;
 
     [[gnu::visibility("hidden")]] static TargetSpec* load();

@@ -11,6 +11,9 @@ class App;
 
 namespace kc2::tool {
 
+// The heading of the options in --help.
+inline constexpr char kDeviceGroup[] = "The device";
+
 struct DeviceOptions {
     std::string rootDirectory;
     std::vector<std::string> mappings;    // /PREFIX:DIR
@@ -22,11 +25,13 @@ struct DeviceOptions {
 void addDeviceOptions(CLI::App& command, DeviceOptions* options);
 void addLogOption(CLI::App& command, DeviceOptions* options);
 
-// Sets the device up. Call it before the library is first used. The tool never writes to a tree
-// that it is shown.
+// Sets the device up. Call it before the library is first used. On a development machine nothing
+// is written to a tree that the tool is shown; on a device the library may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 
-// Keeps what the library logs from here on out of the tool's output.
+// Keeps what the library logs out of the tool's output, and lets it in again. On a device the log
+// is the device's own.
 void muteLog();
+void unmuteLog();
 
 }  // namespace kc2::tool

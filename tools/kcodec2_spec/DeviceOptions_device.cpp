@@ -12,4 +12,6 @@ void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
 void muteLog() {}
 
+void unmuteLog() {}
+
 }  // namespace kc2::tool

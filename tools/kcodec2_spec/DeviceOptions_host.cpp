@@ -12,8 +12,6 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kGroup[] = "The device";
-
 const std::map<std::string, uint32_t> kLogLevels = {{"quiet", 0x0}, {"info", 0x2}, {"debug", 0xE}};
 
 std::string checkMapping(const std::string& mapping) {
@@ -39,19 +37,19 @@ void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
                        "Where the device's file system lies (default: this machine's own)")
             ->type_name("DIR")
             ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
-            ->group(kGroup);
+            ->group(kDeviceGroup);
     command.add_option("--dirmap", options->mappings,
                        "Where one directory of the device lies; goes before --rootdir; repeatable")
             ->type_name("/PREFIX:DIR")
             ->allow_extra_args(false)
             ->check(CLI::Validator(checkMapping, ""))
-            ->group(kGroup);
+            ->group(kDeviceGroup);
     command.add_option("--property", options->properties,
                        "A system property, such as vendor.media.target_variant; repeatable")
             ->type_name("NAME=VALUE")
             ->allow_extra_args(false)
             ->check(CLI::Validator(checkProperty, ""))
-            ->group(kGroup);
+            ->group(kDeviceGroup);
 }
 
 void addLogOption(CLI::App& command, DeviceOptions* options) {
@@ -61,7 +59,7 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
                    "word such as 0x2 (default: quiet)")
             ->type_name("LEVEL")
             ->transform(CLI::Transformer(kLogLevels).description(""))
-            ->group(kGroup);
+            ->group(kDeviceGroup);
 }
 
 void applyDeviceOptions(const DeviceOptions& options) {
@@ -82,6 +80,10 @@ void applyDeviceOptions(const DeviceOptions& options) {
 
 void muteLog() {
     host::setLogSink([](int, const char*, const char*) {});
+}
+
+void unmuteLog() {
+    host::setLogSink(nullptr);
 }
 
 }  // namespace kc2::tool

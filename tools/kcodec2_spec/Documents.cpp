@@ -2,6 +2,8 @@
 
 #include "Documents.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <utility>
 
@@ -24,20 +26,29 @@ public:
         const Place& place = finding.place;
         mFindings.push_back({finding.kind, place.section != nullptr ? place.section : "",
                              std::string(place.name), place.index, finding.start, finding.limit,
-                             std::string(finding.detail)});
+                             finding.converted, std::string(finding.detail)});
     }
 
 private:
     std::vector<KeptFinding>& mFindings;
 };
 
+Document unreadable(std::string origin, std::string path, std::string why) {
+    Document document;
+    document.origin = std::move(origin);
+    document.path = std::move(path);
+    document.isReadable = false;
+    document.whyNotReadable = std::move(why);
+    return document;
+}
+
 Document readStream(std::string origin, std::string path, std::ifstream& stream) {
     std::string text;
-    const bool isReadable = readText(stream, &text);
-    Document document = readDocument(std::move(origin), std::move(path), std::move(text));
-    document.isReadable = isReadable;
-    document.isAccepted = document.isAccepted && isReadable;
-    return document;
+    errno = 0;
+    if (!readText(stream, &text)) {
+        return unreadable(std::move(origin), std::move(path), std::strerror(errno));
+    }
+    return readDocument(std::move(origin), std::move(path), std::move(text));
 }
 
 }  // namespace
@@ -55,10 +66,7 @@ Document readDocument(std::string origin, std::string path, std::string text) {
 Document readDocumentFile(const std::string& path) {
     std::ifstream stream(path);
     if (!stream.is_open()) {
-        Document unreadable;
-        unreadable.path = path;
-        unreadable.isReadable = false;
-        return unreadable;
+        return unreadable("document", path, std::strerror(errno));
     }
     return readStream("document", path, stream);
 }

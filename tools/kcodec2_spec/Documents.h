@@ -19,14 +19,16 @@ struct KeptFinding {
     int index;
     size_t start;
     size_t limit;
+    int64_t converted;
     std::string detail;
 };
 
 struct Document {
-    std::string origin;  // "system spec", "private file" or "built-in document N".
+    std::string origin;  // "system spec", "private file", "built-in document N", or "document".
     std::string path;    // On the device; empty for a built-in document.
     std::string text;
-    bool isReadable = true;  // The text was read to its end.
+    bool isReadable = true;      // The text was read to its end.
+    std::string whyNotReadable;  // In words.
     bool isAccepted = false;
     SpecDocument content;  // Empty unless accepted.
     std::vector<KeptFinding> findings;

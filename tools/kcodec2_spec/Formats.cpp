@@ -31,10 +31,11 @@ void printRow(const Platform::FormatRow& row) {
                 row.colorFormat, planesOf(row).c_str());
 }
 
-// A format value in C's notation; a log may also show one as a negative number.
+// A format value, hexadecimal after 0x, else decimal; a log may also show one as a negative number.
 std::optional<uint32_t> toValue(const std::string& text) {
     char* end = nullptr;
-    const long long value = std::strtoll(text.c_str(), &end, 0);
+    const bool isHexadecimal = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
+    const long long value = std::strtoll(text.c_str(), &end, isHexadecimal ? 16 : 10);
     if (text.empty() || *end != '\0' || value < INT32_MIN || value > UINT32_MAX) {
         return std::nullopt;
     }
@@ -49,7 +50,8 @@ int printUnknown(const std::string& wanted) {
     const std::string near = nearest(wanted, names);
     std::fprintf(stderr, "kcodec2_spec: %s is no pixel format of the video core.%s\n",
                  printable(wanted).c_str(),
-                 near.empty() ? "" : (" Did you mean " + near + "?").c_str());
+                 near.empty() ? " \"kcodec2_spec formats\" lists them."
+                              : (" Did you mean " + near + "?").c_str());
     return kExitFindings;
 }
 
@@ -59,7 +61,8 @@ int printFormats(const std::string& wanted) {
     const std::optional<uint32_t> value = toValue(wanted);
     bool isFound = false;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
-        if (wanted.empty() || wanted == row.name || value == *row.format) {
+        // Case does not count in a name that somebody types.
+        if (wanted.empty() || editDistance(wanted, row.name) == 0 || value == *row.format) {
             if (!isFound) {
                 printHeading();
             }

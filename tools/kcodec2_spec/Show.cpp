@@ -260,9 +260,11 @@ void printJson(const Load& load, const std::vector<Section>& sections) {
 }  // namespace
 
 int show(bool asJson) {
-    const TargetSpec& spec = *TargetSpec::Get();
-    muteLog();  // The load below would log every line a second time.
+    muteLog();  // The load that counts is the other one. It may seed the private file, so it is
+                // last.
     const Load load = walkLoad();
+    unmuteLog();
+    const TargetSpec& spec = *TargetSpec::Get();
     const std::vector<Section> sections = Presentation(spec, load).sections();
     (asJson ? printJson : printText)(load, sections);
     return kExitOk;

@@ -9,6 +9,10 @@
 
 namespace kc2::tool {
 
+bool isFirstByteOfCharacter(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+}
+
 std::string hexadecimal(uint32_t value) {
     char text[sizeof("0x12345678")];
     std::snprintf(text, sizeof(text), "0x%X", value);
@@ -18,6 +22,14 @@ std::string hexadecimal(uint32_t value) {
 std::string padded(std::string text, size_t width) {
     text.resize(std::max(text.size(), width), ' ');
     return text;
+}
+
+std::string_view clipped(std::string_view text, size_t bytes) {
+    size_t size = std::min(text.size(), bytes);
+    while (size != 0 && size < text.size() && !isFirstByteOfCharacter(text[size])) {
+        --size;
+    }
+    return text.substr(0, size);
 }
 
 std::string printable(std::string_view text) {

@@ -10,20 +10,23 @@ namespace kc2::tool {
 // "0x40800000".
 std::string hexadecimal(uint32_t value);
 
+// Whether a character begins with this byte of UTF-8.
+bool isFirstByteOfCharacter(char c);
+
 // `text` with blanks on the right, up to `width` bytes.
 std::string padded(std::string text, size_t width);
 
+// The start of `text`, of at most `bytes` bytes and of whole characters (UTF-8).
+std::string_view clipped(std::string_view text, size_t bytes);
+
 // `text` with control characters written as \xNN: a document may hold any bytes in a name.
 std::string printable(std::string_view text);
-
-// The one of `names` that someone who wrote `word` may have meant; empty when none is near.
-template <typename Names>
-std::string nearest(std::string_view word, const Names& names);
 
 // How many letters must be inserted, removed or replaced to make `a` out of `b`; case costs
 // nothing.
 size_t editDistance(std::string_view a, std::string_view b);
 
+// The one of `names` that someone who wrote `word` may have meant; empty when none is near.
 template <typename Names>
 std::string nearest(std::string_view word, const Names& names) {
     std::string best;

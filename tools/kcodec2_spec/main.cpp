@@ -36,7 +36,7 @@ int run(int argc, char** argv) {
     CLI::App app(kDescription, "kcodec2_spec");
     app.footer(kExitCodes);
     app.set_version_flag("--version", KC2_VERSION);
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);  // With none, a stray word is named rather than a command missed.
     int exitCode = kExitOk;
 
     DeviceOptions device;
@@ -60,7 +60,8 @@ int run(int argc, char** argv) {
             "check", "Report every mistake in documents, or in the whole load of a device");
     checkCommand->footer(std::string(kCheckExamples) + "\n\nChecks, by the id in brackets:\n" +
                          ruleTable() + "\n" + kExitCodes);
-    checkCommand->add_option("FILE", files, "Documents to check, each by itself");
+    CLI::Option* const filesOption =
+            checkCommand->add_option("FILE", files, "Documents to check, each by itself");
     checkCommand
             ->add_option_function<std::string>(
                     "--format",
@@ -79,6 +80,10 @@ int run(int argc, char** argv) {
                     },
                     ""));
     addDeviceOptions(*checkCommand, &device);
+    for (CLI::Option* const option : checkCommand->get_options(
+                 [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
+        filesOption->excludes(option);  // Documents are files of this machine.
+    }
     checkCommand->callback([&] {
         applyDeviceOptions(device);
         muteLog();
@@ -113,6 +118,9 @@ int run(int argc, char** argv) {
 
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty()) {
+            throw CLI::RequiredError("A subcommand");
+        }
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kExitOk : kExitUsage;
     }

@@ -43,7 +43,9 @@ bool isJson(const Document& document) {
 void checkDocument(const CheckedDocument& document, Report* report) {
     if (document.document.isReadable) {
         applyReaderRules(document, report);
-        applyDocumentRules(document, report);
+        if (!document.document.path.empty()) {  // Nobody here can change a built-in document.
+            applyDocumentRules(document, report);
+        }
     }
 }
 
@@ -105,15 +107,16 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
     std::vector<MergedDocuments> checked;  // The report points into these.
     bool isEachReadable = true;
     for (const std::string& path : paths) {
-        Document document = readDocumentFile(path);
-        if (!document.isReadable) {
-            std::fprintf(stderr, "kcodec2_spec: cannot read %s\n", path.c_str());
+        MergedDocuments& alone = checked.emplace_back();
+        alone.push_back(std::make_unique<CheckedDocument>(path, readDocumentFile(path)));
+        const CheckedDocument& document = *alone.front();
+        if (!document.document.isReadable) {
+            report.addForFile(kUnreadable, document.source,
+                              "the file cannot be read: " + document.document.whyNotReadable);
             isEachReadable = false;
             continue;
         }
-        MergedDocuments& alone = checked.emplace_back();
-        alone.push_back(std::make_unique<CheckedDocument>(path, std::move(document)));
-        checkDocument(*alone.front(), &report);
+        checkDocument(document, &report);
         applyMergeRules(alone, &report);
     }
     const int exitCode = finish(report, options);

@@ -91,7 +91,9 @@ void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
 void checkUnreadable(const CheckedLoad& checked, const Emit& emit) {
     for (const auto& document : checked.documents) {
         if (!document->document.isReadable) {
-            emit(document->source, "the file opens, but reading it fails: the device rejects it");
+            emit(document->source, "the file opens, but cannot be read (" +
+                                           document->document.whyNotReadable +
+                                           "): the device rejects it");
         }
     }
 }
@@ -154,7 +156,8 @@ void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
     for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
         forEachVariantUnder(directory, [&](const std::string& variant) {
             const std::string found = lettersAndDigitsOf(variant);
-            if (!nearest(wanted, std::vector<std::string>{found}).empty()) {
+            if (variant != variantOf(load) &&
+                !nearest(wanted, std::vector<std::string>{found}).empty()) {
                 emit(checked.place, directory + printable(variant) + kSystemSpecName +
                                             " exists: the variant \"" + printable(variant) +
                                             "\" would select it, \"" + printable(variantOf(load)) +
@@ -174,8 +177,7 @@ constexpr LoadRule kLoadRules[] = {
          tellSeeding},
         {{"spec-missing", Severity::Warning, "a system spec document that does not open"},
          checkMissingSpec},
-        {{"unreadable", Severity::Error, "a document that opens and cannot be read"},
-         checkUnreadable},
+        {kUnreadable, checkUnreadable},
         {{"load-without-codecs", Severity::Warning,
           "a load that names no component: all are enabled"},
          checkLoadWithoutCodecs},

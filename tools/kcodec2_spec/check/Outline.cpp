@@ -31,19 +31,14 @@ private:
         return mText.substr(mAt, token.size()) == token;
     }
 
-    void skipPast(std::string_view token, size_t from) {
-        const size_t found = mText.find(token, from);
-        mAt = found == std::string_view::npos ? mText.size() : found + token.size();
-    }
-
-    // White space and comments.
+    // White space and comments that end.
     void skipBlanks() {
         for (;;) {
             mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size());
             if (startsWith("//")) {
                 mAt = std::min(mText.find_first_of("\r\n", mAt), mText.size());
-            } else if (startsWith("/*")) {
-                skipPast("*/", mAt + 2);
+            } else if (startsWith("/*") && mText.find("*/", mAt + 2) != std::string_view::npos) {
+                mAt = mText.find("*/", mAt + 2) + 2;
             } else {
                 return;
             }

@@ -1,13 +1,12 @@
 // What the library's reader found, in words: whatever a load rejects, skips or changes.
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "Text.h"
 #include "check/Rules.h"
-#include "kc2/TargetSpecKeys.h"
+#include "targetspec/TextLimits.h"
 
 namespace kc2::tool {
 
@@ -16,8 +15,8 @@ namespace {
 struct ReaderRule {
     FindingKind kind;
     Rule rule;
-    // %p is the place of the value, %v the value as it is written, %i what an integer is made of
-    // it, %u the same without sign, %d the parser's own words.
+    // %p is the place of the value, %v the value as it is written; %b and %i what boolean or
+    // integer the device makes of it; %d the parser's own words.
     const char* message;
 };
 
@@ -97,10 +96,10 @@ constexpr ReaderRule kReaderRules[] = {
          "%p should hold an integer: %v is cut to %i"},
         {FindingKind::NegativeAsUnsigned,
          {"negative-as-unsigned", Severity::Warning, "a negative number stored as a large one"},
-         "%p should not be negative: %v is stored as %u"},
+         "%p should not be negative: %v is stored as %i"},
         {FindingKind::PerfWordUnquoted,
          {"perf-word-unquoted", Severity::Warning, "a perf word without quotes"},
-         "%p should be a string: its decimal digits %v are read as hexadecimal"},
+         "%p should be a string: its decimal digits %v are read as hexadecimal, as %i"},
         {FindingKind::PerfWordTail,
          {"perf-word-tail", Severity::Warning, "text after a perf word's digits"},
          "%p: what follows the hexadecimal digits of %v is ignored"},
@@ -108,6 +107,9 @@ constexpr ReaderRule kReaderRules[] = {
          {"tier-level-absent", Severity::Warning, "\"DolbyVision\" without one of the levels"},
          "%p is absent: the level becomes 0, whatever an earlier document set"},
 };
+
+// The messages above name the limits.
+static_assert(kMaxTextBytes == 32 << 20 && kMaxValues == 1 << 20 && kMaxNesting == 1000);
 
 const ReaderRule* ruleFor(FindingKind kind) {
     const auto found = std::find_if(std::begin(kReaderRules), std::end(kReaderRules),
@@ -130,19 +132,39 @@ std::string placeOf(const KeptFinding& finding) {
 std::string valueAsWritten(const KeptFinding& finding, const std::string& text) {
     constexpr size_t kLongest = 40;
     const std::string value = text.substr(finding.start, finding.limit - finding.start);
-    return printable(value.size() > kLongest ? value.substr(0, kLongest) + "..." : value);
+    const std::string_view shown = clipped(value, kLongest);
+    return printable(shown) + (shown.size() < value.size() ? "..." : "");
 }
 
-// What the device makes of a value that is not the integer it should be. Perf words are
-// hexadecimal, with quotes or without.
-int64_t integerOf(const KeptFinding& finding, const std::string& value) {
-    if (value == "true" || value == "false") {
-        return value == "true" ? 1 : 0;
+// What helps beside the parser's words on a syntax error at `at`; empty when nothing is known.
+std::string hintFor(const std::string& text, size_t at) {
+    const auto startsWith = [&](const char* token) {
+        return text.compare(at, std::strlen(token), token) == 0;
+    };
+    const size_t before = at == 0 ? std::string::npos : text.find_last_not_of(" \t\r\n", at - 1);
+    const char previous = before == std::string::npos ? '\0' : text[before];
+    if (at >= text.size()) {
+        return "the text ends here";
     }
-    if (finding.section == targetSpecPerfResourceValues) {
-        return std::strtoll(value.c_str() + (value.rfind('"', 0) == 0 ? 1 : 0), nullptr, 16);
+    if (previous == ',' && (text[at] == '}' || text[at] == ']')) {
+        return "the comma before it must go";
     }
-    return static_cast<int64_t>(std::trunc(std::strtod(value.c_str(), nullptr)));
+    if (previous == '0' && (text[at] == 'x' || text[at] == 'X')) {
+        return "a number cannot be hexadecimal";
+    }
+    if (text[at] == '\'') {
+        return "strings stand in double quotes";
+    }
+    if (startsWith("True") || startsWith("False") || startsWith("None")) {
+        return "write true, false or null";
+    }
+    if (startsWith("/*") && text.find("*/", at + 2) == std::string::npos) {
+        return "the comment never ends";
+    }
+    if (text[at] == '"' && text.find('"', at + 1) == std::string::npos) {
+        return "the string never ends";
+    }
+    return std::string();
 }
 
 // What the parser says of a syntax error, with what helps beside it.
@@ -158,13 +180,8 @@ std::string syntaxError(const KeptFinding& finding, const std::string& text) {
     if (!words.empty() && words.back() == '.') {
         words.pop_back();
     }
-    const size_t before =
-            text.find_last_not_of(" \t\r\n", finding.start == 0 ? 0 : finding.start - 1);
-    const char found = finding.start < text.size() ? text[finding.start] : '\0';
-    if (before != std::string::npos && text[before] == ',' && (found == '}' || found == ']')) {
-        words += ": the comma before it must go";
-    }
-    return printable(words);
+    const std::string hint = hintFor(text, std::min(finding.start, text.size()));
+    return printable(hint.empty() ? words : words + ": " + hint);
 }
 
 std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const std::string& text) {
@@ -174,22 +191,18 @@ std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const 
             message += *c;
             continue;
         }
-        const std::string value = valueAsWritten(finding, text);
         switch (*++c) {
             case 'p':
                 message += placeOf(finding);
                 break;
             case 'v':
-                message += value;
+                message += valueAsWritten(finding, text);
                 break;
             case 'b':
-                message += std::strtod(value.c_str(), nullptr) != 0 ? "true" : "false";
+                message += finding.converted != 0 ? "true" : "false";
                 break;
             case 'i':
-                message += std::to_string(integerOf(finding, value));
-                break;
-            case 'u':
-                message += std::to_string(static_cast<uint32_t>(integerOf(finding, value)));
+                message += std::to_string(finding.converted);
                 break;
             default:
                 message += syntaxError(finding, text);

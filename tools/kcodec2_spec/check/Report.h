@@ -18,7 +18,7 @@ const char* nameOf(Severity severity);
 struct Rule {
     const char* id;
     Severity severity;
-    const char* summary;  // What --help and docs/checks.md say.
+    const char* summary;  // What --help says; docs/checks.md says more.
 };
 
 class Report {

@@ -1,4 +1,4 @@
-// The rules of the checker: three tables, one for each thing that a rule looks at. To add a rule,
+// The rules of the checker: four tables, one for each thing that a rule looks at. To add a rule,
 // add a row and, in the tables with a function, the function.
 #pragma once
 
@@ -41,6 +41,9 @@ struct CheckedLoad {
     Source place;         // What findings about the load as a whole name: the system spec's path.
     Source privatePlace;  // The same of the private file.
 };
+
+// A file that cannot be read, or not to its end.
+inline constexpr Rule kUnreadable = {"unreadable", Severity::Error, "a file that cannot be read"};
 
 // What the library's reader found in a document.
 void applyReaderRules(const CheckedDocument& document, Report* report);

@@ -4,15 +4,13 @@
 
 #include <algorithm>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
 
 constexpr size_t kExcerptBytes = 100;
-
-bool isFirstByteOfCharacter(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-}
 
 size_t charactersIn(std::string_view text) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), isFirstByteOfCharacter));
@@ -62,9 +60,8 @@ std::string Source::excerpt(Span span) const {
             ++shownStart;
         }
     }
-    const size_t shownLimit = std::min(lineLimit, std::max(shownStart + kExcerptBytes, span.start));
-
-    std::string shown(mText.substr(shownStart, shownLimit - shownStart));
+    std::string shown(clipped(mText.substr(shownStart, lineLimit - shownStart), kExcerptBytes));
+    const size_t shownLimit = shownStart + shown.size();
     for (char& c : shown) {
         c = (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7F' ? ' ' : c;
     }
