@@ -70,6 +70,10 @@ LD_LIBRARY_PATH=$libraries "$scratch/decoder_setup" 2> "$scratch/log" > "$scratc
 diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
 LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consumer/device"
 
+echo "The program in docs/components.md is the consumer's"
+sed -n '/^```cpp$/,/^```$/p' "$source/docs/components.md" | sed '/^```/d' |
+    diff - "$source/examples/consumer/decoder_setup.cpp" || fail "another program"
+
 echo "The program of the README"
 sed -n '/^```cpp$/,/^```$/p' "$source/README.md" | sed '/^```/d' > "$scratch/readme.cpp"
 # shellcheck disable=SC2046

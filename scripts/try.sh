@@ -6,9 +6,9 @@ cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh run
 echo "Building ..."
-cmake --preset run > build.log 2>&1 || { cat build.log; exit 1; }
-cmake --build build/run >> build.log 2>&1 || { cat build.log; exit 1; }
-rm build.log
+mkdir -p build
+log=build/try.log
+{ cmake --preset run && cmake --build build/run; } > "$log" 2>&1 || { cat "$log"; exit 1; }
 
 tool=build/run/kcodec2_spec
 demo() {
