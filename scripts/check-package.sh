@@ -2,8 +2,8 @@
 # Installs a build into a scratch directory, moves it, and lets a consumer outside the tree stand on
 # it, through CMake and through pkg-config: check-package.sh [BUILD-DIRECTORY]
 #
-# The build directory is one of a host build (default: build/dev). Needs cmake, ninja, pkg-config and
-# a C++ compiler. Takes ten seconds.
+# The build directory is one of a host build (default: build/dev). Needs cmake, ninja, pkg-config
+# and a C++ compiler. Takes ten seconds.
 set -eu
 
 export CMAKE_GENERATOR=Ninja  # Which the packages for the tests bring; make need not be there.

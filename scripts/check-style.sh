@@ -1,6 +1,6 @@
 #!/bin/sh
-# Checks every source file against .clang-format and .clang-tidy. Needs build/device to be built: its
-# compile commands and its generated source. The static analyzer looks at the product alone: in
+# Checks every source file against .clang-format and .clang-tidy. Needs build/device to be built:
+# its compile commands and its generated source. The static analyzer looks at the product alone: in
 # the tests it would spend most of its time on the macros of their library.
 set -eu
 cd "$(dirname "$0")/.."

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Installs what is missing and passes every check of this tree: builds, tests, style, binary, fuzzing,
-# speed, package, documents. Needs root or sudo for the packages; about ten minutes on two cores.
+# Installs what is missing and passes every check of this tree: builds, tests, style, binary,
+# fuzzing, speed, package, documents. Needs root or sudo for the packages; about a quarter of an
+# hour on two cores.
 set -eu
 cd "$(dirname "$0")/.."
 
