@@ -62,7 +62,7 @@ int printFormats(const std::string& wanted) {
     bool isFound = false;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
         // Case does not count in a name that somebody types.
-        if (wanted.empty() || editDistance(wanted, row.name) == 0 || value == *row.format) {
+        if (wanted.empty() || editDistance(wanted, row.name, 0) == 0 || value == *row.format) {
             if (!isFound) {
                 printHeading();
             }

@@ -3,9 +3,10 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdio>
-#include <vector>
+#include <numeric>
 
 namespace kc2::tool {
 
@@ -46,27 +47,40 @@ std::string printable(std::string_view text) {
     return result;
 }
 
-size_t editDistance(std::string_view a, std::string_view b) {
+size_t editDistance(std::string_view a, std::string_view b, size_t limit) {
     constexpr size_t kLongest = 100;  // The cost is the product of the lengths.
-    if (a.size() > kLongest || b.size() > kLongest) {
-        return a == b ? 0 : kLongest;
+    const auto isSame = [](char left, char right) {
+        return std::tolower(static_cast<unsigned char>(left)) ==
+               std::tolower(static_cast<unsigned char>(right));
+    };
+    if (std::max(a.size(), b.size()) > kLongest ||
+        std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > limit) {
+        return a == b ? 0 : limit + 1;
     }
-    std::vector<size_t> row(b.size() + 1);
-    for (size_t j = 0; j <= b.size(); ++j) {
-        row[j] = j;
+    while (!a.empty() && !b.empty() && isSame(a.front(), b.front())) {
+        a.remove_prefix(1);
+        b.remove_prefix(1);
     }
+    while (!a.empty() && !b.empty() && isSame(a.back(), b.back())) {
+        a.remove_suffix(1);
+        b.remove_suffix(1);
+    }
+    std::array<size_t, kLongest + 1> row = {};
+    const auto limitOfRow = row.begin() + b.size() + 1;
+    std::iota(row.begin(), limitOfRow, size_t{0});
     for (size_t i = 1; i <= a.size(); ++i) {
         size_t diagonal = row[0];
         row[0] = i;
         for (size_t j = 1; j <= b.size(); ++j) {
-            const bool isSame = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
-                                std::tolower(static_cast<unsigned char>(b[j - 1]));
-            const size_t replaced = diagonal + (isSame ? 0 : 1);
+            const size_t replaced = diagonal + (isSame(a[i - 1], b[j - 1]) ? 0 : 1);
             diagonal = row[j];
             row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
         }
+        if (*std::min_element(row.begin(), limitOfRow) > limit) {
+            return limit + 1;
+        }
     }
-    return row.back();
+    return row[b.size()];
 }
 
 }  // namespace kc2::tool

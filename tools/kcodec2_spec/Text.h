@@ -23,22 +23,29 @@ std::string_view clipped(std::string_view text, size_t bytes);
 std::string printable(std::string_view text);
 
 // How many letters must be inserted, removed or replaced to make `a` out of `b`; case costs
-// nothing.
-size_t editDistance(std::string_view a, std::string_view b);
+// nothing. Something above `limit` where it is more than that.
+size_t editDistance(std::string_view a, std::string_view b, size_t limit);
 
-// The one of `names` that someone who wrote `word` may have meant; empty when none is near.
+// The one of `names` that someone who wrote `word` may have meant, by at most `mostEdits` mistakes;
+// empty when none is near.
 template <typename Names>
-std::string nearest(std::string_view word, const Names& names) {
+std::string nearest(std::string_view word, const Names& names, size_t mostEdits) {
     std::string best;
-    size_t bestDistance = word.size() / 3 + 1;  // Beyond that it is another word.
     for (const std::string_view name : names) {
-        const size_t distance = editDistance(word, name);
-        if (distance <= bestDistance && distance < name.size()) {
-            bestDistance = distance - (distance == 0 ? 0 : 1);
+        const size_t distance = editDistance(word, name, mostEdits);
+        if (distance <= mostEdits && distance < name.size() &&
+            (best.empty() || distance < mostEdits)) {
+            mostEdits = distance;
             best = name;
         }
     }
     return best;
+}
+
+// The same for a short word: beyond a third of its letters it is another one.
+template <typename Names>
+std::string nearest(std::string_view word, const Names& names) {
+    return nearest(word, names, word.size() / 3 + 1);
 }
 
 }  // namespace kc2::tool

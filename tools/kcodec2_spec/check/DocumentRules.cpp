@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -113,6 +114,40 @@ void checkPerfWordPairs(const CheckedDocument& checked, const Emit& emit) {
     }
 }
 
+// The names that the built-in documents set in a section: those that components of this platform
+// ask for, as far as this library knows them.
+template <typename Map>
+std::set<std::string> builtInNames(Map SpecDocument::*section) {
+    std::set<std::string> names;
+    for (const ChipDocument& row : kChipDocuments) {
+        const Document document = readDocument("", "", row.text);
+        for (const auto& [name, value] : document.content.*section) {
+            names.insert(name);
+        }
+    }
+    return names;
+}
+
+void checkMisspeltNames(const CheckedDocument& checked, const Emit& emit) {
+    constexpr size_t kMostMistakes = 2;
+    const auto inSection = [&](const char* section, auto member) {
+        const std::set<std::string> known = builtInNames(member);
+        for (const KeptFinding* const taken : checked.takenIn(section)) {
+            if (known.count(taken->name) == 0) {
+                const std::string near = nearest(taken->name, known, kMostMistakes);
+                if (!near.empty()) {
+                    emit({taken->start, taken->limit},
+                         printable(taken->name) + " is in no built-in document. Did you mean " +
+                                 near + "?");
+                }
+            }
+        }
+    };
+    inSection(targetSpecFeatures, &SpecDocument::features);
+    inSection(targetSpecPresets, &SpecDocument::presets);
+    inSection(targetSpecPerfResourceValues, &SpecDocument::perfResourceValues);
+}
+
 // c2.<vendor>.<codec>.<decoder or encoder>, and what distinguishes components of one codec.
 bool hasFormOfComponent(std::string_view name) {
     std::vector<std::string_view> parts;
@@ -157,6 +192,8 @@ constexpr DocumentRule kDocumentRules[] = {
         {{"trailing-text", Severity::Warning, "text after the document's end"}, checkTrailingText},
         {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
          checkPerfWordPairs},
+        {{"name-misspelt", Severity::Note, "a setting one or two letters from a built-in one"},
+         checkMisspeltNames},
         {{"codec-name-form", Severity::Note, "a codec name unlike that of a component"},
          checkCodecNames},
 };
