@@ -1,7 +1,6 @@
 // kcodec2_spec show: the store that TargetSpec::Get() built, and where each value came from.
 
 #include <json/value.h>
-#include <json/writer.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -252,16 +251,14 @@ void printJson(const Load& load, const std::vector<Section>& sections) {
             (section.isNamed ? values[entry.name] : values.append(Json::Value())) = item;
         }
     }
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "  ";
-    std::puts(Json::writeString(writer, root).c_str());
+    print(root);
 }
 
 }  // namespace
 
 int show(bool asJson) {
-    muteLog();  // The load that counts is the other one. It may seed the private file, so it is
-                // last.
+    // The real load comes last: it may seed the private file, and its lines are the ones to show.
+    muteLog();
     const Load load = walkLoad();
     unmuteLog();
     const TargetSpec& spec = *TargetSpec::Get();

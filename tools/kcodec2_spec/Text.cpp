@@ -2,6 +2,8 @@
 
 #include "Text.h"
 
+#include <json/writer.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -9,6 +11,12 @@
 #include <numeric>
 
 namespace kc2::tool {
+
+void print(const Json::Value& json) {
+    Json::StreamWriterBuilder writer;
+    writer["indentation"] = "  ";
+    std::puts(Json::writeString(writer, json).c_str());
+}
 
 bool isFirstByteOfCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) != 0x80;

@@ -1,6 +1,8 @@
 // Small pieces of text that several commands print.
 #pragma once
 
+#include <json/value.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,6 +11,9 @@ namespace kc2::tool {
 
 // "0x40800000".
 std::string hexadecimal(uint32_t value);
+
+// Prints JSON for scripts, and a line end.
+void print(const Json::Value& json);
 
 // Whether a character begins with this byte of UTF-8.
 bool isFirstByteOfCharacter(char c);

@@ -3,13 +3,14 @@
 #include "check/Report.h"
 
 #include <json/value.h>
-#include <json/writer.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <map>
 #include <tuple>
+
+#include "Text.h"
 
 namespace kc2::tool {
 
@@ -110,9 +111,7 @@ void Report::printJson() const {
         finding["message"] = entry->message;
         array.append(std::move(finding));
     }
-    Json::StreamWriterBuilder writer;
-    writer["indentation"] = "  ";
-    std::puts(Json::writeString(writer, array).c_str());
+    print(array);
 }
 
 size_t Report::count(Severity severity) const {
