@@ -114,13 +114,24 @@ void checkPerfWordPairs(const CheckedDocument& checked, const Emit& emit) {
     }
 }
 
+// Read once: every checked document is compared with all of them, section by section.
+const std::vector<Document>& builtInDocuments() {
+    static const std::vector<Document> documents = [] {
+        std::vector<Document> read;
+        for (const ChipDocument& row : kChipDocuments) {
+            read.push_back(readDocument("", "", row.text));
+        }
+        return read;
+    }();
+    return documents;
+}
+
 // The names that the built-in documents set in a section: those that components of this platform
 // ask for, as far as this library knows them.
 template <typename Map>
 std::set<std::string> builtInNames(Map SpecDocument::*section) {
     std::set<std::string> names;
-    for (const ChipDocument& row : kChipDocuments) {
-        const Document document = readDocument("", "", row.text);
+    for (const Document& document : builtInDocuments()) {
         for (const auto& [name, value] : document.content.*section) {
             names.insert(name);
         }
