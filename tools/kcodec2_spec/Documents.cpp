@@ -7,6 +7,7 @@
 #include <fstream>
 #include <utility>
 
+#include "base/BaseLibrary.h"
 #include "kc2/TargetSpec.h"
 #include "targetspec/DevicePaths.h"
 #include "targetspec/DocumentText.h"
@@ -73,6 +74,7 @@ Document readDocumentFile(const std::string& path) {
 
 Load walkLoad() {
     Load load;
+    load.variant = OS::SystemProperty::Get(kVariantProperty, kDefaultVariant);
     load.firstPath = TargetSpec::readTargetVariant();
     load.chip = &chipDocumentFor(load.firstPath);
 

@@ -42,6 +42,7 @@ Document readDocumentFile(const std::string& path);
 
 // The documents of one load, and why it is these.
 struct Load {
+    std::string variant;       // As the property has it; kDefaultVariant when it is not set.
     std::string firstPath;     // Where the system spec document is looked for first.
     Document systemSpec;       // Its path is empty when none opened, and then it is no document.
     Document overlay;          // The private file or a built-in document.

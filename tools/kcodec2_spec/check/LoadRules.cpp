@@ -22,25 +22,15 @@ struct LoadRule {
     void (*check)(const CheckedLoad& checked, const Emit& emit);
 };
 
-bool isVariant(const Load& load) {
-    return load.firstPath != std::string(kVendorSpecDirectory) + kSystemSpecName;
-}
-
-// The variant, out of the path that it led to: what stands between directory and file name.
-std::string variantOf(const Load& load) {
-    const std::string_view path = load.firstPath;
-    const std::string_view directory =
-            path.rfind(kOdmSpecDirectory, 0) == 0 ? kOdmSpecDirectory : kVendorSpecDirectory;
-    return std::string(
-            path.substr(directory.size(),
-                        path.size() - directory.size() - std::string_view(kSystemSpecName).size()));
+bool isVariantSet(const Load& load) {
+    return load.variant != kDefaultVariant;
 }
 
 void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     std::string why = "no variant is set, which selects " + load.firstPath;
-    if (isVariant(load)) {
-        why = "the variant \"" + printable(variantOf(load)) + "\" selects " +
+    if (isVariantSet(load)) {
+        why = "the variant \"" + printable(load.variant) + "\" selects " +
               printable(load.firstPath);
         if (load.firstPath.rfind(kVendorSpecDirectory, 0) == 0) {
             why += std::string(", since the same under ") + kOdmSpecDirectory + " does not exist";
@@ -107,8 +97,7 @@ void checkLoadWithoutCodecs(const CheckedLoad& checked, const Emit& emit) {
     }
 }
 
-// --- A variant whose directory is not where the library looks
-// -------------------------------------
+// --- A variant whose directory is not where the library looks ---
 
 std::string lettersAndDigitsOf(std::string_view text) {
     std::string result;
@@ -149,18 +138,18 @@ void forEachVariantUnder(const std::string& directory, Visit visit) {
 
 void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
-    if (!isVariant(load) || load.systemSpec.path == load.firstPath) {
+    if (!isVariantSet(load) || load.systemSpec.path == load.firstPath) {
         return;
     }
-    const std::string wanted = lettersAndDigitsOf(variantOf(load));
+    const std::string wanted = lettersAndDigitsOf(load.variant);
     for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
         forEachVariantUnder(directory, [&](const std::string& variant) {
             const std::string found = lettersAndDigitsOf(variant);
-            if (variant != variantOf(load) &&
+            if (variant != load.variant &&
                 !nearest(wanted, std::vector<std::string>{found}).empty()) {
                 emit(checked.place, directory + printable(variant) + kSystemSpecName +
                                             " exists: the variant \"" + printable(variant) +
-                                            "\" would select it, \"" + printable(variantOf(load)) +
+                                            "\" would select it, \"" + printable(load.variant) +
                                             "\" does not (it follows \"media\" as it is, with no "
                                             "\"/\" between)");
             }

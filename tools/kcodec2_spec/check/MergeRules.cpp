@@ -25,8 +25,7 @@ Span spanOf(const KeptFinding& finding) {
     return {finding.start, finding.limit};
 }
 
-// --- The bit-rate table
-// ---------------------------------------------------------------------------
+// --- The bit-rate table ---
 
 struct PlacedRow {
     NimbraBitRateEntry row;
@@ -53,9 +52,9 @@ std::vector<PlacedRow> rowsOf(const MergedDocuments& documents) {
 class Coverage {
 public:
     struct Overlap {
-        const PlacedRow*
-                earlier;  // Answers for the lowest value that both hold; null: none is held.
-        bool isWhole;     // Earlier rows answer for every value of the row.
+        // Answers for the lowest value that both hold; null when no earlier row holds one.
+        const PlacedRow* earlier;
+        bool isWhole;  // Earlier rows answer for every value of the row.
     };
 
     // Adds a row behind the earlier ones and tells what they leave of it.
@@ -151,8 +150,7 @@ void checkOverlappingRows(const MergedDocuments& documents, const Emit& emit) {
     });
 }
 
-// --- Lists and names
-// ------------------------------------------------------------------------------
+// --- Lists and names ---
 
 void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
     const std::pair<const char*, std::list<std::string> SpecDocument::*> lists[] = {
