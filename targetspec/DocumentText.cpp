@@ -2,25 +2,37 @@
 
 #include "targetspec/DocumentText.h"
 
-#include <istream>
+#include <algorithm>
 
 #include "targetspec/TextLimits.h"
 
 namespace kc2 {
 
-bool readText(std::ifstream& stream, std::string* text) {
-    std::istream input(stream.rdbuf());  // With flags of its own, and no exceptions asked for.
-    // Where the standard library asks the file for its size: one allocation instead of many.
-    const std::streamsize expected = input.rdbuf()->in_avail();
-    if (expected > 0 && static_cast<size_t>(expected) <= kMaxTextBytes) {
-        text->reserve(static_cast<size_t>(expected));
+bool DocumentText::read(std::ifstream& stream) {
+    const std::ios::iostate exceptions = stream.exceptions();
+    const std::ios::iostate state = stream.rdstate();
+    if ((exceptions & state) != 0) {
+        return true;  // It has thrown at its end, and could not be put back without doing so again.
     }
-    char block[4096];
-    while (input.good() && text->size() <= kMaxTextBytes) {
-        input.read(block, sizeof(block));
-        text->append(block, static_cast<size_t>(input.gcount()));
+    stream.exceptions(std::ios::goodbit);
+    stream.clear();
+    stream.read(mBlock, sizeof(mBlock));
+    mShortText = {mBlock, static_cast<size_t>(stream.gcount())};
+    if (stream.good()) {
+        // Where the standard library asks the file for its size: one allocation instead of many,
+        // which would leave holes that make every later allocation dearer.
+        const std::streamsize rest = std::max<std::streamsize>(stream.rdbuf()->in_avail(), 0);
+        mLongText.reserve(mShortText.size() + std::min<size_t>(rest, kMaxTextBytes));
+        mLongText = mShortText;
     }
-    return !input.bad();
+    while (stream.good() && mLongText.size() <= kMaxTextBytes) {
+        stream.read(mBlock, sizeof(mBlock));
+        mLongText.append(mBlock, static_cast<size_t>(stream.gcount()));
+    }
+    const bool isRead = !stream.bad();
+    stream.clear(state);
+    stream.exceptions(exceptions);
+    return isRead;
 }
 
 }  // namespace kc2

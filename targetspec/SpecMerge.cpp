@@ -85,8 +85,8 @@ uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
             return kLoadFailed;
         }
     } else {
-        std::string text;
-        if (!readText(stream, &text) || !readSpecDocument(text, &document, findings)) {
+        DocumentText text;
+        if (!text.read(stream) || !readSpecDocument(text.view(), &document, findings)) {
             KC2_LOG_ERROR(kTag, "Couldn't parse json from file stream");
             return kLoadFailed;
         }

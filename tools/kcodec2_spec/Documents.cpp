@@ -44,12 +44,12 @@ Document unreadable(std::string origin, std::string path, std::string why) {
 }
 
 Document readStream(std::string origin, std::string path, std::ifstream& stream) {
-    std::string text;
+    DocumentText text;
     errno = 0;
-    if (!readText(stream, &text)) {
+    if (!text.read(stream)) {
         return unreadable(std::move(origin), std::move(path), std::strerror(errno));
     }
-    return readDocument(std::move(origin), std::move(path), std::move(text));
+    return readDocument(std::move(origin), std::move(path), std::string(text.view()));
 }
 
 }  // namespace
