@@ -1,9 +1,8 @@
 // Where the directories of the device lie on this machine.
 
-#include <functional>
 #include <map>
 #include <mutex>
-#include <string_view>
+#include <utility>
 
 #include "hostplatform/HostPlatform.h"
 
@@ -14,7 +13,7 @@ namespace {
 struct DeviceTree {
     std::mutex mutex;
     // Device directory without trailing "/" -> host.
-    std::map<std::string, std::string, std::less<>> mappings;
+    std::map<std::string, std::string> mappings;
     bool isReadOnly = false;
 };
 
@@ -29,6 +28,11 @@ std::string withoutTrailingSlashes(std::string directory) {
     return directory;
 }
 
+bool liesIn(const std::string& directory, const std::string& path) {
+    return path.starts_with(directory) &&
+           (path.size() == directory.size() || path[directory.size()] == '/');
+}
+
 }  // namespace
 
 void mapDirectory(const std::string& deviceDirectory, const std::string& hostDirectory) {
@@ -40,18 +44,20 @@ void mapDirectory(const std::string& deviceDirectory, const std::string& hostDir
 std::string hostPath(const std::string& devicePath) {
     DeviceTree& tree = deviceTree();
     const std::lock_guard<std::mutex> lock(tree.mutex);
-    // From the whole path upwards, so that the longest mapped directory is met first.
-    for (std::string_view directory = devicePath;;) {
-        const auto mapping = tree.mappings.find(directory);
-        if (mapping != tree.mappings.end()) {
-            return mapping->second + devicePath.substr(directory.size());
+    const std::pair<const std::string, std::string>* mapping = nullptr;
+    for (const auto& candidate : tree.mappings) {
+        if (liesIn(candidate.first, devicePath)) {
+            mapping = &candidate;  // Of two that hold the path, the longer one comes later.
         }
-        const size_t slash = directory.rfind('/');
-        if (slash == std::string_view::npos) {
-            return devicePath;
-        }
-        directory = directory.substr(0, slash);
     }
+    if (mapping == nullptr) {
+        return devicePath;
+    }
+    const auto& [directory, hostDirectory] = *mapping;
+    std::string path;
+    path.reserve(hostDirectory.size() + devicePath.size() - directory.size());
+    path.append(hostDirectory).append(devicePath, directory.size());
+    return path;
 }
 
 void setReadOnly(bool readOnly) {

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
 #include <string>
 
 #include "base/BaseLibrary.h"
@@ -14,19 +15,22 @@ namespace kc2 {
 
 std::string TargetSpec::readTargetVariant() {
     const std::string variant = OS::SystemProperty::Get(kVariantProperty, kDefaultVariant);
+    std::string path;
+    path.reserve(sizeof(kVendorSpecDirectory) + variant.size() + sizeof(kSystemSpecName));
     if (variant == kDefaultVariant) {
         KC2_LOG_ERROR(log::kTagTargetSpec,
                       "Couldn't read target-id, target-id = default is chosen.");
-        return std::string(kVendorSpecDirectory) + kSystemSpecName;
+        path.append(kVendorSpecDirectory).append(kSystemSpecName);
+        return path;
     }
-    std::string candidate = kOdmSpecDirectory + variant + kSystemSpecName;
+    path.append(kOdmSpecDirectory).append(variant).append(kSystemSpecName);
     // A query that fails for another reason than absence answers false too: a document that cannot
     // be examined would hardly open, and the vendor document then gets its chance.
     struct stat ignored = {};
-    if (stat(deviceFile(candidate).c_str(), &ignored) == 0) {
-        return candidate;
+    if (stat(deviceFile(path).c_str(), &ignored) != 0) {
+        path.replace(0, std::strlen(kOdmSpecDirectory), kVendorSpecDirectory);
     }
-    return kVendorSpecDirectory + variant + kSystemSpecName;
+    return path;
 }
 
 }  // namespace kc2
