@@ -5,12 +5,14 @@
 #include <json/reader.h>
 #include <json/value.h>
 
-#include <cerrno>
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <system_error>
+#include <tuple>
 
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/TextLimits.h"
@@ -19,16 +21,8 @@ namespace kc2 {
 
 namespace {
 
-// Member `key` of `object`; null when there is none, also when `object` is no object.
-const Json::Value* findMember(const Json::Value& object, const char* key) {
-    if (key == nullptr || !object.isObject()) {
-        return nullptr;
-    }
-    return object.find(key, key + std::strlen(key));
-}
-
 bool isObjectOrNull(const Json::Value& value) {
-    return value.isObject() || value.isNull();
+    return value.type() == Json::objectValue || value.type() == Json::nullValue;
 }
 
 // The name of the member that an iterator over an object stands at.
@@ -36,6 +30,34 @@ std::string_view nameOf(const Json::Value::const_iterator& member) {
     const char* end = nullptr;
     const char* const name = member.memberName(&end);
     return {name, static_cast<size_t>(end - name)};
+}
+
+// The member of an object that a key names.
+struct Member {
+    explicit Member(const char* name)
+        : key(name != nullptr ? std::string_view(name) : std::string_view()) {}
+
+    void takeIfNamed(std::string_view name, const Json::Value::const_iterator& member) {
+        if (name == key && key.data() != nullptr) {
+            value = &*member;
+        }
+    }
+
+    std::string_view key;                // Without data when it is null: such a key names nothing.
+    const Json::Value* value = nullptr;  // Null when the object has no such member.
+};
+
+// The members of the given keys, in their order; `object` is one, or null. One walk takes less than
+// the parser's own lookups do: objects that are searched hold a handful of names.
+template <typename... Keys>
+std::array<Member, sizeof...(Keys)> findMembers(const Json::Value& object, Keys... keys) {
+    std::array members = {Member(keys)...};
+    const auto limit = object.end();
+    for (auto member = object.begin(); member != limit; ++member) {
+        const std::string_view name = nameOf(member);
+        std::apply([&](auto&... found) { (found.takeIfNamed(name, member), ...); }, members);
+    }
+    return members;
 }
 
 void add(std::list<std::string>& names, std::string_view name) {
@@ -46,30 +68,64 @@ void add(std::unordered_set<std::string>& names, std::string_view name) {
     names.emplace(name);
 }
 
-// The sections of one "Video" object, each read by the function of its name.
+struct HexadecimalText {
+    uint32_t pattern;  // Of a number in the signed 32-bit range.
+    bool isNegative;
+    bool hasTail;  // Whether anything follows the digits.
+};
+
+// As strtol() reads it, but in every locale alike: white space, sign and 0x are optional; reading
+// stops at the first character that is no digit.
+std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
+    while (!text.empty() &&
+           (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r'))) {
+        text.remove_prefix(1);
+    }
+    const bool isSigned = !text.empty() && (text.front() == '-' || text.front() == '+');
+    const bool isMinus = isSigned && text.front() == '-';
+    text.remove_prefix(isSigned ? 1 : 0);
+
+    const char* const limit = text.data() + text.size();
+    uint32_t magnitude = 0;
+    const bool hasPrefix = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    std::from_chars_result read =
+            std::from_chars(text.data() + (hasPrefix ? 2 : 0), limit, magnitude, 16);
+    if (hasPrefix && read.ec == std::errc::invalid_argument) {
+        read = {text.data() + 1, std::errc()};  // A 0 with a tail.
+    }
+    constexpr uint32_t kLargest = std::numeric_limits<int32_t>::max();
+    if (read.ec != std::errc() || magnitude > kLargest + (isMinus ? 1 : 0)) {
+        return std::nullopt;
+    }
+    return HexadecimalText{isMinus ? 0 - magnitude : magnitude, isMinus && magnitude != 0,
+                           read.ptr != limit};
+}
+
+// The sections of one "Video" object, each read by a function of its own.
 class SectionReader {
 public:
-    SectionReader(const Json::Value& video, SpecDocument* document, FindingSink& findings)
-        : mDocument(*document), mFindings(findings) {
-        mSections.reserve(video.size());
-        const auto limit = video.end();
-        for (auto section = video.begin(); section != limit; ++section) {
-            mSections.push_back({nameOf(section), &*section});
-        }
-    }
+    SectionReader(SpecDocument* document, FindingSink& findings)
+        : mDocument(*document), mFindings(findings) {}
 
     // In the order in which the device's log shows their findings.
-    void readAll() {
-        readFeatures();
-        readPresets();
-        readNimbraModeBitRateTable();
-        readDolbyVision();
-        readNames(targetSpecCodecPlugins, &mDocument.codecPlugins);
-        readNames(targetSpecPreProcessingFilters, &mDocument.preprocessingFilters);
-        readPerfResourceValues();
-        readSupportedCodecs();
-        readNames(targetSpecOptionalCodecs, &mDocument.supportedCodecs);
-        readNames(targetSpecSupportedEncPostProcessingFilters, &mDocument.encPostProcessingFilters);
+    void readAll(const Json::Value& video) {
+        const auto [features, presets, bitRateTable, dolbyVision, plugins, preprocessingFilters,
+                    perfResourceValues, codecs, optionalCodecs, encPostProcessingFilters] =
+                findMembers(video, targetSpecFeatures, targetSpecPresets,
+                            targetSpecNimbraModeBitRate, targetSpecDV, targetSpecCodecPlugins,
+                            targetSpecPreProcessingFilters, targetSpecPerfResourceValues,
+                            targetSpecSupportedCodecs, targetSpecOptionalCodecs,
+                            targetSpecSupportedEncPostProcessingFilters);
+        readFeatures(features);
+        readPresets(presets);
+        readNimbraModeBitRateTable(bitRateTable);
+        readDolbyVision(dolbyVision);
+        readNames(plugins, &mDocument.codecPlugins);
+        readNames(preprocessingFilters, &mDocument.preprocessingFilters);
+        readPerfResourceValues(perfResourceValues);
+        readSupportedCodecs(codecs);
+        readNames(optionalCodecs, &mDocument.supportedCodecs);
+        readNames(encPostProcessingFilters, &mDocument.encPostProcessingFilters);
     }
 
 private:
@@ -82,36 +138,27 @@ private:
         }
     }
 
-    // A handful of names: comparing them takes less than the parser's lookup.
-    const Json::Value* findSection(const char* key) const {
-        for (const Section& section : mSections) {
-            if (key != nullptr && section.name == key) {
-                return section.value;
-            }
+    // Whether it is a section to take members of. A null one holds none, but is there.
+    bool isObjectSection(const Member& section) {
+        if (section.value == nullptr) {
+            return false;
         }
-        return nullptr;
-    }
-
-    // The section `key` when it is one to take members of; null when it is absent or unusable.
-    const Json::Value* findObjectSection(const char* key) {
-        const Json::Value* const section = findSection(key);
-        if (section != nullptr && !isObjectOrNull(*section)) {
-            report(FindingKind::SectionNotObject, {.section = key}, *section);
-            return nullptr;
+        if (!isObjectOrNull(*section.value)) {
+            report(FindingKind::SectionNotObject, {.section = section.key.data()}, *section.value);
+            return false;
         }
-        return section;
+        return true;
     }
 
     // Calls visit(place, value) for each member of an object section, in ascending name order.
     template <typename Visit>
-    void forEachMember(const char* key, Visit visit) {
-        const Json::Value* const section = findObjectSection(key);
-        if (section == nullptr || section->isNull()) {
+    void forEachMember(const Member& section, Visit visit) {
+        if (!isObjectSection(section)) {
             return;
         }
-        const auto limit = section->end();
-        for (auto member = section->begin(); member != limit; ++member) {
-            visit(Place{.section = key, .name = nameOf(member)}, *member);
+        const auto limit = section.value->end();
+        for (auto member = section.value->begin(); member != limit; ++member) {
+            visit(Place{.section = section.key.data(), .name = nameOf(member)}, *member);
         }
     }
 
@@ -119,13 +166,17 @@ private:
     // values in ascending name order; null and scalars hold no element.
     template <typename Visit>
     void forEachElement(Place place, const Json::Value& list, Visit visit) {
-        if (list.isObject()) {
-            report(FindingKind::ObjectAsArray, place, list);
-        } else if (!list.isArray()) {
-            if (!list.isNull()) {
+        switch (list.type()) {
+            case Json::arrayValue:
+                break;
+            case Json::objectValue:
+                report(FindingKind::ObjectAsArray, place, list);
+                break;
+            case Json::nullValue:
+                return;
+            default:
                 report(FindingKind::ListNotArray, place, list);
-            }
-            return;
+                return;
         }
         for (const Json::Value& element : list) {
             ++place.index;
@@ -135,7 +186,7 @@ private:
 
     // Adds the strings of an array to `names`, a list or a set.
     template <typename Names>
-    void readNamesOf(const Place& place, const Json::Value& list, Names* names) {
+    void readNames(const Place& place, const Json::Value& list, Names* names) {
         forEachElement(place, list, [&](const Place& at, const Json::Value& element) {
             const char* name = nullptr;
             const char* end = nullptr;
@@ -149,9 +200,9 @@ private:
     }
 
     template <typename Names>
-    void readNames(const char* key, Names* names) {
-        if (const Json::Value* const section = findSection(key)) {
-            readNamesOf({.section = key}, *section, names);
+    void readNames(const Member& section, Names* names) {
+        if (section.value != nullptr) {
+            readNames({.section = section.key.data()}, *section.value, names);
         }
     }
 
@@ -219,41 +270,38 @@ private:
         return pattern;
     }
 
-    // Hexadecimal text: white space, sign and 0x are optional; reading stops at the first character
-    // that is no hexadecimal digit. A number is read through its decimal text.
+    // A hexadecimal string in the signed 32-bit range, or a number, read through its decimal text.
     std::optional<uint32_t> toPerfWord(const Place& place, const Json::Value& value) {
         std::string number;
         const char* text = nullptr;
         const char* limit = nullptr;
-        if (value.isNumeric()) {
+        if (!value.getString(&text, &limit)) {
+            if (!value.isNumeric()) {
+                return std::nullopt;
+            }
             number = value.asString();
             text = number.data();
             limit = text + number.size();
-        } else if (!value.getString(&text, &limit)) {
+        }
+        const std::optional<HexadecimalText> word =
+                readHexadecimal({text, static_cast<size_t>(limit - text)});
+        if (!word) {
             return std::nullopt;
         }
-        char* end = nullptr;
-        errno = 0;
-        const long long word = std::strtoll(text, &end, 16);
-        if (end == text || errno == ERANGE || word < std::numeric_limits<int32_t>::min() ||
-            word > std::numeric_limits<int32_t>::max()) {
-            return std::nullopt;
-        }
-        const auto pattern = static_cast<uint32_t>(word);
         if (!number.empty()) {
-            report(FindingKind::PerfWordUnquoted, place, value, pattern);
+            report(FindingKind::PerfWordUnquoted, place, value, word->pattern);
         }
-        if (end != limit) {
-            report(FindingKind::PerfWordTail, place, value, pattern);
+        if (word->hasTail) {
+            report(FindingKind::PerfWordTail, place, value, word->pattern);
         }
-        if (word < 0) {
-            report(FindingKind::NegativeAsUnsigned, place, value, pattern);
+        if (word->isNegative) {
+            report(FindingKind::NegativeAsUnsigned, place, value, word->pattern);
         }
-        return pattern;
+        return word->pattern;
     }
 
-    void readFeatures() {
-        forEachMember(targetSpecFeatures, [&](const Place& place, const Json::Value& value) {
+    void readFeatures(const Member& section) {
+        forEachMember(section, [&](const Place& place, const Json::Value& value) {
             if (const std::optional<bool> isOn = toBoolean(place, value)) {
                 mDocument.features.emplace_hint(mDocument.features.end(), place.name, *isOn);
                 report(FindingKind::Taken, place, value);
@@ -263,8 +311,8 @@ private:
         });
     }
 
-    void readPresets() {
-        forEachMember(targetSpecPresets, [&](const Place& place, const Json::Value& value) {
+    void readPresets(const Member& section) {
+        forEachMember(section, [&](const Place& place, const Json::Value& value) {
             if (const std::optional<int32_t> preset = toInteger(place, value)) {
                 mDocument.presets.emplace_hint(mDocument.presets.end(), place.name, *preset);
                 report(FindingKind::Taken, place, value);
@@ -290,106 +338,102 @@ private:
         return entry;
     }
 
-    void readNimbraModeBitRateTable() {
-        const char* const key = targetSpecNimbraModeBitRate;
-        const Json::Value* const table = findSection(key);
-        if (table == nullptr) {
+    void readNimbraModeBitRateTable(const Member& section) {
+        if (section.value == nullptr) {
             return;
         }
-        forEachElement({.section = key}, *table, [&](const Place& place, const Json::Value& row) {
+        const Json::Value& table = *section.value;
+        mDocument.nimbraModeBitRateTable.reserve(table.size());
+        const Place place = {.section = section.key.data()};
+        forEachElement(place, table, [&](const Place& at, const Json::Value& row) {
             if (row.size() != 3) {
-                report(FindingKind::RowSizeNotThree, place, row);
+                report(FindingKind::RowSizeNotThree, at, row);
             } else if (!row.isArray()) {
-                report(FindingKind::RowNotArray, place, row);
-            } else if (const auto entry = toBitRateEntry(place, row)) {
+                report(FindingKind::RowNotArray, at, row);
+            } else if (const auto entry = toBitRateEntry(at, row)) {
                 mDocument.nimbraModeBitRateTable.push_back(*entry);
-                report(FindingKind::Taken, place, row);
+                report(FindingKind::Taken, at, row);
             }
         });
     }
 
-    int32_t readTierLevel(const Json::Value& section, const char* key) {
-        const Place place = {.section = targetSpecDV, .name = key != nullptr ? key : ""};
-        const Json::Value* const level = findMember(section, key);
-        if (level == nullptr) {
-            report(FindingKind::TierLevelAbsent, place, section);
+    int32_t readTierLevel(const Member& section, const Member& level) {
+        const Place place = {.section = section.key.data(), .name = level.key};
+        if (level.value == nullptr) {
+            report(FindingKind::TierLevelAbsent, place, *section.value);
             return 0;
         }
-        const std::optional<int32_t> value = toInteger(place, *level);
-        report(value ? FindingKind::Taken : FindingKind::TierLevelNotInteger, place, *level);
+        const std::optional<int32_t> value = toInteger(place, *level.value);
+        report(value ? FindingKind::Taken : FindingKind::TierLevelNotInteger, place, *level.value);
         return value.value_or(0);
     }
 
-    void readDolbyVision() {
-        const Json::Value* const section = findObjectSection(targetSpecDV);
-        if (section == nullptr) {
+    void readDolbyVision(const Member& section) {
+        if (!isObjectSection(section)) {
             return;
         }
-        if (const Json::Value* const profiles = findMember(*section, targetSpecDVProfiles)) {
-            forEachElement({.section = targetSpecDV, .name = targetSpecDVProfiles}, *profiles,
-                           [&](const Place& place, const Json::Value& profile) {
+        const auto [profiles, mainTierLevel, highTierLevel] =
+                findMembers(*section.value, targetSpecDVProfiles, targetSpecDVMaxMainTierLevel,
+                            targetSpecDVMaxHighTierLevel);
+        if (profiles.value != nullptr) {
+            const Place place = {.section = section.key.data(), .name = profiles.key};
+            forEachElement(place, *profiles.value,
+                           [&](const Place& at, const Json::Value& profile) {
                                if (profile.isUInt()) {
                                    mDocument.dvProfiles.insert(profile.asUInt());
-                                   report(FindingKind::Taken, place, profile);
+                                   report(FindingKind::Taken, at, profile);
                                } else {
-                                   report(FindingKind::ProfileNotUnsigned, place, profile);
+                                   report(FindingKind::ProfileNotUnsigned, at, profile);
                                }
                            });
         }
         TierLevels& levels = mDocument.dvTierLevels.emplace();
-        levels.main = readTierLevel(*section, targetSpecDVMaxMainTierLevel);
-        levels.high = readTierLevel(*section, targetSpecDVMaxHighTierLevel);
+        levels.main = readTierLevel(section, mainTierLevel);
+        levels.high = readTierLevel(section, highTierLevel);
     }
 
-    // The words of one use case; none when an element is bad. The first bad one is reported.
-    std::optional<std::vector<uint32_t>> toPerfWords(const Place& place, const Json::Value& list) {
-        std::vector<uint32_t> words;
-        words.reserve(list.size());
+    // The words of one use case; false when an element is bad. The first bad one is reported.
+    bool readPerfWords(const Place& place, const Json::Value& list, std::vector<uint32_t>* words) {
+        words->reserve(list.size());
         bool isComplete = true;
         forEachElement(place, list, [&](const Place& at, const Json::Value& element) {
             if (!isComplete) {
                 return;
             }
             if (const std::optional<uint32_t> word = toPerfWord(at, element)) {
-                words.push_back(*word);
+                words->push_back(*word);
             } else {
                 isComplete = false;
                 report(FindingKind::PerfWordNotHexadecimal, at, element);
             }
         });
-        return isComplete ? std::optional(std::move(words)) : std::nullopt;
+        return isComplete;
     }
 
-    void readPerfResourceValues() {
+    void readPerfResourceValues(const Member& section) {
         auto& values = mDocument.perfResourceValues;
-        forEachMember(targetSpecPerfResourceValues,
-                      [&](const Place& place, const Json::Value& list) {
-                          if (auto words = toPerfWords(place, list)) {
-                              values.emplace_hint(values.end(), place.name, std::move(*words));
-                              report(FindingKind::Taken, place, list);
-                          }
-                      });
+        forEachMember(section, [&](const Place& place, const Json::Value& list) {
+            std::vector<uint32_t> words;
+            if (readPerfWords(place, list, &words)) {
+                values.emplace_hint(values.end(), place.name, std::move(words));
+                report(FindingKind::Taken, place, list);
+            }
+        });
     }
 
-    void readSupportedCodecs() {
-        const Json::Value* const section = findObjectSection(targetSpecSupportedCodecs);
-        if (section == nullptr) {
+    void readSupportedCodecs(const Member& section) {
+        if (!isObjectSection(section)) {
             return;
         }
-        for (const char* key : {targetSpecAvailableDecoders, targetSpecAvailableEncoders}) {
-            if (const Json::Value* const names = findMember(*section, key)) {
-                readNamesOf({.section = targetSpecSupportedCodecs, .name = key}, *names,
-                            &mDocument.supportedCodecs);
+        for (const Member& names : findMembers(*section.value, targetSpecAvailableDecoders,
+                                               targetSpecAvailableEncoders)) {
+            if (names.value != nullptr) {
+                readNames({.section = section.key.data(), .name = names.key}, *names.value,
+                          &mDocument.supportedCodecs);
             }
         }
     }
 
-    struct Section {
-        std::string_view name;
-        const Json::Value* value;
-    };
-
-    std::vector<Section> mSections;  // The members of "Video".
     SpecDocument& mDocument;
     FindingSink& mFindings;
 };
@@ -435,7 +479,6 @@ std::string Place::toString() const {
 }
 
 bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink& findings) {
-    *document = SpecDocument();
     if (const std::optional<LimitBreach> breach = findLimitBreach(text)) {
         findings.report(
                 {.kind = breach->kind, .start = breach->offset, .limit = breach->offset + 1});
@@ -454,7 +497,7 @@ bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink
         findings.report(extent(FindingKind::RootNotObject, root));
         return false;
     }
-    const Json::Value* const video = findMember(root, targetSpecRoot);
+    const Json::Value* const video = findMembers(root, targetSpecRoot)[0].value;
     if (video == nullptr) {
         if (findings.hears(FindingKind::NoVideo)) {
             findings.report(extent(FindingKind::NoVideo, root));
@@ -465,7 +508,7 @@ bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink
         findings.report(extent(FindingKind::VideoNotObject, *video));
         return false;
     }
-    SectionReader(*video, document, findings).readAll();
+    SectionReader(document, findings).readAll(*video);
     return true;
 }
 

@@ -89,7 +89,8 @@ private:
     const FindingKind mLastKind;
 };
 
-// Reads one document. Returns false when it is rejected; `document` then holds nothing.
+// Reads one document into `document`, which holds nothing yet. Returns false when it is rejected;
+// `document` then still holds nothing.
 //
 // Every value is checked before it is converted, and the text before it is parsed: device builds of
 // JsonCpp end the process on whatever it does not accept.

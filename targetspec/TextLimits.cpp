@@ -100,6 +100,9 @@ bool canHoldTooManyValues(std::string_view text) {
 // Whether `text` holds as many opening brackets as the limit, wherever they stand. Hardly any
 // document does, and this costs a fraction of what the closer look takes.
 bool canNestTooDeep(std::string_view text) {
+    if (text.size() < kMaxNesting) {
+        return false;
+    }
     size_t brackets = 0;
     for (const char bracket : {'{', '['}) {
         for (size_t at = text.find(bracket); at != kNone; at = text.find(bracket, at + 1)) {
