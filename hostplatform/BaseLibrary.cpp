@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <string_view>
 
 #include "hostplatform/HostPlatform.h"
 #include "kc2/PixFormat.h"
@@ -45,7 +46,7 @@ void host::setProperty(const std::string& name, const std::string& value) {
 
 std::string OS::SystemProperty::Get(const char* name, const char* defaultValue) {
     const std::lock_guard<std::mutex> lock(sPropertyMutex);
-    const auto property = properties().find(name);
+    const auto property = properties().find(std::string_view(name));
     return property != properties().end() ? property->second : defaultValue;
 }
 

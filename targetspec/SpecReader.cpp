@@ -224,7 +224,19 @@ private:
         return value.asBool();
     }
 
+    // A number in the signed 32-bit range, or what counts as one.
     std::optional<int32_t> toInteger(const Place& place, const Json::Value& value) {
+        if (value.type() != Json::intValue) {
+            return toIntegerFromOther(place, value);
+        }
+        const Json::LargestInt integer = value.asLargestInt();
+        const auto inRange = static_cast<int32_t>(integer);
+        return integer == inRange ? std::optional(inRange) : std::nullopt;
+    }
+
+    // The same for what the parser does not hold as a signed integer, as it holds nearly all.
+    [[gnu::noinline]] std::optional<int32_t> toIntegerFromOther(const Place& place,
+                                                                const Json::Value& value) {
         switch (value.type()) {
             case Json::nullValue:
                 report(FindingKind::NullAsZero, place, value);
@@ -232,13 +244,6 @@ private:
             case Json::booleanValue:
                 report(FindingKind::BooleanAsInteger, place, value, value.asInt());
                 return value.asInt();
-            case Json::intValue: {
-                const Json::LargestInt integer = value.asLargestInt();
-                if (integer != static_cast<int32_t>(integer)) {
-                    return std::nullopt;
-                }
-                return static_cast<int32_t>(integer);
-            }
             case Json::uintValue:
                 return value.isInt() ? std::optional<int32_t>(value.asInt()) : std::nullopt;
             case Json::realValue: {
