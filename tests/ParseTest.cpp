@@ -51,6 +51,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "KC2PreProcessingFilters": {"z": "last", "a": "first", "m": 1},
             "perf-resource-values": {
                 "words": ["0x40C00000", " +5DC", "0XfFfzz", "-1", "7FFFFFFF", 16, -16],
+                "edges": ["\t-0x80000000", "0xg", "0x", "-0"],
                 "empty": [], "null": null, "scalar": 5, "object": {"b": "2", "a": "1"}},
             "codecs-available": {"decoders": ["x", "y", 3], "encoders": ["y"]},
             "OptionalCodecs": ["x", "z"],
@@ -63,7 +64,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "feature twice 0\nfeature zero 0\n"
             "preset cut -3\npreset leading 101\npreset low -2147483648\npreset null 0\n"
             "preset top 2147483647\npreset true 1\npreset whole 7\n"
-            "perf empty\nperf null\nperf object 1 2\nperf scalar\n"
+            "perf edges 2147483648 0 0 0\nperf empty\nperf null\nperf object 1 2\nperf scalar\n"
             "perf words 1086324736 1500 4095 4294967295 2147483647 22 4294967274\n"
             "row 0 10 100\nrow 10 20 4294967295\nrow 2 1 0\n"
             "profile 4\nprofile 5\nprofile 8\nprofile 4294967295\nlevels 12 0\n"
@@ -224,11 +225,15 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     atItsEnd.seekg(0, std::ios::end);
     atItsEnd.setstate(std::ios::eofbit);
     EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is no failed stream";
+    EXPECT_THROW(atItsEnd.exceptions(std::ios::eofbit), std::ios::failure);
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "and throws nothing";
+    EXPECT_EQ(std::ios::eofbit, atItsEnd.rdstate());
 
     std::ifstream directory(mDevice("/directory/file").substr(0, mDevice("/").size() + 9));
     ASSERT_TRUE(directory.is_open());
     directory.exceptions(std::ios::badbit);
     EXPECT_EQ(kFailed, mSpec.parseJsonData(directory));
+    EXPECT_TRUE(directory.good() && directory.exceptions() == std::ios::badbit);
     EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
     // A whole document, blanks, and an error before their end: the process's memory, up to a page
     // that is not there.
@@ -245,7 +250,15 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     munmap(memory, size);
 
     EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
-    EXPECT_EQ(Lines(4, kStreamErrorLine), mDevice.takeLog());
+    EXPECT_EQ(Lines(5, kStreamErrorLine), mDevice.takeLog());
+
+    for (const size_t length : {8191, 8192, 8193, 16384}) {  // Around the size of a block.
+        std::string padded = R"({"Video": {"OptionalCodecs": ["last"]}})";
+        padded.insert(0, length - padded.size(), ' ');
+        TargetSpec spec;
+        EXPECT_EQ(0u, parse(spec, padded));
+        EXPECT_EQ("codec last\n", contentOf(spec)) << length;
+    }
 
     std::ifstream failed;
     failed.setstate(std::ios::badbit);
@@ -303,7 +316,13 @@ TEST_F(ParseTest, LooksKeysUpThroughTheGlobals) {
             EXPECT_EQ(0u, parse(spec, row.document));
             EXPECT_NE("", contentOf(spec));
             *row.key = nullptr;
-            EXPECT_EQ(0u, parse(spec, row.document)) << "a null key names no member";
+            TargetSpec unread;
+            EXPECT_EQ(0u, parse(unread, row.document)) << "a null key names no member";
+            std::string document = row.document;
+            document.erase(document.find("\"k\"") + 1, 1);
+            TargetSpec unnamed;
+            EXPECT_EQ(0u, parse(unnamed, document));
+            EXPECT_EQ(contentOf(unread), contentOf(unnamed)) << "not even the one without a name";
             *row.key = row.text;
         }
     }
