@@ -42,8 +42,8 @@ void count(const Operation& operation) {
     } else {
         operation.run();  // What only a first run does is not what is asked for.
     }
-    fillHoles();
     const std::string dump = operation.name + ":" + std::to_string(operation.repetitions);
+    fillHoles();
     CALLGRIND_ZERO_STATS;
     for (int run = 0; run < operation.repetitions; ++run) {
         operation.run();
