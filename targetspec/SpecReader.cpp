@@ -8,13 +8,13 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <optional>
 #include <system_error>
 #include <tuple>
 
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/Printable.h"
 #include "targetspec/TextLimits.h"
 
 namespace kc2 {
@@ -470,12 +470,15 @@ bool parse(std::string_view text, Json::Value* root, FindingSink& findings) {
 }  // namespace
 
 std::string Place::toString() const {
+    // The log cuts a line after a thousand bytes, and what is wrong stands behind the place.
+    constexpr size_t kMostNameBytes = 200;
     std::string text = targetSpecRoot != nullptr ? targetSpecRoot : "";
     if (section != nullptr) {
         text.append("/").append(section);
     }
     if (!name.empty()) {
-        text.append("/").append(name);
+        text.append("/").append(printable(name.substr(0, kMostNameBytes)));
+        text.append(name.size() > kMostNameBytes ? "..." : "");
     }
     if (index >= 0) {
         text.append("[").append(std::to_string(index)).append("]");

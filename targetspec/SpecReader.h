@@ -60,6 +60,7 @@ struct Place {
     std::string_view name = {};  // Member of the section; may hold any bytes.
     int index = -1;              // Element of the section or of the member.
 
+    // Fit for a log line: what must not be shown is escaped, a long name is cut.
     std::string toString() const;
 };
 

@@ -88,6 +88,8 @@ TEST_F(ParseTest, ABadValueCostsOnlyItself) {
              "feature b 1\n"},
             {R"("Features": {"a": {}, "b": true})", "Video/Features/a: not a boolean",
              "feature b 1\n"},
+            {R"("Features": {"a\n\u009B\u00E4": 0, "\u0000\n": "z"})",
+             "Video/Features/\\x00\\x0A: not a boolean", "feature a\n\u009B\u00E4 0\n"},
             {R"("Presets": {"a": "1", "b": 2})",
              "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
             {R"("Presets": {"a": 2147483648, "b": 2})",

@@ -4,8 +4,10 @@
 
 #include <CLI/CLI.hpp>
 #include <map>
+#include <optional>
 #include <string>
 
+#include "Text.h"
 #include "hostplatform/HostPlatform.h"
 
 namespace kc2::tool {
@@ -13,6 +15,17 @@ namespace kc2::tool {
 namespace {
 
 const std::map<std::string, uint32_t> kLogLevels = {{"quiet", 0x0}, {"info", 0x2}, {"debug", 0xE}};
+
+// Writes a level as CLI11 reads a number; says what is wrong with one that is none.
+std::string toLevelWord(std::string& level) {
+    const auto named = kLogLevels.find(level);
+    const std::optional<uint32_t> word = named != kLogLevels.end() ? named->second : toWord(level);
+    if (!word) {
+        return "\"" + level + "\" is neither quiet, info nor debug, nor a 32-bit level word";
+    }
+    level = std::to_string(*word);
+    return std::string();
+}
 
 std::string checkMapping(const std::string& mapping) {
     const size_t colon = mapping.find(':');
@@ -58,7 +71,7 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
                    "Which info and debug lines the library logs: quiet, info, debug, or a level "
                    "word such as 0x2 (default: quiet)")
             ->type_name("LEVEL")
-            ->transform(CLI::Transformer(kLogLevels).description(""))
+            ->transform(CLI::Validator(toLevelWord, ""))
             ->group(kDeviceGroup);
 }
 

@@ -1,7 +1,6 @@
 // kcodec2_spec formats: the pixel formats of the video core.
 
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "Commands.h"
 #include "Text.h"
 #include "platform/FormatRows.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -31,17 +31,6 @@ void printRow(const Platform::FormatRow& row) {
                 row.colorFormat, planesOf(row).c_str());
 }
 
-// A format value, hexadecimal after 0x, else decimal; a log may also show one as a negative number.
-std::optional<uint32_t> toValue(const std::string& text) {
-    char* end = nullptr;
-    const bool isHexadecimal = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
-    const long long value = std::strtoll(text.c_str(), &end, isHexadecimal ? 16 : 10);
-    if (text.empty() || *end != '\0' || value < INT32_MIN || value > UINT32_MAX) {
-        return std::nullopt;
-    }
-    return static_cast<uint32_t>(value);
-}
-
 int printUnknown(const std::string& wanted) {
     std::vector<std::string_view> names;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
@@ -58,7 +47,7 @@ int printUnknown(const std::string& wanted) {
 }  // namespace
 
 int printFormats(const std::string& wanted) {
-    const std::optional<uint32_t> value = toValue(wanted);
+    const std::optional<uint32_t> value = toWord(wanted);
     bool isFound = false;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
         // Case does not count in a name that somebody types.

@@ -15,6 +15,7 @@
 #include "kc2/TargetSpec.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/Printable.h"
 #include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::tool {
@@ -212,15 +213,15 @@ std::string overlayStory(const Load& load) {
 }
 
 void printText(const Load& load, const std::vector<Section>& sections) {
-    std::printf("System spec document  %s\n", systemSpecStory(load).c_str());
-    std::printf("Private overlay       %s\n", overlayStory(load).c_str());
+    std::printf("System spec document  %s\n", printable(systemSpecStory(load)).c_str());
+    std::printf("Private overlay       %s\n", printable(overlayStory(load)).c_str());
     for (const Section& section : sections) {
         std::printf("\n%s (%zu)%s\n", section.title.c_str(), section.entries.size(),
                     section.entries.empty() ? section.whenEmpty : "");
         size_t nameWidth = 0;
         size_t textWidth = 0;
         for (const Entry& entry : section.entries) {
-            nameWidth = std::max(nameWidth, entry.name.size());
+            nameWidth = std::max(nameWidth, printable(entry.name).size());
             textWidth = std::max(textWidth, entry.text.size());
         }
         for (const Entry& entry : section.entries) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <numeric>
 
 namespace kc2::tool {
@@ -28,6 +29,16 @@ std::string hexadecimal(uint32_t value) {
     return text;
 }
 
+std::optional<uint32_t> toWord(const std::string& text) {
+    char* end = nullptr;
+    const bool isHexadecimal = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
+    const long long value = std::strtoll(text.c_str(), &end, isHexadecimal ? 16 : 10);
+    if (text.empty() || *end != '\0' || value < INT32_MIN || value > UINT32_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<uint32_t>(value);
+}
+
 std::string padded(std::string text, size_t width) {
     text.resize(std::max(text.size(), width), ' ');
     return text;
@@ -39,20 +50,6 @@ std::string_view clipped(std::string_view text, size_t bytes) {
         --size;
     }
     return text.substr(0, size);
-}
-
-std::string printable(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') {
-            char escape[sizeof("\\xNN")];
-            std::snprintf(escape, sizeof(escape), "\\x%02X", static_cast<unsigned char>(c));
-            result += escape;
-        } else {
-            result += c;
-        }
-    }
-    return result;
 }
 
 size_t editDistance(std::string_view a, std::string_view b, size_t limit) {

@@ -4,6 +4,7 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,10 @@ namespace kc2::tool {
 
 // "0x40800000".
 std::string hexadecimal(uint32_t value);
+
+// The word that a person has typed: hexadecimal after 0x, else decimal. A log may show one as a
+// negative number.
+std::optional<uint32_t> toWord(const std::string& text);
 
 // Prints JSON for scripts, and a line end.
 void print(const Json::Value& json);
@@ -23,9 +28,6 @@ std::string padded(std::string text, size_t width);
 
 // The start of `text`, of at most `bytes` bytes and of whole characters (UTF-8).
 std::string_view clipped(std::string_view text, size_t bytes);
-
-// `text` with control characters written as \xNN: a document may hold any bytes in a name.
-std::string printable(std::string_view text);
 
 // How many letters must be inserted, removed or replaced to make `a` out of `b`; case costs
 // nothing. Something above `limit` where it is more than that.

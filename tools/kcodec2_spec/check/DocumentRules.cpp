@@ -11,6 +11,7 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -90,6 +91,14 @@ void checkLeadingZeros(const CheckedDocument& checked, const Emit& emit) {
         if (isNumber && digits.size() == 2 && digits[0] == '0' &&
             std::isdigit(static_cast<unsigned char>(digits[1])) != 0) {
             emit(node.value, "the leading zero does not make the number octal: it is decimal");
+        }
+    });
+}
+
+void checkLoneMinuses(const CheckedDocument& checked, const Emit& emit) {
+    visitAll(checked.outline.root, [&](const OutlineNode& node) {
+        if (node.kind == '-' && node.value.limit == node.value.start + 1) {
+            emit(node.value, "a minus sign without digits counts as 0");
         }
     });
 }
@@ -200,6 +209,8 @@ constexpr DocumentRule kDocumentRules[] = {
          checkDuplicateMembers},
         {{"leading-zero", Severity::Note, "a number with a leading zero, which is decimal"},
          checkLeadingZeros},
+        {{"lone-minus", Severity::Warning, "a minus sign without digits, which counts as 0"},
+         checkLoneMinuses},
         {{"trailing-text", Severity::Warning, "text after the document's end"}, checkTrailingText},
         {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
          checkPerfWordPairs},

@@ -10,6 +10,7 @@
 #include "check/Rules.h"
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -28,7 +29,7 @@ bool isVariantSet(const Load& load) {
 
 void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
-    std::string why = "no variant is set, which selects " + load.firstPath;
+    std::string why = "the variant is not set, or \"default\", which selects " + load.firstPath;
     if (isVariantSet(load)) {
         why = "the variant \"" + printable(load.variant) + "\" selects " +
               printable(load.firstPath);
@@ -68,10 +69,13 @@ void tellSeeding(const CheckedLoad& checked, const Emit& emit) {
 void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     if (!load.hasSystemSpec()) {
-        emit(checked.place, "no system spec document: neither " + printable(load.firstPath) +
-                                    " nor " + kFallbackSystemSpec +
-                                    " opens, so only the overlay (" + load.overlay.origin +
-                                    ") fills the store");
+        emit(checked.place,
+             "no system spec document: neither " + printable(load.firstPath) + " nor " +
+                     kFallbackSystemSpec + " opens, so " +
+                     (load.overlay.isAccepted
+                              ? "only the overlay (" + load.overlay.origin + ") fills the store"
+                              : "the store stays empty: the overlay (" + load.overlay.origin +
+                                        ") is rejected"));
     } else if (load.systemSpec.path != load.firstPath) {
         emit(checked.place,
              "the fallback is read, since " + printable(load.firstPath) + " does not open");

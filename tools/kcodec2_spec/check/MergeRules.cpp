@@ -9,6 +9,7 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 

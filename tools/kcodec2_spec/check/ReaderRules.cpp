@@ -6,6 +6,7 @@
 
 #include "Text.h"
 #include "check/Rules.h"
+#include "targetspec/Printable.h"
 #include "targetspec/TextLimits.h"
 
 namespace kc2::tool {
@@ -16,7 +17,7 @@ struct ReaderRule {
     FindingKind kind;
     Rule rule;
     // %p is the place of the value, %v the value as it is written; %b and %i what boolean or
-    // integer the device makes of it; %d the parser's own words.
+    // integer the device makes of it, %x the same in hexadecimal; %d the parser's own words.
     const char* message;
 };
 
@@ -99,10 +100,10 @@ constexpr ReaderRule kReaderRules[] = {
          "%p should not be negative: %v is stored as %i"},
         {FindingKind::PerfWordUnquoted,
          {"perf-word-unquoted", Severity::Warning, "a perf word without quotes"},
-         "%p should be a string: its decimal digits %v are read as hexadecimal, as %i"},
+         "%p should be a string: the decimal text of %v is read as hexadecimal, as %i"},
         {FindingKind::PerfWordTail,
          {"perf-word-tail", Severity::Warning, "text after a perf word's digits"},
-         "%p: what follows the hexadecimal digits of %v is ignored"},
+         "%p: what follows the hexadecimal digits is ignored: it counts as %x"},
         {FindingKind::TierLevelAbsent,
          {"tier-level-absent", Severity::Warning, "\"DolbyVision\" without one of the levels"},
          "%p is absent: the level becomes 0, whatever an earlier document set"},
@@ -203,6 +204,9 @@ std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const 
                 break;
             case 'i':
                 message += std::to_string(finding.converted);
+                break;
+            case 'x':
+                message += hexadecimal(static_cast<uint32_t>(finding.converted));
                 break;
             default:
                 message += syntaxError(finding, text);

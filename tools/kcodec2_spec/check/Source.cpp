@@ -5,12 +5,14 @@
 #include <algorithm>
 
 #include "Text.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
 namespace {
 
 constexpr size_t kExcerptBytes = 100;
+constexpr size_t kBlockBytes = 256;
 
 size_t charactersIn(std::string_view text) {
     return static_cast<size_t>(std::count_if(text.begin(), text.end(), isFirstByteOfCharacter));
@@ -23,6 +25,11 @@ Source::Source(std::string path, std::string_view text) : mPath(std::move(path))
     for (size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos;) {
         mLineStarts.push_back(++at);
     }
+    size_t characters = 0;
+    for (size_t at = 0; at <= text.size(); at += kBlockBytes) {
+        mCharactersBeforeBlock.push_back(characters);
+        characters += charactersIn(text.substr(at, kBlockBytes));
+    }
 }
 
 size_t Source::lineIndexOf(size_t offset) const {
@@ -30,19 +37,22 @@ size_t Source::lineIndexOf(size_t offset) const {
     return static_cast<size_t>(next - mLineStarts.begin()) - 1;
 }
 
+size_t Source::charactersBefore(size_t offset) const {
+    const size_t block = offset / kBlockBytes;
+    const size_t start = block * kBlockBytes;
+    return mCharactersBeforeBlock[block] + charactersIn(mText.substr(start, offset - start));
+}
+
 Source::Position Source::positionOf(size_t offset) const {
     offset = std::min(offset, mText.size());
     const size_t line = lineIndexOf(offset);
-    const bool isAhead = mLastOffset >= mLineStarts[line] && mLastOffset <= offset;
-    const size_t from = isAhead ? mLastOffset : mLineStarts[line];
-    mLastColumn = (isAhead ? mLastColumn : 1) + charactersIn(mText.substr(from, offset - from));
-    mLastOffset = offset;
-    return {line + 1, mLastColumn};
+    return {line + 1, charactersBefore(offset) - charactersBefore(mLineStarts[line]) + 1};
 }
 
 std::string Source::placeOf(size_t offset) const {
     const Position position = positionOf(offset);
-    return mPath + ":" + std::to_string(position.line) + ":" + std::to_string(position.column);
+    return printable(mPath) + ":" + std::to_string(position.line) + ":" +
+           std::to_string(position.column);
 }
 
 std::string Source::excerpt(Span span) const {
@@ -62,8 +72,12 @@ std::string Source::excerpt(Span span) const {
     }
     std::string shown(clipped(mText.substr(shownStart, lineLimit - shownStart), kExcerptBytes));
     const size_t shownLimit = shownStart + shown.size();
-    for (char& c : shown) {
-        c = (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7F' ? ' ' : c;
+    for (size_t at = 0; at < shown.size(); ++at) {
+        if (const size_t length = printableLength(std::string_view(shown).substr(at))) {
+            at += length - 1;
+        } else if (shown[at] != '\t') {
+            shown[at] = ' ';
+        }
     }
     std::string marks;
     for (const char c : shown.substr(0, span.start - shownStart)) {

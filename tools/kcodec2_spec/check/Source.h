@@ -28,7 +28,6 @@ public:
     const std::string& path() const { return mPath; }
     std::string_view text() const { return mText; }
 
-    // Fast when asked in ascending order.
     Position positionOf(size_t offset) const;
 
     // "path:line:column".
@@ -40,12 +39,13 @@ public:
 
 private:
     size_t lineIndexOf(size_t offset) const;
+    size_t charactersBefore(size_t offset) const;
 
     std::string mPath;
     std::string_view mText;
     std::vector<size_t> mLineStarts;
-    mutable size_t mLastOffset = 0;  // Where the last position was asked for,
-    mutable size_t mLastColumn = 1;  // and its column.
+    // How many characters stand before each block of the text: a document may be one long line.
+    std::vector<size_t> mCharactersBeforeBlock;
 };
 
 }  // namespace kc2::tool
