@@ -56,6 +56,9 @@ TEST(ToolTest, EachCommandAnswers) {
             {"show --dirmap vendor:examples", 2, "not of the form /PREFIX:DIR"},
             {"show --property name", 2, "not of the form NAME=VALUE"},
             {"show --colour", 2, "--colour"},
+            {"show --log warn", 2, "\"warn\" is neither quiet, info nor debug"},
+            {"show --rootdir examples/device > /dev/full", 2, ""},
+            {"check --disable unreadable none.json", 2, "cannot be left out"},
             {"", 2, "subcommand is required"},
             {"--help", 0, "Exit codes:"},
             {"defaults 1", 0, "Built-in document 1"},
@@ -92,6 +95,7 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
             {"--rootdir load-seeded --property vendor.media.target_variant=_mirt", "load-seeded"},
             {"--rootdir load-bare --property vendor.media.target_variant=_orvelle", "load-bare"},
             {"--rootdir load-bare --dirmap /data/vendor/media:load-empty", "load-empty"},
+            {"--rootdir load-rejected", "load-rejected"},
             {"no-codecs.json no-video.json --format json", "json"},
     };
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {

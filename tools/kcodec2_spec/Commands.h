@@ -9,7 +9,7 @@ namespace kc2::tool {
 // Exit codes, the same for every command.
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitFindings = 1;  // check: errors found. formats: no such format.
-inline constexpr int kExitUsage = 2;     // Wrong usage, or a file that cannot be read.
+inline constexpr int kExitUsage = 2;     // Wrong usage, a file not read, output not written.
 
 // Loads the store as a component would and prints it.
 int show(bool asJson);
@@ -29,7 +29,8 @@ int checkDevice(const CheckOptions& options);
 // The rules of the checks, a line each: id, severity, what it is about.
 std::string ruleTable();
 
-bool isRule(const std::string& id);
+// Why the rule of that id cannot be left out; empty when it can.
+std::string whyNotDisabled(const std::string& id);
 
 // Prints a built-in document, to start a new one from.
 int printDefault(int number);

@@ -1,6 +1,9 @@
 // kcodec2_spec: shows and checks what a device's system spec documents make of its video subsystem.
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -23,7 +26,15 @@ constexpr char kDescription[] =
 
 constexpr char kExitCodes[] =
         "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats knows\n"
-        "no such format; 2 wrong usage, or a file that cannot be read.";
+        "no such format; 2 wrong usage, a FILE that cannot be read, or output that cannot be\n"
+        "written.";
+
+constexpr char kShowExample[] =
+        "A document that the device rejects is shown as rejected, and the exit code is 0: it is\n"
+        "for check to fail.\n"
+        "\n"
+        "Example: kcodec2_spec show --rootdir examples/device \\\n"
+        "                 --property vendor.media.target_variant=_orvelle";
 
 constexpr char kCheckExamples[] =
         "Without FILE it does the whole load of the device and checks across its documents.\n"
@@ -43,9 +54,7 @@ int run(int argc, char** argv) {
     bool asJson = false;
     CLI::App* const showCommand = app.add_subcommand(
             "show", "Print the store as a codec component sees it, and where each value came from");
-    showCommand->footer(
-            "Example: kcodec2_spec show --rootdir examples/device \\\n"
-            "                 --property vendor.media.target_variant=_orvelle");
+    showCommand->footer(kShowExample);
     addDeviceOptions(*showCommand, &device);
     addLogOption(*showCommand, &device);
     showCommand->add_flag("--json", asJson, "Print JSON, for scripts");
@@ -74,11 +83,7 @@ int run(int argc, char** argv) {
     checkCommand->add_option("--disable", checkOptions.disabledIds, "Leave a check out; repeatable")
             ->type_name("ID")
             ->allow_extra_args(false)
-            ->check(CLI::Validator(
-                    [](const std::string& id) {
-                        return isRule(id) ? std::string() : "there is no check \"" + id + "\"";
-                    },
-                    ""));
+            ->check(CLI::Validator([](const std::string& id) { return whyNotDisabled(id); }, ""));
     addDeviceOptions(*checkCommand, &device);
     for (CLI::Option* const option : checkCommand->get_options(
                  [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
@@ -130,5 +135,12 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return run(argc, argv);
+    const int exitCode = run(argc, argv);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        // A report that a full disk cut off must not pass for a whole one.
+        std::fprintf(stderr, "kcodec2_spec: the output cannot be written: %s\n",
+                     std::strerror(errno));
+        return kExitUsage;
+    }
+    return exitCode;
 }

@@ -96,10 +96,14 @@ std::string ruleTable() {
     return text;
 }
 
-bool isRule(const std::string& id) {
+std::string whyNotDisabled(const std::string& id) {
+    if (id == kUnreadable.id) {
+        return "\"" + id + "\" cannot be left out: it tells why nothing else is checked";
+    }
     const std::vector<const Rule*> rules = allRules();
-    return std::any_of(rules.begin(), rules.end(),
-                       [&](const Rule* rule) { return rule->id == id; });
+    const bool isKnown = std::any_of(rules.begin(), rules.end(),
+                                     [&](const Rule* rule) { return rule->id == id; });
+    return isKnown ? std::string() : "there is no check \"" + id + "\"";
 }
 
 int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options) {
