@@ -24,8 +24,9 @@ struct LimitBreach {
     size_t offset;
 };
 
-// The first place where `text` goes beyond the limits. Brackets inside strings and comments, and
-// whatever follows the root value, do not count, as they do not for the parser.
+// The first place where `text` goes beyond the limits. Brackets inside strings and comments do not
+// count, nor does what follows a root that is an object, an array or null, as they do not for the
+// parser. Any other root is rejected in any case.
 std::optional<LimitBreach> findLimitBreach(std::string_view text);
 
 }  // namespace kc2

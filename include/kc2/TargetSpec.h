@@ -191,7 +191,8 @@ public:
      * Merges one system spec document into this store: what remains in `stream`, or the built-in
      * document when the stream is in a failed state (failbit or badbit; end-of-file alone is not).
      *
-     * @param stream stays the caller's; only its buffer is read from, and its state is left alone.
+     * @param stream stays the caller's, and open. Its state and exception mask are afterwards what
+     *        they were, and nothing is thrown; only its gcount() is another.
      * @return 0 when the text was a document; 0xFFFFFFFF when it was rejected or could not be read
      *         to its end. The store is then as it was.
      */
