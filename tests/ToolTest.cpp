@@ -68,6 +68,7 @@ TEST(ToolTest, EachCommandAnswers) {
             {"formats 2141391881", 0, "TAMRA_TP10"},
             {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
             {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
+            {"formats nv12", 1, "Did you mean TAMRA_NV12?"},
             {"formats 0x127", 1,
              "0x127 is no pixel format of the video core. \"kcodec2_spec formats\""},
             {"formats 026", 1, "026 is no pixel format"},

@@ -1,5 +1,7 @@
 // kcodec2_spec formats: the pixel formats of the video core.
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -36,7 +38,16 @@ int printUnknown(const std::string& wanted) {
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
         names.emplace_back(row.name);
     }
-    const std::string near = nearest(wanted, names);
+    std::string near = nearest(wanted, names);
+    if (near.empty() && !toWord(wanted)) {  // A part of a name, such as nv12?
+        std::string part = wanted;
+        std::transform(part.begin(), part.end(), part.begin(),
+                       [](unsigned char c) { return std::toupper(c); });
+        const auto whole = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
+            return name.find(part) != std::string_view::npos;
+        });
+        near = whole != names.end() ? *whole : near;
+    }
     std::fprintf(stderr, "kcodec2_spec: %s is no pixel format of the video core.%s\n",
                  printable(wanted).c_str(),
                  near.empty() ? " \"kcodec2_spec formats\" lists them."
