@@ -13,7 +13,8 @@ struct Operation {
     std::string name;  // A floor has the name of what it is the floor of, and "/floor".
     int repetitions;   // Runs that a count spans.
     std::function<void()> run;
-    std::function<void()> prepare = nullptr;  // Before each run, not measured.
+    // Before a run, not measured; a count of such an operation spans one run.
+    std::function<void()> prepare = nullptr;
 };
 
 using Operations = std::vector<Operation>;

@@ -16,8 +16,8 @@ namespace {
 
 constexpr int kManyRuns = 1000;
 
-// The content of the richest document once more, in bare containers that were filled in the same
-// order as the store's.
+// A document's content once more, in bare containers that were filled in the same order as the
+// store's.
 struct Bare {
     std::map<std::string, bool> features;
     std::map<std::string, int32_t> presets;
@@ -57,7 +57,6 @@ Bare readBare(const std::string& text, TargetSpec& store) {
     return bare;
 }
 
-// One document of 100 entries has content in every container.
 struct Subject {
     TargetSpec store;
     Bare bare;
@@ -102,7 +101,7 @@ void addLookup(Operations& operations, const std::string& name, const Bare& name
 }  // namespace
 
 Operations queryOperations() {
-    // Never destroyed: the operations refer to it.
+    // Never destroyed: the operations refer to them. The first has content in every container.
     static Subject& subject = *new Subject(documentNamed("100 entries"));
     static Subject& richest = *new Subject(richestDocument());
     Operations operations;

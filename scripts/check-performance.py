@@ -3,7 +3,7 @@
 
 Runs the benchmark programs of a build directory: one under valgrind's callgrind, which counts
 instructions, one that counts allocations. Prints the tables that docs/performance.md holds. The
-counts repeat to a few per mille, however busy the machine is.
+counts repeat to a few per mille, however busy the machine is and wherever the tree lies.
 
 Needs valgrind and binutils, and the presets "device" or "dev" built. Takes half a minute.
 """
@@ -17,7 +17,7 @@ import sys
 import tempfile
 
 RATIO = 1.10  # Most that a query or a lookup may cost, as a multiple of its floor.
-GET_INSTRUCTIONS = 4  # Most that Get() may cost beside reading a pointer.
+GET_INSTRUCTIONS = 4  # Most that Get() and getDVConfigs() may cost beside reading a pointer.
 LOAD_RATIO = 1.30  # Most that a load may cost, as a multiple of the parser.
 
 # The smallest document is above that by what a load costs before it meets the first entry. A limit
