@@ -22,7 +22,7 @@ using kc2::bench::Operations;
 // Takes every hole that the set-up has left in the heap, and lets the heap have room at its end:
 // what an allocation costs depends on both, and an operation and its floor would meet other ones.
 void fillHoles() {
-    void* const room = std::malloc(100 * 1024);
+    void* const room = std::malloc(size_t{100} << 10);
     keep(room);
     std::free(room);  // Joins the small blocks that the C library keeps apart, too.
     constexpr size_t kLargestCached = 1032;  // Of each size, the thread has a cache of seven.
