@@ -14,6 +14,7 @@ namespace {
 constexpr char kLibrary[] = "libkcodec2_platform.so";
 constexpr int kRounds = 1000;
 constexpr int kWarmUpRounds = 100;  // The loader comes to rest within these.
+constexpr size_t kSmallestBlock = 16;
 
 bool isLoaded(const char* name) {
     return dlopen(name, RTLD_NOW | RTLD_NOLOAD) != nullptr;
@@ -52,7 +53,10 @@ int main() {
             allocatedAtFirst = allocatedBytes();
         }
     }
-    CHECK(allocatedBytes() == allocatedAtFirst);
-    std::printf("%d rounds: unloaded in each, %zu bytes allocated at the start and at the end\n",
-                kRounds, allocatedAtFirst);
+    // The C library's own caches move the count by some hundred bytes, once. The smallest leak
+    // moves it in every round, by a block.
+    const size_t allocatedAtLast = allocatedBytes();
+    CHECK(allocatedAtLast < allocatedAtFirst + kSmallestBlock * (kRounds - kWarmUpRounds));
+    std::printf("%d rounds: unloaded in each, %zu bytes allocated at the start, %zu at the end\n",
+                kRounds, allocatedAtFirst, allocatedAtLast);
 }
