@@ -11,7 +11,6 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -39,8 +38,7 @@ void reportUnknownMembers(const OutlineNode* object, const std::string& place,
     for (const OutlineNode& member : object->children) {
         if (std::find(known.begin(), known.end(), member.key) == known.end()) {
             const std::string near = nearest(member.key, known);
-            emit(member.name, "nothing reads the member \"" + printable(member.key) + "\" of " +
-                                      place +
+            emit(member.name, "nothing reads the member \"" + member.key + "\" of " + place +
                                       (near.empty() ? "" : ". Did you mean \"" + near + "\"?"));
         }
     }
@@ -71,7 +69,7 @@ void checkDuplicateMembers(const CheckedDocument& checked, const Emit& emit) {
         for (const OutlineNode& member : object.children) {
             const OutlineNode*& earlier = last[member.key];
             if (earlier != nullptr) {
-                emit(member.name, "\"" + printable(member.key) +
+                emit(member.name, "\"" + member.key +
                                           "\" stands twice: this one counts, "
                                           "the one at " +
                                           checked.source.placeOf(earlier->name.start) +
@@ -116,7 +114,7 @@ void checkPerfWordPairs(const CheckedDocument& checked, const Emit& emit) {
         const auto words = checked.document.content.perfResourceValues.find(taken->name);
         if (words != checked.document.content.perfResourceValues.end() &&
             words->second.size() % 2 != 0) {
-            emit({taken->start, taken->limit}, printable(taken->name) + " holds " +
+            emit({taken->start, taken->limit}, taken->name + " holds " +
                                                        std::to_string(words->second.size()) +
                                                        " words: a resource code lacks its value");
         }
@@ -157,8 +155,7 @@ void checkMisspeltNames(const CheckedDocument& checked, const Emit& emit) {
                 const std::string near = nearest(taken->name, known, kMostMistakes);
                 if (!near.empty()) {
                     emit({taken->start, taken->limit},
-                         printable(taken->name) + " is in no built-in document. Did you mean " +
-                                 near + "?");
+                         taken->name + " is in no built-in document. Did you mean " + near + "?");
                 }
             }
         }

@@ -10,7 +10,6 @@
 #include "check/Rules.h"
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
-#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -31,8 +30,7 @@ void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     std::string why = "the variant is not set, or \"default\", which selects " + load.firstPath;
     if (isVariantSet(load)) {
-        why = "the variant \"" + printable(load.variant) + "\" selects " +
-              printable(load.firstPath);
+        why = "the variant \"" + load.variant + "\" selects " + load.firstPath;
         if (load.firstPath.rfind(kVendorSpecDirectory, 0) == 0) {
             why += std::string(", since the same under ") + kOdmSpecDirectory + " does not exist";
         }
@@ -55,7 +53,7 @@ void tellOverlay(const CheckedLoad& checked, const Emit& emit) {
     emit(checked.privatePlace, std::string("private overlay: ") + load.overlay.origin +
                                        ", since this file " +
                                        (load.isPrivateFileOpen ? "is empty" : "does not open") +
-                                       " and the path " + printable(load.firstPath) + " " + chip);
+                                       " and the path " + load.firstPath + " " + chip);
 }
 
 void tellSeeding(const CheckedLoad& checked, const Emit& emit) {
@@ -70,15 +68,14 @@ void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     if (!load.hasSystemSpec()) {
         emit(checked.place,
-             "no system spec document: neither " + printable(load.firstPath) + " nor " +
-                     kFallbackSystemSpec + " opens, so " +
+             "no system spec document: neither " + load.firstPath + " nor " + kFallbackSystemSpec +
+                     " opens, so " +
                      (load.overlay.isAccepted
                               ? "only the overlay (" + load.overlay.origin + ") fills the store"
                               : "the store stays empty: the overlay (" + load.overlay.origin +
                                         ") is rejected"));
     } else if (load.systemSpec.path != load.firstPath) {
-        emit(checked.place,
-             "the fallback is read, since " + printable(load.firstPath) + " does not open");
+        emit(checked.place, "the fallback is read, since " + load.firstPath + " does not open");
     }
 }
 
@@ -151,9 +148,9 @@ void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
             const std::string found = lettersAndDigitsOf(variant);
             if (variant != load.variant &&
                 !nearest(wanted, std::vector<std::string>{found}).empty()) {
-                emit(checked.place, directory + printable(variant) + kSystemSpecName +
-                                            " exists: the variant \"" + printable(variant) +
-                                            "\" would select it, \"" + printable(load.variant) +
+                emit(checked.place, directory + variant + kSystemSpecName +
+                                            " exists: the variant \"" + variant +
+                                            "\" would select it, \"" + load.variant +
                                             "\" does not (it follows \"media\" as it is, with no "
                                             "\"/\" between)");
             }

@@ -9,7 +9,6 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -168,8 +167,8 @@ void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
                 const auto [first, isNew] = places.emplace(*name, place);
                 if (!isNew) {
                     emit(*document, spanOf(*taken),
-                         "\"" + printable(*name) + "\" is in " + section + " already, from " +
-                                 first->second + ": the list keeps both");
+                         "\"" + *name + "\" is in " + section + " already, from " + first->second +
+                                 ": the list keeps both");
                 }
                 ++name;
             }
@@ -225,7 +224,7 @@ void checkShadowedNames(const MergedDocuments& documents, const Emit& emit) {
                                        const std::string& winner, bool isDifferent) {
         if (isDifferent) {
             emit(overlay, spanOf(taken),
-                 printable(taken.name) + " has no effect here: the value at " + winner + " wins");
+                 taken.name + " has no effect here: the value at " + winner + " wins");
         }
     });
 }
@@ -234,8 +233,7 @@ void checkRepeatedNames(const MergedDocuments& documents, const Emit& emit) {
     forEachShadowedName(documents, [&](const CheckedDocument& overlay, const KeptFinding& taken,
                                        const std::string& winner, bool isDifferent) {
         if (!isDifferent) {
-            emit(overlay, spanOf(taken),
-                 printable(taken.name) + " is set to the same value at " + winner);
+            emit(overlay, spanOf(taken), taken.name + " is set to the same value at " + winner);
         }
     });
 }

@@ -6,7 +6,6 @@
 
 #include "Text.h"
 #include "check/Rules.h"
-#include "targetspec/Printable.h"
 #include "targetspec/TextLimits.h"
 
 namespace kc2::tool {
@@ -122,7 +121,7 @@ const ReaderRule* ruleFor(FindingKind kind) {
 std::string placeOf(const KeptFinding& finding) {
     std::string place = finding.section;
     if (!finding.name.empty()) {
-        place += "/" + printable(finding.name);
+        place += "/" + finding.name;
     }
     if (finding.index >= 0) {
         place += "[" + std::to_string(finding.index) + "]";
@@ -134,7 +133,7 @@ std::string valueAsWritten(const KeptFinding& finding, const std::string& text) 
     constexpr size_t kLongest = 40;
     const std::string value = text.substr(finding.start, finding.limit - finding.start);
     const std::string_view shown = clipped(value, kLongest);
-    return printable(shown) + (shown.size() < value.size() ? "..." : "");
+    return std::string(shown) + (shown.size() < value.size() ? "..." : "");
 }
 
 // What helps beside the parser's words on a syntax error at `at`; empty when nothing is known.
@@ -182,7 +181,7 @@ std::string syntaxError(const KeptFinding& finding, const std::string& text) {
         words.pop_back();
     }
     const std::string hint = hintFor(text, std::min(finding.start, text.size()));
-    return printable(hint.empty() ? words : words + ": " + hint);
+    return hint.empty() ? words : words + ": " + hint;
 }
 
 std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const std::string& text) {

@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include "Text.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -58,6 +59,7 @@ void Report::add(Entry entry) {
     if (std::find(mSources.begin(), mSources.end(), entry.source) == mSources.end()) {
         mSources.push_back(entry.source);
     }
+    entry.message = printable(entry.message);  // Names, values, paths: they may hold any bytes.
     mEntries.push_back(std::move(entry));
 }
 

@@ -26,7 +26,8 @@ public:
     // Findings of the rules with these ids are left out.
     explicit Report(std::set<std::string> disabledIds) : mDisabledIds(std::move(disabledIds)) {}
 
-    // A finding at a place. The rule and the source must outlive the report.
+    // A finding at a place. The rule and the source must outlive the report. What must not be shown
+    // of the message is escaped here, so rules put in names and values as they are.
     void add(const Rule& rule, const Source& source, Span span, std::string message);
 
     // A finding about a whole file: it stands at 1:1 and shows no line.
