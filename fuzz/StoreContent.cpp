@@ -5,7 +5,6 @@
 #include <json/reader.h>
 #include <json/value.h>
 
-#include <algorithm>
 #include <exception>
 #include <limits>
 
@@ -66,11 +65,13 @@ std::optional<uint32_t> hexadecimalWord(const Json::Value& value) {
 class Expectation {
 public:
     explicit Expectation(const Json::Value& video) : mVideo(video) {
-        readFeatures();
-        readPresets();
+        readMembers("Features", &mDocument.content.features,
+                    [](const Json::Value& value) { return value.asBool(); });
+        readMembers("Presets", &mDocument.content.presets,
+                    [](const Json::Value& value) { return value.asInt(); });
         readTable();
         readDolbyVision();
-        readPerfResourceValues();
+        readMembers("perf-resource-values", &mDocument.content.perfResourceValues, perfWords);
         for (const char* key : {"decoders", "encoders"}) {
             const std::vector<std::string> names = strings(objectSection("codecs-available")[key]);
             mDocument.content.supportedCodecs.insert(names.begin(), names.end());
@@ -111,22 +112,13 @@ private:
         return strings;
     }
 
-    void readFeatures() {
-        const Json::Value& section = objectSection("Features");
+    // The members of a section, as far as `convert` takes their values without throwing.
+    template <typename Value, typename Convert>
+    void readMembers(const char* key, std::map<std::string, Value>* values, Convert convert) {
+        const Json::Value& section = objectSection(key);
         for (const std::string& name : section.getMemberNames()) {
-            if (const auto isOn = attempt([&] { return section[name].asBool(); })) {
-                mDocument.content.features.emplace(name, *isOn);
-            } else {
-                ++mDocument.warnings;
-            }
-        }
-    }
-
-    void readPresets() {
-        const Json::Value& section = objectSection("Presets");
-        for (const std::string& name : section.getMemberNames()) {
-            if (const auto preset = attempt([&] { return section[name].asInt(); })) {
-                mDocument.content.presets.emplace(name, *preset);
+            if (const auto value = attempt([&] { return convert(section[name]); })) {
+                values->emplace(name, *value);
             } else {
                 ++mDocument.warnings;
             }
@@ -171,23 +163,12 @@ private:
         mDocument.content.maxHighTierLevel = tierLevel(section, "max_high_tier_level");
     }
 
-    void readPerfResourceValues() {
-        const Json::Value& section = objectSection("perf-resource-values");
-        for (const std::string& name : section.getMemberNames()) {
-            std::vector<uint32_t> words;
-            const Json::Value& list = section[name];
-            const bool isGood =
-                    std::all_of(list.begin(), list.end(), [&](const Json::Value& element) {
-                        const std::optional<uint32_t> word = hexadecimalWord(element);
-                        words.push_back(word.value_or(0));
-                        return word.has_value();
-                    });
-            if (isGood) {
-                mDocument.content.perfResourceValues.emplace(name, words);
-            } else {
-                ++mDocument.warnings;
-            }
+    static std::vector<uint32_t> perfWords(const Json::Value& list) {
+        std::vector<uint32_t> words;
+        for (const Json::Value& element : list) {
+            words.push_back(hexadecimalWord(element).value());  // Which throws where there is none.
         }
+        return words;
     }
 
     const Json::Value& mVideo;
