@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
+#include "bench/Floors.h"
 #include "hostplatform/HostPlatform.h"
 
 namespace kc2::bench {
@@ -29,11 +29,6 @@ fs::path makeScratchDirectory() {
 const fs::path& scratchDirectory() {
     static const fs::path directory = makeScratchDirectory();
     return directory;
-}
-
-std::string readText(const fs::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void writeText(const fs::path& path, const std::string& text) {
@@ -134,14 +129,14 @@ std::vector<Document> collectDocuments() {
     for (const char* directory : {"targetspec/defaults", "examples/device"}) {
         for (const fs::path& path : jsonFilesUnder(source / directory)) {
             const fs::path name = fs::relative(path, source / fs::path(directory).parent_path());
-            documents.push_back({name.string(), path.string(), readText(path)});
+            documents.push_back({name.string(), path.string(), floors::readFile(path.c_str())});
         }
     }
     for (const int entries : kEntryCounts) {
         const std::string name = std::to_string(entries) + " entries";
         const fs::path path = scratchDirectory() / (name + ".json");
         writeText(path, generatedText(entries));
-        documents.push_back({name, path.string(), readText(path), entries});
+        documents.push_back({name, path.string(), floors::readFile(path.c_str()), entries});
     }
     return documents;
 }
