@@ -21,6 +21,17 @@ quietly() {
     "$@" > "$scratch/log" 2>&1 || { cat "$scratch/log" >&2; fail "failed: $*"; }
 }
 
+# run_consumer PROGRAM: it runs, and prints what it must.
+run_consumer() {
+    "$1" 2> "$scratch/log" > "$scratch/output" || fail "decoder_setup failed"
+    diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
+}
+
+# program_in DOCUMENT: the C++ program that it shows.
+program_in() {
+    sed -n '/^```cpp$/,/^```$/p' "$source/$1" | sed '/^```/d'
+}
+
 echo "Installing, and moving what was installed"
 quietly cmake --install "$build" --prefix "$scratch/first-place"
 prefix=$scratch/package
@@ -52,9 +63,7 @@ echo "A consumer outside the tree, through CMake"
 cp -r "$source/examples/consumer" "$scratch/consumer"
 quietly cmake -S "$scratch/consumer" -B "$scratch/consumer-build" -DCMAKE_PREFIX_PATH="$prefix"
 quietly cmake --build "$scratch/consumer-build"
-"$scratch/consumer-build/decoder_setup" 2> "$scratch/log" > "$scratch/output" ||
-    fail "decoder_setup failed"
-diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
+run_consumer "$scratch/consumer-build/decoder_setup"
 (cd "$scratch/consumer-build" && quietly ctest --output-on-failure --no-tests=error)
 
 echo "The same consumer, through pkg-config"
@@ -65,17 +74,15 @@ for program in decoder_setup decoder_setup_test; do
     quietly "${CXX:-c++}" -std=c++17 "$scratch/consumer/$program.cpp" -o "$scratch/$program" \
         $(pkg-config --cflags --libs kcodec2_platform kcodec2_hostplatform)
 done
-LD_LIBRARY_PATH=$libraries "$scratch/decoder_setup" 2> "$scratch/log" > "$scratch/output" ||
-    fail "decoder_setup failed"
-diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
+LD_LIBRARY_PATH=$libraries run_consumer "$scratch/decoder_setup"
 LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consumer/device"
 
 echo "The program in docs/components.md is the consumer's"
-sed -n '/^```cpp$/,/^```$/p' "$source/docs/components.md" | sed '/^```/d' |
-    diff - "$source/examples/consumer/decoder_setup.cpp" || fail "another program"
+program_in docs/components.md | diff - "$source/examples/consumer/decoder_setup.cpp" ||
+    fail "another program"
 
 echo "The program of the README"
-sed -n '/^```cpp$/,/^```$/p' "$source/README.md" | sed '/^```/d' > "$scratch/readme.cpp"
+program_in README.md > "$scratch/readme.cpp"
 # shellcheck disable=SC2046
 quietly "${CXX:-c++}" -std=c++17 "$scratch/readme.cpp" -o "$scratch/readme" \
     $(pkg-config --cflags --libs kcodec2_platform)

@@ -21,10 +21,9 @@ cmake --build --preset asan --target fuzz_document fuzz_values
 # Seeds: the built-in documents, the examples, and hand-written ones, under names of their own.
 rm -rf "$work/seeds"
 mkdir -p "$work/seeds" "$found"
-find targetspec/defaults fuzz/corpus $([ ! -d examples ] || echo examples) -name '*.json' |
-    while read -r document; do
-        cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
-    done
+find targetspec/defaults fuzz/corpus examples -name '*.json' | while read -r document; do
+    cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
+done
 
 # run TARGET OPTION...: shows libFuzzer's own account when it finds something, else its figures.
 run() {
