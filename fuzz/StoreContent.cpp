@@ -34,11 +34,39 @@ auto attempt(Convert convert) -> std::optional<decltype(convert())> {
     }
 }
 
+// The text with a blank for each byte of a comment that ends; byte by byte, so that it shares no
+// thought with what it is held against.
+std::string withoutComments(std::string_view text) {
+    std::string plain(text);
+    bool isInString = false;
+    for (size_t at = 0; at < plain.size(); ++at) {
+        if (isInString) {
+            isInString = plain[at] != '"';
+            at += plain[at] == '\\' ? 1 : 0;
+        } else if (plain[at] == '"') {
+            isInString = true;
+        } else if (text.substr(at, 2) == "//") {
+            for (; at < plain.size() && plain[at] != '\n' && plain[at] != '\r'; ++at) {
+                plain[at] = ' ';
+            }
+        } else if (text.substr(at, 2) == "/*") {
+            const size_t end = text.find("*/", at + 2);
+            if (end == std::string_view::npos) {
+                break;
+            }
+            plain.replace(at, end + 2 - at, end + 2 - at, ' ');
+            at = end + 1;
+        }
+    }
+    return plain;
+}
+
 // Deprecated in later JsonCpp releases; it defines what a document is.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-std::optional<Json::Value> parse(std::string_view text) {
+std::optional<Json::Value> parse(std::string_view documentText) {
+    const std::string text = withoutComments(documentText);
     Json::Value root;
     const std::optional<bool> isValid = attempt([&] {
         return Json::Reader().parse(text.data(), text.data() + text.size(), root, false);

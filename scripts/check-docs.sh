@@ -26,6 +26,22 @@ for page in namespacekc2 namespacekc2_1_1Platform classkc2_1_1TargetSpec structk
     [ -f "$output/html/$page.html" ] || { echo "check-docs: no page $page" >&2; exit 1; }
 done
 
+echo "Limits, where a page quotes one"
+# limit NAME UNIT DIVISOR: every number before UNIT must be the constant, and some page must quote it.
+limit() {
+    expression=$(sed -n "s/.* $1 = \(.*\);/\1/p" targetspec/Limits.h | sed 's/size_t{\([0-9]*\)}/\1/')
+    value=$((($expression) / $3))
+    quoted=$(grep -rhoE "[0-9][0-9,]* $2" README.md docs include --include=*.md --include=*.h |
+        tr -d , | sort -u)
+    [ "$quoted" = "$value $2" ] || {
+        echo "check-docs: $1 is $value $2, but the pages say: $quoted" >&2
+        exit 1
+    }
+}
+limit kMaxNesting levels 1
+limit kMaxTextBytes MiB 1048576
+limit kMaxValues values 1
+
 echo "Links between the documents"
 broken=0
 for document in docs/*.md README.md; do

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "targetspec/TextLimits.h"
+#include "targetspec/Limits.h"
 
 namespace kc2 {
 
@@ -23,7 +23,7 @@ bool DocumentText::read(std::ifstream& stream) {
         // which would leave holes that make every later allocation dearer.
         const std::streamsize rest = std::max<std::streamsize>(stream.rdbuf()->in_avail(), 0);
         mLongText.reserve(mShortText.size() + std::min<size_t>(rest, kMaxTextBytes));
-        mLongText = mShortText;
+        mLongText.assign(mShortText.begin(), mShortText.end());
     }
     while (stream.good() && mLongText.size() <= kMaxTextBytes) {
         stream.read(mBlock, sizeof(mBlock));

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <fstream>
+#include <span>
 #include <string>
-#include <string_view>
 
 namespace kc2 {
 
@@ -17,12 +17,12 @@ public:
     // the stream has been asked to throw. To be called once.
     bool read(std::ifstream& stream);
 
-    // Valid as long as this object.
-    std::string_view view() const { return mLongText.empty() ? mShortText : mLongText; }
+    // To be changed at will. Valid as long as this object.
+    std::span<char> bytes() { return mLongText.empty() ? mShortText : std::span(mLongText); }
 
 private:
     char mBlock[8192];
-    std::string_view mShortText;  // In the block.
+    std::span<char> mShortText;  // In the block.
     std::string mLongText;
 };
 

@@ -80,13 +80,14 @@ uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
     SpecDocument document;
     FindingLog findings;
     if (stream.fail()) {
-        if (!readSpecDocument(builtInDocument, &document, findings)) {
+        std::string text = builtInDocument;
+        if (!readSpecDocument(text, &document, findings)) {
             KC2_LOG_ERROR(kTag, "Couldn't parse json from string literal");
             return kLoadFailed;
         }
     } else {
         DocumentText text;
-        if (!text.read(stream) || !readSpecDocument(text.view(), &document, findings)) {
+        if (!text.read(stream) || !readSpecDocument(text.bytes(), &document, findings)) {
             KC2_LOG_ERROR(kTag, "Couldn't parse json from file stream");
             return kLoadFailed;
         }

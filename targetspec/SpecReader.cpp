@@ -14,8 +14,8 @@
 #include <tuple>
 
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/ParserText.h"
 #include "targetspec/Printable.h"
-#include "targetspec/TextLimits.h"
 
 namespace kc2 {
 
@@ -486,14 +486,14 @@ std::string Place::toString() const {
     return text;
 }
 
-bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink& findings) {
-    if (const std::optional<LimitBreach> breach = findLimitBreach(text)) {
+bool readSpecDocument(std::span<char> text, SpecDocument* document, FindingSink& findings) {
+    if (const std::optional<LimitBreach> breach = makeFitForParser(text)) {
         findings.report(
                 {.kind = breach->kind, .start = breach->offset, .limit = breach->offset + 1});
         return false;
     }
     Json::Value root;
-    if (!parse(text, &root, findings)) {
+    if (!parse({text.data(), text.size()}, &root, findings)) {
         return false;
     }
     const auto extent = [](FindingKind kind, const Json::Value& value) {

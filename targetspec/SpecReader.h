@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -95,6 +96,8 @@ private:
 //
 // Every value is checked before it is converted, and the text before it is parsed: device builds of
 // JsonCpp end the process on whatever it does not accept.
-bool readSpecDocument(std::string_view text, SpecDocument* document, FindingSink& findings);
+//
+// Blanks the comments in the text, and changes nothing else.
+bool readSpecDocument(std::span<char> text, SpecDocument* document, FindingSink& findings);
 
 }  // namespace kc2

@@ -76,6 +76,60 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
     EXPECT_EQ(expected, mDevice.takeLog());
 }
 
+// A comment may be wherever white space may be, whatever release of the parser reads the text.
+TEST_F(ParseTest, ACommentIsWhiteSpace) {
+    const std::vector<std::string> tokens = {"{",
+                                             "\"Video\"",
+                                             ":",
+                                             "{",
+                                             "\"Features\"",
+                                             ":",
+                                             "{",
+                                             "}",
+                                             ",",
+                                             "\"Presets\"",
+                                             ":",
+                                             "{",
+                                             "\"a/*b\"",
+                                             ":",
+                                             "1",
+                                             ",",
+                                             "\"//\\\"\"",
+                                             ":",
+                                             "2",
+                                             "}",
+                                             ",",
+                                             "\"OptionalCodecs\"",
+                                             ":",
+                                             "[",
+                                             "]",
+                                             ",",
+                                             "\"KC2CodecPlugins\"",
+                                             ":",
+                                             "[",
+                                             "\"p\\\\\"",
+                                             ",",
+                                             "\"q\"",
+                                             "]",
+                                             "}",
+                                             "}"};
+    for (const char* const comment :
+         {"", " ", "/**/", "/* \" */", "/*/ ] */", "// }\n", "//\r", "/* a */ // \"\r\n /* b */"}) {
+        SCOPED_TRACE(comment);
+        std::string text = comment;
+        for (const std::string& token : tokens) {
+            text += token + comment;
+        }
+        TargetSpec spec;
+        EXPECT_EQ(0u, parse(spec, text));
+        EXPECT_EQ("preset //\" 2\npreset a/*b 1\nplugin p\\\nplugin q\n", contentOf(spec));
+    }
+    TargetSpec spec;
+    EXPECT_EQ(0u, parse(spec, R"({"Video": {"OptionalCodecs": [ /* "x" */ // "y"
+        ]}})"))
+            << "entries that are all commented out";
+}
+
 TEST_F(ParseTest, ABadValueCostsOnlyItself) {
     const struct {
         const char* video;
@@ -153,9 +207,15 @@ TEST_F(ParseTest, ARejectedDocumentChangesNothing) {
                                     head + "\"\\u12\"}",
                                     head + "1,,}",
                                     std::string("\xEF\xBB\xBF{}"),
-                                    nested(1001, "1"),
-                                    nested(1001, "[]"),
-                                    nested(1000, "[/**/]"),
+                                    head + "true /* on */ ; \"c\": 1}",
+                                    head + "true /* on */ \"c\": 1}",
+                                    head + "[1 // one\n 2]}",
+                                    head + "1 /* no end }",
+                                    head + "1 / 2}",
+                                    nested(257, "1"),
+                                    nested(256, "[]"),
+                                    std::string(256, '['),
+                                    std::string(1000, '['),
                                     nested(200000, "1"),
                                     head + manyValues + "]}",
                                     longText + "{}"}) {
@@ -174,7 +234,7 @@ TEST_F(ParseTest, AcceptsWhatHoldsNothing) {
           std::string(R"({"Video": {"Features": null, "Presets": null, "DolbyVision": null,
                           "KC2CodecPlugins": 5, "OptionalCodecs": null,
                           "codecs-available": {"decoders": "x", "encoders": null}}})"),
-          nested(1000, "1"), nested(1000, "[]"), nested(1000, "{ /* } */ }"),
+          nested(256, "1"), nested(255, "[]"), nested(255, "{ /* } */ }"),
           "{\"a\": \"\\\"" + brackets + "\", /*" + brackets + "*/ \"b\": // " + brackets +
                   "\n 1}"}) {
         SCOPED_TRACE(text.substr(0, 60));

@@ -58,8 +58,8 @@ struct DVConfigs {
  * has a "DolbyVision" section (a level missing there, null or unusable becomes 0).
  *
  * Documents are untrusted input. A document that is not valid JSON, whose root or "Video" is
- * neither an object nor null, that nests deeper than the parser's limit (1,000 levels), or that is
- * larger than 32 MiB or 1 Mi values is rejected whole: one error line, and the store stays as it
+ * neither an object nor null, that nests deeper than 255 levels, or that is
+ * larger than 32 MiB or 1,048,576 values is rejected whole: one error line, and the store stays as it
  * was. Below that a bad value costs only its own section, named entry or table row, with one
  * warning line that names the place (a row of the wrong size has a line of its own); a
  * perf-resource name with one bad element is skipped whole, so that resource codes and their values

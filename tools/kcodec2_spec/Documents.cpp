@@ -49,7 +49,8 @@ Document readStream(std::string origin, std::string path, std::ifstream& stream)
     if (!text.read(stream)) {
         return unreadable(std::move(origin), std::move(path), std::strerror(errno));
     }
-    return readDocument(std::move(origin), std::move(path), std::string(text.view()));
+    return readDocument(std::move(origin), std::move(path),
+                        std::string(text.bytes().begin(), text.bytes().end()));
 }
 
 }  // namespace
@@ -60,7 +61,9 @@ Document readDocument(std::string origin, std::string path, std::string text) {
     document.path = std::move(path);
     document.text = std::move(text);
     FindingKeeper keeper(&document.findings);
-    document.isAccepted = readSpecDocument(document.text, &document.content, keeper);
+    document.parserText = document.text;
+    makeFitForParser(document.parserText, &document.comments);  // Again below; here for the ranges.
+    document.isAccepted = readSpecDocument(document.parserText, &document.content, keeper);
     return document;
 }
 

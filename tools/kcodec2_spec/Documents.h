@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "targetspec/DefaultDocuments.h"
+#include "targetspec/ParserText.h"
 #include "targetspec/SpecDocument.h"
 #include "targetspec/SpecReader.h"
 
@@ -27,6 +28,8 @@ struct Document {
     std::string origin;  // "system spec", "private file", "built-in document N", or "document".
     std::string path;    // On the device; empty for a built-in document.
     std::string text;
+    std::string parserText;           // The same, fit for the parser: comments are blanks.
+    std::vector<TextRange> comments;  // Where they are.
     bool isReadable = true;      // The text was read to its end.
     std::string whyNotReadable;  // In words.
     bool isAccepted = false;

@@ -65,7 +65,7 @@ int finish(const Report& report, const CheckOptions& options) {
 CheckedDocument::CheckedDocument(std::string shownPath, Document read)
     : document(std::move(read)),
       source(std::move(shownPath), document.text),
-      outline(isJson(document) ? outlineOf(document.text)
+      outline(isJson(document) ? outlineOf(document.parserText)
                                : Outline{OutlineNode(), document.text.size()}) {}
 
 std::vector<const KeptFinding*> CheckedDocument::takenIn(const char* section,

@@ -27,23 +27,7 @@ public:
 private:
     char peek() const { return mAt < mText.size() ? mText[mAt] : '\0'; }
 
-    bool startsWith(std::string_view token) const {
-        return mText.substr(mAt, token.size()) == token;
-    }
-
-    // White space and comments that end.
-    void skipBlanks() {
-        for (;;) {
-            mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size());
-            if (startsWith("//")) {
-                mAt = std::min(mText.find_first_of("\r\n", mAt), mText.size());
-            } else if (startsWith("/*") && mText.find("*/", mAt + 2) != std::string_view::npos) {
-                mAt = mText.find("*/", mAt + 2) + 2;
-            } else {
-                return;
-            }
-        }
-    }
+    void skipBlanks() { mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size()); }
 
     Span string() {
         const size_t start = mAt++;
@@ -64,7 +48,7 @@ private:
         } else if (node.kind == '"') {
             string();
         } else {
-            mAt = std::min(mText.find_first_of(",]}/ \t\r\n", mAt), mText.size());
+            mAt = std::min(mText.find_first_of(",]} \t\r\n", mAt), mText.size());
         }
         node.value.limit = mAt;
         return node;

@@ -21,10 +21,10 @@ struct OutlineNode {
 
 struct Outline {
     OutlineNode root;
-    size_t limit;  // Where the document ends: after the root value and the comments behind it.
+    size_t limit;  // Where the document ends: after the root value and the blanks behind it.
 };
 
-// Outlines a text that the JSON parser has accepted.
+// Outlines a text that the JSON parser has accepted, as makeFitForParser() leaves it.
 Outline outlineOf(std::string_view text);
 
 // The last member of that name, which is the one that counts; null when there is none.

@@ -6,7 +6,7 @@
 
 #include "Text.h"
 #include "check/Rules.h"
-#include "targetspec/TextLimits.h"
+#include "targetspec/Limits.h"
 
 namespace kc2::tool {
 
@@ -28,8 +28,9 @@ constexpr ReaderRule kReaderRules[] = {
          {"too-many-values", Severity::Error, "more than the 1 Mi values that a device reads"},
          "the document holds more than 1048576 values: the device rejects it"},
         {FindingKind::NestingTooDeep,
-         {"nesting-too-deep", Severity::Error, "nested deeper than the parser's 1,000 levels"},
-         "nested deeper than 1000 levels: the device rejects the whole document"},
+         {"nesting-too-deep", Severity::Error,
+          "nested deeper than the 255 levels that a device reads"},
+         "nested deeper than 255 levels: the device rejects the whole document"},
         {FindingKind::SyntaxError,
          {"syntax", Severity::Error, "no valid JSON"},
          "%d; the device rejects the whole document"},
@@ -109,7 +110,7 @@ constexpr ReaderRule kReaderRules[] = {
 };
 
 // The messages above name the limits.
-static_assert(kMaxTextBytes == 32 << 20 && kMaxValues == 1 << 20 && kMaxNesting == 1000);
+static_assert(kMaxTextBytes == 32 << 20 && kMaxValues == 1 << 20 && kMaxNesting == 255);
 
 const ReaderRule* ruleFor(FindingKind kind) {
     const auto found = std::find_if(std::begin(kReaderRules), std::end(kReaderRules),
@@ -184,7 +185,8 @@ std::string syntaxError(const KeptFinding& finding, const std::string& text) {
     return hint.empty() ? words : words + ": " + hint;
 }
 
-std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const std::string& text) {
+std::string messageOf(const ReaderRule& rule, const KeptFinding& finding,
+                      const Document& document) {
     std::string message;
     for (const char* c = rule.message; *c != '\0'; ++c) {
         if (*c != '%') {
@@ -196,7 +198,7 @@ std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const 
                 message += placeOf(finding);
                 break;
             case 'v':
-                message += valueAsWritten(finding, text);
+                message += valueAsWritten(finding, document.text);
                 break;
             case 'b':
                 message += finding.converted != 0 ? "true" : "false";
@@ -208,7 +210,7 @@ std::string messageOf(const ReaderRule& rule, const KeptFinding& finding, const 
                 message += hexadecimal(static_cast<uint32_t>(finding.converted));
                 break;
             default:
-                message += syntaxError(finding, text);
+                message += syntaxError(finding, document.parserText);
                 break;
         }
     }
@@ -221,7 +223,7 @@ void applyReaderRules(const CheckedDocument& document, Report* report) {
     for (const KeptFinding& finding : document.document.findings) {
         if (const ReaderRule* const rule = ruleFor(finding.kind)) {
             report->add(rule->rule, document.source, {finding.start, finding.limit},
-                        messageOf(*rule, finding, document.document.text));
+                        messageOf(*rule, finding, document.document));
         }
     }
 }

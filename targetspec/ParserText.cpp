@@ -1,0 +1,157 @@
+// Makes a document's text fit for the JSON parser.
+
+#include "targetspec/ParserText.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <string_view>
+
+#include "targetspec/Limits.h"
+
+namespace kc2 {
+
+namespace {
+
+constexpr size_t kNone = std::string_view::npos;
+
+bool isLineEnd(char c) {
+    return c == '\n' || c == '\r';
+}
+
+// The offset behind the string whose opening quote is at `quote`; kNone when it does not end.
+size_t endOfString(std::string_view text, size_t quote) {
+    for (size_t end = text.find('"', quote + 1); end != kNone; end = text.find('"', end + 1)) {
+        const size_t backslashes = end - 1 - text.find_last_not_of('\\', end - 1);
+        if (backslashes % 2 == 0) {  // The quote is not escaped.
+            return end + 1;
+        }
+    }
+    return kNone;
+}
+
+// The offset behind the comment that begins at `slash`; `slash` itself when there is no whole one.
+size_t endOfComment(std::string_view text, size_t slash) {
+    switch (slash + 1 < text.size() ? text[slash + 1] : '\0') {
+        case '/':
+            return static_cast<size_t>(std::find_if(text.begin() + slash, text.end(), isLineEnd) -
+                                       text.begin());
+        case '*': {
+            const size_t end = text.find("*/", slash + 2);
+            return end == kNone ? slash : end + 2;
+        }
+        default:
+            return slash;
+    }
+}
+
+void blankComments(std::span<char> bytes, std::vector<TextRange>* comments) {
+    const std::string_view text(bytes.data(), bytes.size());
+    size_t quote = text.find('"');
+    size_t slash = text.find('/');
+    while (slash != kNone) {
+        size_t end = 0;
+        if (quote < slash) {
+            end = endOfString(text, quote);
+        } else if (end = endOfComment(text, slash); end != slash) {
+            std::replace_if(bytes.begin() + slash, bytes.begin() + end, std::not_fn(isLineEnd),
+                            ' ');
+            if (comments != nullptr) {
+                comments->push_back({slash, end});
+            }
+        } else {
+            return;  // The parser rejects the text here, unless its root has ended before.
+        }
+        if (end == kNone) {
+            return;
+        }
+        quote = quote < end ? text.find('"', end) : quote;
+        slash = slash < end ? text.find('/', end) : slash;
+    }
+}
+
+// Whether the text is so large, or holds so many brackets, wherever they are, that it must be
+// looked at more closely. Hardly any document is, and to find out costs a fraction of the closer
+// look.
+bool mayBreakLimit(std::string_view text) {
+    if (text.size() > kMaxValues) {  // Each value takes a byte.
+        return true;
+    }
+    size_t brackets = 0;
+    for (const char bracket : {'{', '['}) {
+        for (size_t at = text.find(bracket); at != kNone; at = text.find(bracket, at + 1)) {
+            if (++brackets > kMaxNesting) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+constexpr std::array<bool, 256> kIsMark = [] {
+    std::array<bool, 256> marks = {};
+    for (const char mark : std::string_view("[]{}\",")) {
+        marks[static_cast<unsigned char>(mark)] = true;
+    }
+    return marks;
+}();
+
+size_t nextMark(std::string_view text, size_t at) {
+    const auto isMark = [](char c) { return kIsMark[static_cast<unsigned char>(c)]; };
+    return static_cast<size_t>(std::find_if(text.begin() + at, text.end(), isMark) - text.begin());
+}
+
+// What follows the root does not count, as it does not for the parser; nor does what is in a
+// string.
+std::optional<LimitBreach> findLimitBreach(std::string_view text) {
+    const size_t root = text.find_first_not_of(" \t\r\n");
+    if (root == kNone || (text[root] != '{' && text[root] != '[')) {
+        return std::nullopt;  // It holds no values.
+    }
+    size_t depth = 0;
+    size_t values = 1;
+    for (size_t at = root; at < text.size(); at = nextMark(text, at)) {
+        switch (text[at]) {
+            case '"':
+                at = endOfString(text, at);
+                if (at == kNone) {
+                    return std::nullopt;  // The parser rejects it.
+                }
+                continue;
+            case ']':
+            case '}':
+                if (--depth == 0) {
+                    return std::nullopt;
+                }
+                break;
+            case ',':
+                ++values;
+                break;
+            default:
+                ++values;
+                if (++depth > kMaxNesting) {
+                    return LimitBreach{FindingKind::NestingTooDeep, at};
+                }
+                break;
+        }
+        if (values > kMaxValues) {
+            return LimitBreach{FindingKind::TooManyValues, at};
+        }
+        ++at;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<LimitBreach> makeFitForParser(std::span<char> text,
+                                            std::vector<TextRange>* comments) {
+    if (text.size() > kMaxTextBytes) {
+        return LimitBreach{FindingKind::TextTooLong, kMaxTextBytes};
+    }
+    blankComments(text, comments);
+    const std::string_view fit(text.data(), text.size());
+    return mayBreakLimit(fit) ? findLimitBreach(fit) : std::nullopt;
+}
+
+}  // namespace kc2
