@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <string_view>
 
 #include "targetspec/Limits.h"
@@ -14,10 +13,6 @@ namespace kc2 {
 namespace {
 
 constexpr size_t kNone = std::string_view::npos;
-
-bool isLineEnd(char c) {
-    return c == '\n' || c == '\r';
-}
 
 // The offset behind the string whose opening quote is at `quote`; kNone when it does not end.
 size_t endOfString(std::string_view text, size_t quote) {
@@ -30,45 +25,67 @@ size_t endOfString(std::string_view text, size_t quote) {
     return kNone;
 }
 
-// The offset behind the comment that begins at `slash`; `slash` itself when there is no whole one.
-size_t endOfComment(std::string_view text, size_t slash) {
-    switch (slash + 1 < text.size() ? text[slash + 1] : '\0') {
-        case '/':
-            return static_cast<size_t>(std::find_if(text.begin() + slash, text.end(), isLineEnd) -
-                                       text.begin());
-        case '*': {
-            const size_t end = text.find("*/", slash + 2);
-            return end == kNone ? slash : end + 2;
-        }
-        default:
-            return slash;
-    }
-}
+// Blanks comments from the start of a text to its end. Each search remembers what it has found, so
+// that no part of the text is searched twice for the same.
+class CommentBlanker {
+public:
+    CommentBlanker(std::span<char> bytes, std::vector<TextRange>* comments)
+        : mBytes(bytes), mText(bytes.data(), bytes.size()), mComments(comments) {}
 
-void blankComments(std::span<char> bytes, std::vector<TextRange>* comments) {
-    const std::string_view text(bytes.data(), bytes.size());
-    size_t quote = text.find('"');
-    size_t slash = text.find('/');
-    while (slash != kNone) {
-        size_t end = 0;
-        if (quote < slash) {
-            end = endOfString(text, quote);
-        } else if (end = endOfComment(text, slash); end != slash) {
-            std::replace_if(bytes.begin() + slash, bytes.begin() + end, std::not_fn(isLineEnd),
-                            ' ');
-            if (comments != nullptr) {
-                comments->push_back({slash, end});
+    void run() {
+        size_t quote = mText.find('"');
+        size_t slash = mText.find('/');
+        while (slash != kNone) {
+            const size_t end = quote < slash ? endOfString(mText, quote) : blankComment(slash);
+            if (end == kNone) {
+                return;
             }
-        } else {
-            return;  // The parser rejects the text here, unless its root has ended before.
+            quote = quote < end ? mText.find('"', end) : quote;
+            slash = slash < end ? mText.find('/', end) : slash;
         }
-        if (end == kNone) {
-            return;
-        }
-        quote = quote < end ? text.find('"', end) : quote;
-        slash = slash < end ? text.find('/', end) : slash;
     }
-}
+
+private:
+    // The offset behind the comment that begins at `slash`; kNone when there is no whole one. The
+    // parser then rejects the text there, unless its root has ended before.
+    size_t blankComment(size_t slash) {
+        size_t end = kNone;
+        switch (slash + 1 < mText.size() ? mText[slash + 1] : '\0') {
+            case '/':
+                end = endOfLine(slash);
+                std::fill(mBytes.begin() + slash, mBytes.begin() + end, ' ');
+                break;
+            case '*':
+                end = mText.find("*/", slash + 2);
+                if (end == kNone) {
+                    return kNone;
+                }
+                end += 2;
+                for (char& c : mBytes.subspan(slash, end - slash)) {
+                    c = c == '\n' || c == '\r' ? c : ' ';  // A store each: compilers vectorise it.
+                }
+                break;
+            default:
+                return kNone;
+        }
+        if (mComments != nullptr) {
+            mComments->push_back({slash, end});
+        }
+        return end;
+    }
+
+    size_t endOfLine(size_t at) {
+        if (mLineFeed < at) {
+            mLineFeed = std::min(mText.find('\n', at), mText.size());
+        }
+        return std::min(mText.substr(0, mLineFeed).find('\r', at), mLineFeed);
+    }
+
+    const std::span<char> mBytes;
+    const std::string_view mText;
+    std::vector<TextRange>* const mComments;
+    size_t mLineFeed = 0;  // The first one behind the last comment.
+};
 
 // Whether the text is so large, or holds so many brackets, wherever they are, that it must be
 // looked at more closely. Hardly any document is, and to find out costs a fraction of the closer
@@ -149,7 +166,7 @@ std::optional<LimitBreach> makeFitForParser(std::span<char> text,
     if (text.size() > kMaxTextBytes) {
         return LimitBreach{FindingKind::TextTooLong, kMaxTextBytes};
     }
-    blankComments(text, comments);
+    CommentBlanker(text, comments).run();
     const std::string_view fit(text.data(), text.size());
     return mayBreakLimit(fit) ? findLimitBreach(fit) : std::nullopt;
 }
