@@ -75,7 +75,7 @@ private:
     }
 
     size_t endOfLine(size_t at) {
-        if (mLineFeed < at) {
+        if (mLineFeed <= at) {
             mLineFeed = std::min(mText.find('\n', at), mText.size());
         }
         return std::min(mText.substr(0, mLineFeed).find('\r', at), mLineFeed);

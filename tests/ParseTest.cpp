@@ -113,8 +113,8 @@ TEST_F(ParseTest, ACommentIsWhiteSpace) {
                                              "]",
                                              "}",
                                              "}"};
-    for (const char* const comment :
-         {"", " ", "/**/", "/* \" */", "/*/ ] */", "// }\n", "//\r", "/* a */ // \"\r\n /* b */"}) {
+    for (const char* const comment : {"", " ", "//\n", "//\n", "/**/", "/* \" */", "/*/ ] */",
+                                      "// }\n", "//\r", "/* a */ // \"\r\n /* b */"}) {
         SCOPED_TRACE(comment);
         std::string text = comment;
         for (const std::string& token : tokens) {
