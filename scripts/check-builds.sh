@@ -26,7 +26,7 @@ grep -q 'deprecated("later")' "$later/json/reader.h" || {
     exit 1
 }
 unguarded=$work/UnguardedReader.cpp
-sed '/#pragma GCC diagnostic/d' targetspec/SpecReader.cpp > "$unguarded"
+sed '/#pragma GCC diagnostic/d' targetspec/reading/SpecReader.cpp > "$unguarded"
 
 # The compilers: a name, a command.
 compilers() {
@@ -83,7 +83,7 @@ compile() {
             echo "build $work/$name/$(basename "$header").alone: header $header"
             echo "  compiler = $compiler"
         done
-        compile "$name/later.o" "$compiler" targetspec/SpecReader.cpp "-isystem $later"
+        compile "$name/later.o" "$compiler" targetspec/reading/SpecReader.cpp "-isystem $later"
         echo "build $work/$name/unguarded.txt: must_warn $unguarded"
         echo "  compiler = $compiler"
         if [ "$name" = libc++ ]; then

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "targetspec/SpecReader.h"
+#include "targetspec/reading/Findings.h"
 
 namespace kc2 {
 

@@ -8,8 +8,8 @@
 #include "log/Log.h"
 #include "targetspec/DocumentText.h"
 #include "targetspec/LoadStatus.h"
-#include "targetspec/SpecDocument.h"
-#include "targetspec/SpecReader.h"
+#include "targetspec/reading/SpecDocument.h"
+#include "targetspec/reading/SpecReader.h"
 
 namespace kc2 {
 
@@ -17,36 +17,15 @@ namespace {
 
 constexpr auto& kTag = log::kTagTargetSpec;
 
-// Why a value was skipped, for the kinds that the device logs beside rows of the wrong size; null
-// for those that reject the whole document.
-const char* skipReason(FindingKind kind) {
-    switch (kind) {
-        case FindingKind::SectionNotObject:
-            return "not an object";
-        case FindingKind::FeatureNotBoolean:
-            return "not a boolean";
-        case FindingKind::PresetNotInteger:
-        case FindingKind::RowValueNotInteger:
-        case FindingKind::TierLevelNotInteger:
-            return "not an integer in the signed 32-bit range";
-        case FindingKind::RowNotArray:
-            return "not an array";
-        case FindingKind::PerfWordNotHexadecimal:
-            return "not a hexadecimal string in the signed 32-bit range";
-        default:
-            return nullptr;
-    }
-}
-
-// The device's voice: what was skipped, as warning lines.
+// Logs skipped values as warnings.
 class FindingLog final : public FindingSink {
 public:
-    FindingLog() : FindingSink(kLastKindThatDevicesLog) {}
+    FindingLog() : FindingSink({Effect::SkipsAndLogs}) {}
 
     void report(const Finding& finding) override {
         if (finding.kind == FindingKind::RowSizeNotThree) {
             KC2_LOG_WARNING(kTag, "Unable to queue the json entry due to inappropriate size");
-        } else if (const char* const reason = skipReason(finding.kind)) {
+        } else if (const char* const reason = rowOf(finding.kind).reason) {
             KC2_LOG_WARNING(kTag, "Skipped %s: %s", finding.place.toString().c_str(), reason);
         }
     }

@@ -21,7 +21,9 @@ namespace {
 class FindingKeeper final : public FindingSink {
 public:
     explicit FindingKeeper(std::vector<KeptFinding>* findings)
-        : FindingSink(kLastKind), mFindings(*findings) {}
+        : FindingSink({Effect::Rejects, Effect::SkipsAndLogs, Effect::SkipsSilently,
+                       Effect::Changes, Effect::Takes, Effect::Ignores}),
+          mFindings(*findings) {}
 
     void report(const Finding& finding) override {
         const Place& place = finding.place;

@@ -7,8 +7,8 @@
 
 #include "targetspec/DefaultDocuments.h"
 #include "targetspec/ParserText.h"
-#include "targetspec/SpecDocument.h"
-#include "targetspec/SpecReader.h"
+#include "targetspec/reading/SpecDocument.h"
+#include "targetspec/reading/SpecReader.h"
 
 namespace kc2::tool {
 

@@ -1,0 +1,27 @@
+// Where in a document a finding is, in words.
+
+#include "targetspec/reading/Findings.h"
+
+#include "kc2/TargetSpecKeys.h"
+#include "targetspec/Printable.h"
+
+namespace kc2 {
+
+std::string Place::toString() const {
+    // The log cuts a line after a thousand bytes, and what is wrong follows the place.
+    constexpr size_t kMostNameBytes = 200;
+    std::string text = targetSpecRoot != nullptr ? targetSpecRoot : "";
+    if (section != nullptr) {
+        text.append("/").append(section);
+    }
+    if (!name.empty()) {
+        text.append("/").append(printable(name.substr(0, kMostNameBytes)));
+        text.append(name.size() > kMostNameBytes ? "..." : "");
+    }
+    if (index >= 0) {
+        text.append("[").append(std::to_string(index)).append("]");
+    }
+    return text;
+}
+
+}  // namespace kc2

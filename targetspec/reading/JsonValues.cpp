@@ -1,0 +1,159 @@
+// JSON values as the store keeps them.
+
+#include "targetspec/reading/JsonValues.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <system_error>
+
+namespace kc2 {
+
+namespace {
+
+constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
+constexpr int32_t kHighest = std::numeric_limits<int32_t>::max();
+
+struct HexadecimalText {
+    int32_t value;
+    bool hasTail;  // Whether anything follows the digits.
+};
+
+// As strtol() reads it, but in every locale alike: white space, sign and 0x are optional; reading
+// stops at the first character that is not a digit.
+std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
+    const size_t start = text.find_first_not_of(" \t\n\v\f\r");
+    text.remove_prefix(start != std::string_view::npos ? start : text.size());
+    const bool isSigned = !text.empty() && (text.front() == '-' || text.front() == '+');
+    const bool isMinus = isSigned && text.front() == '-';
+    text.remove_prefix(isSigned ? 1 : 0);
+
+    const char* const limit = text.data() + text.size();
+    uint32_t magnitude = 0;
+    const bool hasPrefix = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    std::from_chars_result read =
+            std::from_chars(text.data() + (hasPrefix ? 2 : 0), limit, magnitude, 16);
+    if (hasPrefix && read.ec == std::errc::invalid_argument) {
+        read = {text.data() + 1, std::errc()};  // A 0 with a tail.
+    }
+    const int64_t value = isMinus ? -int64_t{magnitude} : int64_t{magnitude};
+    if (read.ec != std::errc() || value < kLowest || value > kHighest) {
+        return std::nullopt;
+    }
+    return HexadecimalText{static_cast<int32_t>(value), read.ptr != limit};
+}
+
+Converted<int32_t> toIntegerFromReal(double real) {
+    if (!(real >= kLowest && real <= kHighest)) {
+        return {};
+    }
+    Converted<int32_t> integer = {static_cast<int32_t>(real)};
+    if (real != std::trunc(real)) {
+        integer.changes.add(FindingKind::RealTruncated, *integer.value);
+    }
+    return integer;
+}
+
+Converted<uint32_t> toPattern(int32_t value, const Changes& changes) {
+    Converted<uint32_t> pattern = {static_cast<uint32_t>(value), changes};
+    if (value < 0) {
+        pattern.changes.add(FindingKind::NegativeAsUnsigned, *pattern.value);
+    }
+    return pattern;
+}
+
+}  // namespace
+
+Converted<bool> toBoolean(const Json::Value& value) {
+    Converted<bool> boolean;
+    switch (value.type()) {
+        case Json::booleanValue:
+            boolean.value = value.asBool();
+            break;
+        case Json::nullValue:
+            boolean.value = false;
+            boolean.changes.add(FindingKind::NullAsFalse, 0);
+            break;
+        case Json::intValue:
+        case Json::uintValue:
+        case Json::realValue:
+            boolean.value = value.asBool();
+            boolean.changes.add(FindingKind::NumberAsBoolean, *boolean.value ? 1 : 0);
+            break;
+        default:
+            break;
+    }
+    return boolean;
+}
+
+Converted<int32_t> toInteger(const Json::Value& value) {
+    Converted<int32_t> integer;
+    switch (value.type()) {
+        case Json::intValue:
+        case Json::uintValue:
+            if (value.isInt()) {
+                integer.value = value.asInt();
+            }
+            break;
+        case Json::realValue:
+            return toIntegerFromReal(value.asDouble());
+        case Json::booleanValue:
+            integer.value = value.asBool() ? 1 : 0;
+            integer.changes.add(FindingKind::BooleanAsInteger, *integer.value);
+            break;
+        case Json::nullValue:
+            integer.value = 0;
+            integer.changes.add(FindingKind::NullAsZero, 0);
+            break;
+        default:
+            break;
+    }
+    return integer;
+}
+
+Converted<uint32_t> toUnsignedPattern(const Json::Value& value) {
+    const Converted<int32_t> integer = toInteger(value);
+    return integer.value ? toPattern(*integer.value, integer.changes) : Converted<uint32_t>();
+}
+
+Converted<uint32_t> toPerfWord(const Json::Value& value) {
+    const std::optional<std::string_view> text = toText(value);
+    if (!text && !value.isNumeric()) {
+        return {};
+    }
+    const std::string number = text ? std::string() : value.asString();
+    const std::optional<HexadecimalText> word = readHexadecimal(text.value_or(number));
+    if (!word) {
+        return {};
+    }
+    Changes changes;
+    if (!text) {
+        changes.add(FindingKind::PerfWordUnquoted, static_cast<uint32_t>(word->value));
+    }
+    if (word->hasTail) {
+        changes.add(FindingKind::PerfWordTail, static_cast<uint32_t>(word->value));
+    }
+    return toPattern(word->value, changes);
+}
+
+std::optional<std::string_view> toText(const Json::Value& value) {
+    const char* text = nullptr;
+    const char* limit = nullptr;
+    if (!value.getString(&text, &limit)) {
+        return std::nullopt;
+    }
+    return std::string_view(text, static_cast<size_t>(limit - text));
+}
+
+bool isObjectOrNull(const Json::Value& value) {
+    return value.type() == Json::objectValue || value.type() == Json::nullValue;
+}
+
+std::string_view nameOf(const Json::Value::const_iterator& member) {
+    const char* end = nullptr;
+    const char* const name = member.memberName(&end);
+    return {name, static_cast<size_t>(end - name)};
+}
+
+}  // namespace kc2

@@ -1,0 +1,65 @@
+// JSON values as the store keeps them. No place and no finding: only what a value is, and what
+// converting it changed.
+//
+// Every value is checked before JsonCpp converts it: device builds of JsonCpp end the process on a
+// conversion that does not fit.
+#pragma once
+
+#include <json/value.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "targetspec/reading/Findings.h"
+
+namespace kc2 {
+
+// What a conversion changed, in the order in which it is reported.
+class Changes {
+public:
+    struct Change {
+        FindingKind kind;
+        int64_t result;  // What the value counts as.
+    };
+
+    void add(FindingKind kind, int64_t result) { mChanges[mCount++] = {kind, result}; }
+
+    const Change* begin() const { return mChanges.data(); }
+    const Change* end() const { return mChanges.data() + mCount; }
+
+private:
+    std::array<Change, 3> mChanges;  // A perf word: unquoted, with a tail, negative.
+    size_t mCount = 0;
+};
+
+// Without a value where the store cannot keep it.
+template <typename T>
+struct Converted {
+    std::optional<T> value;
+    Changes changes = {};
+};
+
+// true or false, and what counts as one: a number, null.
+Converted<bool> toBoolean(const Json::Value& value);
+
+// A number in the signed 32-bit range, and what counts as one: true, false, null.
+Converted<int32_t> toInteger(const Json::Value& value);
+
+// The same as the unsigned 32-bit pattern that the store keeps of it.
+Converted<uint32_t> toUnsignedPattern(const Json::Value& value);
+
+// A hexadecimal string in the signed 32-bit range, or a number, read through its decimal text; as
+// the unsigned 32-bit pattern that the store keeps of it.
+Converted<uint32_t> toPerfWord(const Json::Value& value);
+
+std::optional<std::string_view> toText(const Json::Value& value);
+
+bool isObjectOrNull(const Json::Value& value);
+
+// The name of the member that an iterator over an object is at.
+std::string_view nameOf(const Json::Value::const_iterator& member);
+
+}  // namespace kc2
