@@ -1,7 +1,15 @@
 // Where the directories of the device lie on this machine.
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "hostplatform/HostPlatform.h"
@@ -33,6 +41,114 @@ bool liesIn(const std::string& directory, const std::string& path) {
            (path.size() == directory.size() || path[directory.size()] == '/');
 }
 
+using Mappings = std::map<std::string, std::string>;
+
+// As many as the kernel follows on the way to one file.
+constexpr int kMaxLinks = 40;
+
+// Follows a device path link by link, as the device would: an absolute link starts again at the
+// device's root, not at this machine's. Left to this machine's kernel, such a link leads out of the
+// tree, and a correct tree seems to hold nothing or another machine's files.
+class PathWalk {
+public:
+    PathWalk(const Mappings& mappings, const std::string& devicePath)
+        : mMappings(mappings), mRest(devicePath) {}
+
+    // An empty path cannot be opened: it is the answer for what leads out of the tree, and for
+    // links in a loop.
+    std::string run() {
+        while (skipSlashes()) {
+            const std::string name = mRest.substr(0, mRest.find('/'));
+            mRest.erase(0, name.size());
+            if (name == ".") {
+                continue;
+            }
+            if (name == "..") {
+                if (!isDirectory(hostOf(mDone).value_or("/"))) {
+                    return hostOf(mDone).value_or(mDone) + "/.." + mRest;
+                }
+                mDone.erase(std::min(mDone.rfind('/'), mDone.size()));
+                continue;
+            }
+            if (std::optional<std::string> end = enter(mDone + "/" + name)) {
+                return *end;
+            }
+        }
+        return hostOf(mDone.empty() ? "/" : mDone).value_or(mIsInTree ? "" : mDone) + mEnd;
+    }
+
+private:
+    // Whether a component is left. A slash at the very end asks for a directory and is kept.
+    bool skipSlashes() {
+        const size_t start = std::min(mRest.find_first_not_of('/'), mRest.size());
+        mEnd = start == mRest.size() && start > 0 ? "/" : "";
+        mRest.erase(0, start);
+        return !mRest.empty();
+    }
+
+    // Goes on to `path`, or to where it links; a result ends the walk.
+    std::optional<std::string> enter(const std::string& path) {
+        const std::optional<std::string> host = hostOf(path);
+        if (mMappings.contains(path) || leadsToMapping(path)) {
+            mIsInTree = mIsInTree || host.has_value();
+            mDone = path;
+            return std::nullopt;
+        }
+        if (!host) {
+            return mIsInTree ? std::string() : path + mRest;
+        }
+        mIsInTree = true;
+        char target[PATH_MAX];
+        const ssize_t length = readlink(host->c_str(), target, sizeof(target));
+        if (length < 0 && errno != EINVAL) {
+            return *host + mRest;  // This machine then fails for the same reason.
+        }
+        if (length < 0) {
+            mDone = path;
+            return std::nullopt;
+        }
+        if (++mLinks > kMaxLinks) {
+            return std::string();
+        }
+        mRest.insert(0, target, static_cast<size_t>(length));
+        if (target[0] == '/') {
+            mDone.clear();
+        }
+        return std::nullopt;
+    }
+
+    static bool isDirectory(const std::string& path) {
+        struct stat status = {};
+        return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    }
+
+    // A mapped directory is there even when nothing else in the tree leads to it.
+    bool leadsToMapping(const std::string& path) const {
+        const std::string whole = path + mRest;
+        return std::any_of(mMappings.begin(), mMappings.end(), [&](const auto& mapping) {
+            return mapping.first.size() > path.size() && liesIn(mapping.first, whole);
+        });
+    }
+
+    // Of two mapped directories that hold the path, the longer one comes later.
+    std::optional<std::string> hostOf(const std::string& path) const {
+        std::optional<std::string> host;
+        for (const auto& [directory, hostDirectory] : mMappings) {
+            if (liesIn(directory, path)) {
+                host = hostDirectory + path.substr(directory.size());
+            }
+        }
+        return host;
+    }
+
+    const Mappings& mMappings;
+    std::string mDone;  // A device path free of links, without a slash at its end.
+    std::string mRest;  // What follows it.
+    std::string mEnd;
+    int mLinks = 0;
+    bool mIsInTree = false;
+};
+
 }  // namespace
 
 void mapDirectory(const std::string& deviceDirectory, const std::string& hostDirectory) {
@@ -44,20 +160,7 @@ void mapDirectory(const std::string& deviceDirectory, const std::string& hostDir
 std::string hostPath(const std::string& devicePath) {
     DeviceTree& tree = deviceTree();
     const std::lock_guard<std::mutex> lock(tree.mutex);
-    const std::pair<const std::string, std::string>* mapping = nullptr;
-    for (const auto& candidate : tree.mappings) {
-        if (liesIn(candidate.first, devicePath)) {
-            mapping = &candidate;  // Of two that hold the path, the longer one comes later.
-        }
-    }
-    if (mapping == nullptr) {
-        return devicePath;
-    }
-    const auto& [directory, hostDirectory] = *mapping;
-    std::string path;
-    path.reserve(hostDirectory.size() + devicePath.size() - directory.size());
-    path.append(hostDirectory).append(devicePath, directory.size());
-    return path;
+    return tree.mappings.empty() ? devicePath : PathWalk(tree.mappings, devicePath).run();
 }
 
 void setReadOnly(bool readOnly) {

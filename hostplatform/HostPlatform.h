@@ -35,10 +35,13 @@ void setLogSink(LogSink sink);
  * Lets the device directory `deviceDirectory` lie in `hostDirectory`. The longest mapped directory
  * that holds a path decides; "/" maps the whole device. Without a mapping device paths are taken as
  * they are. A directory holds a path only at a whole component: /odm does not hold /odm2.
+ *
+ * Links in a mapped directory lead where they would lead on the device, absolute ones too. A path
+ * that leaves the mapped directories that way cannot be opened.
  */
 void mapDirectory(const std::string& deviceDirectory, const std::string& hostDirectory);
 
-/** Where `devicePath` lies for this process. */
+/** Where `devicePath` lies for this process; empty when it leads out of what is mapped. */
 std::string hostPath(const std::string& devicePath);
 
 /** Keeps the library from writing any file: opening one for writing then fails. Initially off. */

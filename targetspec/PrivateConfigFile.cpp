@@ -30,15 +30,16 @@ bool isMissingOrEmpty(std::ifstream& privateFile) {
 
 // Opening a pipe that nobody writes to waits for ever, with the store's lock held; and the private
 // file is the one that anything with the right group can put there.
-bool isPipe(const char* devicePath) {
+// A device or a directory is no better.
+bool isOtherThanFile(const char* devicePath) {
     struct stat status = {};
-    return examine(devicePath, &status) && S_ISFIFO(status.st_mode);
+    return examine(devicePath, &status) && !S_ISREG(status.st_mode);
 }
 
 }  // namespace
 
 bool openPrivateConfig(std::ifstream& stream) {
-    if (isPipe(kPrivateConfig)) {
+    if (isOtherThanFile(kPrivateConfig)) {
         stream.setstate(std::ifstream::failbit);
         return false;
     }

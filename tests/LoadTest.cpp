@@ -211,6 +211,7 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
 // written.
 TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
     namespace fs = std::filesystem;
+    host::mapDirectory("/proc", "/proc");  // A file that opens and fails when it is read.
     const auto link = [&](const char* target) {
         return [this, target] { fs::create_symlink(target, mDevice(kPrivateFile)); };
     };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -112,6 +113,55 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
         EXPECT_EQ(report, result.output) << arguments;
         EXPECT_EQ(report.find(": error: ") != std::string::npos ? 1 : 0, result.exitCode) << name;
     }
+}
+
+// A device whose /vendor and /odm are links, and links that lead out of it.
+TEST(ToolTest, LinksStayInTheTree) {
+    namespace fs = std::filesystem;
+    std::string pattern = fs::temp_directory_path() / "kc2-links-XXXXXX";
+    const fs::path top = mkdtemp(pattern.data());
+    const fs::path root = top / "root";
+    const fs::path vendorMedia = root / "system/vendor/etc/media";
+    fs::create_directories(vendorMedia);
+    fs::create_directories(root / "system/vendor/odm/etc/media_a");
+    fs::create_directory_symlink("/system/vendor", root / "vendor");
+    fs::create_directory_symlink("/vendor/odm", root / "odm");
+    const std::string name = "video_system_specs.json";
+    const auto write = [](const fs::path& path, const std::string& feature) {
+        std::ofstream(path) << R"({"Video":{"Features":{")" + feature + R"(":true}}})";
+    };
+    write(top / name, "outside");
+    write(root / "system/vendor/odm/etc/media_a" / name, "feature_a");
+    const auto link = [&](const std::string& variant, const fs::path& target) {
+        fs::create_directories(vendorMedia.string() + variant);
+        fs::create_symlink(target, vendorMedia.string() + variant + "/" + name);
+    };
+    link("_absolute", "/odm/etc/media_a/" + name);
+    link("_relative", "../../odm/etc/media_a/" + name);
+    link("_host", top / name);
+    link("_up", "../../../../../../../../.." + (top / name).string());
+    link("_loop", "/vendor/etc/media_loop/" + name);
+    link("_none", "/nowhere");
+    link("_file", "/odm/etc/media_a/" + name + "/../" + name);
+    const struct {
+        const char* variant;
+        bool isRead;
+    } rows[] = {{"_a", true},   {"_absolute", true}, {"_relative", true}, {"_host", false},
+                {"_up", false}, {"_loop", false},    {"_none", false},    {"_file", false}};
+    for (const auto& row : rows) {
+        const Result result = run("show --rootdir " + root.string() +
+                                  " --property vendor.media.target_variant=" + row.variant);
+        EXPECT_EQ(row.isRead, result.output.find("feature_a") != std::string::npos)
+                << row.variant << "\n"
+                << result.output;
+        EXPECT_EQ(std::string::npos, result.output.find("outside")) << row.variant;
+    }
+    // A directory of another place, and a link in it to one that no option maps.
+    const std::string vendorOnly = "show --dirmap /vendor:" + (root / "system/vendor").string() +
+                                   " --property vendor.media.target_variant=";
+    EXPECT_NE(std::string::npos, run(vendorOnly + "_relative").output.find("feature_a"));
+    EXPECT_EQ(std::string::npos, run(vendorOnly + "_host").output.find("outside"));
+    fs::remove_all(top);
 }
 
 TEST(ToolTest, WhatShipsHasNoMistake) {
