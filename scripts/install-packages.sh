@@ -5,7 +5,8 @@ set -eu
 run="ca-certificates cmake g++ ninja-build libjsoncpp-dev libcli11-dev"
 test="clang-14 clang-format-14 clang-tidy-14 lld-14 libclang-rt-14-dev libc++-14-dev
       libc++abi-14-dev g++-12 g++-aarch64-linux-gnu pkg-config binutils python3 valgrind doxygen
-      blueprint-tools libgtest-dev libbenchmark-dev libsimdjson-dev rapidjson-dev"
+      blueprint-tools libgtest-dev libbenchmark-dev libsimdjson-dev rapidjson-dev
+      relacy-dev android-liblog-dev abigail-tools"
 
 case "${1:-}" in
     run) packages=$run ;;

@@ -16,6 +16,7 @@ TargetSpec* TargetSpec::mInstance = nullptr;
 constinit std::atomic<uint8_t> TargetSpec::mLock{0};
 constinit std::atomic<bool> TargetSpec::mIsInitialized{false};
 
+// tests/model/GetModel.cpp proves these orderings; it takes the same steps.
 TargetSpec* TargetSpec::Get() {
     if (mIsInitialized.load(std::memory_order_acquire)) [[likely]] {
         return mInstance;
