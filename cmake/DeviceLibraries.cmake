@@ -1,15 +1,24 @@
 # What a device build links: the device's liblog and libkcodec2_base. Sets KC2_LIBLOG,
-# KC2_LIBKCODEC2_BASE and KC2_ANDROID_INCLUDE (where <android/log.h> lies).
+# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (where <android/log.h> lies), and KC2_HAS_LIBLOG where the
+# first is the real one.
 #
 # Where a library is not at hand, an empty one of the same name is built to link against, as the NDK
 # does for the platform's libraries: the result is the device's binary, but runs only on a device.
 
-find_path(KC2_ANDROID_INCLUDE android/log.h)
+# Debian's package of liblog (android-liblog-dev) has directories to itself. It is built on libstdc++,
+# which must not come into a process with libc++.
+include(CheckCXXSymbolExists)
+check_cxx_symbol_exists(_LIBCPP_VERSION version KC2_USES_LIBCXX)
+if(NOT KC2_USES_LIBCXX)
+    set(debian_suffix PATH_SUFFIXES android)
+endif()
+
+find_path(KC2_ANDROID_INCLUDE android/log.h ${debian_suffix})
 if(NOT KC2_ANDROID_INCLUDE)
     set(KC2_ANDROID_INCLUDE ${CMAKE_CURRENT_SOURCE_DIR}/hostplatform/include)
 endif()
 
-find_library(KC2_LIBLOG log)
+find_library(KC2_LIBLOG log ${debian_suffix})
 find_library(KC2_LIBKCODEC2_BASE kcodec2_base)
 
 function(kc2_link_stub variable name)
@@ -27,5 +36,8 @@ function(kc2_link_stub variable name)
     endif()
 endfunction()
 
+if(KC2_LIBLOG)
+    set(KC2_HAS_LIBLOG TRUE)
+endif()
 kc2_link_stub(KC2_LIBLOG log)
 kc2_link_stub(KC2_LIBKCODEC2_BASE kcodec2_base)

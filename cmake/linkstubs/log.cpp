@@ -2,6 +2,6 @@
 
 #include <android/log.h>
 
-int __android_log_print(int, const char*, const char*, ...) {
+[[gnu::visibility("default")]] int __android_log_print(int, const char*, const char*, ...) {
     return 0;
 }
