@@ -1,0 +1,3 @@
+#!/bin/sh
+# Runs a compiler as far as its errors and warnings, and makes nothing: look-over.sh COMPILER...
+exec "$@" -fsyntax-only
