@@ -25,7 +25,9 @@ if(KC2_PLATFORM STREQUAL "host")
         file(RELATIVE_PATH bin_to_lib
             ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
         set_target_properties(kcodec2_spec PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-        install(TARGETS kcodec2_spec)
+        # Image builds run it from CMake, as kcodec2::spec.
+        set_target_properties(kcodec2_spec PROPERTIES EXPORT_NAME spec)
+        install(TARGETS kcodec2_spec EXPORT ${PROJECT_NAME}-targets)
     endif()
 endif()
 if(TARGET kcodec2_spec_device)

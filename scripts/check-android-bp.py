@@ -1,179 +1,82 @@
 #!/usr/bin/env python3
-"""Checks Android.bp: its layout, its sources against CMake's, and the built-in documents it makes.
+"""Checks what Soong cannot know of the Android.bp files: their layout, and that they build the
+sources that CMake builds.
 
-Needs bpfmt (blueprint-tools) and what the device preset needs. Prints a line for each check, and
-exits with 1 when one fails.
+Asks Soong for its sources (scripts/soong/platform_tree.py) and CMake for its own, without building
+either. Needs bpfmt (blueprint-tools), too. Prints a line for each check, ends with 1 when one fails.
 """
 
 import json
-import re
 import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-BLUEPRINT = ROOT / "Android.bp"
-BUILD = ROOT / "build/device"
-PRESET = "device"
-GENERATED = "EmbeddedDocuments.cpp"
+sys.path.insert(0, str(Path(__file__).resolve().parent / "soong"))
+from platform_tree import BOTH, BUILD, OURS, ROOT, PlatformTree, fail, run  # noqa: E402
 
-# What belongs together: a title, modules of Android.bp, CMake targets by the directory of their
-# CMakeLists.txt and (for a directory with other targets, too) by name, and the directory to which
-# the comparison is limited. New files below these directories need no change here; a new directory
-# with a target of its own needs a line.
+GENERATED = "EmbeddedDocuments.cpp"
+# A title, modules of Soong, CMake targets. A new target needs a line.
 LIBRARY = ("kcodec2_reading", "kcodec2_objects")
 GROUPS = (
-    ("the library", ["libkcodec2_platform"], ".", (*LIBRARY, "kcodec2_platform"), ""),
-    ("the library on the stand-ins", ["libkcodec2_platform_hosted"], ".",
-     (*LIBRARY, "kcodec2_platform_hosted"), ""),
-    ("the stand-ins", ["libkcodec2_hostplatform"], "hostplatform", None, ""),
-    ("the tool for the device", ["kcodec2_spec"], "tools/kcodec2_spec", ("kcodec2_spec_device",),
-     "tools/kcodec2_spec/"),
-    ("the tool for the host", ["kcodec2_spec_host"], "tools/kcodec2_spec", ("kcodec2_spec",),
-     "tools/kcodec2_spec/"),
-    ("the tests", ["kcodec2_platform_test"], "tests", ("kcodec2_tests",), ""),
+    ("the library", ("libkcodec2_platform", "libkcodec2_reading"), (*LIBRARY, "kcodec2_platform")),
+    ("the library on the stand-ins", ("libkcodec2_platform_hosted", "libkcodec2_reading"),
+     (*LIBRARY, "kcodec2_platform_hosted")),
+    ("the stand-ins", ("libkcodec2_hostplatform",), ("kcodec2_hostplatform",)),
+    ("the tool for the device", ("kcodec2_spec",), ("kcodec2_spec_device",)),
+    ("the tool for the host", ("kcodec2_spec_host",), ("kcodec2_spec",)),
+    ("the tests", ("kcodec2_platform_test",), ("kcodec2_tests",)),
 )
 
 
-class Blueprint:
-    """The modules of an Android.bp: those parts of the language that ours uses."""
-
-    TOKEN = re.compile(r'\s+|//[^\n]*|/\*.*?\*/|(?P<token>"(?:[^"\\]|\\.)*"|[\w.]+|[{}\[\]:,])',
-                       re.DOTALL)
-
-    def __init__(self, text):
-        self._tokens = self._split(text)
-        self.modules = {}
-        while self._tokens:
-            kind = self._tokens.pop(0)
-            properties = self._value()
-            self.modules[properties["name"]] = {"": kind, **properties}
-
-    def _split(self, text):
-        tokens = []
-        at = 0
-        while at < len(text):
-            match = self.TOKEN.match(text, at)
-            if not match:
-                line = text.count("\n", 0, at) + 1
-                sys.exit(f"{BLUEPRINT.name}:{line}: this script cannot read it: {text[at]!r}")
-            if match["token"]:
-                tokens.append(match["token"])
-            at = match.end()
-        return tokens
-
-    def _value(self):
-        token = self._tokens.pop(0)
-        if token == "{":
-            properties = {}
-            while self._tokens[0] != "}":
-                name = self._tokens.pop(0)
-                self._tokens.pop(0)  # The colon.
-                properties[name] = self._value()
-                self._skip_comma()
-            self._tokens.pop(0)
-            return properties
-        if token == "[":
-            values = []
-            while self._tokens[0] != "]":
-                values.append(self._value())
-                self._skip_comma()
-            self._tokens.pop(0)
-            return values
-        return json.loads(token)
-
-    def _skip_comma(self):
-        if self._tokens[0] == ",":
-            self._tokens.pop(0)
-
-    def sources(self, name):
-        """The source files of a module, with what its defaults and generators add."""
-        module = self.modules[name]
-        files = self._expand(module.get("srcs", []))
-        for generator in module.get("generated_sources", []):
-            files.update(self.modules[generator]["out"])
-        for defaults in module.get("defaults", []):
-            files |= self.sources(defaults)
-        return files
-
-    @staticmethod
-    def _expand(patterns):
-        files = {pattern for pattern in patterns if "*" not in pattern}
-        for pattern in set(patterns) - files:
-            files.update(path.relative_to(ROOT).as_posix() for path in ROOT.glob(pattern))
-        return files
+def soong_sources(tree, modules):
+    files = set()
+    for module in modules:
+        for variant in tree.modules()[module]:
+            files.update(tree.objects(module, variant).values())
+    return {Path(file).name if "/gen/" in file else str(Path(file).relative_to(OURS))
+            for file in files}
 
 
-class CMakeTargets:
-    """The targets of the device preset, as CMake's file API tells them."""
-
-    def __init__(self):
-        query = BUILD / ".cmake/api/v1/query/codemodel-v2"
-        query.parent.mkdir(parents=True, exist_ok=True)
-        query.touch()
-        run(["cmake", "--preset", PRESET])
-        run(["cmake", "--build", "--preset", PRESET, "--target", GENERATED])
-        reply = BUILD / ".cmake/api/v1/reply"
-        index = json.loads(max(reply.glob("index-*.json")).read_text())
-        model_file = index["reply"]["codemodel-v2"]["jsonFile"]
-        model = json.loads((reply / model_file).read_text())
-        self.targets = [json.loads((reply / target["jsonFile"]).read_text())
-                        for target in model["configurations"][0]["targets"]]
-
-    def sources(self, directory, names):
-        files = set()
-        for target in self.targets:
-            if target["paths"]["source"] == directory and (
-                    names is None or target["name"] in names):
-                files.update(Path(source["path"]).name if source.get("isGenerated")
-                             else source["path"] for source in target.get("sources", []))
-        return {file for file in files if file.endswith(".cpp")}
+def cmake_sources():
+    """The sources of each target of a device build, as CMake's file API tells them."""
+    build = BUILD / "cmake"
+    query = build / ".cmake/api/v1/query/codemodel-v2"
+    query.parent.mkdir(parents=True, exist_ok=True)
+    query.touch()
+    run(["cmake", "-S", str(ROOT), "-B", str(build), "-G", "Ninja", "-DKC2_PLATFORM=device"])
+    reply = build / ".cmake/api/v1/reply"
+    index = json.loads(max(reply.glob("index-*.json")).read_text())
+    model = json.loads((reply / index["reply"]["codemodel-v2"]["jsonFile"]).read_text())
+    targets = (json.loads((reply / target["jsonFile"]).read_text())
+               for target in model["configurations"][0]["targets"])
+    return {target["name"]: {Path(source["path"]).name if source.get("isGenerated")
+                             else source["path"] for source in target.get("sources", [])
+                             if source["path"].endswith(".cpp")} for target in targets}
 
 
-def run(command):
-    result = subprocess.run(command, cwd=ROOT, text=True, stdout=subprocess.PIPE,
-                            stderr=subprocess.STDOUT)
-    if result.returncode != 0:
-        sys.exit(f"{result.stdout}check-android-bp.py: failed: {' '.join(map(str, command))}")
-    return result.stdout
+def differences(in_soong, in_cmake):
+    return ([f"{file} is only in CMake's list" for file in sorted(in_cmake - in_soong)] +
+            [f"{file} is only in Android.bp" for file in sorted(in_soong - in_cmake)])
 
-
-# Each check returns what is wrong, a line each.
 
 def check_layout():
-    return run(["bpfmt", "-d", str(BLUEPRINT)]).splitlines()
-
-
-def check_sources(in_blueprint, in_cmake):
-    return ([f"{file} is only in CMake's list" for file in sorted(in_cmake - in_blueprint)] +
-            [f"{file} is only in {BLUEPRINT.name}" for file in sorted(in_blueprint - in_cmake)])
-
-
-def check_documents(blueprint):
-    """Runs the generator as Soong would."""
-    rule = blueprint.modules["kcodec2_embedded_documents"]
-    with tempfile.TemporaryDirectory() as directory:
-        output = Path(directory) / rule["out"][0]
-        command = re.sub(r"\$\(location (\S+)\)", r"\1", rule["cmd"])
-        command = command.replace("$(out)", str(output)).replace("$(in)", " ".join(rule["srcs"]))
-        run(["sh", "-c", command])
-        same = output.read_bytes() == (BUILD / GENERATED).read_bytes()
-    return [] if same else [f"{GENERATED} differs from CMake's"]
+    files = run(["git", "ls-files", "*.bp"], cwd=ROOT).split()
+    result = subprocess.run(["bpfmt", "-d", *files], cwd=ROOT, text=True, capture_output=True)
+    return (result.stdout + result.stderr).splitlines()
 
 
 def main():
-    blueprint = Blueprint(BLUEPRINT.read_text())
-    cmake = CMakeTargets()
-    results = [("bpfmt finds nothing to change", check_layout()),
-               ("the same built-in documents as CMake's", check_documents(blueprint))]
-    for title, modules, directory, names, prefix in GROUPS:
-        in_blueprint, in_cmake = (
-            {file for file in files if file.startswith(prefix)}
-            for files in (set().union(*map(blueprint.sources, modules)),
-                          cmake.sources(directory, names)))
-        results.append((f"{title}: {len(in_cmake)} sources, the same as CMake's",
-                        check_sources(in_blueprint, in_cmake)))
+    tree = PlatformTree("lists")
+    errors = tree.resolve(BOTH)
+    if errors:
+        fail(errors)
+    cmake = cmake_sources()
+    results = [("bpfmt finds nothing to change", check_layout())]
+    for title, modules, targets in GROUPS:
+        expected = set().union(*(cmake[target] for target in targets))
+        results.append((f"{title}: {len(expected)} sources, the same as CMake's",
+                        differences(soong_sources(tree, modules), expected)
+                        if expected else ["CMake has none"]))
     for title, wrong in results:
         print(f"{'FAILED' if wrong else 'ok':6} {title}")
         for line in wrong:

@@ -28,8 +28,10 @@ suite device
 check check-style.sh
 check check-builds.sh
 check check-android-bp.py
+check check-soong.py
 check check-performance.py
 check check-package.sh
+check check-image.sh
 check check-docs.sh
 suite asan
 check fuzz.sh 20
