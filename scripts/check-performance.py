@@ -5,7 +5,7 @@ Runs the benchmark programs of a build directory: one under valgrind's callgrind
 instructions, one that counts allocations. Prints the tables that docs/performance.md holds. The
 counts repeat to a few per mille, however busy the machine is and wherever the tree lies.
 
-Needs valgrind and binutils, and the presets "device" or "dev" built. Takes half a minute.
+Needs valgrind and binutils, and the preset "bench" built. Takes half a minute.
 """
 
 import argparse
@@ -231,8 +231,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument('build', nargs='?', type=pathlib.Path,
-                        default=pathlib.Path(__file__).parent.parent / 'build/device',
-                        help='build directory with the benchmarks (default: build/device)')
+                        default=pathlib.Path(__file__).parent.parent / 'build/bench',
+                        help='build directory with the benchmarks (default: build/bench)')
     parser.add_argument('--keep', type=pathlib.Path, metavar='DIRECTORY',
                         help="leave callgrind's dumps in DIRECTORY/dumps, for callgrind_annotate")
     arguments = parser.parse_args()

@@ -1,40 +1,106 @@
 #!/bin/sh
-# Installs what is missing and passes every check of this tree: builds, tests, style, binary,
-# fuzzing, speed, package, documents. Needs root or sudo for the packages; about a quarter of an
-# hour on two cores.
-set -eu
+# Passes every check of this tree, or the steps named: test.sh [--list | STEP...]
+#
+# Installs what is missing first (needs root or sudo for that). Builds the presets that the steps
+# need. Prints what it is doing, and at the end how long each part took. A step that fails does not
+# keep the others from running.
+set -u
 cd "$(dirname "$0")/.."
 
-scripts/install-packages.sh test
+# The steps in the order in which they run. A line for each: its name, the presets that must be
+# built for it (separated by commas, "-" for none), and its command.
+steps() {
+    cat << 'STEPS'
+dev                 dev                 ctest --preset dev
+phone               phone               ctest --preset phone
+phone-overflow      phone-overflow      ctest --preset phone-overflow
+style               phone,asan,bench    scripts/check-style.sh
+builds              -                   scripts/check-builds.sh
+android-bp          phone               scripts/check-android-bp.py
+soong               -                   scripts/check-soong.py
+image               dev                 scripts/check-image.sh
+performance         bench               scripts/check-performance.py
+package             dev                 scripts/check-package.sh
+docs                -                   scripts/check-docs.sh
+asan                asan                ctest --preset asan
+fuzz                asan                scripts/fuzz.sh 20
+tsan                tsan                ctest --preset tsan
+STEPS
+}
 
+# The third column of a step.
+command_of() {
+    steps | awk -v name="$1" '$1 == name { sub(/^ *[^ ]+ +[^ ]+ +/, ""); print }'
+}
+
+presets_of() {
+    steps | awk -v name="$1" '$1 == name && $2 != "-" { gsub(",", " ", $2); print $2 }'
+}
+
+names() {
+    steps | awk '{ print $1 }'
+}
+
+case ${1:-} in
+    --list) steps; exit 0 ;;
+    -*) echo "usage: test.sh [--list | STEP...]" >&2; exit 2 ;;
+    '') chosen=$(names) ;;
+    *) chosen=$* ;;
+esac
+for name in $chosen; do
+    names | grep -qx -e "$name" || {
+        echo "test.sh: no step \"$name\"; the steps are:" $(names) >&2
+        exit 2
+    }
+done
+
+table=
+failed=
+started=$(date +%s)
+
+# run TITLE COMMAND: runs it, and adds a row to the table. Fails when it fails.
+run() {
+    printf '\n== %s: %s\n' "$1" "$2"
+    before=$(date +%s)
+    if sh -eu -c "$2"; then result=passed; else result=FAILED; fi
+    row=$(printf '%-24s %-6s %5d s' "$1" $result $(($(date +%s) - before)))
+    table="$table$row
+"
+    printf -- '-- %s\n' "$row"
+    [ $result = passed ] || { failed="$failed $1"; return 1; }
+}
+
+built=
+# build PRESET: configures and builds it, once in a run. Fails when that fails.
+build() {
+    case " $built " in
+        *" $1 "*) return 0 ;;
+        *" $1:failed "*) return 1 ;;
+    esac
+    if run "build $1" "cmake --preset $1 > /dev/null && cmake --build --preset $1"; then
+        built="$built $1"
+    else
+        built="$built $1:failed"
+        return 1
+    fi
+}
+
+# A step whose presets cannot be built is not run; the build has failed already.
 step() {
-    printf '\n== %s\n' "$*"
+    for preset in $(presets_of "$1"); do
+        build "$preset" || return 1
+    done
+    run "$1" "$(command_of "$1")"
 }
 
-suite() {
-    step "Build and tests: preset $1"
-    cmake --preset "$1" > /dev/null
-    cmake --build --preset "$1"
-    ctest --preset "$1"
-}
+run install "scripts/install-packages.sh test" || exit 1
+for name in $chosen; do
+    step "$name"
+done
 
-check() {
-    step "$*"
-    "scripts/$@"
-}
-
-suite dev
-suite device
-check check-style.sh
-check check-builds.sh
-check check-android-bp.py
-check check-soong.py
-check check-performance.py
-check check-package.sh
-check check-image.sh
-check check-docs.sh
-suite asan
-check fuzz.sh 20
-suite tsan
-
+printf '\n%s%-24s %-6s %5d s\n' "$table" all '' $(($(date +%s) - started))
+if [ -n "$failed" ]; then
+    printf '\nFailed:%s\n' "$failed"
+    exit 1
+fi
 printf '\nEverything passed.\n'
