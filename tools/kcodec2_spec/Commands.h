@@ -14,24 +14,6 @@ inline constexpr int kExitUsage = 2;     // Wrong usage, a file not read, output
 // Loads the store as a component would and prints it.
 int show(bool asJson);
 
-struct CheckOptions {
-    bool asJson = false;
-    bool warningsAreErrors = false;
-    std::vector<std::string> disabledIds;
-};
-
-// Checks documents one by one, as files of this machine.
-int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options);
-
-// Checks the whole load of a device, across both of its documents.
-int checkDevice(const CheckOptions& options);
-
-// The rules of the checks, a line each: id, severity, what it is about.
-std::string ruleTable();
-
-// Why the rule of that id cannot be left out; empty when it can.
-std::string whyNotDisabled(const std::string& id);
-
 // Prints a built-in document, to start a new one from.
 int printDefault(int number);
 

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
+#include <sstream>
 
 namespace kc2::tool {
 
@@ -17,6 +18,19 @@ void print(const Json::Value& json) {
     Json::StreamWriterBuilder writer;
     writer["indentation"] = "  ";
     std::puts(Json::writeString(writer, json).c_str());
+}
+
+JsonPrinter::JsonPrinter() {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    mWriter.reset(builder.newStreamWriter());
+}
+
+void JsonPrinter::print(const Json::Value& json) const {
+    std::ostringstream text;
+    mWriter->write(json, &text);
+    std::fputs(text.str().c_str(), stdout);
 }
 
 bool isFirstByteOfCharacter(char c) {

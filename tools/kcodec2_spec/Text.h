@@ -2,8 +2,10 @@
 #pragma once
 
 #include <json/value.h>
+#include <json/writer.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +21,16 @@ std::optional<uint32_t> toWord(const std::string& text);
 
 // Prints JSON for scripts, and a line end.
 void print(const Json::Value& json);
+
+// Prints JSON on one line, without its end; for those who print many.
+class JsonPrinter {
+public:
+    JsonPrinter();
+    void print(const Json::Value& json) const;
+
+private:
+    std::unique_ptr<Json::StreamWriter> mWriter;
+};
 
 // Whether a character begins with this byte of UTF-8.
 bool isFirstByteOfCharacter(char c);

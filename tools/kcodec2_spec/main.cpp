@@ -5,11 +5,12 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <vector>
 
 #include "Commands.h"
 #include "DeviceOptions.h"
+#include "HelpText.h"
 #include "base/Version.h"
+#include "check/CheckCommand.h"
 #include "targetspec/DefaultDocuments.h"
 
 namespace {
@@ -19,34 +20,27 @@ using namespace kc2::tool;  // NOLINT(google-build-using-namespace): this is the
 constexpr char kDescription[] =
         "Shows what a device's system spec documents make of its video subsystem.\n"
         "\n"
-        "A load reads two documents: the system spec document that the property\n"
-        "vendor.media.target_variant selects, then the private configuration file or, when\n"
-        "there is none, the chip's built-in document. A name that the first one sets keeps its\n"
-        "value.";
+        "A load reads two documents: the system spec document that the property "
+        "vendor.media.target_variant selects, then the private configuration file or, when there "
+        "is none, the chip's built-in document. A name that the first one sets keeps its value.";
 
 constexpr char kExitCodes[] =
-        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats knows\n"
-        "no such format; 2 wrong usage, a FILE that cannot be read, or output that cannot be\n"
+        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats knows "
+        "no such format; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
         "written.";
 
 constexpr char kShowExample[] =
-        "A document that the device rejects is shown as rejected, and the exit code is 0: it is\n"
+        "A document that the device rejects is shown as rejected, and the exit code is 0: it is "
         "for check to fail.\n"
         "\n"
-        "Example: kcodec2_spec show --rootdir examples/device \\\n"
-        "                 --property vendor.media.target_variant=_orvelle";
-
-constexpr char kCheckExamples[] =
-        "Without FILE it does the whole load of the device and checks across its documents.\n"
-        "\n"
-        "Examples: kcodec2_spec check video_system_specs.json\n"
-        "          kcodec2_spec check --rootdir examples/device \\\n"
-        "                 --property vendor.media.target_variant=_orvelle";
+        "Example:\n"
+        "  kcodec2_spec show --rootdir examples/device --property "
+        "vendor.media.target_variant=_orvelle";
 
 int run(int argc, char** argv) {
     CLI::App app(kDescription, "kcodec2_spec");
     app.footer(kExitCodes);
-    app.set_version_flag("--version", KC2_VERSION);
+    app.set_version_flag("--version", "kcodec2_spec " KC2_VERSION);
     app.require_subcommand(0, 1);  // With none, a stray word is named rather than a command missed.
     int exitCode = kExitOk;
 
@@ -63,37 +57,7 @@ int run(int argc, char** argv) {
         exitCode = show(asJson);
     });
 
-    std::vector<std::string> files;
-    CheckOptions checkOptions;
-    CLI::App* const checkCommand = app.add_subcommand(
-            "check", "Report every mistake in documents, or in the whole load of a device");
-    checkCommand->footer(std::string(kCheckExamples) + "\n\nChecks, by the id in brackets:\n" +
-                         ruleTable() + "\n" + kExitCodes);
-    CLI::Option* const filesOption =
-            checkCommand->add_option("FILE", files, "Documents to check, each by itself");
-    checkCommand
-            ->add_option_function<std::string>(
-                    "--format",
-                    [&](const std::string& name) { checkOptions.asJson = name == "json"; },
-                    "How to report: text (the default) or json, for scripts and editors")
-            ->check(CLI::IsMember({"text", "json"}).description(""))
-            ->type_name("text|json");
-    checkCommand->add_flag("--werror", checkOptions.warningsAreErrors,
-                           "Exit with 1 on warnings, too");
-    checkCommand->add_option("--disable", checkOptions.disabledIds, "Leave a check out; repeatable")
-            ->type_name("ID")
-            ->allow_extra_args(false)
-            ->check(CLI::Validator([](const std::string& id) { return whyNotDisabled(id); }, ""));
-    addDeviceOptions(*checkCommand, &device);
-    for (CLI::Option* const option : checkCommand->get_options(
-                 [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
-        filesOption->excludes(option);  // Documents are files of this machine.
-    }
-    checkCommand->callback([&] {
-        applyDeviceOptions(device);
-        muteLog();
-        exitCode = files.empty() ? checkDevice(checkOptions) : checkFiles(files, checkOptions);
-    });
+    addCheckCommand(&app, &exitCode);
 
     int number = 3;
     std::string variant;
@@ -121,13 +85,14 @@ int run(int argc, char** argv) {
                                "decimal, as a log line shows it");
     formatsCommand->callback([&] { exitCode = printFormats(format); });
 
+    wrapHelp(&app);
     try {
         app.parse(argc, argv);
         if (app.get_subcommands().empty()) {
             throw CLI::RequiredError("A subcommand");
         }
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kExitOk : kExitUsage;
+        return explainUsage(app, error);
     }
     return exitCode;
 }

@@ -1,13 +1,12 @@
 // kcodec2_spec check: every mistake of a document, before it reaches a device.
 
-#include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Commands.h"
 #include "Documents.h"
+#include "check/CheckOptions.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/DeviceFile.h"
@@ -16,14 +15,6 @@
 namespace kc2::tool {
 
 namespace {
-
-std::vector<const Rule*> allRules() {
-    std::vector<const Rule*> rules;
-    for (const auto& table : {loadRules(), readerRules(), documentRules(), mergeRules()}) {
-        rules.insert(rules.end(), table.begin(), table.end());
-    }
-    return rules;
-}
 
 bool isJson(const Document& document) {
     for (const KeptFinding& finding : document.findings) {
@@ -42,6 +33,9 @@ bool isJson(const Document& document) {
 
 void checkDocument(const CheckedDocument& document, Report* report) {
     if (document.document.isReadable) {
+        if (isJson(document.document)) {
+            report->heedAllowances(document.source);
+        }
         applyReaderRules(document, report);
         if (!document.document.path.empty()) {  // Nobody here can change a built-in document.
             applyDocumentRules(document, report);
@@ -49,14 +43,21 @@ void checkDocument(const CheckedDocument& document, Report* report) {
     }
 }
 
-int finish(const Report& report, const CheckOptions& options) {
-    if (options.asJson) {
-        report.printJson();
-    } else {
-        report.printText();
+int finish(Report* report, const CheckOptions& options) {
+    report->addUnusedAllowances();
+    switch (options.format) {
+        case ReportFormat::Text:
+            printText(*report, options.output);
+            break;
+        case ReportFormat::Json:
+            printJson(*report, options.output);
+            break;
+        case ReportFormat::Sarif:
+            printSarif(*report, options.output);
+            break;
     }
-    const bool isFailed = report.count(Severity::Error) != 0 ||
-                          (options.warningsAreErrors && report.count(Severity::Warning) != 0);
+    const bool isFailed = report->count(Severity::Error) != 0 ||
+                          (options.warningsAreErrors && report->count(Severity::Warning) != 0);
     return isFailed ? kExitFindings : kExitOk;
 }
 
@@ -85,29 +86,8 @@ const OutlineNode* CheckedDocument::section(const char* key) const {
     return video != nullptr ? findMember(*video, key) : nullptr;
 }
 
-std::string ruleTable() {
-    std::string text;
-    for (const Rule* const rule : allRules()) {
-        char line[160];
-        std::snprintf(line, sizeof(line), "  %-26s %-8s %s\n", rule->id, nameOf(rule->severity),
-                      rule->summary);
-        text += line;
-    }
-    return text;
-}
-
-std::string whyNotDisabled(const std::string& id) {
-    if (id == kUnreadable.id) {
-        return "\"" + id + "\" cannot be left out: it tells why nothing else is checked";
-    }
-    const std::vector<const Rule*> rules = allRules();
-    const bool isKnown = std::any_of(rules.begin(), rules.end(),
-                                     [&](const Rule* rule) { return rule->id == id; });
-    return isKnown ? std::string() : "there is no check \"" + id + "\"";
-}
-
 int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options) {
-    Report report({options.disabledIds.begin(), options.disabledIds.end()});
+    Report report(options.levels);
     std::vector<MergedDocuments> checked;  // The report points into these.
     bool isEachReadable = true;
     for (const std::string& path : paths) {
@@ -123,12 +103,12 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
         checkDocument(document, &report);
         applyMergeRules(alone, &report);
     }
-    const int exitCode = finish(report, options);
+    const int exitCode = finish(&report, options);
     return isEachReadable ? exitCode : kExitUsage;
 }
 
 int checkDevice(const CheckOptions& options) {
-    Report report({options.disabledIds.begin(), options.disabledIds.end()});
+    Report report(options.levels);
     Load load = walkLoad();
     const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
     CheckedLoad checked = {std::move(load),
@@ -150,7 +130,7 @@ int checkDevice(const CheckOptions& options) {
         checkDocument(*document, &report);
     }
     applyMergeRules(checked.documents, &report);
-    return finish(report, options);
+    return finish(&report, options);
 }
 
 }  // namespace kc2::tool

@@ -1,60 +1,80 @@
-// What a check found, and how it is printed.
+// What a check found: the findings of a run, each with its place and what goes with it.
 #pragma once
 
-#include <set>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "check/Allowances.h"
+#include "check/Levels.h"
+#include "check/Rule.h"
 #include "check/Source.h"
 
 namespace kc2::tool {
 
-enum class Severity { Note, Warning, Error };
+// A second place that a finding is about: where the earlier value is, which bracket is open.
+struct RelatedPlace {
+    const Source* source;
+    Span span;
+    std::string message;  // What is there.
+};
 
-const char* nameOf(Severity severity);
+// A change of the text that mends a finding, where only one can be meant.
+struct Fix {
+    Span span;
+    std::string replacement;
+    std::string what;  // What the change does, as in "remove the comma".
+};
 
-// One kind of finding. Rules stand in tables; their ids never change, so that --disable keeps
-// working.
-struct Rule {
-    const char* id;
+// What goes with a finding beside its place and message. Most have nothing.
+struct FindingDetails {
+    std::vector<RelatedPlace> related;
+    std::vector<Fix> fixes;  // All of them together mend it.
+};
+
+struct ReportEntry {
+    const Rule* rule;
+    const Source* source;
+    Span span;
+    std::string message;
     Severity severity;
-    const char* summary;  // What --help says; docs/checks.md says more.
+    bool isForFile;
+    std::unique_ptr<FindingDetails> details;  // Null when there are none.
 };
 
 class Report {
 public:
-    // Findings of the rules with these ids are left out.
-    explicit Report(std::set<std::string> disabledIds) : mDisabledIds(std::move(disabledIds)) {}
+    explicit Report(Levels levels) : mLevels(std::move(levels)) {}
 
-    // A finding at a place. The rule and the source must outlive the report. What must not be shown
-    // of the message is escaped here, so rules put in names and values as they are.
-    void add(const Rule& rule, const Source& source, Span span, std::string message);
+    // A finding at a place. The rule and the sources must outlive the report. Rules put in names
+    // and values as they are; what prints the report makes them fit for where it goes.
+    void add(const Rule& rule, const Source& source, Span span, std::string message,
+             FindingDetails details = {});
 
-    // A finding about a whole file: it stands at 1:1 and shows no line.
+    // A finding about a whole file: it is at 1:1 and shows no line.
     void addForFile(const Rule& rule, const Source& source, std::string message);
 
-    // Prints everything, source by source in the order in which they were first named, and in the
-    // order of the text within each.
-    void printText() const;
-    void printJson() const;
+    // Heeds the comments in this source that allow findings: call it before the source's findings
+    // are added, and addUnusedAllowances() once after all of them.
+    void heedAllowances(const Source& source);
+    void addUnusedAllowances();
 
-    size_t count(Severity severity) const;
+    // Everything, source by source in the order in which they were first named, and in the order of
+    // the text within each.
+    std::vector<const ReportEntry*> inOrder() const;
+
+    size_t count(Severity severity) const { return mCounts[static_cast<size_t>(severity)]; }
+    size_t count() const { return mEntries.size(); }
 
 private:
-    struct Entry {
-        const Rule* rule;
-        const Source* source;
-        Span span;
-        std::string message;
-        bool isForFile;
-    };
+    void add(ReportEntry entry);
 
-    void add(Entry entry);
-    std::vector<const Entry*> inOrder() const;
-
-    std::set<std::string> mDisabledIds;
-    std::vector<const Source*> mSources;
-    std::vector<Entry> mEntries;
+    Levels mLevels;
+    std::map<const Source*, size_t> mSources;  // With their ranks.
+    std::map<const Source*, Allowances> mAllowances;
+    std::vector<ReportEntry> mEntries;
+    size_t mCounts[3] = {};  // By severity.
 };
 
 }  // namespace kc2::tool

@@ -10,6 +10,7 @@
 #include "Documents.h"
 #include "check/Outline.h"
 #include "check/Report.h"
+#include "check/Rule.h"
 #include "check/Source.h"
 
 namespace kc2::tool {
@@ -43,7 +44,8 @@ struct CheckedLoad {
 };
 
 // A file that cannot be read, or not to its end.
-inline constexpr Rule kUnreadable = {"unreadable", Severity::Error, "a file that cannot be read"};
+inline constexpr Rule kUnreadable = {"unreadable", Severity::Error, "a file that cannot be read",
+                                     true};
 
 // What the library's reader found in a document.
 void applyReaderRules(const CheckedDocument& document, Report* report);
@@ -67,7 +69,7 @@ std::vector<const Rule*> rulesOf(const Row (&rows)[N]) {
     return rules;
 }
 
-// The rules of each table, for --help and --disable.
+// The rules of each table.
 std::vector<const Rule*> readerRules();
 std::vector<const Rule*> documentRules();
 std::vector<const Rule*> mergeRules();

@@ -1,4 +1,4 @@
-// A text that a finding points into: lines, columns, and the line to show.
+// A text that a finding points into: lines, columns and positions.
 #pragma once
 
 #include <cstddef>
@@ -30,21 +30,23 @@ public:
 
     Position positionOf(size_t offset) const;
 
-    // "path:line:column".
+    // "path:line:column", with the path's bytes as they are.
     std::string placeOf(size_t offset) const;
 
-    // The line that the span starts in, and a caret with tildes under the span, each line indented
-    // for a report. A long line is cut around the span.
-    std::string excerpt(Span span) const;
+    // Lines count from 1. An offset behind the text is at its end.
+    size_t lineOf(size_t offset) const;
+    size_t startOf(size_t line) const { return mLineStarts[line - 1]; }
+
+    // The line's bytes, without its end.
+    Span line(size_t line) const;
 
 private:
-    size_t lineIndexOf(size_t offset) const;
     size_t charactersBefore(size_t offset) const;
 
     std::string mPath;
     std::string_view mText;
     std::vector<size_t> mLineStarts;
-    // How many characters stand before each block of the text: a document may be one long line.
+    // How many characters are before each block of the text: a document may be one long line.
     std::vector<size_t> mCharactersBeforeBlock;
 };
 

@@ -1,0 +1,65 @@
+// The terminal that output goes to, if it is one: its width, its colours, how wide characters are.
+
+#include "Terminal.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <cwchar>
+#include <string_view>
+
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale() is not in <clocale>.
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace kc2::tool {
+
+namespace {
+
+std::string_view environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+// A character of UTF-8 that is known to be whole.
+wchar_t decoded(std::string_view character) {
+    const auto first = static_cast<unsigned char>(character[0]);
+    unsigned code = character.size() == 1   ? first
+                    : character.size() == 2 ? first & 0x1FU
+                    : character.size() == 3 ? first & 0x0FU
+                                            : first & 0x07U;
+    for (const char c : character.substr(1)) {
+        code = code << 6 | (static_cast<unsigned char>(c) & 0x3FU);
+    }
+    return static_cast<wchar_t>(code);
+}
+
+}  // namespace
+
+Terminal terminalOf(int descriptor) {
+    if (isatty(descriptor) == 0) {
+        return {};
+    }
+    constexpr size_t kUsualWidth = 80;
+    winsize size = {};
+    const bool isSized = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    const std::string_view kind = environment("TERM");
+    return {.isColoured = environment("NO_COLOR").empty() && !kind.empty() && kind != "dumb",
+            .width = isSized ? size.ws_col : kUsualWidth};
+}
+
+size_t columnsOf(std::string_view character) {
+    if (character.size() <= 1) {
+        return character.size();
+    }
+    // The C library knows the widths, in a locale that has such characters.
+    static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (utf8 == locale_t{}) {
+        return 1;
+    }
+    const locale_t before = uselocale(utf8);
+    const int columns = wcwidth(decoded(character));
+    uselocale(before);
+    return columns < 0 ? 1 : static_cast<size_t>(columns);
+}
+
+}  // namespace kc2::tool

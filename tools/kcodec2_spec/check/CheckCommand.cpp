@@ -1,0 +1,125 @@
+// The check command's options.
+
+#include "check/CheckCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DeviceOptions.h"
+#include "check/CheckOptions.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr char kFooter[] =
+        "Without FILE it does the whole load of the device and checks across its documents.\n"
+        "\n"
+        "Examples:\n"
+        "  kcodec2_spec check video_system_specs.json\n"
+        "  kcodec2_spec check --rootdir examples/device --property "
+        "vendor.media.target_variant=_orvelle\n"
+        "\n"
+        "Each finding ends with the id of its check in brackets; --list lists them all with their "
+        "groups. Of several options on one check, the last one wins. What makes a device reject a "
+        "document is always an error. In a document, the comment \"// kcodec2_spec: allow ID\" "
+        "behind or above a place allows a finding there.\n"
+        "\n"
+        "Exit codes: 0 fine; 1 errors (with --werror: or warnings) found; 2 wrong usage, a FILE "
+        "that cannot be read, or output that cannot be written.";
+
+constexpr char kReporting[] = "The report";
+
+struct Arguments {
+    std::vector<std::string> files;
+    CheckOptions check;
+    DeviceOptions device;
+    bool isListWanted = false;
+};
+
+void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
+                    std::optional<Severity> severity, const char* description) {
+    command->add_option_function<std::string>(
+                   name,
+                   [options, severity, name](const std::string& id) {
+                       const std::string wrong = options->levels.set(id, severity);
+                       if (!wrong.empty()) {
+                           throw CLI::ValidationError(name, wrong);
+                       }
+                   },
+                   description)
+            ->type_name("ID")
+            ->allow_extra_args(false)
+            ->trigger_on_parse()  // In the order of the command line: the last one wins.
+            ->group(kReporting);
+}
+
+void addReportOptions(CLI::App* command, Arguments* arguments) {
+    CheckOptions& options = arguments->check;
+    static const std::map<std::string, ReportFormat> formats = {{"text", ReportFormat::Text},
+                                                                {"json", ReportFormat::Json},
+                                                                {"sarif", ReportFormat::Sarif}};
+    command->add_option("--format", options.format,
+                        "How to report: text (the default), json for scripts and editors, or sarif "
+                        "(2.1.0) for code scanners")
+            ->transform(CLI::CheckedTransformer(formats).description(""))
+            ->type_name("text|json|sarif")
+            ->group(kReporting);
+    addLevelOption(command, &options, "--error", Severity::Error,
+                   "Make a check, or a group of checks, an error; repeatable");
+    addLevelOption(command, &options, "--warning", Severity::Warning,
+                   "Make it a warning; repeatable");
+    addLevelOption(command, &options, "--note", Severity::Note, "Make it a note; repeatable");
+    addLevelOption(command, &options, "--disable", std::nullopt, "Leave it out; repeatable");
+    static const std::map<std::string, Severity> severities = {
+            {"note", Severity::Note}, {"warning", Severity::Warning}, {"error", Severity::Error}};
+    command->add_option_function<Severity>(
+                   "--min-severity",
+                   [&options](Severity severity) { options.levels.setLeast(severity); },
+                   "Leave out what is less severe")
+            ->transform(CLI::CheckedTransformer(severities).description(""))
+            ->type_name("note|warning|error")
+            ->group(kReporting);
+    command->add_option("--max-findings", options.output.mostFindings,
+                        "Show at most N findings, the most severe ones (default: 0, all)")
+            ->type_name("N")
+            ->group(kReporting);
+    command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")
+            ->group(kReporting);
+    command->add_flag("--list", arguments->isListWanted,
+                      "List the checks, with what the other options make of them")
+            ->group(kReporting);
+}
+
+int runCheck(const Arguments& arguments) {
+    if (arguments.isListWanted) {
+        return listChecks(arguments.check);
+    }
+    applyDeviceOptions(arguments.device);
+    muteLog();
+    return arguments.files.empty() ? checkDevice(arguments.check)
+                                   : checkFiles(arguments.files, arguments.check);
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App* app, int* exitCode) {
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App* const command = app->add_subcommand(
+            "check", "Report every mistake in documents, or in the whole load of a device");
+    command->footer(kFooter);
+    CLI::Option* const files =
+            command->add_option("FILE", arguments->files, "Documents to check, each by itself");
+    addReportOptions(command, arguments.get());
+    addDeviceOptions(*command, &arguments->device);
+    for (CLI::Option* const option : command->get_options(
+                 [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
+        files->excludes(option);  // Documents are files of this machine.
+    }
+    command->callback([arguments, exitCode] { *exitCode = runCheck(*arguments); });
+}
+
+}  // namespace kc2::tool

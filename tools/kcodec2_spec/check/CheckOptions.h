@@ -1,0 +1,30 @@
+// What the check command is asked to do.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "check/Levels.h"
+#include "check/Output.h"
+
+namespace kc2::tool {
+
+enum class ReportFormat { Text, Json, Sarif };
+
+struct CheckOptions {
+    ReportFormat format = ReportFormat::Text;
+    OutputOptions output;
+    Levels levels;
+    bool warningsAreErrors = false;
+};
+
+// Checks documents one by one, as files of this machine.
+int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options);
+
+// Checks the whole load of a device, across both of its documents.
+int checkDevice(const CheckOptions& options);
+
+// Prints the checks, group by group: id, severity, what it is about.
+int listChecks(const CheckOptions& options);
+
+}  // namespace kc2::tool

@@ -1,0 +1,29 @@
+// How the findings of a report are printed: for people, for scripts, for code scanners.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "check/Report.h"
+
+namespace kc2::tool {
+
+struct OutputOptions {
+    size_t mostFindings = 0;  // 0: all of them. The most severe ones are shown.
+};
+
+void printText(const Report& report, const OutputOptions& options);
+void printJson(const Report& report, const OutputOptions& options);
+void printSarif(const Report& report, const OutputOptions& options);
+
+// The entries to show: at most so many, the most severe ones, in the report's order.
+std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options);
+
+// `bytes` as UTF-8 that can be turned back: a byte that is not part of a printable UTF-8 character
+// is written \xNN, and a backslash is doubled, so that no two texts become one.
+std::string reversible(std::string_view bytes);
+
+// `path` as a URI reference, with %NN for every byte that a URI does not allow.
+std::string uriOf(std::string_view path);
+
+}  // namespace kc2::tool
