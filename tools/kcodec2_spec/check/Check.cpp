@@ -1,5 +1,6 @@
 // kcodec2_spec check: every mistake of a document, before it reaches a device.
 
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -7,10 +8,13 @@
 #include "Commands.h"
 #include "Documents.h"
 #include "check/CheckOptions.h"
+#include "check/FixFiles.h"
+#include "check/Mends.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -43,18 +47,79 @@ void checkDocument(const CheckedDocument& document, Report* report) {
     }
 }
 
-int finish(Report* report, const CheckOptions& options) {
-    report->addUnusedAllowances();
+// The text with all certain mends of what the check reports; nothing else is changed.
+std::string mended(const Document& document, const Levels& levels) {
+    constexpr int kMostRounds = 4;  // A text that the parser takes at last may have more to mend.
+    std::string text = document.text;
+    bool isAccepted = document.isAccepted;
+    for (int round = 0; round < kMostRounds; ++round) {
+        const CheckedDocument checked("", readDocument(document.origin, document.path, text));
+        Report report(levels);
+        checkDocument(checked, &report);
+        std::vector<Fix> fixes;
+        for (const ReportEntry* const entry : report.inOrder()) {
+            if (entry->details != nullptr) {
+                fixes.insert(fixes.end(), entry->details->fixes.begin(),
+                             entry->details->fixes.end());
+            }
+        }
+        std::string next = withFixes(text, std::move(fixes));
+        const bool isNextAccepted = next != text && readDocument("", "", next).isAccepted;
+        if (next == text || (isAccepted && !isNextAccepted)) {
+            break;
+        }
+        isAccepted = isNextAccepted;
+        text = std::move(next);
+    }
+    return text;
+}
+
+// Mends a document of this machine, or shows how. Returns whether it could.
+bool mendFile(const std::string& path, const Document& document, const CheckOptions& options) {
+    const std::string after = mended(document, options.levels);
+    if (after == document.text) {
+        return true;
+    }
+    std::string wrong = whyNotMendable(path, options.rootDirectory);
+    if (wrong.empty() && options.fix == FixMode::Show) {
+        printDiff(path, document.text, after);
+        return true;
+    }
+    if (wrong.empty()) {
+        wrong = replaceFile(path, document.text, after);
+    }
+    std::fprintf(stderr, "%s: %s\n", printable(path).c_str(),
+                 wrong.empty() ? "mended" : ("not mended: " + printable(wrong)).c_str());
+    return wrong.empty();
+}
+
+// Mends the documents that a load of the device reads.
+bool mendLoad(const CheckOptions& options) {
+    const Load load = walkLoad();
+    bool isEachMended = true;
+    for (const Document* const document : {&load.systemSpec, &load.overlay}) {
+        if (!document->path.empty() && document->isReadable) {
+            isEachMended &= mendFile(deviceFile(document->path), *document, options);
+        }
+    }
+    return isEachMended;
+}
+
+void print(const Report& report, const CheckOptions& options) {
     switch (options.format) {
         case ReportFormat::Text:
-            printText(*report, options.output);
-            break;
+            return printText(report, options.output);
         case ReportFormat::Json:
-            printJson(*report, options.output);
-            break;
+            return printJson(report, options.output);
         case ReportFormat::Sarif:
-            printSarif(*report, options.output);
-            break;
+            return printSarif(report, options.output);
+    }
+}
+
+int finish(Report* report, const CheckOptions& options) {
+    report->addUnusedAllowances();
+    if (options.fix != FixMode::Show) {  // Its diff is what was asked for.
+        print(*report, options);
     }
     const bool isFailed = report->count(Severity::Error) != 0 ||
                           (options.warningsAreErrors && report->count(Severity::Warning) != 0);
@@ -90,7 +155,12 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
     Report report(options.levels);
     std::vector<MergedDocuments> checked;  // The report points into these.
     bool isEachReadable = true;
+    bool isEachMended = true;
     for (const std::string& path : paths) {
+        if (options.fix != FixMode::None) {
+            const Document document = readDocumentFile(path);
+            isEachMended &= !document.isReadable || mendFile(path, document, options);
+        }
         MergedDocuments& alone = checked.emplace_back();
         alone.push_back(std::make_unique<CheckedDocument>(path, readDocumentFile(path)));
         const CheckedDocument& document = *alone.front();
@@ -104,10 +174,11 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
         applyMergeRules(alone, &report);
     }
     const int exitCode = finish(&report, options);
-    return isEachReadable ? exitCode : kExitUsage;
+    return isEachReadable && isEachMended ? exitCode : kExitUsage;
 }
 
 int checkDevice(const CheckOptions& options) {
+    const bool isMended = options.fix == FixMode::None || mendLoad(options);
     Report report(options.levels);
     Load load = walkLoad();
     const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
@@ -130,7 +201,8 @@ int checkDevice(const CheckOptions& options) {
         checkDocument(*document, &report);
     }
     applyMergeRules(checked.documents, &report);
-    return finish(&report, options);
+    const int exitCode = finish(&report, options);
+    return isMended ? exitCode : kExitUsage;
 }
 
 }  // namespace kc2::tool

@@ -3,11 +3,14 @@
 #include "check/CheckCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "Commands.h"
 #include "DeviceOptions.h"
 #include "check/CheckOptions.h"
 
@@ -38,6 +41,8 @@ struct Arguments {
     CheckOptions check;
     DeviceOptions device;
     bool isListWanted = false;
+    bool isFixWanted = false;
+    bool isDryRun = false;
 };
 
 void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
@@ -94,14 +99,46 @@ void addReportOptions(CLI::App* command, Arguments* arguments) {
             ->group(kReporting);
 }
 
-int runCheck(const Arguments& arguments) {
-    if (arguments.isListWanted) {
-        return listChecks(arguments.check);
+void addFixOptions(CLI::App* command, Arguments* arguments) {
+    CLI::Option* const fix = command->add_flag(
+            "--fix", arguments->isFixWanted,
+            "Mend what has one certain mend: a comma missing or left over, a byte order mark, a "
+            "leading plus, a misspelt known name, a perf word without quotes. Needs FILE or "
+            "--rootdir, and changes nothing outside of it");
+    command->add_flag("--dry-run", arguments->isDryRun, "With --fix: show the changes as a diff")
+            ->needs(fix);
+}
+
+// Sets what --fix is to do. Returns what is wrong; empty when nothing is.
+std::string prepareFix(Arguments* arguments) {
+    if (!arguments->isFixWanted) {
+        return std::string();
     }
-    applyDeviceOptions(arguments.device);
+    const std::vector<std::string>& files = arguments->files;
+    if (std::find(files.begin(), files.end(), "-") != files.end()) {
+        return "--fix cannot mend standard input";
+    }
+    if (files.empty() && arguments->device.rootDirectory.empty()) {
+        return "--fix needs FILE or --rootdir";
+    }
+    arguments->check.fix = arguments->isDryRun ? FixMode::Show : FixMode::Write;
+    arguments->check.rootDirectory = arguments->device.rootDirectory;
+    return std::string();
+}
+
+int runCheck(Arguments* arguments) {
+    if (arguments->isListWanted) {
+        return listChecks(arguments->check);
+    }
+    const std::string wrong = prepareFix(arguments);
+    if (!wrong.empty()) {
+        std::fprintf(stderr, "%s\n", wrong.c_str());
+        return kExitUsage;
+    }
+    applyDeviceOptions(arguments->device);
     muteLog();
-    return arguments.files.empty() ? checkDevice(arguments.check)
-                                   : checkFiles(arguments.files, arguments.check);
+    return arguments->files.empty() ? checkDevice(arguments->check)
+                                    : checkFiles(arguments->files, arguments->check);
 }
 
 }  // namespace
@@ -114,12 +151,13 @@ void addCheckCommand(CLI::App* app, int* exitCode) {
     CLI::Option* const files =
             command->add_option("FILE", arguments->files, "Documents to check, each by itself");
     addReportOptions(command, arguments.get());
+    addFixOptions(command, arguments.get());
     addDeviceOptions(*command, &arguments->device);
     for (CLI::Option* const option : command->get_options(
                  [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
         files->excludes(option);  // Documents are files of this machine.
     }
-    command->callback([arguments, exitCode] { *exitCode = runCheck(*arguments); });
+    command->callback([arguments, exitCode] { *exitCode = runCheck(arguments.get()); });
 }
 
 }  // namespace kc2::tool

@@ -9,6 +9,8 @@
 
 namespace kc2::tool {
 
+enum class FixMode { None, Write, Show };
+
 enum class ReportFormat { Text, Json, Sarif };
 
 struct CheckOptions {
@@ -16,6 +18,8 @@ struct CheckOptions {
     OutputOptions output;
     Levels levels;
     bool warningsAreErrors = false;
+    FixMode fix = FixMode::None;
+    std::string rootDirectory;  // What is outside of it is not mended; empty when there is none.
 };
 
 // Checks documents one by one, as files of this machine.

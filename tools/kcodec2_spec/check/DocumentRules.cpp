@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "Text.h"
+#include "check/Mends.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
 
@@ -16,7 +18,21 @@ namespace kc2::tool {
 
 namespace {
 
-using Emit = std::function<void(Span, std::string)>;
+// Adds findings of one rule in one document.
+class Emit {
+public:
+    Emit(const Rule& rule, const Source& source, Report* report)
+        : mRule(rule), mSource(source), mReport(*report) {}
+
+    void operator()(Span span, std::string message, FindingDetails details = {}) const {
+        mReport.add(mRule, mSource, span, std::move(message), std::move(details));
+    }
+
+private:
+    const Rule& mRule;
+    const Source& mSource;
+    Report& mReport;
+};
 
 struct DocumentRule {
     Rule rule;
@@ -30,33 +46,47 @@ void visitAll(const OutlineNode& node, const std::function<void(const OutlineNod
     }
 }
 
-void reportUnknownMembers(const OutlineNode* object, const std::string& place,
-                          const std::vector<std::string_view>& known, const Emit& emit) {
+void reportUnknownMembers(const CheckedDocument& checked, const OutlineNode* object,
+                          const std::string& place, const std::vector<std::string_view>& known,
+                          const Emit& emit) {
     if (object == nullptr || object->kind != '{') {
         return;
     }
+    std::map<std::string, std::vector<const OutlineNode*>> unknownByNear;
     for (const OutlineNode& member : object->children) {
         if (std::find(known.begin(), known.end(), member.key) == known.end()) {
-            const std::string near = nearest(member.key, known);
-            emit(member.name, "nothing reads the member \"" + member.key + "\" of " + place +
-                                      (near.empty() ? "" : ". Did you mean \"" + near + "\"?"));
+            unknownByNear[nearest(member.key, known)].push_back(&member);
+        }
+    }
+    for (const auto& [near, members] : unknownByNear) {
+        // Nobody can tell which one of two is meant, or whether one is beside the right name.
+        const bool isCertain =
+                !near.empty() && members.size() == 1 && findMember(*object, near) == nullptr;
+        for (const OutlineNode* const member : members) {
+            emit(member->name,
+                 "nothing reads the member \"" + member->key + "\" of " + place +
+                         (near.empty() ? "" : ". Did you mean \"" + near + "\"?"),
+                 {.related = {},
+                  .fixes = isCertain ? renaming(checked.source.text(), member->name, near)
+                                     : std::vector<Fix>()});
         }
     }
 }
 
 void checkUnknownMembers(const CheckedDocument& checked, const Emit& emit) {
-    reportUnknownMembers(&checked.outline.root, "the root", {targetSpecRoot}, emit);
-    reportUnknownMembers(findMember(checked.outline.root, targetSpecRoot), "\"Video\"",
+    reportUnknownMembers(checked, &checked.outline.root, "the root", {targetSpecRoot}, emit);
+    reportUnknownMembers(checked, findMember(checked.outline.root, targetSpecRoot), "\"Video\"",
                          {targetSpecFeatures, targetSpecPresets, targetSpecNimbraModeBitRate,
                           targetSpecDV, targetSpecCodecPlugins, targetSpecPreProcessingFilters,
                           targetSpecPerfResourceValues, targetSpecSupportedCodecs,
                           targetSpecOptionalCodecs, targetSpecSupportedEncPostProcessingFilters},
                          emit);
     reportUnknownMembers(
-            checked.section(targetSpecDV), "\"DolbyVision\"",
+            checked, checked.section(targetSpecDV), "\"DolbyVision\"",
             {targetSpecDVProfiles, targetSpecDVMaxMainTierLevel, targetSpecDVMaxHighTierLevel},
             emit);
-    reportUnknownMembers(checked.section(targetSpecSupportedCodecs), "\"codecs-available\"",
+    reportUnknownMembers(checked, checked.section(targetSpecSupportedCodecs),
+                         "\"codecs-available\"",
                          {targetSpecAvailableDecoders, targetSpecAvailableEncoders}, emit);
 }
 
@@ -69,11 +99,12 @@ void checkDuplicateMembers(const CheckedDocument& checked, const Emit& emit) {
         for (const OutlineNode& member : object.children) {
             const OutlineNode*& earlier = last[member.key];
             if (earlier != nullptr) {
-                emit(member.name, "\"" + member.key +
-                                          "\" stands twice: this one counts, "
-                                          "the one at " +
-                                          checked.source.placeOf(earlier->name.start) +
-                                          " does not");
+                emit(member.name,
+                     "\"" + member.key +
+                             "\" stands twice: this one counts, "
+                             "the one at " +
+                             checked.source.placeOf(earlier->name.start) + " does not",
+                     {.related = {{&checked.source, earlier->name, ""}}, .fixes = {}});
             }
             earlier = &member;
         }
@@ -146,19 +177,50 @@ std::set<std::string> builtInNames(Map SpecDocument::*section) {
     return names;
 }
 
+struct MisspeltName {
+    const KeptFinding* taken;
+    std::string near;
+};
+
+void emitMisspeltNames(const CheckedDocument& checked, const OutlineNode* section,
+                       const std::vector<MisspeltName>& misspelt, const Emit& emit) {
+    if (misspelt.empty() || section == nullptr) {
+        return;
+    }
+    std::unordered_map<std::string_view, Span> members;
+    for (const OutlineNode& member : section->children) {
+        members[member.key] = member.name;
+    }
+    std::unordered_map<std::string_view, size_t> meant;
+    for (const MisspeltName& name : misspelt) {
+        ++meant[name.near];
+    }
+    for (const auto& [taken, near] : misspelt) {
+        const auto member = members.find(taken->name);
+        const bool isCertain =
+                members.count(near) == 0 && meant[near] == 1 && member != members.end();
+        emit({taken->start, taken->limit},
+             taken->name + " is in no built-in document. Did you mean " + near + "?",
+             {.related = {},
+              .fixes = isCertain ? renaming(checked.source.text(), member->second, near)
+                                 : std::vector<Fix>()});
+    }
+}
+
 void checkMisspeltNames(const CheckedDocument& checked, const Emit& emit) {
     constexpr size_t kMostMistakes = 2;
     const auto inSection = [&](const char* section, auto member) {
         const std::set<std::string> known = builtInNames(member);
+        std::vector<MisspeltName> misspelt;
         for (const KeptFinding* const taken : checked.takenIn(section)) {
             if (known.count(taken->name) == 0) {
-                const std::string near = nearest(taken->name, known, kMostMistakes);
+                std::string near = nearest(taken->name, known, kMostMistakes);
                 if (!near.empty()) {
-                    emit({taken->start, taken->limit},
-                         taken->name + " is in no built-in document. Did you mean " + near + "?");
+                    misspelt.push_back({taken, std::move(near)});
                 }
             }
         }
+        emitMisspeltNames(checked, checked.section(section), misspelt, emit);
     };
     inSection(targetSpecFeatures, &SpecDocument::features);
     inSection(targetSpecPresets, &SpecDocument::presets);
@@ -221,9 +283,7 @@ constexpr DocumentRule kDocumentRules[] = {
 
 void applyDocumentRules(const CheckedDocument& document, Report* report) {
     for (const DocumentRule& row : kDocumentRules) {
-        row.check(document, [&](Span span, std::string message) {
-            report->add(row.rule, document.source, span, std::move(message));
-        });
+        row.check(document, Emit(row.rule, document.source, report));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Text.h"
+#include "check/Mends.h"
 #include "check/Rules.h"
 #include "targetspec/Limits.h"
 
@@ -224,7 +225,8 @@ void applyReaderRules(const CheckedDocument& document, Report* report) {
     for (const KeptFinding& finding : document.document.findings) {
         if (const ReaderRule* const rule = ruleFor(finding.kind)) {
             report->add(rule->rule, document.source, {finding.start, finding.limit},
-                        messageOf(*rule, finding, document.document));
+                        messageOf(*rule, finding, document.document),
+                        {.related = {}, .fixes = mendsOf(finding, document.document.text)});
         }
     }
 }

@@ -32,6 +32,10 @@ struct Colours {
     }
 };
 
+std::string counted(size_t number, const std::string& what) {
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
 void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) {
     std::printf("%s%s:%s %s%s:%s %s [%s]\n", colours.bold,
                 printable(entry.source->placeOf(entry.span.start)).c_str(), colours.plain,
@@ -50,13 +54,14 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
                         printable(related.message).c_str());
         }
     }
+    std::map<std::string, size_t> changes;
     for (const Fix& fix : entry.details->fixes) {
-        std::printf("    --fix would %s\n", printable(fix.what).c_str());
+        ++changes[fix.what];
     }
-}
-
-std::string counted(size_t number, const std::string& what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+    for (const auto& [what, places] : changes) {
+        std::printf("    --fix would %s%s\n", printable(what).c_str(),
+                    places == 1 ? "" : (" (" + counted(places, "place") + ")").c_str());
+    }
 }
 
 // A line for each check, the most severe and the most frequent first.
