@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <set>
 
 #include "Text.h"
 #include "base/Version.h"
@@ -38,20 +39,18 @@ Json::Value artifactOf(const Source& source) {
     return artifact;
 }
 
-Json::Value locationOf(const Source& source, const Span* span) {
+Json::Value locationOf(const Source& source, Span span) {
     Json::Value location;
     Json::Value& place = location["physicalLocation"];
     place["artifactLocation"] = artifactOf(source);
-    if (span != nullptr) {
-        place["region"] = regionOf(source, *span);
-    }
+    place["region"] = regionOf(source, span);
     return location;
 }
 
 Json::Value relatedLocations(const FindingDetails& details) {
     Json::Value locations(Json::arrayValue);
     for (const RelatedPlace& related : details.related) {
-        Json::Value location = locationOf(*related.source, &related.span);
+        Json::Value location = locationOf(*related.source, related.span);
         location["id"] = locations.size();
         if (!related.message.empty()) {
             location["message"] = textOf(related.message);
@@ -74,7 +73,15 @@ Json::Value fixOf(const Source& source, const FindingDetails& details) {
         change["replacements"].append(std::move(replacement));
     }
     Json::Value json;
-    json["description"] = textOf(details.fixes.front().what);
+    std::set<std::string> changes;
+    for (const Fix& fix : details.fixes) {
+        changes.insert(fix.what);
+    }
+    std::string description;
+    for (const std::string& what : changes) {
+        description += (description.empty() ? "" : ", ") + what;
+    }
+    json["description"] = textOf(description);
     json["artifactChanges"].append(std::move(change));
     return json;
 }
@@ -111,7 +118,7 @@ Json::Value toSarif(const ReportEntry& entry, const RuleIndex& rules) {
     result["ruleIndex"] = rules.rankOf(*entry.rule);
     result["level"] = nameOf(entry.severity);
     result["message"] = textOf(entry.message);
-    result["locations"].append(locationOf(*entry.source, entry.isForFile ? nullptr : &entry.span));
+    result["locations"].append(locationOf(*entry.source, entry.span));
     if (entry.details != nullptr && !entry.details->related.empty()) {
         result["relatedLocations"] = relatedLocations(*entry.details);
     }
@@ -137,12 +144,13 @@ void printSarif(const Report& report, const OutputOptions& options) {
     printer.print(driver);
     std::fputs("},\n  \"columnKind\": \"unicodeCodePoints\",\n  \"results\": [", stdout);
     const char* separator = "\n   ";
-    for (const ReportEntry* const entry : shownEntries(report, options)) {
+    const std::vector<const ReportEntry*> shown = shownEntries(report, options);
+    for (const ReportEntry* const entry : shown) {
         std::fputs(separator, stdout);
         printer.print(toSarif(*entry, rules));
         separator = ",\n   ";
     }
-    std::puts("]}]}");
+    std::printf("],\n  \"properties\": {\"notShown\": %zu}}]}\n", report.count() - shown.size());
 }
 
 }  // namespace kc2::tool

@@ -1,0 +1,121 @@
+#!/usr/bin/env python3
+"""Holds the tool's SARIF against a public validator, and shows that the validator finds faults.
+
+Reports on all documents and trees of tests/check must be without an error of the validator; the
+same report with a fault planted in its version, in a region and in a fix must not. The validator
+ends with 0 on an invalid file, so its own report is read.
+
+Needs npm, and kcodec2_spec built in the build directory. The validator is kept in
+build/sarif/node_modules.
+"""
+
+import argparse
+import copy
+import json
+import pathlib
+import shutil
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+WORK = ROOT / 'build/sarif'
+PACKAGE = '@microsoft/sarif-multitool-linux'
+VALIDATOR = WORK / 'node_modules' / PACKAGE / 'Sarif.Multitool'
+
+# The tool has no page on the web that a report could point to.
+ACCEPTED = {'SARIF2005'}
+
+
+def install():
+    if not VALIDATOR.exists():
+        WORK.mkdir(parents=True, exist_ok=True)
+        subprocess.run(['npm', 'install', '--no-audit', '--no-fund', '--prefix', WORK, PACKAGE],
+                       check=True, stdout=subprocess.DEVNULL, cwd=WORK)
+    VALIDATOR.chmod(0o755)
+
+
+def complaints(logs):
+    """What the validator has against each log, by its name, as (rule, level) pairs."""
+    directory = WORK / 'logs'
+    shutil.rmtree(directory, ignore_errors=True)
+    directory.mkdir()
+    for name, log in logs.items():
+        (directory / f'{name}.sarif').write_text(json.dumps(log))
+    verdict = WORK / 'verdict.json'
+    verdict.unlink(missing_ok=True)
+    subprocess.run([VALIDATOR, 'validate', directory / '*.sarif', '--output', verdict, '--log',
+                    'ForceOverwrite'], check=False, stdout=subprocess.DEVNULL)
+    run = json.loads(verdict.read_text(encoding='utf-8-sig'))['runs'][0]
+    found = {name: set() for name in logs}
+    for result in run['results']:
+        uri = result['locations'][0]['physicalLocation']['artifactLocation']['uri']
+        if result['ruleId'] not in ACCEPTED:
+            found[pathlib.PurePath(uri).stem].add((result['ruleId'],
+                                                   result.get('level', 'warning')))
+    if not all(invocation['executionSuccessful'] for invocation in run['invocations']):
+        sys.exit('check-sarif: the validator did not come to its end')
+    return found
+
+
+def report(tool, *arguments):
+    result = subprocess.run([tool, 'check', '--format', 'sarif', *arguments], check=False,
+                            capture_output=True, cwd=ROOT / 'tests/check')
+    if result.returncode not in (0, 1):
+        sys.exit(f'check-sarif: the tool failed: {result.stderr.decode()}')
+    return json.loads(result.stdout)
+
+
+def with_fault(log, plant):
+    faulty = copy.deepcopy(log)
+    plant(faulty)
+    return faulty
+
+
+def first_with(log, key):
+    return next(result for result in log['runs'][0]['results'] if key in result)
+
+
+def plant_version(log):
+    log['version'] = '2.2.0'
+
+
+def plant_region(log):
+    result = log['runs'][0]['results'][0]
+    result['locations'][0]['physicalLocation']['region']['startLine'] = 0
+
+
+def plant_fix(log):
+    del first_with(log, 'fixes')['fixes'][0]['artifactChanges']
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument('build', nargs='?', type=pathlib.Path, default=ROOT / 'build/dev',
+                        help='build directory with the tool (default: build/dev)')
+    tool = parser.parse_args().build.resolve() / 'kcodec2_spec'
+    install()
+
+    documents = sorted(path.name for path in (ROOT / 'tests/check').glob('*.json'))
+    log = report(tool, *documents)
+    first_with(log, 'relatedLocations')  # Nothing is proved of what is not there.
+    trees = {tree.name: report(tool, '--rootdir', tree.name, '--property',
+                               'vendor.media.target_variant=_test')
+             for tree in sorted((ROOT / 'tests/check').glob('load-*'))}
+    plants = {plant.__name__: plant for plant in (plant_version, plant_region, plant_fix)}
+    logs = {'documents': log, **trees,
+            **{name: with_fault(log, plant) for name, plant in plants.items()}}
+    failures = []
+    for name, found in complaints(logs).items():
+        print(f'check-sarif: {name}: {sorted(found) or "valid"}')
+        if name in plants and not any(level == 'error' for _, level in found):
+            failures.append(f'the fault of {name} is not found')
+        elif name not in plants and found:
+            failures.append(f'{name} is not valid')
+    for failure in failures:
+        print(f'check-sarif: {failure}')
+    return 1 if failures else 0
+
+
+if __name__ == '__main__':
+    sys.exit(main())
