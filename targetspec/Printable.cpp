@@ -17,6 +17,10 @@ size_t printableLength(std::string_view text) {
     if (first < 0xC2 || first > 0xF4 || (first == 0xC2 && byte(1) < 0xA0)) {
         return 0;  // No first byte, or a control character of ISO 8859.
     }
+    if ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xF0 && byte(1) < 0x90) ||
+        (first == 0xED && byte(1) > 0x9F) || (first == 0xF4 && byte(1) > 0x8F)) {
+        return 0;  // Longer than it need be, half of a UTF-16 pair, or beyond Unicode.
+    }
     const size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
     for (size_t at = 1; at < length; ++at) {
         if ((byte(at) & 0xC0) != 0x80) {

@@ -5,38 +5,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "RunTool.h"
+
 namespace kc2::test {
 
 namespace {
-
-struct Result {
-    std::string output;
-    int exitCode;
-};
-
-// In a directory of the source tree.
-Result run(const std::string& arguments, const std::string& directory = ".") {
-    const std::string command =
-            "cd " KC2_SOURCE_DIR "/" + directory + " && " KC2_SPEC_TOOL " " + arguments + " 2>&1";
-    FILE* const pipe = popen(command.c_str(), "r");
-    std::string output;
-    for (int c; (c = std::fgetc(pipe)) != EOF;) {
-        output += static_cast<char>(c);
-    }
-    return {output, WEXITSTATUS(pclose(pipe))};
-}
-
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream stream(path);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 TEST(ToolTest, EachCommandAnswers) {
     const std::string tree = "show --rootdir examples/device ";

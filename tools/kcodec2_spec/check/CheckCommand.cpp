@@ -90,6 +90,7 @@ void addReportOptions(CLI::App* command, Arguments* arguments) {
             ->group(kReporting);
     command->add_option("--max-findings", options.output.mostFindings,
                         "Show at most N findings, the most severe ones (default: 0, all)")
+            ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
             ->type_name("N")
             ->group(kReporting);
     command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")

@@ -14,7 +14,21 @@ namespace kc2::tool {
 
 namespace {
 
-using Emit = std::function<void(const CheckedDocument&, Span, std::string)>;
+// Adds findings of one rule.
+class Emit {
+public:
+    Emit(const Rule& rule, Report* report) : mRule(rule), mReport(*report) {}
+
+    void operator()(const CheckedDocument& document, Span span, std::string message,
+                    std::vector<RelatedPlace> related = {}) const {
+        mReport.add(mRule, document.source, span, std::move(message),
+                    {.related = std::move(related), .fixes = {}});
+    }
+
+private:
+    const Rule& mRule;
+    Report& mReport;
+};
 
 struct MergeRule {
     Rule rule;
@@ -131,7 +145,8 @@ void forEachOverlap(const MergedDocuments& documents, bool isWhole, const Emit& 
         }
         const Coverage::Overlap overlap = coverage.add(placed);
         if (overlap.earlier != nullptr && overlap.isWhole == isWhole) {
-            emit(*placed.document, placed.span, message(*overlap.earlier));
+            emit(*placed.document, placed.span, message(*overlap.earlier),
+                 {{&overlap.earlier->document->source, overlap.earlier->span, ""}});
         }
     }
 }
@@ -159,16 +174,19 @@ void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
             {targetSpecSupportedEncPostProcessingFilters, &SpecDocument::encPostProcessingFilters},
     };
     for (const auto& [section, member] : lists) {
-        std::unordered_map<std::string, std::string> places;
+        std::unordered_map<std::string_view, RelatedPlace> places;
         for (const auto& document : documents) {
             auto name = (document->document.content.*member).begin();
             for (const KeptFinding* const taken : document->takenIn(section)) {
-                const std::string place = document->source.placeOf(taken->start);
-                const auto [first, isNew] = places.emplace(*name, place);
+                const auto [first, isNew] =
+                        places.emplace(*name, RelatedPlace{&document->source, spanOf(*taken), ""});
                 if (!isNew) {
+                    const RelatedPlace& earlier = first->second;
                     emit(*document, spanOf(*taken),
-                         "\"" + *name + "\" is in " + section + " already, from " + first->second +
-                                 ": the list keeps both");
+                         "\"" + *name + "\" is in " + section + " already, from " +
+                                 earlier.source->placeOf(earlier.span.start) +
+                                 ": the list keeps both",
+                         {earlier});
                 }
                 ++name;
             }
@@ -190,7 +208,7 @@ void checkNoCodecs(const MergedDocuments& documents, const Emit& emit) {
     }
 }
 
-// Calls visit(taken, place of the value that wins, whether the values differ) for every name of the
+// Calls visit(overlay, taken, the value that wins, whether the values differ) for every name of the
 // overlay that the system spec document has set.
 template <typename Visit>
 void forEachShadowedName(const MergedDocuments& documents, Visit visit) {
@@ -209,7 +227,7 @@ void forEachShadowedName(const MergedDocuments& documents, Visit visit) {
         for (const KeptFinding* const taken : overlay.takenIn(section)) {
             const auto winner = winners.find(taken->name);
             if (winner != winners.end()) {
-                visit(overlay, *taken, spec.source.placeOf(winner->second->start),
+                visit(overlay, *taken, RelatedPlace{&spec.source, spanOf(*winner->second), ""},
                       set.find(taken->name)->second != added.find(taken->name)->second);
             }
         }
@@ -221,19 +239,24 @@ void forEachShadowedName(const MergedDocuments& documents, Visit visit) {
 
 void checkShadowedNames(const MergedDocuments& documents, const Emit& emit) {
     forEachShadowedName(documents, [&](const CheckedDocument& overlay, const KeptFinding& taken,
-                                       const std::string& winner, bool isDifferent) {
+                                       const RelatedPlace& winner, bool isDifferent) {
         if (isDifferent) {
             emit(overlay, spanOf(taken),
-                 taken.name + " has no effect here: the value at " + winner + " wins");
+                 taken.name + " has no effect here: the value at " +
+                         winner.source->placeOf(winner.span.start) + " wins",
+                 {winner});
         }
     });
 }
 
 void checkRepeatedNames(const MergedDocuments& documents, const Emit& emit) {
     forEachShadowedName(documents, [&](const CheckedDocument& overlay, const KeptFinding& taken,
-                                       const std::string& winner, bool isDifferent) {
+                                       const RelatedPlace& winner, bool isDifferent) {
         if (!isDifferent) {
-            emit(overlay, spanOf(taken), taken.name + " is set to the same value at " + winner);
+            emit(overlay, spanOf(taken),
+                 taken.name + " is set to the same value at " +
+                         winner.source->placeOf(winner.span.start),
+                 {winner});
         }
     });
 }
@@ -283,9 +306,7 @@ constexpr MergeRule kMergeRules[] = {
 
 void applyMergeRules(const MergedDocuments& documents, Report* report) {
     for (const MergeRule& row : kMergeRules) {
-        row.check(documents, [&](const CheckedDocument& document, Span span, std::string message) {
-            report->add(row.rule, document.source, span, std::move(message));
-        });
+        row.check(documents, Emit(row.rule, report));
     }
 }
 

@@ -1,0 +1,324 @@
+// What the check command's options and comments make of a report, in each of its formats.
+
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/value.h>
+#include <json/writer.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+Json::Value parsed(const std::string& text) {
+    Json::Value json;
+    std::istringstream stream(text);
+    std::string errors;
+    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &json, &errors))
+            << errors << text;
+    return json;
+}
+
+// "id@line:column" of each finding, in order.
+std::string placesIn(const Json::Value& report) {
+    std::string places;
+    for (const Json::Value& finding : report["findings"]) {
+        places += finding["severity"].asString().substr(0, 1) + ":" + finding["id"].asString() +
+                  "@" + finding["line"].asString() + ":" + finding["column"].asString() + " ";
+    }
+    return places;
+}
+
+constexpr char kTwoMistakes[] = R"({"Video": {
+    "Features": {"a": 1},
+    "Presets": {"a": 1.5, "b": null},
+    "codecs-available": {"decoders": ["c2.kvx.avc.decoder"]}
+}})";
+
+TEST(CheckReportTest, TheLastOptionWinsAndNothingHidesARejection) {
+    const ScratchDirectory scratch;
+    const std::string mistakes = scratch.write("mistakes.json", kTwoMistakes);
+    const std::string rejected = scratch.write("rejected.json", "{\"Video\": []}");
+    const std::string all = "w:number-as-boolean@2:23 w:real-truncated@3:22 w:null-as-zero@3:32 ";
+    const struct {
+        std::string arguments;
+        int exitCode;
+        std::string places;
+    } rows[] = {
+            {mistakes, 0, all},
+            {mistakes + " --werror", 1, all},
+            {mistakes + " --min-severity error --werror", 0, ""},
+            {mistakes + " --error real-truncated --disable null-as-zero --note number-as-boolean",
+             1, "n:number-as-boolean@2:23 e:real-truncated@3:22 "},
+            {mistakes + " --disable reader --error null-as-zero --warning null-as-zero", 0,
+             "w:null-as-zero@3:32 "},
+            {mistakes + " --error null-as-zero --disable all", 0, ""},
+            {mistakes + " --note all --min-severity warning", 0, ""},
+            {mistakes + " --max-findings 1 --error null-as-zero", 1, "e:null-as-zero@3:32 "},
+            {rejected + " --disable all --min-severity error --max-findings 1", 1,
+             "e:video-not-object@1:11 "},
+            {rejected + " --note reader --disable document", 1, "e:video-not-object@1:11 "},
+    };
+    for (const auto& row : rows) {
+        const Result result = run("check --format json " + row.arguments);
+        EXPECT_EQ(row.exitCode, result.exitCode) << row.arguments;
+        EXPECT_EQ(row.places, placesIn(parsed(result.output))) << row.arguments;
+    }
+    for (const auto& [option, words] : std::vector<std::pair<const char*, const char*>>{
+                 {"--disable syntax", "\"syntax\" is always an error"},
+                 {"--note root-not-object", "always an error"},
+                 {"--warning row-overlap",
+                  "no check \"row-overlap\". Did you mean \"row-overlaps\""},
+                 {"--error documnet", "Did you mean \"document\"?"},
+                 {"--min-severity fatal", "fatal"},
+                 {"--format xml", "xml"},
+                 {"--max-findings -1", "-1"}}) {
+        const Result result = run("check none.json " + std::string(option));
+        EXPECT_EQ(2, result.exitCode) << option;
+        EXPECT_NE(std::string::npos, result.output.find(words)) << result.output;
+    }
+    const std::string list = run("check --list --error merge --disable allows-nothing").output;
+    EXPECT_NE(std::string::npos, list.find("\n  levels-reset               error    Dolby"))
+            << list;
+    EXPECT_NE(std::string::npos, list.find("\n  allows-nothing             off ")) << list;
+}
+
+TEST(CheckReportTest, CommentsAllowFindingsWhereTheyAre) {
+    const ScratchDirectory scratch;
+    const std::string document = scratch.write("allowed.json", R"({
+    // The vendor's tool writes it so. kcodec2_spec: allow null-as-zero
+    /* kcodec2_spec: allow unknown-member */
+    // kcodec2_spec: allow duplicate-member, trailing-text
+    "Vidoe": {},
+    "Video": {
+        "Features": {"a": 1, "b": 1}, // kcodec2_spec: allow number-as-boolean
+        "Presets": {"a": null, "// kcodec2_spec: allow null-as-zero": null},
+        // kcodec2_spec: allow null-as-zero
+        "DolbyVision": {"max_main_tier_level": null, "max_high_tier_level": 1}, //kcodec2_spec:allow
+        // kcodec2_spec: allow syntax real-trunkated
+        "codecs-available": {"decoders": ["c2.kvx.avc.decoder"]}
+    }
+} // kcodec2_spec: allow null-as-zero
+)");
+    const std::string expected =
+            "w:allows-nothing@4:28 w:allows-nothing@4:46 w:null-as-zero@8:26 w:null-as-zero@8:71 "
+            "w:allows-nothing@10:81 w:allows-nothing@11:32 w:allows-nothing@11:39 "
+            "w:allows-nothing@14:26 ";
+    const Json::Value report = parsed(run("check --format json " + document).output);
+    EXPECT_EQ(expected, placesIn(report)) << report;
+    std::string messages;
+    for (const Json::Value& finding : report["findings"]) {
+        messages += finding["message"].asString() + "\n";
+    }
+    for (const char* const words :
+         {"line 5 has no finding \"duplicate-member\" to allow", "must go on with \"allow\"",
+          "Did you mean \"real-truncated\"?", "syntax cannot be allowed"}) {
+        EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
+    }
+    // A check that is left out does not make a comment idle.
+    EXPECT_EQ("", placesIn(parsed(run("check --format json --disable all " + document).output)));
+}
+
+TEST(CheckReportTest, NamesOfAnyBytesStayApart) {
+    const ScratchDirectory scratch;
+    const std::string text =
+            "{\"Video\": {\"KC2CodecPlugins\": [\"lib\xE9.so\", \"lib\xE9.so\", "
+            "\"lib\\\\xE9.so\", \"lib\\\\xE9.so\", \"\xC3\xA4\xED\xA0\x80\", "
+            "\"\xC3\xA4\xED\xA0\x80\", \"\\u001b[31m\", \"\\u001b[31m\"]}}";
+    const std::string path = scratch.write("\xE9\033[1m \\xE9.json", text);
+    const std::string quoted = "'" + path + "'";
+    const std::string messages[] = {"lib\\xE9.so", "lib\\\\xE9.so", "\xC3\xA4\\xED\\xA0\\x80",
+                                    "\\x1B[31m"};
+
+    const Json::Value json = parsed(run("check --format json " + quoted).output);
+    ASSERT_EQ(4u, json["findings"].size()) << json;
+    for (Json::ArrayIndex i = 0; i < 4; ++i) {
+        const Json::Value& finding = json["findings"][i];
+        EXPECT_EQ(0u, finding["message"].asString().find("\"" + messages[i] + "\"")) << finding;
+        EXPECT_EQ(scratch.path() + "/\\xE9\\x1B[1m \\\\xE9.json", finding["path"].asString());
+        EXPECT_EQ(finding["line"], finding["endLine"]);
+        EXPECT_LT(finding["column"].asInt(), finding["endColumn"].asInt());
+        EXPECT_LT(finding["related"][0]["column"].asInt(), finding["column"].asInt());
+    }
+
+    const Json::Value sarif = parsed(run("check --format sarif " + quoted).output);
+    const Json::Value& results = sarif["runs"][0]["results"];
+    ASSERT_EQ(4u, results.size()) << sarif;
+    for (Json::ArrayIndex i = 0; i < 4; ++i) {
+        const Json::Value& result = results[i];
+        EXPECT_EQ(0u, result["message"]["text"].asString().find("\"" + messages[i] + "\""));
+        EXPECT_EQ("listed-twice",
+                  sarif["runs"][0]["tool"]["driver"]["rules"][result["ruleIndex"].asInt()]["id"]
+                          .asString());
+        const Json::Value& place = result["locations"][0]["physicalLocation"];
+        EXPECT_EQ("file://" + scratch.path() + "/%E9%1B%5B1m%20%5CxE9.json",
+                  place["artifactLocation"]["uri"].asString());
+        EXPECT_EQ(json["findings"][i]["endColumn"], place["region"]["endColumn"]);
+        EXPECT_EQ(1u, result["relatedLocations"].size());
+    }
+    EXPECT_EQ(std::string::npos, run("check " + quoted).output.find('\033'));
+}
+
+// --- Mends ---
+
+std::string modeOf(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(0, stat(path.c_str(), &status));
+    std::ostringstream text;
+    text << std::oct << (status.st_mode & 07777);
+    return text.str();
+}
+
+constexpr char kMendable[] =
+        "\xEF\xBB\xBF{ // \"x\" , }\r\n"
+        "\t\"Video\": {\n"
+        "        \"features\": {\"private_enc_cvp_enabel\": true,  },\r\n"
+        "        \"Presets\": {\"private_complexity\" :+5 /* , */ \"x1\":2},\n"
+        "        \"KC2CodecPlugins\": [\"a\" \"b\"\n, // c\n],\n"
+        "        \"perf-resource-values\": {\"a\": [0x40800000, 16], \"b\": [\"0x1\", \"2\"]}\n"
+        "    }\n"
+        "}";
+constexpr char kMended[] =
+        "{ // \"x\" , }\r\n"
+        "\t\"Video\": {\n"
+        "        \"Features\": {\"private_enc_cvp_enable\": true  },\r\n"
+        "        \"Presets\": {\"private_complexity\" :5, /* , */ \"x1\":2},\n"
+        "        \"KC2CodecPlugins\": [\"a\", \"b\"\n // c\n],\n"
+        "        \"perf-resource-values\": {\"a\": [\"0x40800000\", \"16\"], \"b\": [\"0x1\", "
+        "\"2\"]}\n"
+        "    }\n"
+        "}";
+
+TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
+    const ScratchDirectory scratch;
+    const std::string path = scratch.write("spec.json", kMendable);
+    const std::string link = scratch.path() + "/link.json";
+    std::filesystem::create_symlink("spec.json", link);
+    ASSERT_EQ(0, chmod(path.c_str(), 0640));
+
+    const Result shown = run("check --fix --dry-run " + path + " > " + scratch.path() + "/diff");
+    EXPECT_EQ(1, shown.exitCode);
+    EXPECT_EQ(kMendable, readFile(path));
+    scratch.write("patched.json", kMendable);
+    EXPECT_EQ(0, std::system(("cd " + scratch.path() +
+                              " && sed -i 's/\\\\xEF\\\\xBB\\\\xBF/\xEF\xBB\xBF/' "
+                              "diff && patch --binary -s patched.json diff")
+                                     .c_str()));
+    EXPECT_EQ(kMended, readFile(scratch.path() + "/patched.json"));
+
+    EXPECT_EQ(0, run("check --fix " + link).exitCode);
+    EXPECT_EQ(kMended, readFile(path));
+    EXPECT_EQ("640", modeOf(path));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(std::string::npos, run("check --fix " + link).output.find(": mended"));
+
+    // Where more than one thing may be meant, a person must say which.
+    for (const std::string uncertain :
+         {R"({"Video": {"KC2CodecPlugins": ["a",, "b"]}})", R"({"Video": {"Presets": {"a" 1}})",
+          R"({"Video": {"KC2CodecPlugins": ["a "b"]}})", R"({"Video": {"Presets": {"a": 0x10,}}})",
+          R"({"Video": {"Presets": {"private_complexit1": 1}}})",
+          R"({"Video": {"Presetz": {}, "Presetx": {}}})",
+          R"({"Video": {"Presetz": {}, "Presets": {}}})",
+          R"({"Video": {"perf-resource-values": {"a": [1.5, -1, 016]}}})",
+          R"({"Video": {"presets": {}}} // kcodec2_spec: allow unknown-member)"}) {
+        scratch.write("uncertain.json", uncertain);
+        run("check --fix " + scratch.path() + "/uncertain.json");
+        EXPECT_EQ(uncertain, readFile(scratch.path() + "/uncertain.json"));
+    }
+}
+
+TEST(CheckReportTest, FixStaysInsideTheRootDirectory) {
+    const ScratchDirectory scratch;
+    const std::string name = "vendor/etc/media/video_system_specs.json";
+    const std::string spec = scratch.write("tree/" + name, kMendable);
+    const std::string outside = scratch.write("outside/" + name, kMendable);
+    EXPECT_EQ(0, run("check --fix --rootdir " + scratch.path() + "/tree").exitCode);
+    EXPECT_EQ(kMended, readFile(spec));
+
+    const std::string mapped = " --dirmap /vendor:" + scratch.path() + "/outside/vendor";
+    for (const std::string& arguments :
+         {"--rootdir " + scratch.path() + "/tree" + mapped, mapped, std::string(), std::string("-"),
+          scratch.path() + "/none.json"}) {
+        EXPECT_EQ(2, run("check --fix " + arguments).exitCode) << arguments;
+    }
+    EXPECT_EQ(kMendable, readFile(outside));
+    EXPECT_EQ(2, run("check --dry-run " + outside).exitCode);
+}
+
+// --- On a terminal ---
+
+TEST(CheckReportTest, ATerminalGetsExcerptsThatFit) {
+    const ScratchDirectory scratch;
+    const std::string document = scratch.write(
+            "wide.json",
+            "{\"Video\": {\"Presets\": {\"\xE6\x97\xA5\xE6\x9C\xAC\t\": 1.5}, \"Features\": {"
+            "\"0123456789012345678901234567890123456789\": 1, \"e\xCC\x81\": 1}}}\n");
+    const Result plain = runOnTerminal("check " + document, 200, "TERM=dumb");
+    EXPECT_NE(std::string::npos,
+              plain.output.find("\n     1 | {\"Video\": {\"Presets\": {\"\xE6\x97\xA5\xE6\x9C\xAC"
+                                "    \": 1.5},"))
+            << plain.output;
+    EXPECT_NE(std::string::npos, plain.output.find("\n       | " + std::string(35, ' ') + "^~~\n"))
+            << plain.output;
+    EXPECT_EQ(plain.output,
+              runOnTerminal("check " + document, 200, "TERM=xterm NO_COLOR=1").output);
+
+    const Result coloured = runOnTerminal("check " + document, 40, "TERM=xterm");
+    EXPECT_NE(std::string::npos, coloured.output.find("\033[1;35mwarning:\033[0m"));
+    std::istringstream lines(coloured.output);
+    size_t excerpts = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find(" | ") != std::string::npos) {
+            EXPECT_GE(40 + 5, static_cast<int>(line.size())) << line;  // Of wide characters.
+            ++excerpts;
+        }
+    }
+    EXPECT_LE(6u, excerpts);
+}
+
+TEST(CheckReportTest, HelpFitsAnyTerminal) {
+    for (const unsigned short columns : {30, 60, 80, 200}) {
+        for (const std::string command : {"", "check ", "show ", "formats "}) {
+            std::istringstream help(
+                    runOnTerminal(command + "--help", columns, "TERM=xterm").output);
+            size_t longest = 0;
+            for (std::string line; std::getline(help, line);) {
+                const size_t start = std::min(line.find_first_not_of(' '), line.size());
+                const bool isOneWord = line.find(' ', start) == std::string::npos;
+                longest = std::max(longest, isOneWord ? 0 : line.size());
+            }
+            EXPECT_GE(columns, longest) << command;
+            EXPECT_LE(columns / 2, static_cast<int>(longest)) << command;
+        }
+    }
+}
+
+TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
+    const ScratchDirectory scratch;
+    std::string text = "{\"Video\": {\"Features\": {\"a\": \"\"}, \"KC2CodecPlugins\": [\"\"";
+    for (int i = 0; i < 150; ++i) {
+        text += ", 1";
+    }
+    const std::string document = scratch.write("many.json", text + "]}}");
+    const std::string all = run("check " + document).output;
+    EXPECT_NE(std::string::npos, all.find("\n     150  error    element-not-string\n"
+                                          "       1  error    feature-not-boolean\n"
+                                          "151 errors, 0 warnings, 0 notes\n"))
+            << all;
+    const std::string few = run("check --max-findings 2 " + document).output;
+    EXPECT_NE(std::string::npos, few.find("\n149 findings not shown (--max-findings)\n151 errors"))
+            << few;
+    EXPECT_EQ(2, std::count(few.begin(), few.end(), '^'));
+}
+
+}  // namespace
+
+}  // namespace kc2::test

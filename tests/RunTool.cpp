@@ -1,0 +1,79 @@
+// Runs the host tool as its users do.
+
+#include "RunTool.h"
+
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace kc2::test {
+
+namespace {
+
+std::string commandFor(const std::string& arguments, const std::string& environment,
+                       const std::string& directory) {
+    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " KC2_SPEC_TOOL " " +
+           arguments;
+}
+
+}  // namespace
+
+Result run(const std::string& arguments, const std::string& directory) {
+    FILE* const pipe = popen((commandFor(arguments, "", directory) + " 2>&1").c_str(), "r");
+    std::string output;
+    for (int c; (c = std::fgetc(pipe)) != EOF;) {
+        output += static_cast<char>(c);
+    }
+    return {output, WEXITSTATUS(pclose(pipe))};
+}
+
+Result runOnTerminal(const std::string& arguments, unsigned short columns,
+                     const std::string& environment, const std::string& directory) {
+    const std::string command = commandFor(arguments, environment, directory);
+    const winsize size = {.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        std::_Exit(127);
+    }
+    std::string output;
+    char buffer[4096];
+    for (ssize_t count; (count = read(terminal, buffer, sizeof(buffer))) > 0;) {
+        output.append(buffer, static_cast<size_t>(count));
+    }
+    close(terminal);
+    int status = 0;
+    waitpid(child, &status, 0);
+    std::erase(output, '\r');  // The terminal puts one before each line end.
+    return {output, WEXITSTATUS(status)};
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+ScratchDirectory::ScratchDirectory() : mPath(::testing::TempDir() + "kcodec2-tool-XXXXXX") {
+    EXPECT_NE(nullptr, mkdtemp(mPath.data()));
+}
+
+ScratchDirectory::~ScratchDirectory() {
+    std::filesystem::remove_all(mPath);
+}
+
+std::string ScratchDirectory::write(const std::string& name, const std::string& text) const {
+    const std::filesystem::path path = std::filesystem::path(mPath) / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+    return path;
+}
+
+}  // namespace kc2::test

@@ -1,0 +1,39 @@
+// Runs the host tool as its users do.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace kc2::test {
+
+struct Result {
+    std::string output;  // Of both streams.
+    int exitCode;
+};
+
+// Through a shell, in a directory of the source tree.
+Result run(const std::string& arguments, const std::string& directory = ".");
+
+// On a terminal of that many columns, with these variables in front: "TERM=xterm".
+Result runOnTerminal(const std::string& arguments, unsigned short columns,
+                     const std::string& environment, const std::string& directory = ".");
+
+std::string readFile(const std::filesystem::path& path);
+
+// A directory that is removed again.
+class ScratchDirectory {
+public:
+    ScratchDirectory();
+    ~ScratchDirectory();
+    ScratchDirectory(const ScratchDirectory&) = delete;
+    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+
+    // Writes a file below it and returns its path.
+    std::string write(const std::string& name, const std::string& text) const;
+    std::string path() const { return mPath; }
+
+private:
+    std::string mPath;
+};
+
+}  // namespace kc2::test
