@@ -20,4 +20,8 @@ int printDefault(int number);
 // Prints the table of pixel formats, or the row of one given by name or value.
 int printFormats(const std::string& wanted);
 
+// Prints what the catalogue tells of a setting, a codec component or a perf resource code.
+// `settingsFiles` add to the catalogue.
+int explain(const std::string& name, const std::vector<std::string>& settingsFiles);
+
 }  // namespace kc2::tool

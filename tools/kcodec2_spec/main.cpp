@@ -25,8 +25,8 @@ constexpr char kDescription[] =
         "is none, the chip's built-in document. A name that the first one sets keeps its value.";
 
 constexpr char kExitCodes[] =
-        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats knows "
-        "no such format; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
+        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats or explain "
+        "knows no such name; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
         "written.";
 
 constexpr char kShowExample[] =
@@ -84,6 +84,18 @@ int run(int argc, char** argv) {
                                "Only this one: its name, or its value in hexadecimal (0x...) or "
                                "decimal, as a log line shows it");
     formatsCommand->callback([&] { exitCode = printFormats(format); });
+
+    std::string name;
+    std::vector<std::string> settingsFiles;
+    CLI::App* const explainCommand = app.add_subcommand(
+            "explain", "Tell what a setting, a codec component or a perf resource code is");
+    explainCommand->add_option("NAME", name, "What to explain")->required();
+    explainCommand
+            ->add_option("--settings", settingsFiles,
+                         "A file in the form of the settings catalogue that adds to it; repeatable")
+            ->type_name("FILE")
+            ->allow_extra_args(false);
+    explainCommand->callback([&] { exitCode = explain(name, settingsFiles); });
 
     wrapHelp(&app);
     try {
