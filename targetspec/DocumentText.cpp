@@ -3,10 +3,25 @@
 #include "targetspec/DocumentText.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "targetspec/Limits.h"
 
 namespace kc2 {
+
+namespace {
+
+// Whether a stream that has reported its end is there. Some standard libraries report a read that
+// fails as the end of the file, and a document torn off there could pass for a whole one. Reading
+// once more tells: at the end nothing happens, while a read that fails again leaves its reason in
+// errno, as nothing else that runs here does.
+bool isAtEnd(std::ifstream& stream) {
+    stream.clear();
+    errno = 0;
+    return stream.peek() == std::ifstream::traits_type::eof() && !stream.bad() && errno == 0;
+}
+
+}  // namespace
 
 bool DocumentText::read(std::ifstream& stream) {
     const std::ios::iostate exceptions = stream.exceptions();
@@ -29,7 +44,7 @@ bool DocumentText::read(std::ifstream& stream) {
         stream.read(mBlock, sizeof(mBlock));
         mLongText.append(mBlock, static_cast<size_t>(stream.gcount()));
     }
-    const bool isRead = !stream.bad();
+    const bool isRead = !stream.bad() && (!stream.eof() || isAtEnd(stream));
     stream.clear(state);
     stream.exceptions(exceptions);
     return isRead;

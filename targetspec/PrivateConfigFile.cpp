@@ -1,8 +1,11 @@
-// Opening the private configuration file.
+// Opening and seeding the private configuration file.
 
 #include "targetspec/PrivateConfigFile.h"
 
 #include <sys/stat.h>
+
+#include <cstring>
+#include <string>
 
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
@@ -28,28 +31,38 @@ bool isMissingOrEmpty(std::ifstream& privateFile) {
     return examine(kPrivateConfig, &status) && status.st_size == 0;
 }
 
-// Opening a pipe that nobody writes to waits for ever, with the store's lock held; and the private
-// file is the one that anything with the right group can put there.
-// A device or a directory is no better.
-bool isOtherThanFile(const char* devicePath) {
-    struct stat status = {};
-    return examine(devicePath, &status) && !S_ISREG(status.st_mode);
-}
-
 }  // namespace
 
-bool openPrivateConfig(std::ifstream& stream) {
-    if (isOtherThanFile(kPrivateConfig)) {
+bool isTestToolInstalled() {
+    struct stat ignored = {};
+    return examine(kCodecTestTool, &ignored);
+}
+
+PrivateSource openPrivateConfig(std::ifstream& stream, bool isTestToolInstalled) {
+    struct stat status = {};
+    if (examine(kPrivateConfig, &status) && !S_ISREG(status.st_mode)) {
         stream.setstate(std::ifstream::failbit);
-        return false;
+        return PrivateSource::BuiltIn;
     }
     stream.open(deviceFile(kPrivateConfig));
-    struct stat testTool = {};
-    if (!examine(kCodecTestTool, &testTool) || !isMissingOrEmpty(stream)) {
-        return false;
+    if (isTestToolInstalled && isMissingOrEmpty(stream)) {
+        stream.setstate(std::ifstream::failbit);
+        return PrivateSource::SeededBuiltIn;
     }
-    stream.setstate(std::ifstream::failbit);
-    return true;
+    return stream.is_open() ? PrivateSource::File : PrivateSource::BuiltIn;
+}
+
+void seedPrivateConfig(const char* text) {
+    const std::string path = deviceFileForWriting(kPrivateConfig);
+    std::ofstream file(path);
+    if (!file.is_open()) {
+        return;
+    }
+    file.write(text, static_cast<std::streamsize>(std::strlen(text)));
+    file.close();
+    if (file.fail()) {
+        std::ofstream(path).close();  // Opening empties it.
+    }
 }
 
 }  // namespace kc2

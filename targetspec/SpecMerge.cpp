@@ -1,35 +1,15 @@
-// SpecDocument -> store: parseJsonData() and the merge rules.
+// SpecDocument -> store: the merge rules, a line each.
 
-#include <fstream>
 #include <iterator>
 #include <string>
 
 #include "kc2/TargetSpec.h"
 #include "log/Log.h"
-#include "targetspec/DocumentText.h"
-#include "targetspec/LoadStatus.h"
 #include "targetspec/reading/SpecDocument.h"
-#include "targetspec/reading/SpecReader.h"
 
 namespace kc2 {
 
 namespace {
-
-constexpr auto& kTag = log::kTagTargetSpec;
-
-// Logs skipped values as warnings.
-class FindingLog final : public FindingSink {
-public:
-    FindingLog() : FindingSink({Effect::SkipsAndLogs}) {}
-
-    void report(const Finding& finding) override {
-        if (finding.kind == FindingKind::RowSizeNotThree) {
-            KC2_LOG_WARNING(kTag, "Unable to queue the json entry due to inappropriate size");
-        } else if (const char* const reason = rowOf(finding.kind).reason) {
-            KC2_LOG_WARNING(kTag, "Skipped %s: %s", finding.place.toString().c_str(), reason);
-        }
-    }
-};
 
 // The two functions below hand a container over whole when the store's is empty, as the first
 // document finds it: that costs nothing.
@@ -54,27 +34,6 @@ void append(std::vector<NimbraBitRateEntry>& rows, std::vector<NimbraBitRateEntr
 
 }  // namespace
 
-uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
-    const char* const builtInDocument = getPrivateConfig();
-    SpecDocument document;
-    FindingLog findings;
-    if (stream.fail()) {
-        std::string text = builtInDocument;
-        if (!readSpecDocument(text, &document, findings)) {
-            KC2_LOG_ERROR(kTag, "Couldn't parse json from string literal");
-            return kLoadFailed;
-        }
-    } else {
-        DocumentText text;
-        if (!text.read(stream) || !readSpecDocument(text.bytes(), &document, findings)) {
-            KC2_LOG_ERROR(kTag, "Couldn't parse json from file stream");
-            return kLoadFailed;
-        }
-    }
-    merge(document);
-    return kLoadOk;
-}
-
 void TargetSpec::merge(SpecDocument& document) {
     // Names that the store already holds keep their value.
     join(mFeatures, document.features);
@@ -86,7 +45,8 @@ void TargetSpec::merge(SpecDocument& document) {
     mCodecPlugins.splice(mCodecPlugins.end(), document.codecPlugins);
     mPreprocessingFilters.splice(mPreprocessingFilters.end(), document.preprocessingFilters);
     for (const std::string& filter : document.encPostProcessingFilters) {
-        KC2_LOG_DEBUG(log::kMaskDebugDetail, kTag, "mEncPostProcessingFilters %s", filter.c_str());
+        KC2_LOG_DEBUG(log::kMaskDebugDetail, log::kTagTargetSpec, "mEncPostProcessingFilters %s",
+                      filter.c_str());
     }
     mEncPostProcessingFilters.splice(mEncPostProcessingFilters.end(),
                                      document.encPostProcessingFilters);

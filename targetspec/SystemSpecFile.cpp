@@ -9,7 +9,7 @@
 
 namespace kc2 {
 
-std::string openSystemSpec(std::ifstream& stream) {
+std::optional<std::string> openSystemSpec(std::ifstream& stream) {
     std::string path = TargetSpec::readTargetVariant();
     KC2_LOG_INFO(log::kTagTargetSpec, "Parsing system specs file from: %s", path.c_str());
     stream.open(deviceFile(path));
@@ -23,7 +23,7 @@ std::string openSystemSpec(std::ifstream& stream) {
         return kFallbackSystemSpec;
     }
     KC2_LOG_ERROR(log::kTagTargetSpec, "Failed to open %s... Exit!", kFallbackSystemSpec);
-    return std::string();
+    return std::nullopt;
 }
 
 }  // namespace kc2

@@ -1,15 +1,49 @@
-// The singleton and its load sequence: read this file first.
+// The road of a load, from Get() to the merged store: read this file first.
 
 #include "kc2/TargetSpec.h"
 
 #include <fstream>
+#include <string>
 
 #include "base/BaseLibrary.h"
+#include "log/Log.h"
 #include "targetspec/DefaultDocuments.h"
+#include "targetspec/DocumentText.h"
 #include "targetspec/LoadStatus.h"
+#include "targetspec/PrivateConfigFile.h"
 #include "targetspec/SystemSpecFile.h"
+#include "targetspec/reading/SpecReader.h"
 
 namespace kc2 {
+
+namespace {
+
+constexpr auto& kTag = log::kTagTargetSpec;
+
+// Logs skipped values as warnings.
+class FindingLog final : public FindingSink {
+public:
+    // `document` is its name in the log; null when it has none.
+    explicit FindingLog(const char* document)
+        : FindingSink({Effect::SkipsAndLogs}), mDocument(document) {}
+
+    void report(const Finding& finding) override {
+        const char* const reason = rowOf(finding.kind).reason;
+        if (finding.kind == FindingKind::RowSizeNotThree) {
+            KC2_LOG_WARNING(kTag, "Unable to queue the json entry due to inappropriate size");
+        } else if (mDocument != nullptr) {
+            KC2_LOG_WARNING(kTag, "Skipped %s in %s: %s", finding.place.toString().c_str(),
+                            mDocument, reason);
+        } else {
+            KC2_LOG_WARNING(kTag, "Skipped %s: %s", finding.place.toString().c_str(), reason);
+        }
+    }
+
+private:
+    const char* const mDocument;
+};
+
+}  // namespace
 
 // Constant-initialised: nothing of the store runs when the library is loaded.
 TargetSpec* TargetSpec::mInstance = nullptr;
@@ -42,14 +76,51 @@ TargetSpec* TargetSpec::load() {
 
 uint32_t TargetSpec::extractSpecData() {
     std::ifstream stream;
-    if (openSystemSpec(stream).empty()) {
+    if (!openSystemSpec(stream)) {
         return kLoadFailed;
     }
-    return parseJsonData(stream);
+    return parse(stream, "the system spec");
+}
+
+uint32_t TargetSpec::extractPrivateData() {
+    const bool hasTestTool = isTestToolInstalled();
+    const char* const builtInDocument = getPrivateConfig();
+    std::ifstream privateFile;
+    if (openPrivateConfig(privateFile, hasTestTool) == PrivateSource::SeededBuiltIn) {
+        seedPrivateConfig(builtInDocument);
+    }
+    return parse(privateFile, "the private file");
 }
 
 const char* TargetSpec::getPrivateConfig() {
     return chipDocumentFor(readTargetVariant()).text;
+}
+
+uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
+    return parse(stream, nullptr);
+}
+
+// `streamName` is what the log calls the stream's document; null when nobody has named it.
+uint32_t TargetSpec::parse(std::ifstream& stream, const char* streamName) {
+    const char* const builtInDocument = getPrivateConfig();
+    SpecDocument document;
+    if (stream.fail()) {
+        std::string text = builtInDocument;
+        FindingLog findings("the built-in document");
+        if (!readSpecDocument(text, &document, findings)) {
+            KC2_LOG_ERROR(kTag, "Couldn't parse json from string literal");
+            return kLoadFailed;
+        }
+    } else {
+        DocumentText text;
+        FindingLog findings(streamName);
+        if (!text.read(stream) || !readSpecDocument(text.bytes(), &document, findings)) {
+            KC2_LOG_ERROR(kTag, "Couldn't parse json from file stream");
+            return kLoadFailed;
+        }
+    }
+    merge(document);
+    return kLoadOk;
 }
 
 }  // namespace kc2

@@ -207,8 +207,8 @@ public:
      * file is first seeded with the built-in document, and this load then merges the built-in
      * document whether or not the file could be written. A file with content is never written to,
      * unless it cannot be opened for reading at all. A seed that cannot be written whole is left
-     * empty, so that the next load seeds it again. A pipe in its place counts as a file that cannot
-     * be opened, and is not written to: opening it could wait for ever.
+     * empty, so that the next load seeds it again. What is not a regular file in its place counts as
+     * a file that cannot be opened, and is not written to: opening a pipe could wait for ever.
      * @return 0xFFFFFFFF when the document was rejected; an empty private file without the test
      * tool counts as that.
      */
@@ -224,6 +224,7 @@ private:
     friend struct TargetSpecInspector;
 
     [[gnu::visibility("hidden")]] static TargetSpec* load();
+    [[gnu::visibility("hidden")]] uint32_t parse(std::ifstream& stream, const char* streamName);
     [[gnu::visibility("hidden")]] void merge(SpecDocument& document);
 
     std::map<std::string, bool> mFeatures;

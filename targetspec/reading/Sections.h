@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <list>
+#include <span>
 #include <string>
 
 #include "kc2/TargetSpecKeys.h"
@@ -48,5 +49,17 @@ inline constexpr const char* const* kDolbyVisionMembers[] = {
         &targetSpecDVProfiles, &targetSpecDVMaxMainTierLevel, &targetSpecDVMaxHighTierLevel};
 inline constexpr const char* const* kCodecListMembers[] = {&targetSpecAvailableDecoders,
                                                            &targetSpecAvailableEncoders};
+
+// None for the other types.
+constexpr std::span<const char* const* const> fixedMembersOf(SectionType type) {
+    switch (type) {
+        case SectionType::DolbyVision:
+            return kDolbyVisionMembers;
+        case SectionType::CodecLists:
+            return kCodecListMembers;
+        default:
+            return {};
+    }
+}
 
 }  // namespace kc2

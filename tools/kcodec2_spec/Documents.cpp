@@ -84,13 +84,13 @@ Load walkLoad() {
     load.chip = &chipDocumentFor(load.firstPath);
 
     std::ifstream systemSpec;
-    const std::string systemSpecPath = openSystemSpec(systemSpec);
-    if (!systemSpecPath.empty()) {
-        load.systemSpec = readStream("system spec", systemSpecPath, systemSpec);
+    if (const std::optional<std::string> path = openSystemSpec(systemSpec)) {
+        load.systemSpec = readStream("system spec", *path, systemSpec);
     }
 
     std::ifstream privateFile;
-    load.isSeeded = openPrivateConfig(privateFile);
+    load.isSeeded =
+            openPrivateConfig(privateFile, isTestToolInstalled()) == PrivateSource::SeededBuiltIn;
     load.isPrivateFileOpen = privateFile.is_open();
     if (privateFile.fail()) {
         load.overlay = readDocument("built-in document " + std::to_string(load.chip->number),

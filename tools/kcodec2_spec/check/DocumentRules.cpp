@@ -1,5 +1,7 @@
 // What a document says that the library's reader does not look at.
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <map>
@@ -13,6 +15,7 @@
 #include "check/Mends.h"
 #include "check/Rules.h"
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -46,48 +49,74 @@ void visitAll(const OutlineNode& node, const std::function<void(const OutlineNod
     }
 }
 
-void reportUnknownMembers(const CheckedDocument& checked, const OutlineNode* object,
-                          const std::string& place, const std::vector<std::string_view>& known,
-                          const Emit& emit) {
-    if (object == nullptr || object->kind != '{') {
-        return;
+// The names that the reader looks up in an object.
+std::vector<std::string_view> knownMembers(bool isRoot, std::string_view section) {
+    std::vector<std::string_view> names;
+    const auto add = [&](const char* const* key) {
+        if (*key != nullptr) {
+            names.emplace_back(*key);
+        }
+    };
+    if (isRoot) {
+        add(&targetSpecRoot);
+        return names;
     }
-    std::map<std::string, std::vector<const OutlineNode*>> unknownByNear;
-    for (const OutlineNode& member : object->children) {
-        if (std::find(known.begin(), known.end(), member.key) == known.end()) {
-            unknownByNear[nearest(member.key, known)].push_back(&member);
+    for (const Section& row : kSections) {
+        if (section.empty()) {
+            add(row.key);
+        } else if (*row.key != nullptr && section == *row.key) {
+            std::ranges::for_each(fixedMembersOf(row.type), add);
         }
     }
-    for (const auto& [near, members] : unknownByNear) {
-        // Nobody can tell which one of two is meant, or whether one is beside the right name.
-        const bool isCertain =
-                !near.empty() && members.size() == 1 && findMember(*object, near) == nullptr;
-        for (const OutlineNode* const member : members) {
-            emit(member->name,
-                 "nothing reads the member \"" + member->key + "\" of " + place +
-                         (near.empty() ? "" : ". Did you mean \"" + near + "\"?"),
+    return names;
+}
+
+// The members of one object that the reader did not look up. A mend must be certain: nobody can
+// tell which one of two misspelt names is meant, or whether one is beside the right name.
+void reportUnknownMembers(const CheckedDocument& checked, bool isRoot, const std::string& section,
+                          const std::vector<const KeptFinding*>& unknown, const Emit& emit) {
+    const std::vector<std::string_view> known = knownMembers(isRoot, section);
+    const OutlineNode* const video = findMember(checked.outline.root, targetSpecRoot);
+    const OutlineNode* const object = isRoot            ? &checked.outline.root
+                                      : section.empty() ? video
+                                                        : checked.section(section.c_str());
+    const std::string place = isRoot            ? "the root"
+                              : section.empty() ? fmt::format("\"{}\"", targetSpecRoot)
+                                                : fmt::format("\"{}\"", section);
+    std::map<std::string, std::vector<const KeptFinding*>> unknownByNear;
+    for (const KeptFinding* const finding : unknown) {
+        unknownByNear[nearest(finding->name, known)].push_back(finding);
+    }
+    for (const auto& [near, findings] : unknownByNear) {
+        const bool isCertain = !near.empty() && findings.size() == 1 && object != nullptr &&
+                               findMember(*object, near) == nullptr;
+        for (const KeptFinding* const finding : findings) {
+            const OutlineNode* const member = findValueAt(checked.outline.root, finding->start);
+            const Span name =
+                    member != nullptr ? member->name : Span{finding->start, finding->limit};
+            emit(name,
+                 fmt::format("unknown member \"{}\" of {}, ignored{}", finding->name, place,
+                             near.empty() ? "" : fmt::format(". Did you mean \"{}\"?", near)),
                  {.related = {},
-                  .fixes = isCertain ? renaming(checked.source.text(), member->name, near)
+                  .fixes = isCertain ? renaming(checked.source.text(), name, near)
                                      : std::vector<Fix>()});
         }
     }
 }
 
 void checkUnknownMembers(const CheckedDocument& checked, const Emit& emit) {
-    reportUnknownMembers(checked, &checked.outline.root, "the root", {targetSpecRoot}, emit);
-    reportUnknownMembers(checked, findMember(checked.outline.root, targetSpecRoot), "\"Video\"",
-                         {targetSpecFeatures, targetSpecPresets, targetSpecNimbraModeBitRate,
-                          targetSpecDV, targetSpecCodecPlugins, targetSpecPreProcessingFilters,
-                          targetSpecPerfResourceValues, targetSpecSupportedCodecs,
-                          targetSpecOptionalCodecs, targetSpecSupportedEncPostProcessingFilters},
-                         emit);
-    reportUnknownMembers(
-            checked, checked.section(targetSpecDV), "\"DolbyVision\"",
-            {targetSpecDVProfiles, targetSpecDVMaxMainTierLevel, targetSpecDVMaxHighTierLevel},
-            emit);
-    reportUnknownMembers(checked, checked.section(targetSpecSupportedCodecs),
-                         "\"codecs-available\"",
-                         {targetSpecAvailableDecoders, targetSpecAvailableEncoders}, emit);
+    std::map<std::pair<FindingKind, std::string>, std::vector<const KeptFinding*>> byObject;
+    for (const KeptFinding& finding : checked.document.findings) {
+        const bool isSchema =
+                finding.kind == FindingKind::UnknownRootMember && finding.name == "$schema";
+        if (rowOf(finding.kind).effect == Effect::Ignores && !isSchema) {  // Editors want that one.
+            byObject[{finding.kind, finding.section}].push_back(&finding);
+        }
+    }
+    for (const auto& [object, unknown] : byObject) {
+        reportUnknownMembers(checked, object.first == FindingKind::UnknownRootMember, object.second,
+                             unknown, emit);
+    }
 }
 
 void checkDuplicateMembers(const CheckedDocument& checked, const Emit& emit) {
@@ -100,10 +129,8 @@ void checkDuplicateMembers(const CheckedDocument& checked, const Emit& emit) {
             const OutlineNode*& earlier = last[member.key];
             if (earlier != nullptr) {
                 emit(member.name,
-                     "\"" + member.key +
-                             "\" stands twice: this one counts, "
-                             "the one at " +
-                             checked.source.placeOf(earlier->name.start) + " does not",
+                     fmt::format("duplicate member \"{}\"; this value is used, not the one at {}",
+                                 member.key, checked.source.placeOf(earlier->name.start)),
                      {.related = {{&checked.source, earlier->name, ""}}, .fixes = {}});
             }
             earlier = &member;
@@ -135,8 +162,7 @@ void checkLoneMinuses(const CheckedDocument& checked, const Emit& emit) {
 void checkTrailingText(const CheckedDocument& checked, const Emit& emit) {
     const std::string_view text = checked.source.text();
     if (checked.outline.limit < text.size()) {
-        emit({checked.outline.limit, text.size()},
-             "the document ends before this text: nothing reads it");
+        emit({checked.outline.limit, text.size()}, "text after the end of the document, ignored");
     }
 }
 
@@ -262,9 +288,10 @@ void checkCodecNames(const CheckedDocument& checked, const Emit& emit) {
 }
 
 constexpr DocumentRule kDocumentRules[] = {
-        {{"unknown-member", Severity::Warning, "a member that nothing reads: a misspelt section"},
+        {{"unknown-member", Severity::Warning,
+          "a member that the device ignores, as misspelt ones are"},
          checkUnknownMembers},
-        {{"duplicate-member", Severity::Warning, "a name that stands twice in one object"},
+        {{"duplicate-member", Severity::Warning, "a name that one object has twice"},
          checkDuplicateMembers},
         {{"leading-zero", Severity::Note, "a number with a leading zero, which is decimal"},
          checkLeadingZeros},

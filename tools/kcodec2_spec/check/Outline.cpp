@@ -6,6 +6,7 @@
 #include <json/value.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace kc2::tool {
 
@@ -108,6 +109,20 @@ private:
 
 Outline outlineOf(std::string_view text) {
     return Outliner(text).outline();
+}
+
+const OutlineNode* findValueAt(const OutlineNode& root, size_t start) {
+    const OutlineNode* node = &root;
+    while (node->value.start != start) {
+        const auto behind = std::upper_bound(
+                node->children.begin(), node->children.end(), start,
+                [](size_t offset, const OutlineNode& child) { return offset < child.value.start; });
+        if (behind == node->children.begin()) {
+            return nullptr;
+        }
+        node = &*std::prev(behind);
+    }
+    return node;
 }
 
 const OutlineNode* findMember(const OutlineNode& object, std::string_view key) {

@@ -30,4 +30,7 @@ Outline outlineOf(std::string_view text);
 // The last member of that name, which is the one that counts; null when there is none.
 const OutlineNode* findMember(const OutlineNode& object, std::string_view key);
 
+// The node whose value begins at that offset of the text; null when there is none.
+const OutlineNode* findValueAt(const OutlineNode& root, size_t start);
+
 }  // namespace kc2::tool

@@ -1,8 +1,11 @@
 // What the library's reader found, in words: whatever a load rejects, skips or changes.
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "Text.h"
 #include "check/Mends.h"
@@ -12,113 +15,6 @@
 namespace kc2::tool {
 
 namespace {
-
-struct ReaderRule {
-    FindingKind kind;
-    Rule rule;
-    // %p is the place of the value, %v the value as it is written; %b and %i what boolean or
-    // integer the device makes of it, %x the same in hexadecimal; %d the parser's own words.
-    const char* message;
-};
-
-constexpr ReaderRule kReaderRules[] = {
-        {FindingKind::TextTooLong,
-         {"document-too-long", Severity::Error, "longer than the 32 MiB that a device reads", true},
-         "the document is longer than 32 MiB: the device rejects it"},
-        {FindingKind::TooManyValues,
-         {"too-many-values", Severity::Error, "more than the 1 Mi values that a device reads",
-          true},
-         "the document holds more than 1048576 values: the device rejects it"},
-        {FindingKind::NestingTooDeep,
-         {"nesting-too-deep", Severity::Error, "nested deeper than the 255 levels that a device reads",
-          true},
-         "nested deeper than 255 levels: the device rejects the whole document"},
-        {FindingKind::SyntaxError,
-         {"syntax", Severity::Error, "no valid JSON", true},
-         "%d; the device rejects the whole document"},
-        {FindingKind::RootNotObject,
-         {"root-not-object", Severity::Error, "a root that is no object", true},
-         "the root must be an object: the device rejects the whole document"},
-        {FindingKind::VideoNotObject,
-         {"video-not-object", Severity::Error, "a \"Video\" that is no object", true},
-         "\"Video\" must be an object: the device rejects the whole document"},
-        {FindingKind::SectionNotObject,
-         {"section-not-object", Severity::Error, "a section of named values that is no object"},
-         "%p must be an object: the section is skipped"},
-        {FindingKind::FeatureNotBoolean,
-         {"feature-not-boolean", Severity::Error, "a feature that is neither true nor false"},
-         "%p must be true or false: the feature is skipped"},
-        {FindingKind::PresetNotInteger,
-         {"preset-not-integer", Severity::Error, "a preset that is no signed 32-bit integer"},
-         "%p must be an integer from -2147483648 to 2147483647: the preset is skipped"},
-        {FindingKind::RowSizeNotThree,
-         {"row-size", Severity::Error, "a bit-rate row of fewer or more than three values"},
-         "%p must hold three integers [low, high, bit rate]: the row is skipped"},
-        {FindingKind::RowNotArray,
-         {"row-not-array", Severity::Error, "a bit-rate row that is an object"},
-         "%p must be an array [low, high, bit rate]: the row is skipped"},
-        {FindingKind::RowValueNotInteger,
-         {"row-value-not-integer", Severity::Error, "a bit-rate row with a value that is none"},
-         "%p holds %v, which is no integer from -2147483648 to 2147483647: the row is skipped"},
-        {FindingKind::TierLevelNotInteger,
-         {"tier-level-not-integer", Severity::Error, "a tier level that is no 32-bit integer"},
-         "%p must be an integer from -2147483648 to 2147483647: the level counts as 0"},
-        {FindingKind::PerfWordNotHexadecimal,
-         {"perf-word-not-hexadecimal", Severity::Error, "a perf word that is no 32-bit number"},
-         "%p must be a hexadecimal string up to 7FFFFFFF: all words of the name are skipped"},
-        {FindingKind::ListNotArray,
-         {"list-not-array", Severity::Error, "a list that is a single value"},
-         "%p must be an array: nothing of it is read"},
-        {FindingKind::ElementNotString,
-         {"element-not-string", Severity::Error, "an entry of a list of names that is no string"},
-         "%p must be a string: the entry is skipped, and the device does not log it"},
-        {FindingKind::ProfileNotUnsigned,
-         {"profile-not-unsigned", Severity::Error, "a profile that is no unsigned 32-bit integer"},
-         "%p must be an integer from 0 to 4294967295: the profile is skipped, and the device does "
-         "not log it"},
-        {FindingKind::NoVideo,
-         {"no-video", Severity::Warning, "a document without \"Video\", which holds nothing"},
-         "the document has no member \"Video\": nothing of it is read"},
-        {FindingKind::ObjectAsArray,
-         {"object-as-array", Severity::Warning, "an object in place of an array"},
-         "%p should be an array: the object's values are taken in the order of their names"},
-        {FindingKind::NumberAsBoolean,
-         {"number-as-boolean", Severity::Warning, "a number in place of true or false"},
-         "%p should be true or false: %v counts as %b"},
-        {FindingKind::NullAsFalse,
-         {"null-as-false", Severity::Warning, "null in place of true or false"},
-         "%p should be true or false: null counts as false"},
-        {FindingKind::BooleanAsInteger,
-         {"boolean-as-integer", Severity::Warning, "true or false in place of an integer"},
-         "%p should hold an integer: %v counts as %i"},
-        {FindingKind::NullAsZero,
-         {"null-as-zero", Severity::Warning, "null in place of an integer"},
-         "%p should hold an integer: null counts as 0"},
-        {FindingKind::RealTruncated,
-         {"real-truncated", Severity::Warning, "a real number cut to an integer"},
-         "%p should hold an integer: %v is cut to %i"},
-        {FindingKind::NegativeAsUnsigned,
-         {"negative-as-unsigned", Severity::Warning, "a negative number stored as a large one"},
-         "%p should not be negative: %v is stored as %i"},
-        {FindingKind::PerfWordUnquoted,
-         {"perf-word-unquoted", Severity::Warning, "a perf word without quotes"},
-         "%p should be a string: the decimal text of %v is read as hexadecimal, as %i"},
-        {FindingKind::PerfWordTail,
-         {"perf-word-tail", Severity::Warning, "text after a perf word's digits"},
-         "%p: what follows the hexadecimal digits is ignored: it counts as %x"},
-        {FindingKind::TierLevelAbsent,
-         {"tier-level-absent", Severity::Warning, "\"DolbyVision\" without one of the levels"},
-         "%p is absent: the level becomes 0, whatever an earlier document set"},
-};
-
-// The messages above name the limits.
-static_assert(kMaxTextBytes == 32 << 20 && kMaxValues == 1 << 20 && kMaxNesting == 255);
-
-const ReaderRule* ruleFor(FindingKind kind) {
-    const auto found = std::find_if(std::begin(kReaderRules), std::end(kReaderRules),
-                                    [kind](const ReaderRule& rule) { return rule.kind == kind; });
-    return found != std::end(kReaderRules) ? found : nullptr;
-}
 
 // "Features/private_x", "NimbraModeBitrateTable[3]".
 std::string placeOf(const KeptFinding& finding) {
@@ -156,7 +52,7 @@ std::string hintFor(const std::string& text, size_t at) {
         return "a number cannot be hexadecimal";
     }
     if (text[at] == '\'') {
-        return "strings stand in double quotes";
+        return "strings are written in double quotes";
     }
     if (startsWith("True") || startsWith("False") || startsWith("None")) {
         return "write true, false or null";
@@ -187,46 +83,230 @@ std::string syntaxError(const KeptFinding& finding, const std::string& text) {
     return hint.empty() ? words : words + ": " + hint;
 }
 
-std::string messageOf(const ReaderRule& rule, const KeptFinding& finding,
-                      const Document& document) {
-    std::string message;
-    for (const char* c = rule.message; *c != '\0'; ++c) {
-        if (*c != '%') {
-            message += *c;
-            continue;
-        }
-        switch (*++c) {
-            case 'p':
-                message += placeOf(finding);
-                break;
-            case 'v':
-                message += valueAsWritten(finding, document.text);
-                break;
-            case 'b':
-                message += finding.converted != 0 ? "true" : "false";
-                break;
-            case 'i':
-                message += std::to_string(finding.converted);
-                break;
-            case 'x':
-                message += hexadecimal(static_cast<uint32_t>(finding.converted));
-                break;
-            default:
-                message += syntaxError(finding, document.parserText);
-                break;
-        }
+// A finding with the document that it is about, for the messages below.
+class About {
+public:
+    About(const KeptFinding& finding, const CheckedDocument& checked)
+        : mFinding(finding), mChecked(checked) {}
+
+    // "Features/private_x", "NimbraModeBitrateTable[3]".
+    std::string place() const { return placeOf(mFinding); }
+    // As it is written.
+    std::string value() const { return valueAsWritten(mFinding, mChecked.document.text); }
+    // What the device makes of it.
+    int64_t converted() const { return mFinding.converted; }
+    std::string syntaxError() const {
+        return tool::syntaxError(mFinding, mChecked.document.parserText);
     }
-    return message;
+
+private:
+    const KeptFinding& mFinding;
+    const CheckedDocument& mChecked;
+};
+
+struct ReaderRule {
+    FindingKind kind;
+    Rule rule;
+    std::string (*message)(const About& about);
+};
+
+constexpr ReaderRule kReaderRules[] = {
+        {FindingKind::TextTooLong,
+         {"document-too-long", Severity::Error, "longer than a device reads", true},
+         [](const About&) {
+             return fmt::format("the document is longer than {} MiB: the device rejects it",
+                                kMaxTextBytes >> 20);
+         }},
+        {FindingKind::TooManyValues,
+         {"too-many-values", Severity::Error, "more values than a device reads", true},
+         [](const About&) {
+             return fmt::format("the document holds more than {} values: the device rejects it",
+                                kMaxValues);
+         }},
+        {FindingKind::NestingTooDeep,
+         {"nesting-too-deep", Severity::Error, "nested deeper than a device reads", true},
+         [](const About&) {
+             return fmt::format(
+                     "nested deeper than {} levels: the device rejects the whole document",
+                     kMaxNesting);
+         }},
+        {FindingKind::SyntaxError,
+         {"syntax", Severity::Error, "not valid JSON", true},
+         [](const About& about) {
+             return fmt::format("{}; the device rejects the whole document", about.syntaxError());
+         }},
+        {FindingKind::RootNotObject,
+         {"root-not-object", Severity::Error, "a root that is not an object", true},
+         [](const About&) {
+             return std::string(
+                     "the root must be an object: the device rejects the whole document");
+         }},
+        {FindingKind::VideoNotObject,
+         {"video-not-object", Severity::Error, "a \"Video\" that is not an object", true},
+         [](const About&) {
+             return std::string(
+                     "\"Video\" must be an object: the device rejects the whole document");
+         }},
+        {FindingKind::SectionNotObject,
+         {"section-not-object", Severity::Error, "a section of named values that is not an object"},
+         [](const About& about) {
+             return fmt::format("{} must be an object: the section is skipped", about.place());
+         }},
+        {FindingKind::FeatureNotBoolean,
+         {"feature-not-boolean", Severity::Error, "a feature that is neither true nor false"},
+         [](const About& about) {
+             return fmt::format("{} must be true or false: the feature is skipped", about.place());
+         }},
+        {FindingKind::PresetNotInteger,
+         {"preset-not-integer", Severity::Error, "a preset that is not a signed 32-bit integer"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must be an integer from -2147483648 to 2147483647: the preset is skipped",
+                     about.place());
+         }},
+        {FindingKind::RowSizeNotThree,
+         {"row-size", Severity::Error, "a bit-rate row of fewer or more than three values"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must hold three integers [low, high, bit rate]: the row is skipped",
+                     about.place());
+         }},
+        {FindingKind::RowNotArray,
+         {"row-not-array", Severity::Error, "a bit-rate row that is an object"},
+         [](const About& about) {
+             return fmt::format("{} must be an array [low, high, bit rate]: the row is skipped",
+                                about.place());
+         }},
+        {FindingKind::RowValueNotInteger,
+         {"row-value-not-integer", Severity::Error,
+          "a bit-rate row with a value that is not an integer"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} holds {}, which is not an integer from -2147483648 to 2147483647: the row "
+                     "is skipped",
+                     about.place(), about.value());
+         }},
+        {FindingKind::TierLevelNotInteger,
+         {"tier-level-not-integer", Severity::Error, "a tier level that is not a 32-bit integer"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must be an integer from -2147483648 to 2147483647: the level counts as 0",
+                     about.place());
+         }},
+        {FindingKind::PerfWordNotHexadecimal,
+         {"perf-word-not-hexadecimal", Severity::Error, "a perf word that is not a 32-bit number"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must be a hexadecimal string up to 7FFFFFFF: all words of the name are "
+                     "skipped",
+                     about.place());
+         }},
+        {FindingKind::ListNotArray,
+         {"list-not-array", Severity::Error, "a list that is a single value"},
+         [](const About& about) {
+             return fmt::format("{} must be an array: nothing of it is read", about.place());
+         }},
+        {FindingKind::ElementNotString,
+         {"element-not-string", Severity::Error,
+          "an entry of a list of names that is not a string"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must be a string: the entry is skipped, and the device does not log it",
+                     about.place());
+         }},
+        {FindingKind::ProfileNotUnsigned,
+         {"profile-not-unsigned", Severity::Error,
+          "a profile that is not an unsigned 32-bit integer"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} must be an integer from 0 to 4294967295: the profile is skipped, and the "
+                     "device does not log it",
+                     about.place());
+         }},
+        {FindingKind::NoVideo,
+         {"no-video", Severity::Warning, "a document without \"Video\", which holds nothing"},
+         [](const About&) {
+             return std::string("the document has no member \"Video\": nothing of it is read");
+         }},
+        {FindingKind::ObjectAsArray,
+         {"object-as-array", Severity::Warning, "an object in place of an array"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} should be an array: the object's values are taken in the order of their "
+                     "names",
+                     about.place());
+         }},
+        {FindingKind::NumberAsBoolean,
+         {"number-as-boolean", Severity::Warning, "a number in place of true or false"},
+         [](const About& about) {
+             return fmt::format("{} should be true or false: {} counts as {}", about.place(),
+                                about.value(), about.converted() != 0);
+         }},
+        {FindingKind::NullAsFalse,
+         {"null-as-false", Severity::Warning, "null in place of true or false"},
+         [](const About& about) {
+             return fmt::format("{} should be true or false: null counts as false", about.place());
+         }},
+        {FindingKind::BooleanAsInteger,
+         {"boolean-as-integer", Severity::Warning, "true or false in place of an integer"},
+         [](const About& about) {
+             return fmt::format("{} should hold an integer: {} counts as {}", about.place(),
+                                about.value(), about.converted());
+         }},
+        {FindingKind::NullAsZero,
+         {"null-as-zero", Severity::Warning, "null in place of an integer"},
+         [](const About& about) {
+             return fmt::format("{} should hold an integer: null counts as 0", about.place());
+         }},
+        {FindingKind::RealTruncated,
+         {"real-truncated", Severity::Warning, "a real number cut to an integer"},
+         [](const About& about) {
+             return fmt::format("{} should hold an integer: {} is cut to {}", about.place(),
+                                about.value(), about.converted());
+         }},
+        {FindingKind::NegativeAsUnsigned,
+         {"negative-as-unsigned", Severity::Warning, "a negative number stored as a large one"},
+         [](const About& about) {
+             return fmt::format("{} should not be negative: {} is stored as {}", about.place(),
+                                about.value(), about.converted());
+         }},
+        {FindingKind::PerfWordUnquoted,
+         {"perf-word-unquoted", Severity::Warning, "a perf word without quotes"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} should be a string: the decimal text of {} is read as hexadecimal, as {}",
+                     about.place(), about.value(), about.converted());
+         }},
+        {FindingKind::PerfWordTail,
+         {"perf-word-tail", Severity::Warning, "text after a perf word's digits"},
+         [](const About& about) {
+             return fmt::format(
+                     "{}: what follows the hexadecimal digits is ignored: it counts as 0x{:X}",
+                     about.place(), about.converted());
+         }},
+        {FindingKind::TierLevelAbsent,
+         {"tier-level-absent", Severity::Warning, "\"DolbyVision\" without one of the levels"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} is absent: the level becomes 0, whatever an earlier document set",
+                     about.place());
+         }},
+};
+
+const ReaderRule* ruleFor(FindingKind kind) {
+    const auto found = std::find_if(std::begin(kReaderRules), std::end(kReaderRules),
+                                    [kind](const ReaderRule& rule) { return rule.kind == kind; });
+    return found != std::end(kReaderRules) ? found : nullptr;
 }
 
 }  // namespace
 
-void applyReaderRules(const CheckedDocument& document, Report* report) {
-    for (const KeptFinding& finding : document.document.findings) {
+void applyReaderRules(const CheckedDocument& checked, Report* report) {
+    for (const KeptFinding& finding : checked.document.findings) {
         if (const ReaderRule* const rule = ruleFor(finding.kind)) {
-            report->add(rule->rule, document.source, {finding.start, finding.limit},
-                        messageOf(*rule, finding, document.document),
-                        {.related = {}, .fixes = mendsOf(finding, document.document.text)});
+            report->add(rule->rule, checked.source, {finding.start, finding.limit},
+                        rule->message(About(finding, checked)),
+                        {.related = {}, .fixes = mendsOf(finding, checked.document.text)});
         }
     }
 }
