@@ -19,6 +19,8 @@ namespace kc2::tool {
 
 namespace {
 
+constexpr char kBuiltInPath[] = "built-in settings:";
+
 // Reads entries, and keeps the first thing that is wrong. After that it answers with nothing.
 class EntryReader {
 public:
@@ -217,6 +219,11 @@ void addEach(EntryReader& reader, const Json::Value& list,
         }
         const auto known = std::find_if(entries->begin(), entries->end(),
                                         [&](const Entry& one) { return one.*key == entry.*key; });
+        entry.definition = element.toStyledString();
+        if (known != entries->end() && known->definition == entry.definition &&
+            known->place.rfind(kBuiltInPath, 0) != 0) {
+            continue;  // Two files may say the same.
+        }
         if (known != entries->end()) {
             reader.fail(element, shownKey(entry.*key) + " is defined already, at " + known->place);
             return;

@@ -34,6 +34,7 @@ struct Setting {
     std::string neededFeature;       // Has an effect only while this feature is on.
     std::string atMost;              // The preset that it must not be above.
     std::string place;
+    std::string definition{};  // As the file has it, to compare.
 };
 
 struct CodecComponent {
@@ -41,12 +42,14 @@ struct CodecComponent {
     std::string list;                // "decoders" or "encoders".
     std::vector<std::string> chips;  // Empty: every chip.
     std::string place;
+    std::string definition{};  // As the file has it, to compare.
 };
 
 struct PerfResourceCode {
     uint32_t code = 0;
     std::string meaning;
     std::string place;
+    std::string definition{};  // As the file has it, to compare.
 };
 
 class Catalogue {
