@@ -1,0 +1,31 @@
+# The common part of the toolchain files for foreign processors: Debian's cross compiler, its
+# packages of that architecture unpacked under build/, and QEMU to run what is built.
+
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_CXX_COMPILER ${triplet}-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
+
+# The library's package has a number in its name; it is the one that this machine has, too.
+execute_process(COMMAND dpkg-query -W -f "\${Depends}" libjsoncpp-dev
+                OUTPUT_VARIABLE jsoncpp_package COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCH "libjsoncpp[0-9]+[a-z0-9]*" jsoncpp_package "${jsoncpp_package}")
+set(root ${CMAKE_CURRENT_LIST_DIR}/../../build/foreign/${debian_architecture})
+get_filename_component(root ${root} ABSOLUTE)
+execute_process(
+    COMMAND ${CMAKE_CURRENT_LIST_DIR}/../../scripts/fetch-packages.sh ${debian_architecture} ${root}
+            libjsoncpp-dev ${jsoncpp_package} libcli11-dev libfmt-dev libgtest-dev
+    COMMAND_ERROR_IS_FATAL ANY)
+
+# Nothing of this machine's own libraries may be found.
+set(CMAKE_FIND_ROOT_PATH ${root})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+foreach(kind LIBRARY INCLUDE PACKAGE)
+    set(CMAKE_FIND_ROOT_PATH_MODE_${kind} ONLY)
+endforeach()
+
+find_program(KC2_EMULATOR NAMES ${emulator}-static ${emulator} REQUIRED)
+set(CMAKE_CROSSCOMPILING_EMULATOR
+    ${KC2_EMULATOR} -L /usr/${triplet} -E LD_LIBRARY_PATH=${root}/usr/lib/${triplet})
+
+# A program that links the device's library, which has no run path, needs its libraries to be found.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${root}/usr/lib/${triplet}")
