@@ -1,6 +1,7 @@
 #!/bin/sh
 # Runs each fuzz target for a bounded time, with ASan and UBSan, on the device's object code:
 # fuzz.sh [SECONDS] (20 for each target by default). What is found is kept in build/asan/fuzz-found.
+# Then the inputs that it kept run once more in a phone's build, with libc++ and its JsonCpp.
 set -eu
 
 seconds=${1:-20}
@@ -47,4 +48,11 @@ export ASAN_OPTIONS=malloc_context_size=5:quarantine_size_mb=64
 
 run fuzz_document -dict=fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
 run fuzz_values -max_len=4000 "$work/fuzz_values"
+
+cmake --preset phone-exceptions > /dev/null
+cmake --build --preset phone-exceptions --target fuzz_document fuzz_values
+for target in fuzz_document fuzz_values; do
+    echo "fuzz.sh: $target in a phone's build"
+    build/phone-exceptions/$target "$work/$target"
+done
 echo "fuzz.sh: nothing found"

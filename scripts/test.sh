@@ -13,9 +13,12 @@ steps() {
     cat << 'STEPS'
 dev                 dev                 ctest --preset dev
 phone               phone               ctest --preset phone
+phone-exceptions    phone-exceptions    ctest --preset phone-exceptions
 phone-overflow      phone-overflow      ctest --preset phone-overflow
+arm64               arm64               ctest --preset arm64
+arm                 arm                 ctest --preset arm
+clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm64/libkcodec2_platform.so
 style               phone,asan,bench    scripts/check-style.sh
-builds              -                   scripts/check-builds.sh
 android-bp          -                   scripts/check-android-bp.py
 soong               -                   scripts/check-soong.py
 image               dev                 scripts/check-image.sh
@@ -23,7 +26,7 @@ performance         bench               scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 docs                -                   scripts/check-docs.sh
 asan                asan                ctest --preset asan
-fuzz                asan                scripts/fuzz.sh 20
+fuzz                asan,phone-exceptions  scripts/fuzz.sh 20
 tsan                tsan                ctest --preset tsan
 STEPS
 }

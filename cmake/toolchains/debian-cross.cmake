@@ -2,7 +2,10 @@
 # packages of that architecture unpacked under build/, and QEMU to run what is built.
 
 set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_CXX_COMPILER ${triplet}-g++)
+if(NOT CMAKE_CXX_COMPILER)  # Clang compiles for any processor.
+    set(CMAKE_CXX_COMPILER ${triplet}-g++)
+endif()
+set(CMAKE_CXX_COMPILER_TARGET ${triplet})
 set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
 
 # The library's package has a number in its name; it is the one that this machine has, too.
