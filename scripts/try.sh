@@ -5,10 +5,19 @@ set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh run
-echo "Building ..."
+echo "Building the library and the tool"
 mkdir -p build
 log=build/try.log
-{ cmake --preset run && cmake --build build/run; } > "$log" 2>&1 || { cat "$log"; exit 1; }
+rm -f "$log.failed"
+{ { cmake --preset run && cmake --build build/run; } 2>&1 || touch "$log.failed"; } | tee "$log" |
+    awk -F '[][/]' '/^\[[0-9]+\/[0-9]+\]/ && ($2 % 10 == 0 || $2 == $3) {
+        print "  " $2 " of " $3
+        fflush()
+    }'
+if [ -f "$log.failed" ]; then
+    cat "$log"
+    exit 1
+fi
 
 tool=build/run/kcodec2_spec
 demo() {
