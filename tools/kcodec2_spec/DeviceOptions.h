@@ -29,6 +29,9 @@ void addLogOption(CLI::App& command, DeviceOptions* options);
 // is written to a tree that the tool is shown; on a device the library may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 
+// Sets the target variant of the device that the tool plays; on a device it is the device's own.
+void playVariant(const std::string& variant);
+
 // Keeps what the library logs out of the tool's output, and lets it in again. On a device the log
 // is the device's own.
 void muteLog();

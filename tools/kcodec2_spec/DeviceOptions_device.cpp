@@ -10,6 +10,8 @@ void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
+void playVariant(const std::string& /*variant*/) {}
+
 void muteLog() {}
 
 void unmuteLog() {}

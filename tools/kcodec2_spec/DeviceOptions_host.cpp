@@ -9,6 +9,7 @@
 
 #include "Text.h"
 #include "hostplatform/HostPlatform.h"
+#include "targetspec/DevicePaths.h"
 
 namespace kc2::tool {
 
@@ -89,6 +90,10 @@ void applyDeviceOptions(const DeviceOptions& options) {
         const size_t equals = property.find('=');
         host::setProperty(property.substr(0, equals), property.substr(equals + 1));
     }
+}
+
+void playVariant(const std::string& variant) {
+    host::setProperty(kVariantProperty, variant);
 }
 
 void muteLog() {

@@ -11,6 +11,7 @@
 #include "HelpText.h"
 #include "base/Version.h"
 #include "check/CheckCommand.h"
+#include "log/LogCommand.h"
 #include "targetspec/DefaultDocuments.h"
 
 namespace {
@@ -25,8 +26,9 @@ constexpr char kDescription[] =
         "is none, the chip's built-in document. A name that the first one sets keeps its value.";
 
 constexpr char kExitCodes[] =
-        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), or formats or explain "
-        "knows no such name; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
+        "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), log told an error, "
+        "or formats or explain knows no such name; 2 wrong usage, a FILE that cannot be read, or "
+        "output that cannot be "
         "written.";
 
 constexpr char kShowExample[] =
@@ -58,6 +60,7 @@ int run(int argc, char** argv) {
     });
 
     addCheckCommand(&app, &exitCode);
+    addLogCommand(&app, &exitCode);
 
     int number = 3;
     std::string variant;

@@ -13,6 +13,7 @@
 #include "platform/FormatRows.h"
 #include "targetspec/DefaultDocuments.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -30,24 +31,22 @@ bool isRejection(const LogEvent& event) {
     return event.id == LineId::StreamRejected || event.id == LineId::BuiltInRejected;
 }
 
-// The sections in the order in which a document's lines come.
+// The number of the section that an event is about, in the order in which a document's lines come.
 int rankOf(const LogEvent& event) {
-    const char* const sections[] = {targetSpecFeatures, targetSpecPresets,
-                                    targetSpecNimbraModeBitRate, targetSpecDV,
-                                    targetSpecPerfResourceValues, targetSpecSupportedCodecs};
-    if (event.id == LineId::RowSkipped) {
-        return 2;
-    }
-    if (event.id == LineId::EncoderFilter) {
-        return static_cast<int>(std::size(sections));
-    }
-    for (size_t rank = 0; rank < std::size(sections); ++rank) {
-        const std::string section = std::string(targetSpecRoot) + "/" + sections[rank];
-        if (event.place.starts_with(section) &&
-            (event.place.size() == section.size() || event.place[section.size()] == '/' ||
-             event.place[section.size()] == '[')) {
-            return static_cast<int>(rank);
+    int rank = 0;
+    for (const Section& section : kSections) {
+        const std::string place = std::string(targetSpecRoot) + "/" + *section.key;
+        const bool isOfRow =
+                event.id == LineId::RowSkipped && section.type == SectionType::BitRateRows;
+        const bool isOfFilter = event.id == LineId::EncoderFilter &&
+                                *section.key == targetSpecSupportedEncPostProcessingFilters;
+        if (isOfRow || isOfFilter ||
+            (event.id == LineId::Skipped && event.place.starts_with(place) &&
+             (event.place.size() == place.size() || event.place[place.size()] == '/' ||
+              event.place[place.size()] == '['))) {
+            return rank;
         }
+        ++rank;
     }
     return -1;
 }
@@ -131,12 +130,12 @@ Attribution attribute(const LoadStory& story) {
     narrowByVariantLines(story, &boundary);
     narrowByEvents(story, &boundary);
     Attribution attribution;
-    attribution.isContradictory = story.nothingOpenedLine == 0 && boundary.earliest > boundary.latest;
+    attribution.isContradictory =
+            story.nothingOpenedLine == 0 && boundary.earliest > boundary.latest;
     for (size_t i = 0; i < story.events.size(); ++i) {
         const bool isFirst = i < boundary.earliest;
         const bool isSecond = i >= boundary.latest;
-        attribution.of.push_back(isFirst == isSecond || attribution.isContradictory
-                                         ? Which::Either
+        attribution.of.push_back(isFirst == isSecond || attribution.isContradictory ? Which::Either
                                  : isFirst ? Which::SystemSpec
                                            : Which::Overlay);
     }
@@ -273,12 +272,11 @@ private:
                     "the target variant is missing: the property " + std::string(kVariantProperty) +
                     " (\"target-id\" in the line) is not set, or it is \"default\"; so " +
                     mStory.firstPath() + " is tried. ";
-            text += count == expected
-                            ? "The line is there " + times(count) + ", which is one load."
-                            : "The line is there " + times(count) + "; one load writes it " +
-                                      times(expected) +
-                                      ": the log is not whole, or components call "
-                                      "readTargetVariant() or getPrivateConfig(), too.";
+            text += count == expected ? "The line is there " + times(count) + ", which is one load."
+                                      : "The line is there " + times(count) +
+                                                "; one load writes it " + times(expected) +
+                                                ": the log is not whole, or components call "
+                                                "readTargetVariant() or getPrivateConfig(), too.";
             add(Severity::Warning, "variant", text,
                 std::string("Run \"") + kGetProperty +
                         "\". If this device should have a variant, set the property in its build.",
@@ -291,8 +289,9 @@ private:
             const bool isOdm = path.starts_with(kOdmSpecDirectory);
             add(Severity::Note, "variant",
                 "the variant is " + quoted(variant) + ", which selects " + path +
-                        (isOdm ? "" : std::string(": the same under ") + kOdmSpecDirectory +
-                                              " does not exist or cannot be examined"),
+                        (isOdm ? ""
+                               : std::string(": the same under ") + kOdmSpecDirectory +
+                                         " does not exist or cannot be examined"),
                 "", {mStory.parsingLine != 0 ? mStory.parsingLine : mStory.failedLine});
         } else {
             add(Severity::Note, "variant", "no line names the variant",
@@ -417,8 +416,9 @@ private:
                             (event.count == 1 ? " row" : " rows") + " of " +
                             targetSpecNimbraModeBitRate +
                             " skipped: a row holds three integers [low, high, bit rate]",
-                    "Run " + pullOf(i) + ", then \"kcodec2_spec check\" on the file: it names the "
-                                         "rows.",
+                    "Run " + pullOf(i) +
+                            ", then \"kcodec2_spec check\" on the file: it names the "
+                            "rows.",
                     {event.line});
             } else if (event.id == LineId::EncoderFilter) {
                 add(Severity::Note, "encoder-filter",
@@ -515,11 +515,11 @@ private:
     }
 
     static const Platform::FormatRow* formatNamed(const std::string& name) {
-        const auto row = std::find_if(
-                std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
-                [&](const Platform::FormatRow& format) {
-                    return name == format.name || toWord(name) == *format.format;
-                });
+        const auto row =
+                std::find_if(std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
+                             [&](const Platform::FormatRow& format) {
+                                 return name == format.name || toWord(name) == *format.format;
+                             });
         return row != std::end(Platform::kFormatRows) ? row : nullptr;
     }
 

@@ -131,7 +131,8 @@ std::string_view withoutBlanksBehind(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-// "name : 5" of the dump, without the blanks before it; `width` is that of the name with its blanks.
+// "name : 5" of the dump, without the blanks before it; `width` is that of the name with its
+// blanks.
 struct NamedEntry {
     std::string_view name;
     std::string_view value;
@@ -246,9 +247,8 @@ StoryCollector::Process* StoryCollector::processOf(const LogEntry& entry, uint64
 void StoryCollector::splitIfNewLoad(LineId id, std::string_view path, const LogEntry& entry,
                                     uint64_t lineNumber, Process* process) {
     const LoadStory& story = mStories[process->story];
-    const bool isAfterFindings =
-            std::any_of(story.events.begin(), story.events.end(), isFinding) ||
-            story.noCodecsCalls != 0;
+    const bool isAfterFindings = std::any_of(story.events.begin(), story.events.end(), isFinding) ||
+                                 story.noCodecsCalls != 0;
     const bool isAfterOpening = story.failedLine != 0 || story.fallbackLine != 0 ||
                                 story.nothingOpenedLine != 0 || isAfterFindings;
     bool isNew = false;
@@ -258,8 +258,7 @@ void StoryCollector::splitIfNewLoad(LineId id, std::string_view path, const LogE
                     (path == defaultPath() && story.count(LineId::NoVariant) > 1);
             break;
         case LineId::OpenFailed:
-            isNew = isAfterOpening ||
-                    (path == defaultPath() && story.count(LineId::NoVariant) > 1);
+            isNew = isAfterOpening || (path == defaultPath() && story.count(LineId::NoVariant) > 1);
             break;
         case LineId::FallingBack:
             isNew = story.fallbackLine != 0 || story.nothingOpenedLine != 0 || isAfterFindings;
@@ -385,8 +384,8 @@ void StoryCollector::takeStrange(std::string_view text, uint64_t lineNumber, Loa
     }
 }
 
-void StoryCollector::takeLine(LineId id, const LogEntry& entry, uint64_t lineNumber,
-                              uint64_t count, Process* process) {
+void StoryCollector::takeLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
+                              Process* process) {
     const std::string_view text = entry.text;
     const auto values = match(logLine(id).text, text);
     const auto value = [&](size_t i) {
@@ -443,8 +442,8 @@ void StoryCollector::takeLine(LineId id, const LogEntry& entry, uint64_t lineNum
             addCall(&story.unknownFormats, std::string(value(0)), value(0).size());
             break;
         case LineId::MissingPlane:
-            addCall(&story.missingPlanes,
-                    std::pair(std::string(value(0)), std::string(value(1))), text.size());
+            addCall(&story.missingPlanes, std::pair(std::string(value(0)), std::string(value(1))),
+                    text.size());
             break;
         case LineId::BadDescriptor:
             addCall(&story.badDescriptors, std::string(value(0)), value(0).size());
@@ -471,8 +470,7 @@ void StoryCollector::takeOurs(const LogEntry& entry, uint64_t lineNumber, uint64
     if (entry.tag.empty()) {
         // Without a tag only the library's own words tell whose line it is.
         const auto known = mProcesses.find(entry.process);
-        const bool isInDump = known != mProcesses.end() &&
-                              known->second.section != Section::None &&
+        const bool isInDump = known != mProcesses.end() && known->second.section != Section::None &&
                               known->second.section != Section::Later;
         if (row == nullptr || (isDumpEntry(row->id) && !isInDump)) {
             return;

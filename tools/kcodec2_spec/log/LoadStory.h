@@ -16,11 +16,11 @@ namespace kc2::tool {
 // One line that tells something about a document or a step, in the order of the log.
 struct LogEvent {
     LineId id;
-    uint64_t line;         // Of the log, the first one is 1.
-    std::string place;     // Of a skipped value; the name of a filter.
-    std::string reason;    // Why it was skipped.
-    std::string document;  // As the line names it; empty when it does not.
-    uint64_t count = 1;    // How many such lines follow each other.
+    uint64_t line;              // Of the log, the first one is 1.
+    std::string place = {};     // Of a skipped value; the name of a filter.
+    std::string reason = {};    // Why it was skipped.
+    std::string document = {};  // As the line names it; empty when it does not.
+    uint64_t count = 1;         // How many such lines follow each other.
 };
 
 struct DumpedValue {
@@ -68,7 +68,8 @@ struct LoadStory {
     std::map<std::pair<std::string, std::string>, std::pair<uint64_t, uint64_t>> missingPlanes;
     std::map<std::string, std::pair<uint64_t, uint64_t>> badDescriptors;
 
-    std::map<std::string, uint64_t> strangeLines;  // Of the tags, but none of the table; first line.
+    std::map<std::string, uint64_t>
+            strangeLines;  // Of the tags, but none of the table; first line.
     uint64_t strangeCount = 0;
     uint64_t cutLines = 0;
     uint64_t droppedLines = 0;  // Which the device says it has dropped from its log.

@@ -15,6 +15,7 @@
 #include "check/Report.h"
 #include "log/Conclusions.h"
 #include "log/LoadStory.h"
+#include "log/LogCommand.h"
 #include "log/LogLines.h"
 #include "log/Logcat.h"
 #include "log/PulledDocuments.h"
@@ -192,7 +193,8 @@ int tellLog(const std::string& path, const LogOptions& options) {
         std::fputs(kNothing, stdout);
     }
     if (collector.isTooLong()) {
-        std::fputs("kcodec2_spec: the log holds more than is kept; not all of it is told\n", stderr);
+        std::fputs("kcodec2_spec: the log holds more than is kept; not all of it is told\n",
+                   stderr);
     }
     return isAnyError ? kExitFindings : kExitOk;
 }

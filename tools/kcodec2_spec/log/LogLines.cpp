@@ -83,8 +83,8 @@ constexpr LogLine kLines[] = {
          "No document of the load names a codec component, so a component that asks takes every "
          "codec as enabled. One line for each call of getSupportedCodecs().",
          "List the components in \"codecs-available\"; a misspelt section has this effect, too."},
-        {LineId::UnknownFormat, log::kTagBufferLayout, kError, 0,
-         "%s is not a Tamra color format!", "query",
+        {LineId::UnknownFormat, log::kTagBufferLayout, kError, 0, "%s is not a Tamra color format!",
+         "query",
          "A component asked for a plane of a pixel format that the video core does not know.",
          "Correct the component. `kcodec2_spec formats` lists the formats."},
         {LineId::MissingPlane, log::kTagBufferLayout, kError, 0,
@@ -92,8 +92,7 @@ constexpr LogLine kLines[] = {
          "A component asked for a plane that buffers of this format do not have; `?` is a value "
          "that is not a plane.",
          "Correct the component. `kcodec2_spec formats` lists the planes of each format."},
-        {LineId::BadDescriptor, log::kTagPlatform, kError, 0, "NOTE9: Failed to fstat(%d)",
-         "query",
+        {LineId::BadDescriptor, log::kTagPlatform, kError, 0, "NOTE9: Failed to fstat(%d)", "query",
          "A component asked for the identity of a file descriptor that is not open. It gets 0.",
          "Correct the component: the descriptor is negative, closed already, or another "
          "process's."},

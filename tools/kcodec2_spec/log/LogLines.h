@@ -40,8 +40,8 @@ enum class LineId {
 struct LogLine {
     LineId id;
     const char* tag;
-    int priority;  // Of the Android log.
-    uint32_t gate; // The bits of the level word that let it through; 0: always written.
+    int priority;      // Of the Android log.
+    uint32_t gate;     // The bits of the level word that let it through; 0: always written.
     const char* text;  // As the source has it, a printf format.
     const char* step;  // Which step of a load or which call writes it.
     const char* meaning;

@@ -272,7 +272,7 @@ bool LogcatParser::takeLongHead(std::string_view line) {
     // "123:  124" or "media:  123:  124": the process is the last but one.
     const size_t colon = ids.rfind(':');
     const size_t before = colon == std::string_view::npos || colon == 0 ? std::string_view::npos
-                                                                       : ids.rfind(':', colon - 1);
+                                                                        : ids.rfind(':', colon - 1);
     if (colon == std::string_view::npos) {
         return false;
     }

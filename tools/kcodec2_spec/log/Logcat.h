@@ -33,11 +33,11 @@ private:
 };
 
 struct LogEntry {
-    std::string_view time;   // As the log has it; empty when the format has none.
-    int process = -1;        // -1 when the format has none.
-    char priority = '\0';    // 0 when the format has none.
-    std::string_view tag;    // Empty when the format has none.
-    std::string_view text;
+    std::string_view time = {};  // As the log has it; empty when the format has none.
+    int process = -1;            // -1 when the format has none.
+    char priority = '\0';        // 0 when the format has none.
+    std::string_view tag = {};   // Empty when the format has none.
+    std::string_view text = {};
 };
 
 // Takes the lines of one log in order: in the long format the head has a line of its own.

@@ -1,0 +1,27 @@
+// The command "log": its options, and what it does.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace kc2::tool {
+
+struct LogOptions {
+    bool asJson = false;
+    bool hasTree = false;         // The documents were pulled, too.
+    bool isVariantGiven = false;  // By an option; otherwise the log's counts.
+};
+
+// Adds the command; it sets `exitCode`, which must outlive the parse.
+void addLogCommand(CLI::App* app, int* exitCode);
+
+// Tells what the log in that file, or on standard input for "-", shows.
+int tellLog(const std::string& path, const LogOptions& options);
+
+// Prints every line that the library writes.
+int printLogLines();
+
+}  // namespace kc2::tool
