@@ -144,11 +144,11 @@ Attribution attribute(const LoadStory& story) {
 
 std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
                                             const Attribution& attribution) {
-    constexpr char kBuiltIn[] = "the built-in document is merged";
-    constexpr char kSeeded[] =
+    static constexpr char kBuiltIn[] = "the built-in document is merged";
+    static constexpr char kSeeded[] =
             "the built-in document is merged, and written into the file where that is possible";
-    constexpr char kRejected[] = "nothing is merged";
-    constexpr char kMerged[] = "the private file is merged";
+    static constexpr char kRejected[] = "nothing is merged";
+    static constexpr char kMerged[] = "the private file is merged";
     std::vector<OverlayOutcome> outcomes = {
             {false, "missing or not readable", kBuiltIn, false, false, true},
             {false, "empty", kRejected, true, false, true},
