@@ -27,7 +27,7 @@ public:
     explicit FindingLog(const char* document)
         : FindingSink({Effect::SkipsAndLogs}), mDocument(document) {}
 
-    void report(const Finding& finding) override {
+    void take(const Finding& finding) override {
         const char* const reason = rowOf(finding.kind).reason;
         if (finding.kind == FindingKind::RowSizeNotThree) {
             KC2_LOG_WARNING(kTag, "Unable to queue the json entry due to inappropriate size");

@@ -130,7 +130,11 @@ struct Finding {
 // Takes the findings of the effects that it wants; the others cost nothing.
 class FindingSink {
 public:
-    virtual void report(const Finding& finding) = 0;
+    void report(const Finding& finding) {
+        if (wants(rowOf(finding.kind).effect)) {
+            take(finding);
+        }
+    }
 
     bool wants(Effect effect) const { return (mEffects >> static_cast<int>(effect) & 1) != 0; }
 
@@ -141,6 +145,8 @@ protected:
         }
     }
     ~FindingSink() = default;
+
+    virtual void take(const Finding& finding) = 0;
 
 private:
     int mEffects = 0;

@@ -25,7 +25,7 @@ public:
                        Effect::Changes, Effect::Takes, Effect::Ignores}),
           mFindings(*findings) {}
 
-    void report(const Finding& finding) override {
+    void take(const Finding& finding) override {
         const Place& place = finding.place;
         mFindings.push_back({finding.kind, place.section != nullptr ? place.section : "",
                              std::string(place.name), place.index, finding.start, finding.limit,

@@ -14,6 +14,7 @@
 #include "Text.h"
 #include "check/Mends.h"
 #include "check/Rules.h"
+#include "check/SyntaxHints.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/Sections.h"
 
@@ -287,6 +288,21 @@ void checkCodecNames(const CheckedDocument& checked, const Emit& emit) {
     checkList(targetSpecOptionalCodecs, "");
 }
 
+void checkControlCharacters(const CheckedDocument& checked, const Emit& emit) {
+    if (checked.outline.root.kind == '\0') {
+        return;  // No JSON: the syntax error is the finding.
+    }
+    for (const Span& span : rawControlCharacters(checked.document.parserText)) {
+        const char c = checked.source.text()[span.start];
+        emit(span, std::string("a string holds a ") +
+                           (c == '\n' || c == '\r' ? "line break"
+                            : c == '\t'            ? "tab"
+                                                   : "control character") +
+                           " as it is: JsonCpp 1.9.8 and later reject the whole document for it. "
+                           "Write an escape, such as \\n, or remove it");
+    }
+}
+
 constexpr DocumentRule kDocumentRules[] = {
         {{"unknown-member", Severity::Warning,
           "a member that the device ignores, as misspelt ones are"},
@@ -297,6 +313,8 @@ constexpr DocumentRule kDocumentRules[] = {
          checkLeadingZeros},
         {{"lone-minus", Severity::Warning, "a minus sign without digits, which counts as 0"},
          checkLoneMinuses},
+        {{"control-character", Severity::Warning, "a raw line break or the like in a string"},
+         checkControlCharacters},
         {{"trailing-text", Severity::Warning, "text after the document's end"}, checkTrailingText},
         {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
          checkPerfWordPairs},

@@ -3,13 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Text.h"
 #include "check/Mends.h"
 #include "check/Rules.h"
+#include "check/SyntaxHints.h"
 #include "targetspec/Limits.h"
 
 namespace kc2::tool {
@@ -35,52 +36,20 @@ std::string valueAsWritten(const KeptFinding& finding, const std::string& text) 
     return std::string(shown) + (shown.size() < value.size() ? "..." : "");
 }
 
-// What helps beside the parser's words on a syntax error at `at`; empty when nothing is known.
-std::string hintFor(const std::string& text, size_t at) {
-    const auto startsWith = [&](const char* token) {
-        return text.compare(at, std::strlen(token), token) == 0;
-    };
-    const size_t before = at == 0 ? std::string::npos : text.find_last_not_of(" \t\r\n", at - 1);
-    const char previous = before == std::string::npos ? '\0' : text[before];
-    if (at >= text.size()) {
-        return "the text ends here";
+// The hint on a syntax error, or the parser's own words. It gives none where JsonCpp is built
+// without exceptions.
+SyntaxHint syntaxError(const KeptFinding& finding, const CheckedDocument& checked) {
+    const std::string& text = checked.document.parserText;
+    SyntaxHint hint =
+            syntaxHint(checked.source, text, finding.detail.empty() ? text.size() : finding.start);
+    if (hint.message.empty()) {
+        hint.span = {finding.start, finding.limit};
+        hint.message = finding.detail.empty() ? "not valid JSON" : finding.detail;
+        std::replace(hint.message.begin(), hint.message.end(), '\n', ' ');
+        hint.message.erase(hint.message.find_last_not_of('.') + 1);
     }
-    if (previous == ',' && (text[at] == '}' || text[at] == ']')) {
-        return "the comma before it must go";
-    }
-    if (previous == '0' && (text[at] == 'x' || text[at] == 'X')) {
-        return "a number cannot be hexadecimal";
-    }
-    if (text[at] == '\'') {
-        return "strings are written in double quotes";
-    }
-    if (startsWith("True") || startsWith("False") || startsWith("None")) {
-        return "write true, false or null";
-    }
-    if (startsWith("/*") && text.find("*/", at + 2) == std::string::npos) {
-        return "the comment never ends";
-    }
-    if (text[at] == '"' && text.find('"', at + 1) == std::string::npos) {
-        return "the string never ends";
-    }
-    return std::string();
-}
-
-// What the parser says of a syntax error, with what helps beside it.
-std::string syntaxError(const KeptFinding& finding, const std::string& text) {
-    if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
-        return "the document is empty";
-    }
-    if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
-        return "the document starts with a byte order mark, which must go";
-    }
-    std::string words = finding.detail;
-    std::replace(words.begin(), words.end(), '\n', ' ');
-    if (!words.empty() && words.back() == '.') {
-        words.pop_back();
-    }
-    const std::string hint = hintFor(text, std::min(finding.start, text.size()));
-    return hint.empty() ? words : words + ": " + hint;
+    hint.message += "; the device rejects the whole document";
+    return hint;
 }
 
 // A finding with the document that it is about, for the messages below.
@@ -95,9 +64,6 @@ public:
     std::string value() const { return valueAsWritten(mFinding, mChecked.document.text); }
     // What the device makes of it.
     int64_t converted() const { return mFinding.converted; }
-    std::string syntaxError() const {
-        return tool::syntaxError(mFinding, mChecked.document.parserText);
-    }
 
 private:
     const KeptFinding& mFinding;
@@ -107,7 +73,7 @@ private:
 struct ReaderRule {
     FindingKind kind;
     Rule rule;
-    std::string (*message)(const About& about);
+    std::string (*message)(const About& about);  // Null: syntaxError() has the words.
 };
 
 constexpr ReaderRule kReaderRules[] = {
@@ -130,11 +96,7 @@ constexpr ReaderRule kReaderRules[] = {
                      "nested deeper than {} levels: the device rejects the whole document",
                      kMaxNesting);
          }},
-        {FindingKind::SyntaxError,
-         {"syntax", Severity::Error, "not valid JSON", true},
-         [](const About& about) {
-             return fmt::format("{}; the device rejects the whole document", about.syntaxError());
-         }},
+        {FindingKind::SyntaxError, {"syntax", Severity::Error, "not valid JSON", true}, nullptr},
         {FindingKind::RootNotObject,
          {"root-not-object", Severity::Error, "a root that is not an object", true},
          [](const About&) {
@@ -303,10 +265,19 @@ const ReaderRule* ruleFor(FindingKind kind) {
 
 void applyReaderRules(const CheckedDocument& checked, Report* report) {
     for (const KeptFinding& finding : checked.document.findings) {
-        if (const ReaderRule* const rule = ruleFor(finding.kind)) {
+        const ReaderRule* const rule = ruleFor(finding.kind);
+        if (rule == nullptr) {
+            continue;
+        }
+        std::vector<Fix> fixes = mendsOf(finding, checked.document.text);
+        if (finding.kind == FindingKind::SyntaxError) {
+            SyntaxHint hint = syntaxError(finding, checked);
+            report->add(rule->rule, checked.source, hint.span, std::move(hint.message),
+                        {.related = std::move(hint.related), .fixes = std::move(fixes)});
+        } else {
             report->add(rule->rule, checked.source, {finding.start, finding.limit},
                         rule->message(About(finding, checked)),
-                        {.related = {}, .fixes = mendsOf(finding, checked.document.text)});
+                        {.related = {}, .fixes = std::move(fixes)});
         }
     }
 }

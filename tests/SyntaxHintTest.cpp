@@ -1,0 +1,150 @@
+// What the checker says of texts that are not JSON.
+
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/value.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Row {
+    std::string text;
+    const char* position;  // Line:column of what is wrong.
+    const char* hint;      // Somewhere in the message.
+};
+
+const std::vector<Row> kRows = {
+        // Commas and colons.
+        {R"({"a": 1 "b": 2})", "1:9",
+         "a comma is missing: write it behind the value that ends at 1:7"},
+        {"{\"a\": 1 // ,\n/* , */ \"b\": 2}", "2:9", "ends at 1:7"},
+        {R"(["x" "y"])", "1:6", "ends at 1:4"},
+        {"{\"a\": 1, /* c */\n}", "1:8", "a comma is left over before the '}'"},
+        {"[1, 2, // c\n]", "1:6", "a comma is left over before the ']'"},
+        {"[1,, 2]", "1:4", "two commas in a row"},
+        {"[, 1]", "1:2", "nothing is before this comma"},
+        {R"({"a": })", "1:7", "a value is missing"},
+        {R"({"a"})", "1:5", "\"a\" has no value"},
+        {R"({"a" 1})", "1:6", "a ':' is missing"},
+        {R"(["a": 1])", "1:5", "belongs into { }, not into the list that opens at 1:1"},
+        {R"({"a" = 1})", "1:6", "write ':' between a name and its value"},
+        {R"({"a": 1; "b": 2})", "1:8", "write ',' between values, not ';'"},
+        // Strings and names.
+        {"{\"a\": [\"x,\n \"y\"]}", "1:8",
+         "string that opens at 1:8 runs over the end of its line"},
+        {"{\"a\": [\"x\",\n \"y]\n}", "2:2",
+         "string that opens at 2:2 runs over the end of its line"},
+        {R"({"a": ["x]})", "1:8", "string that opens at 1:8 never ends"},
+        {R"({"Video: {"a": 1}})", "1:12", "string that opens at 1:2 ends before this"},
+        {R"({Video": {}})", "1:2", "the opening quote of \"Video\" is missing"},
+        {R"({Video: {}})", "1:2", "a name must be in double quotes: \"Video\""},
+        {R"({"a": high})", "1:7", "text must be in double quotes: \"high\""},
+        {"{'a': 1}", "1:2", "not in single ones"},
+        {R"({"ä": "C:\media"})", "1:10", "\\m is not an escape"},
+        {R"({"a": "\u12"})", "1:8", "four hexadecimal digits"},
+        // Brackets.
+        {R"({"a": {"b": [1, 2}})", "1:18", "the '[' that opens at 1:13 is still open"},
+        {R"({"a": 1])", "1:8", "write '}' here, not ']'"},
+        {"{\"a\": [1, 2]\n", "1:13", "the '{' that opens at 1:1 is still open"},
+        {"{\n \"Video\": {\n  \"a\": {\n   \"b\": 1,\n  \"c\": {\n   \"d\": 1\n  }\n }\n}\n", "9:2",
+         "the '{' that opens at 3:8 is still open"},
+        // Characters that look like others.
+        {"{“a”: 1}", "1:2", "left smart quote (U+201C)"},
+        {"{\"a\":\u00A01}", "1:6", "no-break space (U+00A0)"},
+        {"{\"a\": true\u00A0}", "1:11", "no-break space (U+00A0)"},
+        {"{\"a\"：1}", "1:5", "a full-width ':' (U+FF1A)"},
+        {"{\"a\": 1，\"b\": 2}", "1:8", "a full-width ',' (U+FF0C)"},
+        {"{\"a\": −1}", "1:7", "mathematical minus sign (U+2212)"},
+        {"{\"a\":\u200B 1}", "1:6", "invisible character (U+200B)"},
+        {"{\"a\": 1,\0}"s, "1:9", "a control character"},
+        // What is not a document of UTF-8 JSON at all.
+        {"", "1:1", "the document is empty"},
+        {"// c\n", "2:1", "the document is empty"},
+        {"\xEF\xBB\xBF{}", "1:1", "byte order mark"},
+        {"\xFF\xFE{\0}\0"s, "1:1", "UTF-16"},
+        {"{\0}\0"s, "1:1", "UTF-16"},
+        {"version https://git-lfs.github.com/spec/v1\n", "1:1", "git lfs pull"},
+        {"<?xml version=\"1.0\"?>", "1:1", "XML"},
+        {"{\"a\": 1,\n<<<<<<< HEAD\n\"b\": 2}", "2:1", "a merge mark"},
+        {"{\"a\": 1\n=======\n}", "2:1", "a merge mark"},
+        // Comments.
+        {"# c\n{}", "1:1", "# does not start a comment: write //"},
+        {"{\"a\": 1, -- c\n\"b\": 2}", "1:10", "-- does not start a comment: write //"},
+        {"{\"a\": /* x /* y */ z */ 1}", "1:20", "the one that opens at 1:7 ends at the first"},
+        {"{\"a\": /* x }", "1:7", "the comment never ends"},
+        {"{\"a\": / 1}", "1:7", "a lone '/'"},
+        // Numbers and words.
+        {R"({"a": +5})", "1:7", "write 5"},
+        {R"({"a": .5})", "1:7", "write 0.5"},
+        {R"({"a": 1_000})", "1:7", "write 1000"},
+        {R"({"a": 1,000})", "1:7", "write 1000"},
+        {R"({"a": 0x10})", "1:7", "write 16"},
+        {R"({"a": [4080FFFF]})", "1:8", "put a perf word in double quotes"},
+        {R"({"a": 500ms})", "1:7", "write 500"},
+        {"{\"a\": 5µs}", "1:8", "no unit or suffix"},
+        {R"({"a": 12e})", "1:7", "12e is not a number"},
+        {R"({"a": NaN})", "1:7", "write a number"},
+        {R"({"a": -Infinity})", "1:7", "write a number"},
+        {R"({"a": True})", "1:7", "write true in small letters"},
+        {R"({"a": yes})", "1:7", "write true"},
+        {R"({"a": None})", "1:7", "write null"},
+        // Known to the parser alone.
+        {R"({"a": 1e999})", "1:7", "'1e999' is not a number"},
+};
+
+TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
+    const ScratchDirectory scratch;
+    std::string command = "check --format json";
+    for (size_t i = 0; i < kRows.size(); ++i) {
+        command += " " + scratch.write(std::to_string(i) + ".json", kRows[i].text);
+    }
+    Json::Value report;
+    std::istringstream stream(run(command).output);
+    std::string errors;
+    ASSERT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &report, &errors));
+    std::vector<int> findings(kRows.size());
+    for (const Json::Value& finding : report["findings"]) {
+        const std::string path = finding["path"].asString();
+        const size_t i = std::stoul(path.substr(path.rfind('/') + 1));
+        const Row& row = kRows.at(i);
+        ++findings[i];
+        EXPECT_EQ("syntax", finding["id"].asString()) << row.text;
+        EXPECT_EQ(row.position, finding["line"].asString() + ":" + finding["column"].asString())
+                << row.text;
+        EXPECT_NE(std::string::npos, finding["message"].asString().find(row.hint))
+                << row.text << "\n"
+                << finding["message"].asString();
+    }
+    EXPECT_EQ(std::vector<int>(kRows.size(), 1), findings);  // One mistake, one finding.
+}
+
+// A parser of this machine takes these; the next one may not.
+TEST(SyntaxHintTest, RawControlCharactersInStringsAreToldOncePerString) {
+    const ScratchDirectory scratch;
+    const std::string path =
+            scratch.write("a.json",
+                          "{\"Video\": {\"Features\": {\"a\nb\nc\": true,\t\"\\\"\t\": "
+                          "true, \"c\": /* \"\n */ true}}}");
+    const std::string output = run("check " + path).output;
+    EXPECT_NE(std::string::npos, output.find(":1:27: warning: a string holds a line break"))
+            << output;
+    EXPECT_NE(std::string::npos, output.find(":3:14: warning: a string holds a tab")) << output;
+    size_t count = 0;
+    for (size_t at = 0; (at = output.find("[control-character]", at)) != std::string::npos; ++at) {
+        ++count;
+    }
+    EXPECT_EQ(2U, count);
+}
+
+}  // namespace
+
+}  // namespace kc2::test
