@@ -28,6 +28,8 @@ struct TargetSpecInspector {
         return store.mCodecPlugins;
     }
     static const DVConfigs& dvConfigs(const TargetSpec& store) { return store.mDVConfigs; }
+    /** To tell whether a load step sets them. */
+    static DVConfigs& changeableDVConfigs(TargetSpec& store) { return store.mDVConfigs; }
     static const std::list<std::string>& preprocessingFilters(const TargetSpec& store) {
         return store.mPreprocessingFilters;
     }

@@ -1,0 +1,124 @@
+// The store as the tool shows it: every section is there, and each entry has the right origin.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "Device.h"
+#include "StoreSnapshot.h"
+#include "kc2/TargetSpecKeys.h"
+
+namespace kc2::test {
+
+namespace {
+
+using tool::SnapshotSection;
+
+tool::LoadSteps stepsOf(const std::string& first, const std::string& second) {
+    return {[first](TargetSpec& store) { parse(store, first); },
+            [second](TargetSpec& store) { parse(store, second); }, "1", "2"};
+}
+
+// "name:text:origin" of each entry, section by section.
+std::map<std::string, std::string> shownOf(const TargetSpec& whole, const tool::LoadSteps& steps) {
+    const Device device;  // Keeps the log.
+    std::map<std::string, std::string> shown;
+    for (const SnapshotSection& section : tool::sectionsOf(whole, steps)) {
+        for (const tool::SnapshotEntry& entry : section.entries) {
+            shown[section.key] += entry.name + ":" + entry.text + ":" + entry.origin + " ";
+        }
+    }
+    return shown;
+}
+
+// What is shown after `first` and then `second`, as the library merges them.
+std::map<std::string, std::string> shownOf(const std::string& first, const std::string& second) {
+    const tool::LoadSteps steps = stepsOf(first, second);
+    TargetSpec whole;
+    steps.systemSpec(whole);
+    steps.overlay(whole);
+    return shownOf(whole, steps);
+}
+
+std::string document(const std::string& sections) {
+    return "{\"Video\": {" + sections + "}}";
+}
+
+constexpr char kFirst[] = R"({"Video": {
+    "Features": {"a": true, "b": true}, "Presets": {"a": 1},
+    "NimbraModeBitrateTable": [[0, 1, 2]], "KC2CodecPlugins": ["p", "q"],
+    "DolbyVision": {"profiles": [5, 8], "max_main_tier_level": 9},
+    "codecs-available": {"decoders": ["c"]}}})";
+constexpr char kSecond[] = R"({"Video": {
+    "Features": {"a": false, "b": true, "c": false}, "Presets": {"a": 2, "b": -3},
+    "perf-resource-values": {"e": ["0x1", "0x2"], "f": []},
+    "NimbraModeBitrateTable": [[1, 2, 3], [0, 1, 2]], "KC2CodecPlugins": ["p", "p"],
+    "DolbyVision": {"profiles": [8, 9], "max_main_tier_level": 9},
+    "OptionalCodecs": ["c", "a"]}})";
+
+TEST(SnapshotTest, EachEntryHasTheDocumentThatSetIt) {
+    auto shown = shownOf(kFirst, kSecond);
+    EXPECT_EQ("a:on:1 b:on:1 c:off:2 ", shown["features"]);
+    EXPECT_EQ("a:1:1 b:-3:2 ", shown["presets"]);
+    EXPECT_EQ("e:0x1=0x2:2 f:(none):2 ", shown["perfResourceValues"]);
+    EXPECT_EQ("[0, 1):2:1 [1, 2):3:2 [0, 1):2:2 ", shown["nimbraModeBitRateTable"]);
+    EXPECT_EQ("p::1 q::1 p::2 p::2 ", shown["codecPlugins"]);
+    EXPECT_EQ("5::1 8::1 9::2 ", shown["dolbyVisionProfiles"]);
+    EXPECT_EQ("a::2 c::1 ", shown["supportedCodecs"]);
+    const auto levels = [](const std::string& first, const std::string& second) {
+        return shownOf(document(first), document(second))["dolbyVisionTierLevels"];
+    };
+    const std::string section = R"("DolbyVision": {})";
+    const std::string same = R"("DolbyVision": {"max_main_tier_level": 9})";
+    EXPECT_EQ("max_main_tier_level:0:no document max_high_tier_level:0:no document ",
+              levels("", ""));
+    EXPECT_EQ("max_main_tier_level:0:1 max_high_tier_level:0:1 ", levels(section, ""));
+    EXPECT_EQ("max_main_tier_level:0:2 max_high_tier_level:0:2 ", levels("", section));
+    EXPECT_EQ("max_main_tier_level:9:2 max_high_tier_level:0:2 ", levels(same, same));
+}
+
+// The origins must follow a library that merges by other rules. Merged the other way round, the
+// second document wins, and its entries are in front.
+TEST(SnapshotTest, KnowsNoMergeRule) {
+    const tool::LoadSteps steps = stepsOf(kFirst, kSecond);
+    TargetSpec whole;
+    steps.overlay(whole);
+    steps.systemSpec(whole);
+    auto shown = shownOf(whole, steps);
+    EXPECT_EQ("a:off:2 b:on:1 c:off:2 ", shown["features"]);
+    EXPECT_EQ("a:2:2 b:-3:2 ", shown["presets"]);
+    EXPECT_EQ("[1, 2):3:2 [0, 1):2:2 [0, 1):2:1 ", shown["nimbraModeBitRateTable"]);
+    EXPECT_EQ("p::2 p::2 p::1 q::1 ", shown["codecPlugins"]);
+    EXPECT_EQ("a::2 c::1 ", shown["supportedCodecs"]);
+    // A list that the second document replaces is its own, whatever the first one held.
+    TargetSpec replaced;
+    steps.overlay(replaced);
+    EXPECT_EQ("p::2 p::2 ", shownOf(replaced, steps)["codecPlugins"]);
+}
+
+// A document with one section alone must show in one section at least.
+TEST(SnapshotTest, ShowsEverySection) {
+    const auto empty = shownOf("{}", "{}");
+    const std::pair<const char*, const char*> rows[] = {
+            {targetSpecFeatures, R"({"a": false})"},
+            {targetSpecPresets, R"({"a": 0})"},
+            {targetSpecNimbraModeBitRate, "[[0, 0, 0]]"},
+            {targetSpecDV, "{}"},
+            {targetSpecCodecPlugins, R"([""])"},
+            {targetSpecPreProcessingFilters, R"([""])"},
+            {targetSpecPerfResourceValues, R"({"a": []})"},
+            {targetSpecSupportedCodecs, R"({"encoders": [""]})"},
+            {targetSpecOptionalCodecs, R"([""])"},
+            {targetSpecSupportedEncPostProcessingFilters, R"([""])"},
+    };
+    for (const auto& [key, value] : rows) {
+        const std::string text = document("\"" + std::string(key) + "\": " + value);
+        EXPECT_NE(empty, shownOf(text, "{}")) << key;
+        EXPECT_NE(empty, shownOf("{}", text)) << key;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
