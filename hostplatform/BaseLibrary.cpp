@@ -44,6 +44,11 @@ void host::setProperty(const std::string& name, const std::string& value) {
     properties()[name] = value;
 }
 
+void host::clearProperties() {
+    const std::lock_guard<std::mutex> lock(sPropertyMutex);
+    properties().clear();
+}
+
 std::string OS::SystemProperty::Get(const char* name, const char* defaultValue) {
     const std::lock_guard<std::mutex> lock(sPropertyMutex);
     const auto property = properties().find(std::string_view(name));

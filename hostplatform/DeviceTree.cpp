@@ -157,6 +157,12 @@ void mapDirectory(const std::string& deviceDirectory, const std::string& hostDir
     tree.mappings[withoutTrailingSlashes(deviceDirectory)] = withoutTrailingSlashes(hostDirectory);
 }
 
+void clearMappings() {
+    DeviceTree& tree = deviceTree();
+    const std::lock_guard<std::mutex> lock(tree.mutex);
+    tree.mappings.clear();
+}
+
 std::string hostPath(const std::string& devicePath) {
     DeviceTree& tree = deviceTree();
     const std::lock_guard<std::mutex> lock(tree.mutex);

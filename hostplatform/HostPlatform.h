@@ -19,6 +19,9 @@ namespace kc2::host {
 /** Sets the system property `name`. One that is never set gives its readers their default. */
 void setProperty(const std::string& name, const std::string& value);
 
+/** Forgets every property, as for another device. */
+void clearProperties();
+
 /** Sets the level word that kc2::updateLogLevel() puts into kc2::gC2LogLevel. Initially 0. */
 void setLogLevel(uint32_t level);
 
@@ -40,6 +43,9 @@ void setLogSink(LogSink sink);
  * that leaves the mapped directories that way cannot be opened.
  */
 void mapDirectory(const std::string& deviceDirectory, const std::string& hostDirectory);
+
+/** Forgets every mapping. */
+void clearMappings();
 
 /** Where `devicePath` lies for this process; empty when it leads out of what is mapped. */
 std::string hostPath(const std::string& devicePath);

@@ -4,15 +4,22 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace kc2::tool {
 
 // Exit codes, the same for every command.
 inline constexpr int kExitOk = 0;
-inline constexpr int kExitFindings = 1;  // check: errors found. formats: no such format.
+inline constexpr int kExitFindings = 1;  // check: errors. diff: differences. formats: no such one.
 inline constexpr int kExitUsage = 2;     // Wrong usage, a file not read, output not written.
 
 // Loads the store as a component would and prints it.
 int show(bool asJson);
+
+// Adds the command that compares two loads; it sets the exit code when it is asked for.
+void addDiffCommand(CLI::App* app, int* exitCode);
 
 // Prints a built-in document, to start a new one from.
 int printDefault(int number);

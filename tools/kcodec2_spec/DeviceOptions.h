@@ -23,9 +23,13 @@ struct DeviceOptions {
 
 // Add options to a command; `options` must outlive the parse.
 void addDeviceOptions(CLI::App& command, DeviceOptions* options);
+// The same without --rootdir for one of two devices, with `suffix` behind each option's name, and
+// --variant for short.
+void addSideOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options);
 void addLogOption(CLI::App& command, DeviceOptions* options);
 
-// Sets the device up. Call it before the library is first used. On a development machine nothing
+// Sets the device up, in place of one that an earlier call has set up. Call it before the library
+// is first used for that device. On a development machine nothing
 // is written to a tree that the tool is shown; on a device the library may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 

@@ -6,6 +6,9 @@ namespace kc2::tool {
 
 void addDeviceOptions(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
+void addSideOptions(CLI::App& /*command*/, const std::string& /*suffix*/,
+                    DeviceOptions* /*options*/) {}
+
 void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}

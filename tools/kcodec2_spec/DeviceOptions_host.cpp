@@ -44,6 +44,21 @@ std::string checkProperty(const std::string& property) {
     return std::string();
 }
 
+void addTreeOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options) {
+    command.add_option("--dirmap" + suffix, options->mappings,
+                       "Where one directory of the device lies; goes before --rootdir; repeatable")
+            ->type_name("/PREFIX:DIR")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkMapping, ""))
+            ->group(kDeviceGroup);
+    command.add_option("--property" + suffix, options->properties,
+                       "A system property, such as vendor.media.target_variant; repeatable")
+            ->type_name("NAME=VALUE")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkProperty, ""))
+            ->group(kDeviceGroup);
+}
+
 }  // namespace
 
 void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
@@ -52,18 +67,19 @@ void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
             ->type_name("DIR")
             ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
             ->group(kDeviceGroup);
-    command.add_option("--dirmap", options->mappings,
-                       "Where one directory of the device lies; goes before --rootdir; repeatable")
-            ->type_name("/PREFIX:DIR")
-            ->allow_extra_args(false)
-            ->check(CLI::Validator(checkMapping, ""))
+    addTreeOptions(command, "", options);
+}
+
+void addSideOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options) {
+    command.add_option_function<std::string>(
+                   "--variant" + suffix,
+                   [options](const std::string& variant) {
+                       options->properties.push_back(std::string(kVariantProperty) + "=" + variant);
+                   },
+                   "The target variant, for --property" + suffix + " " + kVariantProperty + "=NAME")
+            ->type_name("NAME")
             ->group(kDeviceGroup);
-    command.add_option("--property", options->properties,
-                       "A system property, such as vendor.media.target_variant; repeatable")
-            ->type_name("NAME=VALUE")
-            ->allow_extra_args(false)
-            ->check(CLI::Validator(checkProperty, ""))
-            ->group(kDeviceGroup);
+    addTreeOptions(command, suffix, options);
 }
 
 void addLogOption(CLI::App& command, DeviceOptions* options) {
@@ -77,6 +93,8 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
 }
 
 void applyDeviceOptions(const DeviceOptions& options) {
+    host::clearMappings();
+    host::clearProperties();
     host::setReadOnly(true);
     host::setLogLevel(options.logLevel);
     if (!options.rootDirectory.empty()) {

@@ -27,8 +27,8 @@ constexpr char kDescription[] =
 
 constexpr char kExitCodes[] =
         "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), log told an error, "
-        "or formats or explain knows no such name; 2 wrong usage, a FILE that cannot be read, or "
-        "output that cannot be "
+        "diff found differences, or formats or explain knows no such name; 2 wrong usage, a FILE "
+        "that cannot be read, or output that cannot be "
         "written.";
 
 constexpr char kShowExample[] =
@@ -61,6 +61,7 @@ int run(int argc, char** argv) {
 
     addCheckCommand(&app, &exitCode);
     addLogCommand(&app, &exitCode);
+    addDiffCommand(&app, &exitCode);
 
     int number = 3;
     std::string variant;
