@@ -20,6 +20,7 @@ arm                 arm                 ctest --preset arm
 clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm64/libkcodec2_platform.so
 style               phone,asan,bench    scripts/check-style.sh
 android-bp          -                   scripts/check-android-bp.py
+abi                 -                   scripts/check-abi.sh
 soong               -                   scripts/check-soong.py
 image               dev                 scripts/check-image.sh
 performance         bench               scripts/check-performance.py
