@@ -9,7 +9,7 @@
 # which must not come into a process with libc++.
 include(CheckCXXSymbolExists)
 check_cxx_symbol_exists(_LIBCPP_VERSION version KC2_USES_LIBCXX)
-if(NOT KC2_USES_LIBCXX)
+if(NOT KC2_USES_LIBCXX AND NOT KC2_PHONE_JSONCPP)
     set(debian_suffix PATH_SUFFIXES android)
 endif()
 

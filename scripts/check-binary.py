@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Checks a built library as a loader and a linker see it: check-binary.py LIBRARY
 
-Takes a library of a host build or of a device build, with its symbol table (not stripped). Prints a
-line for each check, and exits with 1 when one fails.
+Takes a library of a host build or of a device build, of 32 or 64 bits, with its symbol table (not
+stripped). Prints a line for each check, and exits with 1 when one fails. Reads it with llvm-readelf,
+which knows the packed relocations of Android's linker.
 """
 
 import re
 import subprocess
 import sys
 from pathlib import Path
+from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parent.parent
 MAP = ROOT / "libkcodec2_platform.map.txt"
@@ -25,10 +27,15 @@ PLATFORM_NAMES = (
 )
 HOST_NAMES = r"_ZN3kc24host.*"
 JSONCPP_NAMES = r"_ZNK?4Json.*"
-# Symbols of the C and C++ libraries carry a version, except libc++'s outside of Android.
-STANDARD_VERSIONS = r".+@(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
-LIBCXX_NAMES = (r"(_ZNK?St|_ZT[VT]NSt|_ZTv0_n\d+_NSt|_ZTVN10__cxxabiv1|_Zn[wa]m|_Zd[la]Pv|"
-                r"__gxx_personality_v0).*")
+# Symbols of the C and C++ libraries carry a version in most builds. Where they have none: what
+# the C++ library may be asked for, and what of the C library is used.
+STANDARD_VERSIONS = r"(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
+CXX_NAMES = (r"(_ZNK?S[tabisod]|_ZSt|_ZT[VT]N?S[tabisod]|_ZTv0_n\d+_NSt|_ZTVN10__cxxabiv1|"
+             r"_Zn[wa][jm]|_Zd[la]Pv|__gxx_personality_v0).*")
+C_NAMES = (r"abort|trunc|ceilf|log2f|f?stat(64)?|open(64)?|read|close|v?snprintf|bcmp|strlen|strn?cmp|"
+           r"f(open|close|read|write|flush)(64)?|f(seek|tell)o?(64)?|mem(chr|cmp|cpy|move|set)|"
+           r"__errno(_location)?|__\w+_chk|__open(64)?_2|__stack_chk_(fail|guard)|__cxa_atexit|"
+           r"__cxa_pure_virtual|__aeabi_\w+")
 # Hooks of the toolchain that may be absent at run time.
 OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
 
@@ -43,33 +50,45 @@ class Symbol:
         self.size = int(fields[2], 0)
         self.type, self.binding = fields[3], fields[4]
         self.section = fields[6]
-        self.name = fields[7] if len(fields) > 7 else ""
+        self.name, _, version = (fields[7] if len(fields) > 7 else "").partition("@")
+        self.version = version.lstrip("@")
 
     @property
     def is_undefined(self):
         return self.section == "UND"
 
 
+class Section(NamedTuple):
+    name: str
+    address: int
+    offset: int  # In the file.
+    size: int
+    flags: str
+
+
 class Library:
-    """The parts of an ELF file that the checks ask for, as readelf prints them."""
+    """The parts of an ELF file that the checks ask for, as llvm-readelf prints them."""
 
     def __init__(self, path):
         self.path = path
+        self.content = Path(path).read_bytes()
+        self.pointer_size = 8 if self.content[4:5] == b"\2" else 4  # The class: 64 or 32 bits.
         self.dynamic_symbols = self._symbols("--dyn-syms")
         self.symbols = self._symbols("--symbols")
         self.dynamic = self._readelf("--dynamic")
         self.segments = self._readelf("--program-headers")
         self.sections = {}
         for line in self._readelf("--section-headers").splitlines():
-            match = re.match(r"\s*\[\s*(\d+)\]\s+(\S+)\s+\S+\s+([0-9a-f]+)\s+[0-9a-f]+"
+            match = re.match(r"\s*\[\s*(\d+)\]\s+(\S+)\s+\S+\s+([0-9a-f]+)\s+([0-9a-f]+)"
                              r"\s+([0-9a-f]+)\s+[0-9a-f]+\s+([A-Zop]*)\s", line)
             if match:
-                number, name, address, size, flags = match.groups()
-                self.sections[number] = (name, int(address, 16), int(size, 16), flags)
+                number, name, address, offset, size, flags = match.groups()
+                self.sections[number] = Section(name, int(address, 16), int(offset, 16),
+                                                int(size, 16), flags)
 
     def _readelf(self, option):
-        return subprocess.run(["readelf", "--wide", option, self.path], check=True, text=True,
-                              stdout=subprocess.PIPE).stdout
+        return subprocess.run(["llvm-readelf", "--wide", option, self.path], check=True,
+                              text=True, stdout=subprocess.PIPE).stdout
 
     def _symbols(self, option):
         lines = self._readelf(option).split("Symbol table '.symtab'")
@@ -99,15 +118,21 @@ class Library:
 
     def initialisers(self):
         """The names of the functions in .init_array."""
-        for _, address, size, _ in (s for s in self.sections.values() if s[0] == ".init_array"):
-            entries = []
-            for line in self._readelf("--relocs").splitlines():
-                fields = line.split()
-                if len(fields) >= 4 and re.fullmatch(r"[0-9a-f]{16}", fields[0]):
-                    if address <= int(fields[0], 16) < address + size:
-                        entries.append(self._function_at(int(fields[-1], 16)))
-            return entries if len(entries) == size // 8 else entries + ["an unknown function"]
-        return []
+        addends = self._addends()
+        functions = []
+        for section in (s for s in self.sections.values() if s.name == ".init_array"):
+            for at in range(0, section.size, self.pointer_size):
+                offset = section.offset + at
+                word = self.content[offset:offset + self.pointer_size]
+                address = addends.get(section.address + at) or int.from_bytes(word, "little")
+                functions.append(self._function_at(address))
+        return functions
+
+    def _addends(self):
+        """Of relative relocations that bring one; the others have it in the place itself."""
+        pattern = r"^\s*([0-9a-f]{8,16})\s+[0-9a-f]+\s+R_\w+_RELATIVE\s+([0-9a-f]+)$"
+        return {int(place, 16): int(addend, 16) for place, addend
+                in re.findall(pattern, self._readelf("--relocs"), re.MULTILINE)}
 
     def _function_at(self, address):
         names = [symbol.name for symbol in self.symbols
@@ -134,7 +159,7 @@ def pixel_formats(library):
             wrong.append(f"{name} is missing")
         elif (symbol.binding, symbol.type, symbol.size) != ("WEAK", "OBJECT", 4):
             wrong.append(f"{name}: {symbol.binding} {symbol.type} of {symbol.size} bytes")
-        elif "W" in library.sections[symbol.section][3]:
+        elif "W" in library.sections[symbol.section].flags:
             wrong.append(f"{name} is writable")
     return wrong
 
@@ -150,14 +175,15 @@ def key_names(library):
         if symbol is None:
             wrong.append(f"{name} is missing")
             continue
-        if (symbol.binding, symbol.type, symbol.size) != ("GLOBAL", "OBJECT", 8):
+        if (symbol.binding, symbol.type, symbol.size) != ("GLOBAL", "OBJECT",
+                                                                library.pointer_size):
             wrong.append(f"{name}: {symbol.binding} {symbol.type} of {symbol.size} bytes")
-        if ("W" not in library.sections[symbol.section][3]
+        if ("W" not in library.sections[symbol.section].flags
                 or relro_start <= symbol.address < relro_end):
             wrong.append(f"{name} is read-only")
         if expected is not None and symbol.address != expected:
             wrong.append(f"{name} lies at {symbol.address:#x}, not at {expected:#x}")
-        expected = symbol.address + 8
+        expected = symbol.address + library.pointer_size
     return wrong
 
 
@@ -184,10 +210,10 @@ def hardening(library):
     relro_start, relro_end = library.relro()
     if relro_start == relro_end:
         wrong.append("no RELRO segment")
-    for name, address, size, _ in library.sections.values():
-        if name in (".got", ".got.plt", ".init_array", ".data.rel.ro", ".dynamic") and not (
-                relro_start <= address and address + size <= relro_end):
-            wrong.append(f"{name} stays writable")
+    for section in library.sections.values():
+        if section.name in (".got", ".got.plt", ".init_array", ".data.rel.ro", ".dynamic") and not (
+                relro_start <= section.address and section.address + section.size <= relro_end):
+            wrong.append(f"{section.name} stays writable")
     if "BIND_NOW" not in library.dynamic:
         wrong.append("symbols are bound lazily")
     stack = re.search(r"GNU_STACK(.*)", library.segments)
@@ -216,8 +242,9 @@ def undefined_symbols(library):
         name = symbol.name
         matching = [pattern for pattern in PLATFORM_NAMES if re.fullmatch(pattern, name)]
         platform.update(matching)
-        if not (matching or re.fullmatch(STANDARD_VERSIONS, name)
-                or re.fullmatch(JSONCPP_NAMES, name) or re.fullmatch(LIBCXX_NAMES, name)
+        if not (matching or re.fullmatch(STANDARD_VERSIONS, symbol.version)
+                or re.fullmatch(JSONCPP_NAMES, name) or re.fullmatch(CXX_NAMES, name)
+                or (not symbol.version and re.fullmatch(C_NAMES, name))
                 or (library.is_of_host and re.fullmatch(HOST_NAMES, name))
                 or (symbol.binding == "WEAK" and re.fullmatch(OPTIONAL_NAMES, name))):
             wrong.append(name)
@@ -242,7 +269,7 @@ def main():
     try:
         library = Library(sys.argv[1])
     except subprocess.CalledProcessError:
-        sys.exit(f"check-binary.py: {sys.argv[1]} is no library that readelf can read")
+        sys.exit(f"check-binary.py: {sys.argv[1]} is not a library that llvm-readelf can read")
     failed = False
     for check in CHECKS:
         wrong = check(library)

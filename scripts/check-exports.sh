@@ -23,6 +23,7 @@ nm=${3:-nm}
         }
     }
     $2 != "A" {
+        sub(/@.*/, "", $3)
         found = 0
         for (i = 1; i <= patterns; ++i) {
             if ($3 ~ regex[i]) {

@@ -18,7 +18,7 @@ test="$test android-liblog-dev blueprint-tools golang-android-soong-dev
     golang-github-golang-protobuf-1-3-dev golang-github-google-blueprint-dev golang-go"
 # Benchmarks; proofs about the binary and the load; documents.
 test="$test libbenchmark-dev libsimdjson-dev rapidjson-dev
-    abigail-tools binutils python3 relacy-dev valgrind
+    abigail-tools binutils llvm python3 relacy-dev valgrind
     chromium doxygen"
 
 case "${1:-}" in
