@@ -75,12 +75,8 @@ void narrowByVariantLines(const LoadStory& story, Boundary* boundary) {
         }
         const uint64_t before = seen;
         seen += story.events[i].count;
-        if (before < 2 && seen == 2) {
-            boundary->notBefore(i + 1);
-        } else if (before < 2 && seen > 2) {
+        if (before <= 2 && seen > 2) {
             boundary->notBefore(i);
-            boundary->notAfter(i);
-        } else if (before == 2) {
             boundary->notAfter(i);
         }
     }
@@ -89,7 +85,6 @@ void narrowByVariantLines(const LoadStory& story, Boundary* boundary) {
 void narrowByEvents(const LoadStory& story, Boundary* boundary) {
     const std::vector<LogEvent>& events = story.events;
     size_t previous = kNone;
-    bool isAnyBefore = false;
     for (size_t i = 0; i < events.size(); ++i) {
         const LogEvent& event = events[i];
         if (event.id == LineId::FeaturesHeading) {
@@ -104,18 +99,13 @@ void narrowByEvents(const LoadStory& story, Boundary* boundary) {
         } else if (!event.document.empty() || event.id == LineId::BuiltInRejected) {
             boundary->notAfter(i);
         }
-        if (isRejection(event) && isAnyBefore) {
-            boundary->notAfter(i);  // It is the only line about its document.
-        }
-        if (previous != kNone && isRejection(events[previous])) {
-            boundary->notBefore(previous + 1);
-            boundary->notAfter(i);
-        } else if (previous != kNone && !isRejection(event) && rankOf(event) >= 0 &&
-                   rankOf(event) < rankOf(events[previous])) {
+        // A rejection is the only line about its document, and sections come in their order.
+        if (previous != kNone &&
+            (isRejection(event) || isRejection(events[previous]) ||
+             (rankOf(event) >= 0 && rankOf(event) < rankOf(events[previous])))) {
             boundary->notBefore(previous + 1);
             boundary->notAfter(i);
         }
-        isAnyBefore = true;
         previous = i;
     }
 }

@@ -38,10 +38,10 @@ std::vector<std::string_view> literalsOf(std::string_view format) {
 // What stands in the placeholders of `format` in `text`; nothing when the text is another line.
 // The last literals are looked for from the end: what stands in front of them may hold anything.
 std::optional<std::vector<std::string_view>> match(std::string_view format, std::string_view text) {
-    const std::vector<std::string_view> literals = literalsOf(format);
-    if (!text.starts_with(literals.front())) {
-        return std::nullopt;
+    if (!text.starts_with(format.substr(0, format.find('%')))) {
+        return std::nullopt;  // Nearly every row: a log may have many lines.
     }
+    const std::vector<std::string_view> literals = literalsOf(format);
     text.remove_prefix(literals.front().size());
     if (literals.size() == 1) {
         return text.empty() ? std::optional(std::vector<std::string_view>()) : std::nullopt;
@@ -65,7 +65,8 @@ std::optional<std::vector<std::string_view>> match(std::string_view format, std:
 
 // A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
 std::optional<LogEvent> matchSkipped(std::string_view text, uint64_t lineNumber) {
-    const std::string_view start = literalsOf(logLine(LineId::Skipped).text).front();
+    const std::string_view format = logLine(LineId::Skipped).text;
+    const std::string_view start = format.substr(0, format.find('%'));
     const size_t colon = text.rfind(": ");
     if (!text.starts_with(start) || colon == std::string_view::npos || colon < start.size()) {
         return std::nullopt;

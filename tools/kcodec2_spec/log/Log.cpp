@@ -58,6 +58,16 @@ std::string lineList(const std::vector<uint64_t>& lines) {
     return lines.empty() ? "" : " [line " + text + (lines.size() > kMost ? ", ..." : "") + "]";
 }
 
+// `text` escaped, with its own line ends: what comes out of a log holds none.
+std::string shown(std::string_view text) {
+    std::string result;
+    for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
+        result += printable(text.substr(0, end)) + "\n";
+        text.remove_prefix(end + 1);
+    }
+    return result + printable(text);
+}
+
 // Prints each line of `text`, escaped, behind `indent`.
 void printIndented(const std::string& indent, std::string_view text) {
     for (;;) {
@@ -116,8 +126,8 @@ Json::Value toJson(const Told& told) {
         Json::Value item;
         item["severity"] = nameOf(conclusion.severity);
         item["topic"] = conclusion.topic;
-        item["text"] = printable(conclusion.text);
-        item["advice"] = printable(conclusion.advice);
+        item["text"] = shown(conclusion.text);
+        item["advice"] = shown(conclusion.advice);
         item["lines"] = Json::arrayValue;
         for (const uint64_t line : conclusion.lines) {
             item["lines"].append(Json::UInt64(line));
