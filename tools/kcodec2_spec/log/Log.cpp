@@ -203,6 +203,7 @@ int tellLog(const std::string& path, const LogOptions& options) {
         std::fputs(kNothing, stdout);
     }
     if (collector.isTooLong()) {
+        std::fflush(stdout);  // It is the last word, also where both go to one place.
         std::fputs("kcodec2_spec: the log holds more than is kept; not all of it is told\n",
                    stderr);
     }
