@@ -37,20 +37,20 @@ std::vector<std::string_view> literalsOf(std::string_view format) {
 
 // What stands in the placeholders of `format` in `text`; nothing when the text is another line.
 // The last literals are looked for from the end: what stands in front of them may hold anything.
-std::optional<std::vector<std::string_view>> match(std::string_view format, std::string_view text) {
+std::optional<Values> match(std::string_view format, std::string_view text) {
     if (!text.starts_with(format.substr(0, format.find('%')))) {
         return std::nullopt;  // Nearly every row: a log may have many lines.
     }
     const std::vector<std::string_view> literals = literalsOf(format);
     text.remove_prefix(literals.front().size());
     if (literals.size() == 1) {
-        return text.empty() ? std::optional(std::vector<std::string_view>()) : std::nullopt;
+        return text.empty() ? std::optional(Values()) : std::nullopt;
     }
     if (!text.ends_with(literals.back())) {
         return std::nullopt;
     }
     text.remove_suffix(literals.back().size());
-    std::vector<std::string_view> values;
+    Values values;
     for (size_t i = literals.size() - 2; i > 0; --i) {
         const size_t at = text.rfind(literals[i]);
         if (at == std::string_view::npos) {
@@ -385,77 +385,92 @@ void StoryCollector::takeStrange(std::string_view text, uint64_t lineNumber, Loa
     }
 }
 
-void StoryCollector::takeLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
-                              Process* process) {
-    const std::string_view text = entry.text;
-    const auto values = match(logLine(id).text, text);
-    const auto value = [&](size_t i) {
-        return values && i < values->size() ? (*values)[i] : std::string_view();
-    };
-    splitIfNewLoad(id, value(0), entry, lineNumber, process);
-    LoadStory& story = mStories[process->story];
-    const auto addCall = [&](auto* calls, const auto& key, size_t bytes) {
+// What was asked of the store or the formats: any thread may ask, also while another one loads.
+void StoryCollector::takeCall(LineId id, const Values& values, uint64_t lineNumber, uint64_t count,
+                              LoadStory* story) {
+    const auto add = [&](auto* calls, const auto& key, size_t bytes) {
         const auto known = calls->find(key);
         if (known != calls->end()) {
             known->second.second += count;
-        } else if (spend(bytes, &story)) {
+        } else if (spend(bytes, story)) {
             calls->emplace(key, std::pair(lineNumber, count));
         }
     };
+    const auto text = [&](size_t i) {
+        return i < values.size() ? std::string(values[i]) : std::string();
+    };
+    switch (id) {
+        case LineId::UnknownFormat:
+            add(&story->unknownFormats, text(0), text(0).size());
+            break;
+        case LineId::MissingPlane:
+            add(&story->missingPlanes, std::pair(text(0), text(1)),
+                text(0).size() + text(1).size());
+            break;
+        case LineId::BadDescriptor:
+            add(&story->badDescriptors, text(0), text(0).size());
+            break;
+        default:
+            story->noCodecsLine = story->noCodecsCalls == 0 ? lineNumber : story->noCodecsLine;
+            story->noCodecsCalls += count;
+            break;
+    }
+}
+
+// A line of the road to the system spec document.
+void StoryCollector::takePath(LineId id, std::string path, uint64_t lineNumber, LoadStory* story) {
     switch (id) {
         case LineId::Parsing:
-            story.parsingPath = value(0);
-            story.parsingLine = lineNumber;
+            story->parsingPath = std::move(path);
+            story->parsingLine = lineNumber;
             break;
         case LineId::OpenFailed:
-            story.failedPath = value(0);
-            story.failedLine = lineNumber;
+            story->failedPath = std::move(path);
+            story->failedLine = lineNumber;
             break;
         case LineId::FallingBack:
-            story.fallbackPath = value(0);
-            story.fallbackLine = lineNumber;
+            story->fallbackPath = std::move(path);
+            story->fallbackLine = lineNumber;
             break;
+        default:
+            story->fallbackPath = kFallbackSystemSpec;
+            story->nothingOpenedLine = lineNumber;
+            break;
+    }
+}
+
+void StoryCollector::takeLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
+                              Process* process) {
+    const Values values = match(logLine(id).text, entry.text).value_or(Values());
+    const std::string first(values.empty() ? std::string_view() : values.front());
+    splitIfNewLoad(id, first, entry, lineNumber, process);
+    LoadStory& story = mStories[process->story];
+    switch (id) {
+        case LineId::NoCodecs:
+        case LineId::UnknownFormat:
+        case LineId::MissingPlane:
+        case LineId::BadDescriptor:
+            takeCall(id, values, lineNumber, count, &story);
+            return;
+        case LineId::Entry:
+            takeDumpEntry(entry.text, lineNumber, process);
+            return;
+        case LineId::Parsing:
+        case LineId::OpenFailed:
+        case LineId::FallingBack:
         case LineId::NothingOpened:
-            story.fallbackPath = value(0);
-            story.nothingOpenedLine = lineNumber;
+            takePath(id, first, lineNumber, &story);
             break;
         case LineId::NoVariant:
         case LineId::StreamRejected:
         case LineId::BuiltInRejected:
         case LineId::RowSkipped:
-            addEvent({.id = id, .line = lineNumber, .count = count}, &story);
-            break;
         case LineId::EncoderFilter:
-            addEvent({.id = id, .line = lineNumber, .place = std::string(value(0)), .count = count},
-                     &story);
+            addEvent({.id = id, .line = lineNumber, .place = first, .count = count}, &story);
             break;
-        case LineId::Skipped: {
-            LogEvent event = *matchSkipped(text, lineNumber);
-            event.count = count;
-            addEvent(std::move(event), &story);
+        case LineId::Skipped:
+            addEvent(*matchSkipped(entry.text, lineNumber), &story);
             break;
-        }
-        case LineId::NoCodecs:
-            story.noCodecsLine = story.noCodecsCalls == 0 ? lineNumber : story.noCodecsLine;
-            story.noCodecsCalls += count;
-            break;
-        case LineId::UnknownFormat:
-            addCall(&story.unknownFormats, std::string(value(0)), value(0).size());
-            break;
-        case LineId::MissingPlane:
-            addCall(&story.missingPlanes, std::pair(std::string(value(0)), std::string(value(1))),
-                    text.size());
-            break;
-        case LineId::BadDescriptor:
-            addCall(&story.badDescriptors, std::string(value(0)), value(0).size());
-            break;
-        case LineId::Entry:
-        case LineId::Feature:
-        case LineId::Preset:
-            for (uint64_t i = 0; i < std::min<uint64_t>(count, 1000); ++i) {
-                takeDumpEntry(text, lineNumber, process);
-            }
-            return;
         default:
             takeHeading(id, lineNumber, process);
             return;

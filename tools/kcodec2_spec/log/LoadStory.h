@@ -13,6 +13,9 @@
 
 namespace kc2::tool {
 
+// What is in the placeholders of a line.
+using Values = std::vector<std::string_view>;
+
 // One line that tells something about a document or a step, in the order of the log.
 struct LogEvent {
     LineId id;
@@ -111,6 +114,9 @@ private:
     void takeOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count);
     void takeLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
                   Process* process);
+    void takeCall(LineId id, const Values& values, uint64_t lineNumber, uint64_t count,
+                  LoadStory* story);
+    void takePath(LineId id, std::string path, uint64_t lineNumber, LoadStory* story);
     void takeHeading(LineId id, uint64_t lineNumber, Process* process);
     void takeDumpEntry(std::string_view text, uint64_t lineNumber, Process* process);
     void takeStrange(std::string_view text, uint64_t lineNumber, LoadStory* story);
