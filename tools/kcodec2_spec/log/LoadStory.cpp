@@ -100,8 +100,8 @@ const LogLine* rowOf(std::string_view tag, std::string_view text) {
     const LogLine* best = nullptr;
     for (const LogLine& line : logLines()) {
         if ((!tag.empty() && tag != line.tag) || line.id == LineId::Feature ||
-            line.id == LineId::Preset) {
-            continue;  // Those two look like an entry; the dump tells them apart.
+            line.id == LineId::Preset || line.id == LineId::SkippedByCall) {
+            continue;  // They look like an entry, or like a line that names its document.
         }
         const bool isMatch = line.id == LineId::Skipped ? matchSkipped(text, 0).has_value()
                                                         : match(line.text, text).has_value();

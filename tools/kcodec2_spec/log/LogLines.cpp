@@ -45,9 +45,12 @@ constexpr LogLine kLines[] = {
         {LineId::BuiltInRejected, kSpec, kError, 0, "Couldn't parse json from string literal",
          "reading of a document", "The built-in document was rejected: the library is damaged.",
          "Install the library again."},
-        {LineId::Skipped, kSpec, kWarning, 0, "Skipped %s: %s", "reading of a document",
+        {LineId::Skipped, kSpec, kWarning, 0, "Skipped %s in %s: %s", "reading of a document",
          "One value is of a wrong type or out of range. It is left out; the rest counts. A perf "
          "word costs all words of its name, a tier level counts as 0.",
+         "Correct the value at the place that the line names."},
+        {LineId::SkippedByCall, kSpec, kWarning, 0, "Skipped %s: %s", "call of parseJsonData()",
+         "The same of a document that a program has handed over itself: it has no name.",
          "Correct the value at the place that the line names."},
         {LineId::RowSkipped, kSpec, kWarning, 0,
          "Unable to queue the json entry due to inappropriate size", "reading of a document",

@@ -21,6 +21,7 @@ enum class LineId {
     StreamRejected,
     BuiltInRejected,
     Skipped,
+    SkippedByCall,
     RowSkipped,
     EncoderFilter,
     FeaturesHeading,
