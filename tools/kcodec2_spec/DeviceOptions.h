@@ -19,6 +19,7 @@ struct DeviceOptions {
     std::vector<std::string> mappings;    // /PREFIX:DIR
     std::vector<std::string> properties;  // NAME=VALUE
     uint32_t logLevel = 0;
+    bool isEachVariant = false;
 };
 
 // Add options to a command; `options` must outlive the parse.
@@ -27,6 +28,7 @@ void addDeviceOptions(CLI::App& command, DeviceOptions* options);
 // --variant for short.
 void addSideOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options);
 void addLogOption(CLI::App& command, DeviceOptions* options);
+void addVariantsOption(CLI::App& command, DeviceOptions* options);
 
 // Sets the device up, in place of one that an earlier call has set up. Call it before the library
 // is first used for that device. On a development machine nothing

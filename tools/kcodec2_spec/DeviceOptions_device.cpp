@@ -11,6 +11,8 @@ void addSideOptions(CLI::App& /*command*/, const std::string& /*suffix*/,
 
 void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
+void addVariantsOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
 void playVariant(const std::string& /*variant*/) {}

@@ -3,6 +3,7 @@
 #include "DeviceOptions.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 #include "Text.h"
 #include "hostplatform/HostPlatform.h"
 #include "targetspec/DevicePaths.h"
+#include "targetspec/Printable.h"
 
 namespace kc2::tool {
 
@@ -59,6 +61,50 @@ void addTreeOptions(CLI::App& command, const std::string& suffix, DeviceOptions*
             ->group(kDeviceGroup);
 }
 
+void tellIdle(const char* option, const std::string& value, const std::string& why) {
+    std::fprintf(stderr, "kcodec2_spec: %s %s has no effect: %s\n", option,
+                 printable(value).c_str(), why.c_str());
+}
+
+bool isPrefixOfPath(const std::string& prefix, const std::string& path) {
+    return path.starts_with(prefix) && (path.size() == prefix.size() || path[prefix.size()] == '/');
+}
+
+// Whether the library comes by the mapping on its way to a file, by name or through a link.
+bool isUsed(const std::string& mapping) {
+    const size_t colon = mapping.find(':');
+    const auto trimmed = [](std::string path) {
+        return path.erase(path.find_last_not_of('/') + 1);
+    };
+    const std::string prefix = trimmed(mapping.substr(0, colon));
+    const std::string directory = trimmed(mapping.substr(colon + 1));
+    for (const std::string path :
+         {"/odm/etc", "/vendor/etc", "/vendor/bin", "/data/vendor/media"}) {
+        if (isPrefixOfPath(prefix, path) || isPrefixOfPath(path, prefix) ||
+            prefix.starts_with(kOdmSpecDirectory) || prefix.starts_with(kVendorSpecDirectory) ||
+            isPrefixOfPath(directory, host::hostPath(path))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A misspelt option would otherwise go unseen: its effect is all that shows it.
+void tellIdleOptions(const DeviceOptions& options) {
+    for (const std::string& property : options.properties) {
+        const std::string name = property.substr(0, property.find('='));
+        if (name != kVariantProperty) {
+            tellIdle("--property", name,
+                     std::string("the library reads ") + kVariantProperty + " only");
+        }
+    }
+    for (const std::string& mapping : options.mappings) {
+        if (!isUsed(mapping)) {
+            tellIdle("--dirmap", mapping, "the library reads nothing in that directory");
+        }
+    }
+}
+
 }  // namespace
 
 void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
@@ -92,6 +138,12 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
             ->group(kDeviceGroup);
 }
 
+void addVariantsOption(CLI::App& command, DeviceOptions* options) {
+    command.add_flag("--all-variants", options->isEachVariant,
+                     "Check with each variant that the device has a document for, and without one")
+            ->group(kDeviceGroup);
+}
+
 void applyDeviceOptions(const DeviceOptions& options) {
     host::clearMappings();
     host::clearProperties();
@@ -108,6 +160,7 @@ void applyDeviceOptions(const DeviceOptions& options) {
         const size_t equals = property.find('=');
         host::setProperty(property.substr(0, equals), property.substr(equals + 1));
     }
+    tellIdleOptions(options);
 }
 
 void playVariant(const std::string& variant) {

@@ -1,16 +1,23 @@
 // kcodec2_spec check: every mistake of a document, before it reaches a device.
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "Commands.h"
+#include "DeviceOptions.h"
 #include "Documents.h"
 #include "check/CheckOptions.h"
 #include "check/FixFiles.h"
 #include "check/Mends.h"
 #include "check/Rules.h"
+#include "check/TreeFiles.h"
+#include "check/VariantReports.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
@@ -19,6 +26,8 @@
 namespace kc2::tool {
 
 namespace {
+
+constexpr std::string_view kStandardInput = "-";
 
 bool isJson(const Document& document) {
     for (const KeptFinding& finding : document.findings) {
@@ -126,6 +135,42 @@ int finish(Report* report, const CheckOptions& options) {
     return isFailed ? kExitFindings : kExitOk;
 }
 
+// Documents are checked by themselves; for a tree there is an option.
+std::string whyNotReadable(const std::string& path, const Document& document) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error)
+                   ? "it is a directory. For a device tree write --rootdir " + path
+                   : document.whyNotReadable;
+}
+
+// Checks one load; the report points into what it returns.
+std::unique_ptr<CheckedLoad> checkLoad(Report* report) {
+    Load load = walkLoad();
+    const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
+    std::unique_ptr<CheckedLoad> checked(new CheckedLoad{std::move(load),
+                                                         {},
+                                                         Source(deviceFile(specPath), ""),
+                                                         Source(deviceFile(kPrivateConfig), ""),
+                                                         {}});
+    const auto add = [&](const Document& document) {
+        const std::string path =
+                document.path.empty() ? document.origin : deviceFile(document.path);
+        checked->documents.push_back(std::make_unique<CheckedDocument>(path, document));
+    };
+    if (checked->load.hasSystemSpec()) {
+        add(checked->load.systemSpec);
+    }
+    add(checked->load.overlay);
+
+    applyLoadRules(*checked, report);
+    applyTreeRules(checked.get(), report);
+    for (const auto& document : checked->documents) {
+        checkDocument(*document, report);
+    }
+    applyMergeRules(checked->documents, report);
+    return checked;
+}
+
 }  // namespace
 
 CheckedDocument::CheckedDocument(std::string shownPath, Document read)
@@ -162,11 +207,15 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
             isEachMended &= !document.isReadable || mendFile(path, document, options);
         }
         MergedDocuments& alone = checked.emplace_back();
-        alone.push_back(std::make_unique<CheckedDocument>(path, readDocumentFile(path)));
+        alone.push_back(path == kStandardInput
+                                ? std::make_unique<CheckedDocument>("standard input",
+                                                                    readDocumentFile("/dev/stdin"))
+                                : std::make_unique<CheckedDocument>(path, readDocumentFile(path)));
         const CheckedDocument& document = *alone.front();
         if (!document.document.isReadable) {
-            report.addForFile(kUnreadable, document.source,
-                              "the file cannot be read: " + document.document.whyNotReadable);
+            report.addForFile(
+                    kUnreadable, document.source,
+                    "the file cannot be read: " + whyNotReadable(path, document.document));
             isEachReadable = false;
             continue;
         }
@@ -180,29 +229,26 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
 int checkDevice(const CheckOptions& options) {
     const bool isMended = options.fix == FixMode::None || mendLoad(options);
     Report report(options.levels);
-    Load load = walkLoad();
-    const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
-    CheckedLoad checked = {std::move(load),
-                           {},
-                           Source(deviceFile(specPath), ""),
-                           Source(deviceFile(kPrivateConfig), "")};
-    const auto add = [&](const Document& document) {
-        const std::string path =
-                document.path.empty() ? document.origin : deviceFile(document.path);
-        checked.documents.push_back(std::make_unique<CheckedDocument>(path, document));
-    };
-    if (checked.load.hasSystemSpec()) {
-        add(checked.load.systemSpec);
-    }
-    add(checked.load.overlay);
-
-    applyLoadRules(checked, &report);
-    for (const auto& document : checked.documents) {
-        checkDocument(*document, &report);
-    }
-    applyMergeRules(checked.documents, &report);
+    const std::unique_ptr<CheckedLoad> checked = checkLoad(&report);
     const int exitCode = finish(&report, options);
     return isMended ? exitCode : kExitUsage;
+}
+
+int checkEachVariant(const CheckOptions& options) {
+    std::set<std::string> variants = variantsInTree();
+    variants.insert(kDefaultVariant);
+    std::vector<std::unique_ptr<CheckedLoad>> loads;  // The reports point into these.
+    VariantReports reports;
+    for (const std::string& variant : variants) {
+        playVariant(variant);
+        Report report(options.levels);
+        loads.push_back(checkLoad(&report));
+        report.addUnusedAllowances();
+        reports.add(variant, report, *loads.back());
+    }
+    Report together(options.levels);
+    reports.addTo(&together);
+    return finish(&together, options);
 }
 
 }  // namespace kc2::tool

@@ -119,6 +119,9 @@ std::string prepareFix(Arguments* arguments) {
     if (std::find(files.begin(), files.end(), "-") != files.end()) {
         return "--fix cannot mend standard input";
     }
+    if (arguments->device.isEachVariant) {
+        return "--fix does not go together with --all-variants";
+    }
     if (files.empty() && arguments->device.rootDirectory.empty()) {
         return "--fix needs FILE or --rootdir";
     }
@@ -138,6 +141,9 @@ int runCheck(Arguments* arguments) {
     }
     applyDeviceOptions(arguments->device);
     muteLog();
+    if (arguments->device.isEachVariant) {
+        return checkEachVariant(arguments->check);
+    }
     return arguments->files.empty() ? checkDevice(arguments->check)
                                     : checkFiles(arguments->files, arguments->check);
 }
@@ -154,6 +160,7 @@ void addCheckCommand(CLI::App* app, int* exitCode) {
     addReportOptions(command, arguments.get());
     addFixOptions(command, arguments.get());
     addDeviceOptions(*command, &arguments->device);
+    addVariantsOption(*command, &arguments->device);
     for (CLI::Option* const option : command->get_options(
                  [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
         files->excludes(option);  // Documents are files of this machine.

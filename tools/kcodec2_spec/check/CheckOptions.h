@@ -28,6 +28,9 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
 // Checks the whole load of a device, across both of its documents.
 int checkDevice(const CheckOptions& options);
 
+// The same with each variant that the tree has a document for, and without one, in one report.
+int checkEachVariant(const CheckOptions& options);
+
 // Prints the checks, group by group: id, severity, what it is about.
 int listChecks(const CheckOptions& options);
 

@@ -8,6 +8,7 @@
 
 #include "Text.h"
 #include "check/Rules.h"
+#include "check/TreeFiles.h"
 #include "targetspec/DeviceFile.h"
 #include "targetspec/DevicePaths.h"
 
@@ -68,14 +69,15 @@ void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     if (!load.hasSystemSpec()) {
         emit(checked.place,
-             "no system spec document: neither " + load.firstPath + " nor " + kFallbackSystemSpec +
-                     " opens, so " +
+             "no system spec document: neither " + load.firstPath + " (" +
+                     whyNotOpen(load.firstPath) + ") nor " + kFallbackSystemSpec + " opens, so " +
                      (load.overlay.isAccepted
                               ? "only the overlay (" + load.overlay.origin + ") fills the store"
                               : "the store stays empty: the overlay (" + load.overlay.origin +
                                         ") is rejected"));
     } else if (load.systemSpec.path != load.firstPath) {
-        emit(checked.place, "the fallback is read, since " + load.firstPath + " does not open");
+        emit(checked.place, "the fallback is read, since " + load.firstPath + " does not open (" +
+                                    whyNotOpen(load.firstPath) + ")");
     }
 }
 

@@ -15,6 +15,7 @@ namespace kc2::tool {
 const std::vector<RuleGroup>& ruleGroups() {
     static const std::vector<RuleGroup> groups = {
             {"load", "Which documents a load reads", loadRules()},
+            {"tree", "Files of a device that nothing can read", treeRules()},
             {"reader", "What a device rejects, skips or changes", readerRules()},
             {"document", "What a document says that is likely not meant", documentRules()},
             {"merge", "What the documents come to together", mergeRules()},

@@ -41,6 +41,7 @@ struct CheckedLoad {
     MergedDocuments documents;
     Source place;         // What findings about the load as a whole name: the system spec's path.
     Source privatePlace;  // The same of the private file.
+    std::vector<std::unique_ptr<Source>> otherPlaces;  // Files that the load does not read.
 };
 
 // A file that cannot be read, or not to its end.
@@ -59,6 +60,9 @@ void applyMergeRules(const MergedDocuments& documents, Report* report);
 // Which documents the load reads, and why.
 void applyLoadRules(const CheckedLoad& load, Report* report);
 
+// Which files and names of the tree cannot work.
+void applyTreeRules(CheckedLoad* load, Report* report);
+
 // The rules of a table's rows.
 template <typename Row, size_t N>
 std::vector<const Rule*> rulesOf(const Row (&rows)[N]) {
@@ -74,5 +78,6 @@ std::vector<const Rule*> readerRules();
 std::vector<const Rule*> documentRules();
 std::vector<const Rule*> mergeRules();
 std::vector<const Rule*> loadRules();
+std::vector<const Rule*> treeRules();
 
 }  // namespace kc2::tool

@@ -1,0 +1,21 @@
+// The files of a device tree, by their paths on the device.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+
+namespace kc2::tool {
+
+// Calls visit(path) for every file in a directory of the device and `depth` - 1 levels below it,
+// links followed as the device would, in the order of their names.
+void visitFiles(const std::string& directory, int depth,
+                const std::function<void(const std::string& path)>& visit);
+
+// Every variant that the tree has a document for.
+std::set<std::string> variantsInTree();
+
+// Why a path of the device does not open, in words: "it does not exist".
+std::string whyNotOpen(const std::string& path);
+
+}  // namespace kc2::tool
