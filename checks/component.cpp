@@ -18,12 +18,12 @@ void usePlatform() {
     using Layout = kc2::Platform::TamraBufferLayout;
     CHECK(Layout::FormatMap(kc2::PixFormat::TAMRA_TP10) == 5);
     CHECK(Layout::Offset(kc2::PixFormat::TAMRA_P010, Layout::Y_META, 1, 1) == 0);
-    CHECK(kc2::Platform::IonInfo::AlignmentFor(kc2::Platform::IonInfo::PIXEL) == 4096);
+    CHECK(kc2::Platform::IonInfo::AlignmentFor(kc2::Platform::IonInfo::DEFAULT) == 4096);
     CHECK(kc2::Platform::GetUniqueIdForFileDescriptor(-1) == 0);
     CHECK(!kc2::KC2PlatformVersion::getBaseVersion().empty());
 }
 
-// A store of its own: the one that Get() creates is never freed, by contract.
+// A separate store: the one that Get() creates is never freed, by contract.
 void useStore() {
     kc2::TargetSpec spec;
     std::ifstream stream;

@@ -57,6 +57,6 @@ int main() {
                 TamraBufferLayout::FormatMap(kFormat),
                 static_cast<unsigned long long>(TamraBufferLayout::Offset(
                         kFormat, TamraBufferLayout::UV_META, 1920, 1080)));
-    std::printf("secure buffers: aligned to %u bytes\n", IonInfo::AlignmentFor(IonInfo::PIXEL));
+    std::printf("secure buffers: aligned to %u bytes\n", IonInfo::AlignmentFor(IonInfo::DEFAULT));
     return 0;
 }

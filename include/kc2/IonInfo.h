@@ -18,9 +18,7 @@ public:
      * allocated alike, so any 32-bit value may be passed.
      */
     enum SecureDomain : uint32_t {
-        BITSTREAM = 0,  ///< compressed data
-        PIXEL = 1,      ///< decoded pictures
-        NON_PIXEL = 2,  ///< the video core's internal buffers
+        DEFAULT = 0,  ///< any domain: no answer of this library depends on it
     };
 
     IonInfo() = delete;
