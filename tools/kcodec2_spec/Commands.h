@@ -24,6 +24,13 @@ void addDiffCommand(CLI::App* app, int* exitCode);
 // Prints a built-in document, to start a new one from.
 int printDefault(int number);
 
+// The one of a chip that has no built-in document for itself.
+int numberOfDefault();
+// Their numbers with their chips, for the help.
+std::string chipsOfDefaults();
+// Why a word is not the number of one; empty when it is.
+std::string whyNotDefault(const std::string& word);
+
 // Prints the table of pixel formats, or the row of one given by name or value.
 int printFormats(const std::string& wanted);
 

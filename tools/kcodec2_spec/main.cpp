@@ -63,15 +63,13 @@ int run(int argc, char** argv) {
     addLogCommand(&app, &exitCode);
     addDiffCommand(&app, &exitCode);
 
-    int number = 3;
+    int number = numberOfDefault();
     std::string variant;
     CLI::App* const defaultsCommand =
             app.add_subcommand("defaults", "Print a built-in document, to start a new one from");
     CLI::Option* const numberOption =
-            defaultsCommand
-                    ->add_option("NUMBER", number,
-                                 "1 (chips brel, mirt), 2 (orvelle) or 3 (all others; the default)")
-                    ->check(CLI::Range(1, 3));
+            defaultsCommand->add_option("NUMBER", number, "Which one: " + chipsOfDefaults())
+                    ->check(CLI::Validator(whyNotDefault, ""));
     defaultsCommand
             ->add_option("--variant", variant,
                          "Instead of a number: the target variant whose chip it is for")
