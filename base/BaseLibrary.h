@@ -1,7 +1,7 @@
 /**
  * @file
  * What this library uses of the vendor base library, libkcodec2_base, beside kc2::PixFormat::Str
- * (kc2/PixFormat.h). Declared here, defined there; hostplatform/ stands in on a development
+ * (kc2/PixFormat.h). Declared here, defined there; hostplatform/ replaces it on a development
  * machine.
  */
 #pragma once

@@ -51,7 +51,7 @@ void count(const Operation& operation) {
     CALLGRIND_DUMP_STATS_AT(dump.c_str());
 }
 
-// Each operation in a process of its own: it finds the heap as every other one finds it, and the
+// Each operation in a separate process: it finds the heap as every other one finds it, and the
 // C library's allocator costs more or less with what has been freed before.
 void countApart(const Operations& operations) {
     for (const Operation& operation : operations) {

@@ -1,4 +1,4 @@
-// The load, beside what the mandated parser takes for the same bytes.
+// The load, beside what the format's parser takes for the same bytes.
 
 #include <json/value.h>
 

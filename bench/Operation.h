@@ -1,5 +1,5 @@
 // What is measured: one list of operations that the timing, the instruction count and the
-// allocation count share. Each operation stands beside its floor: the same work without the
+// allocation count share. Each operation is measured beside its floor: the same work without the
 // library.
 #pragma once
 
@@ -28,7 +28,7 @@ Operations queryOperations();
 // Pixel formats and plane offsets.
 Operations formatOperations();
 
-// parseJsonData() and what the mandated parser takes alone.
+// parseJsonData() and what the format's parser takes alone.
 Operations loadOperations();
 
 // Other JSON parsers on the same documents.

@@ -11,7 +11,7 @@ install(DIRECTORY include/kc2 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATC
 set_target_properties(kcodec2_platform PROPERTIES EXPORT_NAME platform)
 
 if(KC2_PLATFORM STREQUAL "host")
-    # A directory of its own: nothing that runs on a device may find this header by accident.
+    # A separate directory: nothing that runs on a device may find this header by accident.
     set(hostplatform_include ${CMAKE_INSTALL_INCLUDEDIR}/kcodec2-hostplatform)
     install(FILES hostplatform/HostPlatform.h DESTINATION ${hostplatform_include}/hostplatform)
     target_include_directories(kcodec2_hostplatform

@@ -193,7 +193,7 @@ def unique_symbols(library):
 
 
 def load_time(library):
-    """one load-time initialiser of its own, the format table's; none of iostream"""
+    """exactly one own load-time initialiser, the format table's; none of iostream"""
     own = [name for name in library.initialisers() if name != "frame_dummy"]
     wrong = []
     if len(own) != 1 or not re.match(r"_GLOBAL__sub_I_.*TamraBufferLayout", own[0]):

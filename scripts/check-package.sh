@@ -37,7 +37,7 @@ quietly cmake --install "$build" --prefix "$scratch/first-place"
 prefix=$scratch/package
 mv "$scratch/first-place" "$prefix"
 
-echo "Headers: the seven of the library, and the stand-ins' one in a directory of its own"
+echo "Headers: the seven of the library, and the stand-ins' one in a separate directory"
 (cd "$prefix/include" && find . -type f | LC_ALL=C sort) > "$scratch/headers"
 diff - "$scratch/headers" << HEADERS || fail "other headers are installed than these"
 ./kc2/FileDescriptor.h

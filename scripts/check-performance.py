@@ -21,7 +21,7 @@ GET_INSTRUCTIONS = 4  # Most that Get() and getDVConfigs() may cost beside readi
 LOAD_RATIO = 1.30  # Most that a load may cost, as a multiple of the parser.
 
 # The smallest document is above that by what a load costs before it meets the first entry. A limit
-# of its own keeps it from getting worse unnoticed.
+# just for it keeps it from getting worse unnoticed.
 LOAD_RATIOS = {'device/vendor/etc/media/video_system_specs.json': 1.35}
 
 # How far the cost per entry may rise from 1,000 to 100,000 entries; the maps' depth makes it rise.

@@ -23,7 +23,7 @@ TOOL = f"{OURS}/tools/kcodec2_spec"
 HOST = "linux_glibc_x86_64"
 
 # What may come out of a module, by the beginning of its variants' names and its kind of output.
-# "vendor" is a vendor's library of a product whose vendor partition is a release of its own.
+# "vendor" is a vendor's library of a product whose vendor partition is a separate release.
 VARIANTS = {
     "vendor arm64": "android_vendor.S_arm64_armv8-a",
     "vendor arm": "android_vendor.S_arm_armv7-a-neon",

@@ -1,5 +1,5 @@
 // The built-in documents: complete system spec documents with each chip's private settings. Their
-// texts stand in targetspec/defaults/ and become constants of the library at build time.
+// texts are in targetspec/defaults/ and become constants of the library at build time.
 #pragma once
 
 #include <string>

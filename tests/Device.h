@@ -54,7 +54,7 @@ uint32_t parse(TargetSpec& spec, const std::string& text);
 // Everything that a store holds, but its status, as text.
 std::string contentOf(const TargetSpec& spec);
 
-// Runs `work` in a process of its own and returns its lines; a process that ends otherwise fails
+// Runs `work` in a separate process and returns its lines; a process that ends otherwise fails
 // the test. What needs TargetSpec::Get() goes in there: it loads once per process.
 Lines inOwnProcess(const std::function<Lines()>& work);
 

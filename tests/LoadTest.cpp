@@ -1,4 +1,4 @@
-// Whole loads, each in a process of its own: which documents, which lines, which outcome, what
+// Whole loads, each in a separate process: which documents, which lines, which outcome, what
 // faults of the file system do, and what many threads see.
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ const std::string kPrivate = R"({"Video": {"Features": {"private": true, "both":
 const std::string kSpecContent = "feature both 0\nfeature spec 1\n";
 const std::string kBothContent = "feature both 0\nfeature private 1\nfeature spec 1\n";
 
-// What Get() loads in a process of its own: the log's lines, then the status and the content.
+// What Get() loads in a separate process: the log's lines, then the status and the content.
 struct Loaded {
     Lines log;
     std::string status;

@@ -298,7 +298,7 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     std::ifstream atItsEnd(mDevice("/a.json"));
     atItsEnd.seekg(0, std::ios::end);
     atItsEnd.setstate(std::ios::eofbit);
-    EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is no failed stream";
+    EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is not a failed stream";
 
     std::ifstream directory(mDevice("/directory/file").substr(0, mDevice("/").size() + 9));
     ASSERT_TRUE(directory.is_open());

@@ -1,4 +1,4 @@
-// A component's test on a development machine: it lets the library play a device of its own.
+// A component's test on a development machine: it lets the library play its own device.
 // decoder_setup_test DIRECTORY, where DIRECTORY holds the device's files.
 
 #include <hostplatform/HostPlatform.h>

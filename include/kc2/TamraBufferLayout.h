@@ -41,7 +41,7 @@ public:
      * destructor has. TAMRA_NV21 answers 2, the number of its row.
      *
      * @param format a kc2::PixFormat constant.
-     * @return 0 to 11; 0 also for every value that is no format of the video core. Logs nothing.
+     * @return 0 to 11; 0 also for every value that is not a format of the video core. Logs nothing.
      */
     static uint32_t FormatMap(unsigned int format);
 

@@ -32,7 +32,7 @@ HEADERS = {"json": "/usr/include/jsoncpp/json", "CLI": "/usr/include/CLI",
 ARM64 = {"DeviceArch": "arm64", "DeviceArchVariant": "armv8-a", "DeviceAbi": ["arm64-v8a"]}
 ARM = {"DeviceArch": "arm", "DeviceArchVariant": "armv7-a-neon", "DeviceAbi": ["armeabi-v7a"]}
 BOTH = {**ARM64, **{key.replace("Device", "DeviceSecondary"): value for key, value in ARM.items()}}
-# A vendor partition of a release of its own, as a product of this release of Soong has it.
+# A vendor partition of a separate release, as a product of this release of Soong has it.
 VENDOR = {"DeviceVndkVersion": "current"}
 
 

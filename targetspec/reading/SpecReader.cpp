@@ -41,7 +41,7 @@ void add(std::unordered_set<std::string>& names, std::string_view name) {
     names.emplace(name);
 }
 
-// The sections of one "Video" object, each type of section read by a function of its own.
+// The sections of one "Video" object, each type of section read by its own function.
 class SectionReader {
 public:
     SectionReader(SpecDocument* document, FindingSink& findings)

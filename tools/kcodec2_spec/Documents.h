@@ -47,7 +47,7 @@ Document readDocumentFile(const std::string& path);
 struct Load {
     std::string variant;       // As the property has it; kDefaultVariant when it is not set.
     std::string firstPath;     // Where the system spec document is looked for first.
-    Document systemSpec;       // Its path is empty when none opened, and then it is no document.
+    Document systemSpec;       // Its path is empty when none opened, and then it is not a document.
     Document overlay;          // The private file or a built-in document.
     const ChipDocument* chip;  // The chip's row: what the overlay is without a private file.
     bool isPrivateFileOpen;

@@ -48,7 +48,7 @@ int printUnknown(const std::string& wanted) {
         });
         near = whole != names.end() ? *whole : near;
     }
-    std::fprintf(stderr, "kcodec2_spec: %s is no pixel format of the video core.%s\n",
+    std::fprintf(stderr, "kcodec2_spec: %s is not a pixel format of the video core.%s\n",
                  printable(wanted).c_str(),
                  near.empty() ? " \"kcodec2_spec formats\" lists them."
                               : (" Did you mean " + near + "?").c_str());

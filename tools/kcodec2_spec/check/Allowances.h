@@ -13,7 +13,7 @@
 
 namespace kc2::tool {
 
-// A comment behind something allows findings on its line; one on a line of its own allows those on
+// A comment behind something allows findings on its line; one alone on a line allows those on
 // the next line that holds more than comments.
 class Allowances {
 public:

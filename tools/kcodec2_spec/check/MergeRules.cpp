@@ -194,7 +194,7 @@ void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
     }
 }
 
-// Of a load it is a rule of its own: there the other document may name some.
+// Of a load it is a separate rule: there the other document may name some.
 void checkNoCodecs(const MergedDocuments& documents, const Emit& emit) {
     const CheckedDocument& alone = *documents.front();
     if (documents.size() != 1 || !alone.document.content.supportedCodecs.empty()) {

@@ -1,4 +1,4 @@
-// Where every member and value of a document stands in its text.
+// Where every member and value of a document is in its text.
 
 #include "check/Outline.h"
 

@@ -1,4 +1,4 @@
-// Where every member and value of a document stands in its text. The JSON parser keeps neither the
+// Where every member and value of a document is in its text. The JSON parser keeps neither the
 // places of member names nor the members that a later one of the same name replaces.
 #pragma once
 

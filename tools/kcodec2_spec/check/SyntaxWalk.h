@@ -14,7 +14,7 @@ inline constexpr size_t kNowhere = std::string_view::npos;
 
 struct Token {
     static constexpr char kString = '"';
-    static constexpr char kWord = 'w';  // A number, true, or whatever else is no mark.
+    static constexpr char kWord = 'w';  // A number, true, or whatever else is not a mark.
     static constexpr char kEnd = '\0';  // Of the text.
 
     char kind = kEnd;  // One of these, or the mark itself: one of {}[]:,

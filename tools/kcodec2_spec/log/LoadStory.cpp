@@ -35,8 +35,8 @@ std::vector<std::string_view> literalsOf(std::string_view format) {
     return literals;
 }
 
-// What stands in the placeholders of `format` in `text`; nothing when the text is another line.
-// The last literals are looked for from the end: what stands in front of them may hold anything.
+// What is in the placeholders of `format` in `text`; nothing when the text is another line.
+// The last literals are looked for from the end: what is in front of them may hold anything.
 std::optional<Values> match(std::string_view format, std::string_view text) {
     if (!text.starts_with(format.substr(0, format.find('%')))) {
         return std::nullopt;  // Nearly every row: a log may have many lines.

@@ -119,7 +119,7 @@ std::optional<int> takeProcessInBrackets(Scanner* scanner) {
     words.skipBlanks();
     std::optional<int> process = words.takeNumber();
     if (!words.rest().empty() && words.rest().find("0x") == std::string_view::npos) {
-        words.takeUntil(":");  // That was the user's number, or its name stands there.
+        words.takeUntil(":");  // That was the user's number, or its name is there.
         words.take(':');
         words.skipBlanks();
         const std::optional<int> second = words.takeNumber();
@@ -217,7 +217,7 @@ std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) 
     return entry;
 }
 
-// Escape sequences that colour a line in a terminal stand at its ends.
+// Escape sequences that colour a line in a terminal are at its ends.
 std::string_view withoutColours(std::string_view line) {
     while (line.substr(0, 2) == "\033[" && line.find('m') != std::string_view::npos) {
         line.remove_prefix(line.find('m') + 1);
@@ -257,7 +257,7 @@ bool LineReader::next(std::string_view* line) {
     return isAny;
 }
 
-// "[ 11-25 08:11:21.123   123:  124 E/Tag      ]", and then the text on lines of its own.
+// "[ 11-25 08:11:21.123   123:  124 E/Tag      ]", and then the text on separate lines.
 bool LogcatParser::takeLongHead(std::string_view line) {
     if (line.size() < 4 || line.substr(0, 2) != "[ " || line.back() != ']') {
         return false;

@@ -40,7 +40,7 @@ struct LogEntry {
     std::string_view text = {};
 };
 
-// Takes the lines of one log in order: in the long format the head has a line of its own.
+// Takes the lines of one log in order: in the long format the head has its own line.
 class LogcatParser {
 public:
     // The entry of a line; nothing for a line that carries none.
