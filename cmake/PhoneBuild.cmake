@@ -15,6 +15,9 @@ list(PREPEND CMAKE_PREFIX_PATH ${phone_libraries}/${KC2_PHONE_JSONCPP}
 list(APPEND CMAKE_BUILD_RPATH ${phone_libraries}/${KC2_PHONE_JSONCPP}/lib)
 add_link_options(-Wl,--disable-new-dtags)
 
+# Questions about the compiler are asked with the same C++ library.
+set(CMAKE_REQUIRED_FLAGS -stdlib=libc++)
+
 add_compile_options(
     -stdlib=libc++ -ftrivial-auto-var-init=zero -fstack-protector-strong -fno-strict-aliasing
     -ffunction-sections -fdata-sections -flto=thin)

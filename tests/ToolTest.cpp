@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
