@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>

@@ -66,7 +66,9 @@ std::vector<std::string_view> knownMembers(bool isRoot, std::string_view section
         if (section.empty()) {
             add(row.key);
         } else if (*row.key != nullptr && section == *row.key) {
-            std::ranges::for_each(fixedMembersOf(row.type), add);
+            for (const char* const* key : fixedMembersOf(row.type)) {
+                add(key);
+            }
         }
     }
     return names;
