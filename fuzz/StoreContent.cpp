@@ -5,9 +5,11 @@
 #include <json/reader.h>
 #include <json/value.h>
 
+#include <algorithm>
 #include <exception>
 #include <limits>
 
+#include "targetspec/Limits.h"
 #include "targetspec/TargetSpecInspector.h"
 
 namespace kc2::fuzz {
@@ -65,8 +67,37 @@ std::string withoutComments(std::string_view text) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
+// The most containers open at once until the root ends. Whether the parser takes more depends on
+// its release; the library never does.
+size_t nestingOf(std::string_view text) {
+    size_t depth = 0;
+    size_t deepest = 0;
+    bool isInString = false;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (isInString) {
+            isInString = text[at] != '"';
+            at += text[at] == '\\' ? 1 : 0;
+        } else if (text[at] == '"') {
+            isInString = true;
+        } else if (text[at] == '[' || text[at] == '{') {
+            deepest = std::max(deepest, ++depth);
+        } else if (text[at] == ']' || text[at] == '}') {
+            if (depth <= 1) {
+                break;
+            }
+            --depth;
+        } else if (depth == 0 && text[at] == 'n') {
+            break;  // A null root.
+        }
+    }
+    return deepest;
+}
+
 std::optional<Json::Value> parse(std::string_view documentText) {
     const std::string text = withoutComments(documentText);
+    if (nestingOf(text) > kMaxNesting) {
+        return std::nullopt;
+    }
     Json::Value root;
     const std::optional<bool> isValid = attempt([&] {
         return Json::Reader().parse(text.data(), text.data() + text.size(), root, false);
