@@ -10,55 +10,60 @@ namespace {
 
 constexpr const char* kVariants[] = {"_brel", "_orvelle", "_other"};  // Documents 1, 2 and 3.
 
-// What a document holds, as contentOf() prints it; "-" for what one of the documents lacks.
+// What the documents hold, as contentOf() prints it: one value where all have the same, and "-" for
+// what one of them lacks.
 struct Row {
     const char* name;
     const char* values[3];
+
+    std::string valueIn(int document) const {
+        return values[1] == nullptr ? values[0] : values[document];
+    }
 };
 
 constexpr Row kFeatures[] = {
-        {"debug_private_dec_picture_order", {"0", "0", "0"}},
-        {"private_api_same_input_buffer_support", {"1", "1", "1"}},
-        {"private_enc_all_intra_enable", {"0", "0", "0"}},
-        {"private_enc_c2d_rotation", {"0", "0", "0"}},
-        {"private_enc_cvp_enable", {"1", "1", "1"}},
+        {"debug_private_dec_picture_order", {"0"}},
+        {"private_api_same_input_buffer_support", {"1"}},
+        {"private_enc_all_intra_enable", {"0"}},
+        {"private_enc_c2d_rotation", {"0"}},
+        {"private_enc_cvp_enable", {"1"}},
         {"private_enc_enable_hdr10plus_stats_gen", {"-", "0", "0"}},
         {"private_enc_enable_open_gop", {"-", "0", "0"}},
-        {"private_enc_vpss_flip", {"1", "1", "1"}},
-        {"private_hw_protected_carveout", {"0", "0", "0"}},
-        {"private_perf_control_enable", {"1", "1", "1"}},
-        {"private_perf_test_enable", {"1", "1", "1"}},
+        {"private_enc_vpss_flip", {"1"}},
+        {"private_hw_protected_carveout", {"0"}},
+        {"private_perf_control_enable", {"1"}},
+        {"private_perf_test_enable", {"1"}},
         {"private_set_cpu_affinity", {"-", "0", "0"}},
 };
 
 constexpr Row kPresets[] = {
-        {"debug_private_outbuf_tx_fence_codecs", {"0", "0", "0"}},
-        {"private_complexity", {"50", "50", "50"}},
-        {"private_cpuaffinity_set", {"0", "0", "0"}},
-        {"private_dec_linear_color_format", {"0", "0", "0"}},
-        {"private_enc_all_intra_bitrate", {"0", "0", "0"}},
-        {"private_enc_depth_default_qp_value", {"1052688", "1052688", "1052688"}},
-        {"private_enc_depth_max_spatial_mbs", {"489600", "489600", "489600"}},
+        {"debug_private_outbuf_tx_fence_codecs", {"0"}},
+        {"private_complexity", {"50"}},
+        {"private_cpuaffinity_set", {"0"}},
+        {"private_dec_linear_color_format", {"0"}},
+        {"private_enc_all_intra_bitrate", {"0"}},
+        {"private_enc_depth_default_qp_value", {"1052688"}},
+        {"private_enc_depth_max_spatial_mbs", {"489600"}},
         {"private_enc_hier_b_max_mbs_per_frame", {"8160", "32640", "32640"}},
         {"private_enc_hier_b_max_mbs_per_sec", {"489600", "1958400", "1958400"}},
-        {"private_enc_hier_b_max_temporal_layer_count", {"4", "4", "4"}},
+        {"private_enc_hier_b_max_temporal_layer_count", {"4"}},
         {"private_enc_hier_b_max_width", {"1920", "3840", "3840"}},
-        {"private_enc_hier_p_max_temporal_layer_count", {"6", "6", "6"}},
-        {"private_enc_max_concurrent_cvp_session_count", {"1", "1", "1"}},
-        {"private_enc_single_nonref_b_max_mbs_per_frame", {"32400", "32400", "32400"}},
+        {"private_enc_hier_p_max_temporal_layer_count", {"6"}},
+        {"private_enc_max_concurrent_cvp_session_count", {"1"}},
+        {"private_enc_single_nonref_b_max_mbs_per_frame", {"32400"}},
         {"private_enc_single_nonref_b_max_mbs_per_sec", {"972000", "1944000", "1944000"}},
-        {"private_enc_single_nonref_b_max_width", {"3840", "3840", "3840"}},
-        {"private_fps_event_schedule_duration", {"500", "500", "500"}},
-        {"private_max_retry_alloc_output_timeout", {"10000", "10000", "10000"}},
-        {"private_max_slice_size_MB_Mode", {"34560", "34560", "34560"}},
-        {"private_max_supported_render_rate", {"120", "120", "120"}},
-        {"private_min_slice_size_MB_Mode", {"3", "3", "3"}},
-        {"private_outbuf_fence", {"1", "1", "1"}},
-        {"private_pipeline_extra_output_buffers", {"2", "2", "2"}},
-        {"private_preprocess_max_downscale_factor", {"8", "8", "8"}},
-        {"private_smoothnessFactor", {"0", "0", "0"}},
-        {"private_transcode_metadata_stat", {"3", "3", "3"}},
-        {"private_vt_extension_version", {"101", "101", "101"}},
+        {"private_enc_single_nonref_b_max_width", {"3840"}},
+        {"private_fps_event_schedule_duration", {"500"}},
+        {"private_max_retry_alloc_output_timeout", {"10000"}},
+        {"private_max_slice_size_MB_Mode", {"34560"}},
+        {"private_max_supported_render_rate", {"120"}},
+        {"private_min_slice_size_MB_Mode", {"3"}},
+        {"private_outbuf_fence", {"1"}},
+        {"private_pipeline_extra_output_buffers", {"2"}},
+        {"private_preprocess_max_downscale_factor", {"8"}},
+        {"private_smoothnessFactor", {"0"}},
+        {"private_transcode_metadata_stat", {"3"}},
+        {"private_vt_extension_version", {"101"}},
 };
 
 constexpr Row kPerfWords[] = {
@@ -68,42 +73,44 @@ constexpr Row kPerfWords[] = {
          {"1082130688 4095", "1082130432 4095", "1082130432 4095"}},
 };
 
-// Codec components, with the documents that have them.
-constexpr struct {
+// Codec components, with the documents that have them where that is not each.
+struct Codec {
     const char* name;
-    const char* documents;
-} kCodecs[] = {
-        {"av1.decoder", "123"},
-        {"av1.decoder.low_latency", "123"},
-        {"av1.decoder.secure", "123"},
-        {"avc.decoder", "123"},
-        {"avc.decoder.low_latency", "123"},
-        {"avc.decoder.secure", "123"},
-        {"avc.encoder", "123"},
-        {"avc.encoder.secure", "123"},
-        {"heic.encoder", "123"},
-        {"hevc.decoder", "123"},
-        {"hevc.decoder.low_latency", "123"},
-        {"hevc.decoder.secure", "123"},
-        {"hevc.encoder", "123"},
-        {"hevc.encoder.cq", "123"},
-        {"hevc.encoder.hdr", "123"},
-        {"hevc.encoder.secure", "123"},
+    const char* documents = "123";
+};
+
+constexpr Codec kCodecs[] = {
+        {"av1.decoder"},
+        {"av1.decoder.low_latency"},
+        {"av1.decoder.secure"},
+        {"avc.decoder"},
+        {"avc.decoder.low_latency"},
+        {"avc.decoder.secure"},
+        {"avc.encoder"},
+        {"avc.encoder.secure"},
+        {"heic.encoder"},
+        {"hevc.decoder"},
+        {"hevc.decoder.low_latency"},
+        {"hevc.decoder.secure"},
+        {"hevc.encoder"},
+        {"hevc.encoder.cq"},
+        {"hevc.encoder.hdr"},
+        {"hevc.encoder.secure"},
         {"mvhevc.decoder", "23"},
         {"mvhevc.decoder.secure", "3"},
         {"mvhevc.encoder", "23"},
         {"mvhevc.encoder.hdr", "3"},
-        {"vp9.decoder", "123"},
-        {"vp9.decoder.low_latency", "123"},
-        {"vp9.decoder.secure", "123"},
+        {"vp9.decoder"},
+        {"vp9.decoder.low_latency"},
+        {"vp9.decoder.secure"},
 };
 
 template <typename Rows>
 std::string section(const char* title, const Rows& rows, int document) {
     std::string text;
     for (const Row& row : rows) {
-        if (*row.values[document] != '-') {
-            text += std::string(title) + " " + row.name + " " + row.values[document] + "\n";
+        if (row.valueIn(document) != "-") {
+            text += std::string(title) + " " + row.name + " " + row.valueIn(document) + "\n";
         }
     }
     return text;
@@ -116,7 +123,7 @@ TEST(DefaultDocumentsTest, HoldEveryValue) {
         std::string expected = section("feature", kFeatures, document) +
                                section("preset", kPresets, document) +
                                section("perf", kPerfWords, document);
-        for (const auto& codec : kCodecs) {
+        for (const Codec& codec : kCodecs) {
             if (std::string(codec.documents).find(static_cast<char>('1' + document)) !=
                 std::string::npos) {
                 expected += std::string("codec c2.kvx.") + codec.name + "\n";

@@ -285,16 +285,6 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
              all,
              {},
              builtInText},
-            {"private: a full disk",
-             [&] { mDevice.write(kPrivateFile, ""); },
-             [] {
-                 const rlimit limit = {1000, 1000};
-                 std::signal(SIGXFSZ, SIG_IGN);
-                 setrlimit(RLIMIT_FSIZE, &limit);
-             },
-             all,
-             {},
-             ""},
             {"spec: I/O error while reading", spec("/proc/self/mem"), [] {}, onlyPrivate, rejected,
              kPrivate.c_str()},
             {"spec: a directory", spec("/"), [] {}, onlyPrivate, rejected, kPrivate.c_str()},
@@ -322,6 +312,27 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
         if (row.fileAfterwards != nullptr) {
             EXPECT_TRUE(fs::is_regular_file(mDevice(kPrivateFile)));
             EXPECT_EQ(row.fileAfterwards, mDevice.read(kPrivateFile));
+        }
+    }
+}
+
+// A full disk is seen while a long document is written, and no earlier than at the end of one that
+// the stream keeps to itself until then.
+TEST_F(LoadTest, ASeedIsWrittenWholeOrNotAtAll) {
+    mDevice.write(kTestTool, "");
+    for (const char* const variant : {"_brel", "_orvelle", "_test"}) {
+        setVariant(variant);
+        const std::string text = TargetSpec::getPrivateConfig();
+        for (const size_t room : {size_t{1000}, text.size() - 1, text.size()}) {
+            mDevice.write(kPrivateFile, "");
+            const Loaded loaded = load(mDevice, [&] {
+                const rlimit limit = {room, room};
+                std::signal(SIGXFSZ, SIG_IGN);
+                setrlimit(RLIMIT_FSIZE, &limit);
+            });
+            EXPECT_EQ(builtIn(), loaded.content) << variant << " " << room;
+            EXPECT_EQ(room == text.size() ? text : "", mDevice.read(kPrivateFile))
+                    << variant << " " << room;
         }
     }
 }

@@ -6,12 +6,15 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string>
 
 #include "Device.h"
 #include "base/BaseLibrary.h"
 #include "hostplatform/HostPlatform.h"
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/Limits.h"
 
 namespace kc2::test {
 
@@ -33,6 +36,19 @@ std::string nested(int depth, const std::string& innermost) {
     return open + innermost + close;
 }
 
+// With its array and its root it holds two values more.
+std::string arrayOf(size_t count, const std::string& value) {
+    std::string text = "[" + value;
+    for (size_t i = 1; i < count; ++i) {
+        text.append(",").append(value);
+    }
+    return "{\"a\":" + text + "]}";
+}
+
+std::string textOf(size_t size) {
+    return "{}" + std::string(size - 2, ' ');
+}
+
 TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
     host::setLogLevel(0x4);
     updateLogLevel();
@@ -51,7 +67,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "KC2PreProcessingFilters": {"z": "last", "a": "first", "m": 1},
             "perf-resource-values": {
                 "words": ["0x40C00000", " +5DC", "0XfFfzz", "-1", "7FFFFFFF", 16, -16],
-                "edges": ["\t-0x80000000", "0xg", "0x", "-0"],
+                "edges": ["\t-0x80000000", "0xg", "0x", "-0", "1x5", "\r2", "\n\u000B\f3"],
                 "empty": [], "null": null, "scalar": 5, "object": {"b": "2", "a": "1"}},
             "codecs-available": {"decoders": ["x", "y", 3], "encoders": ["y"]},
             "OptionalCodecs": ["x", "z"],
@@ -64,7 +80,8 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "feature twice 0\nfeature zero 0\n"
             "preset cut -3\npreset leading 101\npreset low -2147483648\npreset null 0\n"
             "preset top 2147483647\npreset true 1\npreset whole 7\n"
-            "perf edges 2147483648 0 0 0\nperf empty\nperf null\nperf object 1 2\nperf scalar\n"
+            "perf edges 2147483648 0 0 0 1 2 3\nperf empty\nperf null\nperf object 1 2\nperf "
+            "scalar\n"
             "perf words 1086324736 1500 4095 4294967295 2147483647 22 4294967274\n"
             "row 0 10 100\nrow 10 20 4294967295\nrow 2 1 0\n"
             "profile 4\nprofile 5\nprofile 8\nprofile 4294967295\nlevels 12 0\n"
@@ -78,41 +95,9 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
 
 // A comment may be wherever white space may be, whatever release of the parser reads the text.
 TEST_F(ParseTest, ACommentIsWhiteSpace) {
-    const std::vector<std::string> tokens = {"{",
-                                             "\"Video\"",
-                                             ":",
-                                             "{",
-                                             "\"Features\"",
-                                             ":",
-                                             "{",
-                                             "}",
-                                             ",",
-                                             "\"Presets\"",
-                                             ":",
-                                             "{",
-                                             "\"a/*b\"",
-                                             ":",
-                                             "1",
-                                             ",",
-                                             "\"//\\\"\"",
-                                             ":",
-                                             "2",
-                                             "}",
-                                             ",",
-                                             "\"OptionalCodecs\"",
-                                             ":",
-                                             "[",
-                                             "]",
-                                             ",",
-                                             "\"KC2CodecPlugins\"",
-                                             ":",
-                                             "[",
-                                             "\"p\\\\\"",
-                                             ",",
-                                             "\"q\"",
-                                             "]",
-                                             "}",
-                                             "}"};
+    std::istringstream document(R"({ "Video" : { "Features" : { } , "Presets" : { "a/*b" : 1 ,
+        "//\"" : 2 } , "OptionalCodecs" : [ ] , "KC2CodecPlugins" : [ "p\\" , "q" ] } })");
+    const std::vector<std::string> tokens(std::istream_iterator<std::string>(document), {});
     for (const char* const comment : {"", " ", "//\n", "//\n", "/**/", "/* \" */", "/*/ ] */",
                                       "// }\n", "//\r", "/* a */ // \"\r\n /* b */"}) {
         SCOPED_TRACE(comment);
@@ -131,56 +116,91 @@ TEST_F(ParseTest, ACommentIsWhiteSpace) {
 }
 
 TEST_F(ParseTest, ABadValueCostsOnlyItself) {
+    const char* const noObject = "not an object";
+    const char* const noArray = "not an array";
+    const char* const noBoolean = "not a boolean";
+    const char* const noInteger = "not an integer in the signed 32-bit range";
+    const char* const noWord = "not a hexadecimal string in the signed 32-bit range";
     const struct {
         const char* video;
-        const char* warning;
+        const char* place;
+        const char* reason;
         const char* content;
     } rows[] = {
-            {R"("Features": [], "Presets": {"a": 1})", "Video/Features: not an object",
-             "preset a 1\n"},
-            {R"("Features": {"a": "true", "b": true})", "Video/Features/a: not a boolean",
+            {R"("Features": [], "Presets": {"a": 1})", "Video/Features", noObject, "preset a 1\n"},
+            {R"("Features": {"a": "true", "b": true})", "Video/Features/a", noBoolean,
              "feature b 1\n"},
-            {R"("Features": {"a": {}, "b": true})", "Video/Features/a: not a boolean",
-             "feature b 1\n"},
-            {R"("Features": {"a\n\u009B\u00E4": 0, "\u0000\n": "z"})",
-             "Video/Features/\\x00\\x0A: not a boolean", "feature a\n\u009B\u00E4 0\n"},
-            {R"("Presets": {"a": "1", "b": 2})",
-             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
-            {R"("Presets": {"a": 2147483648, "b": 2})",
-             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
-            {R"("Presets": {"a": -2147483648.5, "b": 2})",
-             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
-            {R"("Presets": {"a": 2147483647.5, "b": 2})",
-             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
-            {R"("Presets": {"a": 99999999999999999999, "b": 2})",
-             "Video/Presets/a: not an integer in the signed 32-bit range", "preset b 2\n"},
+            {R"("Features": {"a": {}, "b": true})", "Video/Features/a", noBoolean, "feature b 1\n"},
+            {R"("Features": {"a\n\u009B\u00E4": 0, "\u0000\n": "z"})", "Video/Features/\\x00\\x0A",
+             noBoolean, "feature a\n\u009B\u00E4 0\n"},
+            {R"("Presets": {"a": "1", "b": 2})", "Video/Presets/a", noInteger, "preset b 2\n"},
+            {R"("Presets": {"a": 2147483648, "b": 2})", "Video/Presets/a", noInteger,
+             "preset b 2\n"},
+            {R"("Presets": {"a": -2147483648.5, "b": 2})", "Video/Presets/a", noInteger,
+             "preset b 2\n"},
+            {R"("Presets": {"a": 2147483647.5, "b": 2})", "Video/Presets/a", noInteger,
+             "preset b 2\n"},
+            {R"("Presets": {"a": 99999999999999999999, "b": 2})", "Video/Presets/a", noInteger,
+             "preset b 2\n"},
             {R"("NimbraModeBitrateTable": [[1, 2, "3"], [4, 5, 6]])",
-             "Video/NimbraModeBitrateTable[0]: not an integer in the signed 32-bit range",
-             "row 4 5 6\n"},
+             "Video/NimbraModeBitrateTable[0]", noInteger, "row 4 5 6\n"},
             {R"("NimbraModeBitrateTable": [{"a": 1, "b": 2, "c": 3}, [4, 5, 6]])",
-             "Video/NimbraModeBitrateTable[0]: not an array", "row 4 5 6\n"},
+             "Video/NimbraModeBitrateTable[0]", noArray, "row 4 5 6\n"},
             {R"("DolbyVision": {"max_main_tier_level": "9", "max_high_tier_level": 3})",
-             "Video/DolbyVision/max_main_tier_level: not an integer in the signed 32-bit range",
-             "levels 0 3\n"},
-            {R"("DolbyVision": 7)", "Video/DolbyVision: not an object", ""},
+             "Video/DolbyVision/max_main_tier_level", noInteger, "levels 0 3\n"},
+            {R"("DolbyVision": 7)", "Video/DolbyVision", noObject, ""},
             {R"("perf-resource-values": {"a": ["0x1", ""], "b": ["2"]})",
-             "Video/perf-resource-values/a[1]: not a hexadecimal string in the signed 32-bit range",
-             "perf b 2\n"},
+             "Video/perf-resource-values/a[1]", noWord, "perf b 2\n"},
             {R"("perf-resource-values": {"a": ["0x80000000"], "b": ["2"]})",
-             "Video/perf-resource-values/a[0]: not a hexadecimal string in the signed 32-bit range",
-             "perf b 2\n"},
+             "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
             {R"("perf-resource-values": {"a": [true, "x"], "b": ["2"]})",
-             "Video/perf-resource-values/a[0]: not a hexadecimal string in the signed 32-bit range",
-             "perf b 2\n"},
-            {R"("codecs-available": ["x"], "OptionalCodecs": ["y"])",
-             "Video/codecs-available: not an object", "codec y\n"},
+             "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
+            {R"("codecs-available": ["x"], "OptionalCodecs": ["y"])", "Video/codecs-available",
+             noObject, "codec y\n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.video);
         TargetSpec spec;
         EXPECT_EQ(0u, parse(spec, R"({"Video": {)" + std::string(row.video) + "}}"));
         EXPECT_EQ(row.content, contentOf(spec));
-        EXPECT_EQ(Lines{"W/KC2TargetSpec: Skipped " + std::string(row.warning)}, mDevice.takeLog());
+        EXPECT_EQ(Lines{std::string("W/KC2TargetSpec: Skipped ") + row.place + ": " + row.reason},
+                  mDevice.takeLog());
+    }
+}
+
+// A terminal must get neither control characters nor bytes that are not UTF-8; and the log cuts
+// long lines, so a long name must leave room for what is wrong.
+TEST_F(ParseTest, TheLogShowsANameSafely) {
+    const std::string longest(200, 'n');
+    const struct {
+        std::string name;
+        std::string shown;
+    } rows[] = {
+            {"\xC2\x80", "\\xC2\\x80"},
+            {"\xC2\x9F", "\\xC2\\x9F"},
+            {"\xC2\xA0", "\xC2\xA0"},
+            {"\xC1\xBF", "\\xC1\\xBF"},
+            {"\xC3\xBF\x7F", "\xC3\xBF\\x7F"},
+            {"\xC3(", "\\xC3("},
+            {"\xC3\xC3\xBF", "\\xC3\xC3\xBF"},
+            {"\xE0\x9F\xBF", "\\xE0\\x9F\\xBF"},
+            {"\xE0\xA0\x80", "\xE0\xA0\x80"},
+            {"\xED\x9F\xBF", "\xED\x9F\xBF"},
+            {"\xED\xA0\x80", "\\xED\\xA0\\x80"},
+            {"\xE2\x82", "\\xE2\\x82"},
+            {"\xE2\x82 ", "\\xE2\\x82 "},
+            {"\xF0\x8F\xBF\xBF", "\\xF0\\x8F\\xBF\\xBF"},
+            {"\xF0\x90\x80\x80", "\xF0\x90\x80\x80"},
+            {"\xF4\x8F\xBF\xBF", "\xF4\x8F\xBF\xBF"},
+            {"\xF4\x90\x80\x80", "\\xF4\\x90\\x80\\x80"},
+            {"\xF5\x80\x80\x80", "\\xF5\\x80\\x80\\x80"},
+            {longest, longest},
+            {longest + "n", longest + "..."},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(0u, parse(mSpec, R"({"Video": {"Features": {")" + row.name + R"(": ""}}})"));
+        EXPECT_EQ(Lines{"W/KC2TargetSpec: Skipped Video/Features/" + row.shown + ": not a boolean"},
+                  mDevice.takeLog());
     }
 }
 
@@ -188,11 +208,6 @@ TEST_F(ParseTest, ARejectedDocumentChangesNothing) {
     ASSERT_EQ(0u, parse(mSpec, R"({"Video": {"Features": {"a": true}, "OptionalCodecs": ["x"]}})"));
     const std::string before = contentOf(mSpec);
     const std::string head = R"({"Video": {"Features": {"b": true}}, "x": )";
-    std::string manyValues = "[1";
-    for (int i = 0; i < 2 << 20; ++i) {
-        manyValues += ",1";
-    }
-    const std::string longText(size_t{33} << 20, ' ');
     for (const std::string& text : {std::string(),
                                     std::string(" // only a comment"),
                                     std::string("[]"),
@@ -217,8 +232,9 @@ TEST_F(ParseTest, ARejectedDocumentChangesNothing) {
                                     std::string(256, '['),
                                     std::string(1000, '['),
                                     nested(200000, "1"),
-                                    head + manyValues + "]}",
-                                    longText + "{}"}) {
+                                    arrayOf(kMaxValues - 1, "1"),
+                                    arrayOf(kMaxValues / 3 * 2, "{}"),
+                                    textOf(kMaxTextBytes + 1)}) {
         SCOPED_TRACE(text.substr(0, 60));
         EXPECT_EQ(kFailed, parse(mSpec, text));
         EXPECT_EQ(before, contentOf(mSpec));
@@ -235,6 +251,9 @@ TEST_F(ParseTest, AcceptsWhatHoldsNothing) {
                           "KC2CodecPlugins": 5, "OptionalCodecs": null,
                           "codecs-available": {"decoders": "x", "encoders": null}}})"),
           nested(256, "1"), nested(255, "[]"), nested(255, "{ /* } */ }"),
+          // Up to each limit; and long for another reason than its values.
+          arrayOf(kMaxValues - 2, "1"), textOf(kMaxTextBytes),
+          "{\"a\": \"" + std::string(2 * kMaxValues, ',') + "\"}",
           "{\"a\": \"\\\"" + brackets + "\", /*" + brackets + "*/ \"b\": // " + brackets +
                   "\n 1}"}) {
         SCOPED_TRACE(text.substr(0, 60));

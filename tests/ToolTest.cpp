@@ -47,9 +47,20 @@ TEST(ToolTest, EachCommandAnswers) {
             {"defaults 4", 2, "there is no built-in document 4: 1 (brel, mirt), 2 (orvelle), 3 (all"},
             {"formats", 0, "TAMRA_TP10                0x7FA30C09  2141391881  5       Y UV Y_META"},
             {"formats 2141391881", 0, "TAMRA_TP10"},
+            {"formats 0x7fa30c09", 0, "TAMRA_TP10"},
+            {"formats 0X07FA30C09", 0, "TAMRA_TP10"},
+            {"formats 7FA30C09", 1, "7FA30C09 is"},
+            {"formats 0x", 1, "0x is"},
+            {"formats 0x17FA30C09", 1, "0x17FA30C09 is"},
+            {"formats 0x7FA30C09h", 1, "0x7FA30C09h is"},
             {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
             {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
             {"formats nv12", 1, "Did you mean TAMRA_NV12?"},
+            // A third of the letters and one may be wrong, and one more may not.
+            {"formats RGBA_xxxx", 1, "Did you mean RGBA_FP16?"},
+            {"formats RGBAxxxxx", 1, "\"kcodec2_spec formats\" lists them."},
+            {"show --rootdir tests/check/load-variant " + variant + "trail", 0,
+             "/vendor/etc/video_system_specs.json (fallback: /vendor/etc/mediatrail/"},
             {"formats 0x127", 1,
              "0x127 is not a pixel format of the video core. \"kcodec2_spec formats\""},
             {"formats 026", 1, "026 is not a pixel format"},
@@ -82,6 +93,11 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
             {"--rootdir load-rejected", "load-rejected"},
             {"no-codecs.json no-video.json --format json", "json"},
     };
+    // Every field of the store for scripts, with the document that each came from.
+    EXPECT_EQ(readFile(directory / "expected/show.txt"),
+              run("show --json --rootdir load-traps --property vendor.media.target_variant=_test",
+                  "tests/check")
+                      .output);
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {
         if (entry.path().extension() == ".json") {
             checks.emplace_back(entry.path().filename(), entry.path().stem());
