@@ -1,11 +1,11 @@
-// Puts counters in front of the C library's allocator, which operator new stands on too.
-
-#include "bench/Allocations.h"
+// Counters in front of the C library's allocator, for LD_PRELOAD. operator new uses it, too;
+// nothing that is counted asks for an alignment.
 
 #include <malloc.h>
 
 #include <algorithm>
-#include <cerrno>
+
+#include "bench/Bench.h"
 
 namespace {
 
@@ -20,23 +20,16 @@ void* counted(void* block) {
 
 }  // namespace
 
-kc2::bench::AllocationCount kc2::bench::allocationCount() {
-    return sCount;
-}
-
-void kc2::bench::resetPeak() {
-    sCount.peakBytes = sCount.liveBytes;
-}
-
-// Visible to the shared libraries, or they would go on with the C library's.
 #pragma GCC visibility push(default)
 
 extern "C" {
 
+kc2::bench::AllocationCount* kc2AllocationCount() {
+    return &sCount;
+}
+
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void* __libc_memalign(size_t alignment, size_t size);
 void __libc_free(void* block);
 
 void* malloc(size_t size) {
@@ -47,25 +40,9 @@ void* calloc(size_t count, size_t size) {
     return counted(__libc_calloc(count, size));
 }
 
-void* realloc(void* block, size_t size) {
-    sCount.liveBytes -= malloc_usable_size(block);
-    return counted(__libc_realloc(block, size));
-}
-
-void* aligned_alloc(size_t alignment, size_t size) {
-    return counted(__libc_memalign(alignment, size));
-}
-
-int posix_memalign(void** block, size_t alignment, size_t size) {
-    *block = aligned_alloc(alignment, size);
-    return *block != nullptr ? 0 : ENOMEM;
-}
-
 void free(void* block) {
     sCount.liveBytes -= malloc_usable_size(block);
     __libc_free(block);
 }
 
 }  // extern "C"
-
-#pragma GCC visibility pop

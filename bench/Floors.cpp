@@ -8,16 +8,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "kc2/PixFormat.h"
 
 namespace kc2::bench::floors {
 
-namespace {
-
 // Hidden, as the library's own statics are: read without a detour through the symbol table.
-void* sPointer = &sPointer;
-
-}  // namespace
+static void* sPointer = &sPointer;
 
 void* readPointer() {
     return *const_cast<void* const volatile*>(&sPointer);
@@ -47,8 +45,10 @@ uint32_t findBitRate(const std::vector<NimbraBitRateEntry>& rows, const unsigned
     return 0xFFFFFFFF;
 }
 
-std::vector<uint32_t> copyWords(const std::vector<uint32_t>& words) {
-    return words;
+std::vector<uint32_t> findWords(const std::map<std::string, std::vector<uint32_t>>& words,
+                                const std::string& name) {
+    const auto entry = words.find(name);
+    return entry != words.end() ? entry->second : std::vector<uint32_t>();
 }
 
 void appendNames(const std::list<std::string>& names, std::list<std::string>* list) {
@@ -60,32 +60,22 @@ std::unordered_set<std::string> copyNames(const std::unordered_set<std::string>&
 }
 
 uint32_t switchOverFormats(unsigned int format) {
+    using namespace PixFormat;
+    // clang-format off
     switch (format) {
-        case PixFormat::NV12_CMPR_FLEX:
-        case PixFormat::NV12_CMPR_FLEX_2_BATCH:
-        case PixFormat::NV12_CMPR_FLEX_4_BATCH:
-        case PixFormat::NV12_CMPR_FLEX_8_BATCH:
-        case PixFormat::TAMRA_NV12_CMPR:
-            return 1;
-        case PixFormat::TAMRA_NV21:
-            return 2;
-        case PixFormat::TAMRA_P010:
-            return 3;
-        case PixFormat::TAMRA_TP10:
-            return 5;
-        case PixFormat::RGBA8888:
-            return 6;
-        case PixFormat::RGBA8888_CMPR:
-            return 7;
-        case PixFormat::RGBA1010102_CMPR:
-            return 9;
-        case PixFormat::RGBA1010102:
-            return 10;
-        case PixFormat::RGBA_FP16:
-            return 11;
-        default:
-            return 0;
+        case NV12_CMPR_FLEX: case NV12_CMPR_FLEX_2_BATCH: case NV12_CMPR_FLEX_4_BATCH:
+        case NV12_CMPR_FLEX_8_BATCH: case TAMRA_NV12_CMPR: return 1;
+        case TAMRA_NV21: return 2;
+        case TAMRA_P010: return 3;
+        case TAMRA_TP10: return 5;
+        case RGBA8888: return 6;
+        case RGBA8888_CMPR: return 7;
+        case RGBA1010102_CMPR: return 9;
+        case RGBA1010102: return 10;
+        case RGBA_FP16: return 11;
+        default: return 0;
     }
+    // clang-format on
 }
 
 uint64_t findPlane(const Planes& planes, unsigned int format, uint32_t plane) {
@@ -100,17 +90,14 @@ uint64_t logUnknownFormat(unsigned int format) {
 }
 
 std::string readFile(const char* path) {
-    std::string text;
     struct stat status = {};
     const int fd = open(path, O_RDONLY | O_CLOEXEC);
-    if (fd >= 0 && fstat(fd, &status) == 0) {
-        text.resize(static_cast<size_t>(status.st_size));
-        const ssize_t length = read(fd, text.data(), text.size());
-        text.resize(length > 0 ? static_cast<size_t>(length) : 0);
+    fstat(fd, &status);
+    std::string text(static_cast<size_t>(status.st_size), '\0');
+    if (read(fd, text.data(), text.size()) != status.st_size) {
+        std::abort();
     }
-    if (fd >= 0) {
-        close(fd);
-    }
+    close(fd);
     return text;
 }
 

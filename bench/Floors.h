@@ -25,7 +25,8 @@ bool findFeature(const std::map<std::string, bool>& features, const std::string&
 int32_t findPreset(const std::map<std::string, int32_t>& presets, const std::string& name,
                    int* value);
 uint32_t findBitRate(const std::vector<NimbraBitRateEntry>& rows, const unsigned int* value);
-std::vector<uint32_t> copyWords(const std::vector<uint32_t>& words);
+std::vector<uint32_t> findWords(const std::map<std::string, std::vector<uint32_t>>& words,
+                                const std::string& name);
 void appendNames(const std::list<std::string>& names, std::list<std::string>* list);
 std::unordered_set<std::string> copyNames(const std::unordered_set<std::string>& names);
 

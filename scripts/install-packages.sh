@@ -17,7 +17,7 @@ test="$test g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static"
 test="$test android-liblog-dev blueprint-tools golang-android-soong-dev
     golang-github-golang-protobuf-1-3-dev golang-github-google-blueprint-dev golang-go"
 # Benchmarks; proofs about the binary and the load; documents.
-test="$test libbenchmark-dev libsimdjson-dev rapidjson-dev
+test="$test libsimdjson-dev rapidjson-dev
     abigail-tools binutils llvm python3 relacy-dev valgrind
     chromium doxygen"
 
