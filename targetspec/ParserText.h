@@ -12,8 +12,8 @@ namespace kc2 {
 
 // Bytes of a text: [start, limit).
 struct TextRange {
-    size_t start;
-    size_t limit;
+    size_t start = 0;
+    size_t limit = 0;
 };
 
 struct LimitBreach {

@@ -11,7 +11,6 @@
 #include <string_view>
 #include <utility>
 
-#include "targetspec/ParserText.h"
 #include "targetspec/reading/JsonValues.h"
 #include "targetspec/reading/Sections.h"
 
@@ -371,8 +370,9 @@ const Json::Value* findVideo(const Json::Value& root, FindingSink& findings) {
 
 }  // namespace
 
-bool readSpecDocument(std::span<char> text, SpecDocument* document, FindingSink& findings) {
-    if (const std::optional<LimitBreach> breach = makeFitForParser(text)) {
+bool readSpecDocument(std::span<char> text, SpecDocument* document, FindingSink& findings,
+                      std::vector<TextRange>* comments) {
+    if (const std::optional<LimitBreach> breach = makeFitForParser(text, comments)) {
         findings.report(
                 {.kind = breach->kind, .start = breach->offset, .limit = breach->offset + 1});
         return false;

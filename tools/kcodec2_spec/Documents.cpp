@@ -64,8 +64,8 @@ Document readDocument(std::string origin, std::string path, std::string text) {
     document.text = std::move(text);
     FindingKeeper keeper(&document.findings);
     document.parserText = document.text;
-    makeFitForParser(document.parserText, &document.comments);  // Again below; here for the ranges.
-    document.isAccepted = readSpecDocument(document.parserText, &document.content, keeper);
+    document.isAccepted =
+            readSpecDocument(document.parserText, &document.content, keeper, &document.comments);
     return document;
 }
 

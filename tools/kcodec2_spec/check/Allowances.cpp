@@ -13,44 +13,17 @@ constexpr std::string_view kMark = "kcodec2_spec:";
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr size_t kMostSuggestions = 100;  // A search through all ids for each of a million is long.
 
-// The comments of a text, with their marks.
-std::vector<Span> commentsOf(std::string_view text) {
-    std::vector<Span> comments;
-    for (size_t at = 0; (at = text.find_first_of("\"/", at)) != std::string_view::npos;) {
-        const size_t start = at;
-        if (text[at] == '"') {
-            for (++at; at < text.size() && text[at] != '"'; ++at) {
-                at += text[at] == '\\' ? 1 : 0;
-            }
-            ++at;
-            continue;
-        }
-        if (text.substr(at, 2) == "//") {
-            at = std::min(text.find_first_of("\r\n", at), text.size());
-        } else if (text.substr(at, 2) == "/*") {
-            const size_t end = text.find("*/", at + 2);
-            at = end == std::string_view::npos ? text.size() : end + 2;
-        } else {
-            ++at;
-            continue;
-        }
-        comments.push_back({start, at});
-    }
-    return comments;
-}
-
 }  // namespace
 
 constexpr Rule kAllowsNothing = {"allows-nothing", Severity::Warning,
                                  "a comment that allows a finding that is not there"};
 
-Allowances::Allowances(const Source& source) : mSource(&source) {
+Allowances::Allowances(const Source& source, const std::vector<Span>& comments) : mSource(&source) {
     const std::string_view text = source.text();
     if (text.find(kMark) == std::string_view::npos) {
         return;
     }
     // From the last comment to the first: what a comment allows may be where the next one points.
-    const std::vector<Span> comments = commentsOf(text);
     size_t nextStart = text.size();
     size_t nextLine = source.lineOf(text.size());
     for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {

@@ -17,8 +17,8 @@ namespace kc2::tool {
 // the next line that holds more than comments.
 class Allowances {
 public:
-    // Reads the comments of a text that the JSON parser has accepted.
-    explicit Allowances(const Source& source);
+    // Reads the comments of a text, in its order.
+    Allowances(const Source& source, const std::vector<Span>& comments);
 
     // Whether the text has any.
     bool isEmpty() const { return mByPlace.empty() && mMistakes.empty(); }

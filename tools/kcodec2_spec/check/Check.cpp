@@ -47,7 +47,7 @@ bool isJson(const Document& document) {
 void checkDocument(const CheckedDocument& document, Report* report) {
     if (document.document.isReadable) {
         if (isJson(document.document)) {
-            report->heedAllowances(document.source);
+            report->heedAllowances(document.source, document.document.comments);
         }
         applyReaderRules(document, report);
         if (!document.document.path.empty()) {  // Nobody here can change a built-in document.

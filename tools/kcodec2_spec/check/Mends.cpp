@@ -59,23 +59,10 @@ private:
         std::string_view key;  // Of the member that is being read.
     };
 
-    // To the next token; false at the end of the text and before a comment that does not end.
+    // To the next token; false at the end of the text.
     bool skipBlanks() {
-        for (;;) {
-            mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size());
-            const std::string_view mark = mText.substr(mAt, 2);
-            if (mark == "//") {
-                mAt = std::min(mText.find_first_of("\r\n", mAt), mText.size());
-            } else if (mark == "/*") {
-                const size_t end = mText.find("*/", mAt + 2);
-                if (end == std::string_view::npos) {
-                    return false;
-                }
-                mAt = end + 2;
-            } else {
-                return mAt < mText.size();
-            }
-        }
+        mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size());
+        return mAt < mText.size();
     }
 
     bool token() {
@@ -227,12 +214,12 @@ std::string digitsOf(std::string_view text) {
 
 }  // namespace
 
-std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view text) {
-    const std::string_view value =
-            text.substr(std::min(finding.start, text.size()), finding.limit - finding.start);
+std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view parserText) {
+    const std::string_view value = parserText.substr(std::min(finding.start, parserText.size()),
+                                                     finding.limit - finding.start);
     switch (finding.kind) {
         case FindingKind::SyntaxError:
-            return syntaxMends(text);
+            return syntaxMends(parserText);
         case FindingKind::PerfWordUnquoted: {
             const bool isPlain = std::all_of(value.begin(), value.end(), isDigit) &&
                                  (value.size() == 1 || value[0] != '0');

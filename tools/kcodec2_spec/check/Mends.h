@@ -10,8 +10,9 @@
 
 namespace kc2::tool {
 
-// What mends something that the reader found; empty when that is not certain.
-std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view text);
+// What mends something that the reader found; empty when that is not certain. `parserText` is the
+// document without its comments.
+std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view parserText);
 
 // Writes the known name `meant` in place of a name, given with its quotes; empty when another one
 // may be meant just as well: then the two differ in a digit, or in more than a few letters.

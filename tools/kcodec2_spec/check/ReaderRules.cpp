@@ -269,7 +269,7 @@ void applyReaderRules(const CheckedDocument& checked, Report* report) {
         if (rule == nullptr) {
             continue;
         }
-        std::vector<Fix> fixes = mendsOf(finding, checked.document.text);
+        std::vector<Fix> fixes = mendsOf(finding, checked.document.parserText);
         if (finding.kind == FindingKind::SyntaxError) {
             SyntaxHint hint = syntaxError(finding, checked);
             report->add(rule->rule, checked.source, hint.span, std::move(hint.message),

@@ -47,8 +47,8 @@ void Report::add(ReportEntry entry) {
     mEntries.push_back(std::move(entry));
 }
 
-void Report::heedAllowances(const Source& source) {
-    Allowances allowances(source);
+void Report::heedAllowances(const Source& source, const std::vector<Span>& comments) {
+    Allowances allowances(source, comments);
     if (!allowances.isEmpty()) {
         mAllowances.emplace(&source, std::move(allowances));
     }

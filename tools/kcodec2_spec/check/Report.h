@@ -57,7 +57,7 @@ public:
 
     // Heeds the comments in this source that allow findings: call it before the source's findings
     // are added, and addUnusedAllowances() once after all of them.
-    void heedAllowances(const Source& source);
+    void heedAllowances(const Source& source, const std::vector<Span>& comments);
     void addUnusedAllowances();
 
     // Everything, source by source in the order in which they were first named, and in the order of

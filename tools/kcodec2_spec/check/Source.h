@@ -6,13 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "targetspec/ParserText.h"
+
 namespace kc2::tool {
 
-// Bytes of a text: [start, limit).
-struct Span {
-    size_t start = 0;
-    size_t limit = 0;
-};
+using Span = TextRange;
 
 class Source {
 public:
