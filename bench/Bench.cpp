@@ -104,14 +104,9 @@ void measureApart(const Operation& operation) {
     }
 }
 
-// Lets the device's directories lie in `root`, with a file of the given text, and silences the log.
-void setUpDevice(const std::string& root, const char* file, const std::string& text) {
-    const std::filesystem::path path = root + file;
+void writeFile(const std::filesystem::path& path, const std::string& text) {
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path) << text;
-    kc2::host::mapDirectory("/", root);
-    kc2::host::setProperty("vendor.media.target_variant", "_brel");
-    kc2::host::setLogSink([](int, const char*, const char*) {});
 }
 
 }  // namespace
@@ -128,9 +123,12 @@ int main(int argc, char** argv) {
     for (int file = 2; file < argc; ++file) {
         documents.push_back({argv[file], kc2::bench::floors::readFile(argv[file])});
     }
-    setUpDevice(argv[1], "/vendor/etc/media_brel/video_system_specs.json", documents[0].text);
-    setUpDevice(argv[1], "/data/vendor/media/video_private_configs.json", documents[1].text);
-    const std::vector<Operation> operations = kc2::bench::operations(documents);
+    const std::string root = argv[1];
+    writeFile(root + "/vendor/etc/media_brel/video_system_specs.json", documents[0].text);
+    writeFile(root + "/data/vendor/media/video_private_configs.json", documents[1].text);
+    kc2::host::setProperty("vendor.media.target_variant", "_brel");
+    kc2::host::setLogSink([](int, const char*, const char*) {});
+    const std::vector<Operation> operations = kc2::bench::operations(documents, root);
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
 
     measureApart({"nothing 1", 1, [] {}});

@@ -24,7 +24,7 @@ struct Operation {
 
 // The first document is the device's system spec file and the second its private configuration
 // file; the third has content for every query.
-std::vector<Operation> operations(const std::vector<Document>& documents);
+std::vector<Operation> operations(const std::vector<Document>& documents, const std::string& root);
 
 struct AllocationCount {
     size_t allocations = 0;

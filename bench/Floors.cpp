@@ -60,19 +60,19 @@ std::unordered_set<std::string> copyNames(const std::unordered_set<std::string>&
 }
 
 uint32_t switchOverFormats(unsigned int format) {
-    using namespace PixFormat;
     // clang-format off
     switch (format) {
-        case NV12_CMPR_FLEX: case NV12_CMPR_FLEX_2_BATCH: case NV12_CMPR_FLEX_4_BATCH:
-        case NV12_CMPR_FLEX_8_BATCH: case TAMRA_NV12_CMPR: return 1;
-        case TAMRA_NV21: return 2;
-        case TAMRA_P010: return 3;
-        case TAMRA_TP10: return 5;
-        case RGBA8888: return 6;
-        case RGBA8888_CMPR: return 7;
-        case RGBA1010102_CMPR: return 9;
-        case RGBA1010102: return 10;
-        case RGBA_FP16: return 11;
+        case PixFormat::NV12_CMPR_FLEX: case PixFormat::NV12_CMPR_FLEX_2_BATCH:
+        case PixFormat::NV12_CMPR_FLEX_4_BATCH: case PixFormat::NV12_CMPR_FLEX_8_BATCH:
+        case PixFormat::TAMRA_NV12_CMPR: return 1;
+        case PixFormat::TAMRA_NV21: return 2;
+        case PixFormat::TAMRA_P010: return 3;
+        case PixFormat::TAMRA_TP10: return 5;
+        case PixFormat::RGBA8888: return 6;
+        case PixFormat::RGBA8888_CMPR: return 7;
+        case PixFormat::RGBA1010102_CMPR: return 9;
+        case PixFormat::RGBA1010102: return 10;
+        case PixFormat::RGBA_FP16: return 11;
         default: return 0;
     }
     // clang-format on

@@ -316,8 +316,7 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
     }
 }
 
-// A full disk is seen while a long document is written, and no earlier than at the end of one that
-// the stream keeps to itself until then.
+// With libc++ the last bytes are written no earlier than when the file is closed.
 TEST_F(LoadTest, ASeedIsWrittenWholeOrNotAtAll) {
     mDevice.write(kTestTool, "");
     for (const char* const variant : {"_brel", "_orvelle", "_test"}) {
