@@ -32,7 +32,9 @@ DeviceTree& deviceTree() {
 }
 
 std::string withoutTrailingSlashes(std::string directory) {
-    directory.erase(directory.find_last_not_of('/') + 1);
+    while (directory.ends_with('/')) {
+        directory.pop_back();
+    }
     return directory;
 }
 
