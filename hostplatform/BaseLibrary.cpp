@@ -1,6 +1,6 @@
 // Stand-ins for the base library: log level word, system properties, pixel-format names.
 
-#include "base/BaseLibrary.h"
+#include "device/BaseLibrary.h"
 
 #include <atomic>
 #include <cstdio>

@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include "log/Log.h"
+#include "device/Log.h"
 
 namespace kc2::Platform {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <utility>
 
-#include "log/Log.h"
+#include "device/Log.h"
 #include "platform/FormatRows.h"
 
 namespace kc2::Platform {

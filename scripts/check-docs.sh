@@ -15,7 +15,7 @@ else
 fi
 
 echo "API reference of include/kc2, without a warning"
-version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' base/Version.h)
+version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' platform/Version.h)
 {
     cat docs/Doxyfile
     echo "OUTPUT_DIRECTORY = \"$output\""
@@ -29,7 +29,7 @@ done
 echo "Limits, where a page quotes one"
 # limit NAME UNIT DIVISOR: every number before UNIT must be the constant, and some page must quote it.
 limit() {
-    expression=$(sed -n "s/.* $1 = \(.*\);/\1/p" targetspec/Limits.h | sed 's/size_t{\([0-9]*\)}/\1/')
+    expression=$(sed -n "s/.* $1 = \(.*\);/\1/p" targetspec/reading/Limits.h | sed 's/size_t{\([0-9]*\)}/\1/')
     value=$((($expression) / $3))
     quoted=$(grep -rhoE "[0-9][0-9,]* $2" README.md docs include --include=*.md --include=*.h |
         tr -d , | sort -u)

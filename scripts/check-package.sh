@@ -89,7 +89,7 @@ quietly "${CXX:-c++}" -std=c++17 "$scratch/readme.cpp" -o "$scratch/readme" \
 LD_LIBRARY_PATH=$libraries quietly "$scratch/readme"
 
 echo "One version everywhere, and a consumer that asks for another one is told"
-version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' "$source/base/Version.h")
+version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' "$source/platform/Version.h")
 for module in kcodec2_platform kcodec2_hostplatform; do
     found=$(pkg-config --modversion $module)
     [ "$found" = "$version" ] || fail "$module is version $found, not $version"

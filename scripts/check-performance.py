@@ -222,7 +222,7 @@ def main():
         run("objcopy", "--strip-all", build / LIBRARIES[0], scratch / "stripped.so")
         names = write_documents(scratch / "documents")
         # As bench/Bench.h asks for: the largest document of a person first.
-        first = ("defaults/default_document_3.json", names[0], "100 entries")
+        first = ("defaults/built_in_document_3.json", names[0], "100 entries")
         command = (scratch / "kcodec2_bench", scratch / "device", *first,
                    *(name for name in names if name not in first))
         allocations = count_allocations(command, scratch, build)

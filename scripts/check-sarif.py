@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds the tool's SARIF against a public validator, and shows that the validator finds faults.
 
-Reports on all documents and trees of tests/check must be without an error of the validator; the
+Reports on all documents and trees of tests/unit/check must be without an error of the validator; the
 same report with a fault planted in its version, in a region and in a fix must not. The validator
 ends with 0 on an invalid file, so its own report is read.
 
@@ -59,7 +59,7 @@ def complaints(logs):
 
 def report(tool, *arguments):
     result = subprocess.run([tool, 'check', '--format', 'sarif', *arguments], check=False,
-                            capture_output=True, cwd=ROOT / 'tests/check')
+                            capture_output=True, cwd=ROOT / 'tests/unit/check')
     if result.returncode not in (0, 1):
         sys.exit(f'check-sarif: the tool failed: {result.stderr.decode()}')
     return json.loads(result.stdout)
@@ -96,12 +96,12 @@ def main():
     tool = parser.parse_args().build.resolve() / 'kcodec2_spec'
     install()
 
-    documents = sorted(path.name for path in (ROOT / 'tests/check').glob('*.json'))
+    documents = sorted(path.name for path in (ROOT / 'tests/unit/check').glob('*.json'))
     log = report(tool, *documents)
     first_with(log, 'relatedLocations')  # Nothing is proved of what is not there.
     trees = {tree.name: report(tool, '--rootdir', tree.name, '--property',
                                'vendor.media.target_variant=_test')
-             for tree in sorted((ROOT / 'tests/check').glob('load-*'))}
+             for tree in sorted((ROOT / 'tests/unit/check').glob('load-*'))}
     plants = {plant.__name__: plant for plant in (plant_version, plant_region, plant_fix)}
     logs = {'documents': log, **trees,
             **{name: with_fault(log, plant) for name, plant in plants.items()}}

@@ -191,8 +191,8 @@ def check_compiles(tree):
     result = tree.ninja("-k0", *objects)
     title = f"{len(objects)} sources compile with Soong's flags for the host"
     yield report(title, "" if result.returncode == 0 and objects else result.stdout)
-    source = f"{OURS}/tests/Device.cpp"
-    planted = [file for file in objects if file.endswith("/tests/Device.o")]
+    source = f"{OURS}/tests/unit/Device.cpp"
+    planted = [file for file in objects if file.endswith("/tests/unit/Device.o")]
     place = "namespace kc2::test {"
     with Changed(tree, source, place, f"int thrown() {{ throw 1; }}\n{place}"):
         result = tree.ninja(*planted)

@@ -34,9 +34,9 @@ tidy() {
     echo "$files" | xargs -P "$(nproc)" -n 1 clang-tidy-$version -p "$build" --quiet "$@" 2> /dev/null
 }
 
-tests='^(bench|checks|fuzz|tests)/'
+tests='^(bench|tests)/'
 tidy phone "$(compiled phone | grep -Ev "$tests")"
 tidy phone "$(compiled phone | grep -E "$tests")" '--checks=-clang-analyzer-*'
-tidy asan "$(compiled asan | grep -E '(^|/)fuzz/')" '--checks=-clang-analyzer-*'
+tidy asan "$(compiled asan | grep -E '(^|/)tests/fuzz/')" '--checks=-clang-analyzer-*'
 tidy bench "$(compiled bench | grep '^bench/')" '--checks=-clang-analyzer-*'
 echo "clang-tidy: clean"

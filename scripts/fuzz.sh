@@ -22,7 +22,7 @@ cmake --build --preset asan --target fuzz_document fuzz_values
 # Seeds: the built-in documents, the examples, and hand-written ones, under names of their own.
 rm -rf "$work/seeds"
 mkdir -p "$work/seeds" "$found"
-find targetspec/defaults fuzz/corpus examples -name '*.json' | while read -r document; do
+find targetspec/defaults tests/fuzz/corpus examples -name '*.json' | while read -r document; do
     cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
 done
 
@@ -46,7 +46,7 @@ run() {
 # held back, so that a long run stays far from its limit.
 export ASAN_OPTIONS=malloc_context_size=5:quarantine_size_mb=64
 
-run fuzz_document -dict=fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
+run fuzz_document -dict=tests/fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
 run fuzz_values -max_len=4000 "$work/fuzz_values"
 
 cmake --preset phone-exceptions > /dev/null

@@ -1,7 +1,7 @@
 // The store, written to the log.
 
+#include "device/Log.h"
 #include "kc2/TargetSpec.h"
-#include "log/Log.h"
 
 namespace kc2 {
 

@@ -1,7 +1,7 @@
 // The queries: all read-only, none takes a lock.
 
+#include "device/Log.h"
 #include "kc2/TargetSpec.h"
-#include "log/Log.h"
 
 namespace kc2 {
 

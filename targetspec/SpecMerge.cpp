@@ -3,8 +3,8 @@
 #include <iterator>
 #include <string>
 
+#include "device/Log.h"
 #include "kc2/TargetSpec.h"
-#include "log/Log.h"
 #include "targetspec/reading/SpecDocument.h"
 
 namespace kc2 {

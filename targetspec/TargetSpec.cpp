@@ -5,14 +5,15 @@
 #include <fstream>
 #include <string>
 
-#include "base/BaseLibrary.h"
-#include "log/Log.h"
-#include "targetspec/DefaultDocuments.h"
-#include "targetspec/DocumentText.h"
+#include "device/BaseLibrary.h"
+#include "device/Log.h"
 #include "targetspec/LoadStatus.h"
-#include "targetspec/PrivateConfigFile.h"
-#include "targetspec/SystemSpecFile.h"
+#include "targetspec/reading/BuiltInDocuments.h"
+#include "targetspec/reading/DocumentText.h"
+#include "targetspec/reading/PrivateConfigFile.h"
+#include "targetspec/reading/SpecLocation.h"
 #include "targetspec/reading/SpecReader.h"
+#include "targetspec/reading/SystemSpecFile.h"
 
 namespace kc2 {
 
@@ -50,7 +51,7 @@ TargetSpec* TargetSpec::mInstance = nullptr;
 constinit std::atomic<uint8_t> TargetSpec::mLock{0};
 constinit std::atomic<bool> TargetSpec::mIsInitialized{false};
 
-// tests/model/GetModel.cpp proves these orderings; it takes the same steps.
+// tests/unit/model/GetModel.cpp proves these orderings; it takes the same steps.
 TargetSpec* TargetSpec::Get() {
     if (mIsInitialized.load(std::memory_order_acquire)) [[likely]] {
         return mInstance;
@@ -90,6 +91,10 @@ uint32_t TargetSpec::extractPrivateData() {
         seedPrivateConfig(builtInDocument);
     }
     return parse(privateFile, "the private file");
+}
+
+std::string TargetSpec::readTargetVariant() {
+    return locateSystemSpec();
 }
 
 const char* TargetSpec::getPrivateConfig() {

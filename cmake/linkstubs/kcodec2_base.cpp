@@ -1,6 +1,6 @@
 // The symbols of libkcodec2_base that the library links against; never run.
 
-#include "base/BaseLibrary.h"
+#include "device/BaseLibrary.h"
 #include "kc2/PixFormat.h"
 
 namespace kc2 {

@@ -59,8 +59,8 @@ struct DVConfigs {
  *
  * Documents are untrusted input. A document that is not valid JSON, whose root or "Video" is
  * neither an object nor null, that nests deeper than 255 levels, or that is
- * larger than 32 MiB or 1,048,576 values is rejected whole: one error line, and the store stays as it
- * was. Below that a bad value costs only its own section, named entry or table row, with one
+ * larger than 32 MiB or 1,048,576 values is rejected whole: one error line, and the store stays as
+ * it was. Below that a bad value costs only its own section, named entry or table row, with one
  * warning line that names the place (a row of the wrong size has its own line); a
  * perf-resource name with one bad element is skipped whole, so that resource codes and their values
  * never slip out of step. Nothing here throws. A document nested to the limit needs about 512 KiB
@@ -207,8 +207,8 @@ public:
      * file is first seeded with the built-in document, and this load then merges the built-in
      * document whether or not the file could be written. A file with content is never written to,
      * unless it cannot be opened for reading at all. A seed that cannot be written whole is left
-     * empty, so that the next load seeds it again. What is not a regular file in its place counts as
-     * a file that cannot be opened, and is not written to: opening a pipe could wait for ever.
+     * empty, so that the next load seeds it again. What is not a regular file in its place counts
+     * as a file that cannot be opened, and is not written to: opening a pipe could wait for ever.
      * @return 0xFFFFFFFF when the document was rejected; an empty private file without the test
      * tool counts as that.
      */

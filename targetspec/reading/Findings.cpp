@@ -3,7 +3,7 @@
 #include "targetspec/reading/Findings.h"
 
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2 {
 
@@ -15,7 +15,7 @@ std::string Place::toString() const {
         text.append("/").append(section);
     }
     if (!name.empty()) {
-        text.append("/").append(printable(name.substr(0, kMostNameBytes)));
+        text.append("/").append(escaped(name.substr(0, kMostNameBytes)));
         text.append(name.size() > kMostNameBytes ? "..." : "");
     }
     if (index >= 0) {

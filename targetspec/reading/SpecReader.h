@@ -4,8 +4,8 @@
 #include <span>
 #include <vector>
 
-#include "targetspec/ParserText.h"
 #include "targetspec/reading/Findings.h"
+#include "targetspec/reading/ParserText.h"
 #include "targetspec/reading/SpecDocument.h"
 
 namespace kc2 {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "Commands.h"
-#include "targetspec/DefaultDocuments.h"
+#include "targetspec/reading/BuiltInDocuments.h"
 
 namespace kc2::tool {
 

@@ -9,9 +9,9 @@
 #include <string>
 
 #include "Text.h"
+#include "device/DevicePaths.h"
 #include "hostplatform/HostPlatform.h"
-#include "targetspec/DevicePaths.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -62,8 +62,8 @@ void addTreeOptions(CLI::App& command, const std::string& suffix, DeviceOptions*
 }
 
 void tellIdle(const char* option, const std::string& value, const std::string& why) {
-    std::fprintf(stderr, "kcodec2_spec: %s %s has no effect: %s\n", option,
-                 printable(value).c_str(), why.c_str());
+    std::fprintf(stderr, "kcodec2_spec: %s %s has no effect: %s\n", option, escaped(value).c_str(),
+                 why.c_str());
 }
 
 bool isPrefixOfPath(const std::string& prefix, const std::string& path) {

@@ -23,7 +23,7 @@
 #include "Terminal.h"
 #include "Text.h"
 #include "catalogue/Catalogue.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -95,7 +95,7 @@ Loaded loadTree(const Side& side) {
 std::optional<Loaded> loadDocument(const Side& side) {
     const Document document = readDocumentFile(side.path);
     if (!document.isReadable) {
-        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", printable(side.path).c_str(),
+        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", escaped(side.path).c_str(),
                      document.whyNotReadable.c_str());
         return std::nullopt;
     }
@@ -141,8 +141,8 @@ struct Colours {
 
 void printSide(const char* name, const Loaded& side, const Colours& colours) {
     std::printf("%s%s  %s%s\n   system spec document  %s\n   private overlay       %s\n",
-                colours.bold, name, printable(side.title).c_str(), colours.plain,
-                printable(side.systemSpec).c_str(), printable(side.overlay).c_str());
+                colours.bold, name, escaped(side.title).c_str(), colours.plain,
+                escaped(side.systemSpec).c_str(), escaped(side.overlay).c_str());
 }
 
 std::string join(const std::string& before, const std::string& after) {
@@ -159,7 +159,7 @@ struct Row {
 
 Row rowOf(const Change& change, bool isList) {
     const auto named = [isList](const SnapshotEntry& entry, size_t index) {
-        return (isList ? "#" + std::to_string(index + 1) + " " : "") + printable(entry.name);
+        return (isList ? "#" + std::to_string(index + 1) + " " : "") + escaped(entry.name);
     };
     if (change.after == nullptr) {
         return {'-', named(*change.before, change.indexBefore), change.before->text,
@@ -212,7 +212,7 @@ void printSection(const SectionChanges& section, const Catalogue& catalogue,
         const Change& change = section.changes[i];
         const SnapshotEntry& entry = change.after != nullptr ? *change.after : *change.before;
         if (const Setting* const setting = catalogue.setting(entry.name)) {
-            std::printf("      %s%s%s\n", colours.faint, printable(setting->meaning).c_str(),
+            std::printf("      %s%s%s\n", colours.faint, escaped(setting->meaning).c_str(),
                         colours.plain);
         }
     }

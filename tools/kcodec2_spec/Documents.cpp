@@ -7,12 +7,12 @@
 #include <fstream>
 #include <utility>
 
-#include "base/BaseLibrary.h"
+#include "device/BaseLibrary.h"
+#include "device/DevicePaths.h"
 #include "kc2/TargetSpec.h"
-#include "targetspec/DevicePaths.h"
-#include "targetspec/DocumentText.h"
-#include "targetspec/PrivateConfigFile.h"
-#include "targetspec/SystemSpecFile.h"
+#include "targetspec/reading/DocumentText.h"
+#include "targetspec/reading/PrivateConfigFile.h"
+#include "targetspec/reading/SystemSpecFile.h"
 
 namespace kc2::tool {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "targetspec/DefaultDocuments.h"
-#include "targetspec/ParserText.h"
+#include "targetspec/reading/BuiltInDocuments.h"
+#include "targetspec/reading/ParserText.h"
 #include "targetspec/reading/SpecDocument.h"
 #include "targetspec/reading/SpecReader.h"
 
@@ -30,8 +30,8 @@ struct Document {
     std::string text;
     std::string parserText;           // The same, fit for the parser: comments are blanks.
     std::vector<TextRange> comments;  // Where they are.
-    bool isReadable = true;      // The text was read to its end.
-    std::string whyNotReadable;  // In words.
+    bool isReadable = true;           // The text was read to its end.
+    std::string whyNotReadable;       // In words.
     bool isAccepted = false;
     SpecDocument content;  // Empty unless accepted.
     std::vector<KeptFinding> findings;

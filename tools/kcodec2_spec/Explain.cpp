@@ -8,7 +8,7 @@
 #include "Commands.h"
 #include "Text.h"
 #include "catalogue/Catalogue.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -16,7 +16,7 @@ namespace {
 
 void printLine(const char* title, const std::string& text) {
     if (!text.empty()) {
-        std::printf("  %-9s %s\n", title, printable(text).c_str());
+        std::printf("  %-9s %s\n", title, escaped(text).c_str());
     }
 }
 
@@ -50,7 +50,7 @@ void printValues(const char* title, const std::vector<CatalogueValue>& values) {
 }
 
 void printSetting(const Setting& setting) {
-    std::printf("%s\n", printable(setting.name).c_str());
+    std::printf("%s\n", escaped(setting.name).c_str());
     printLine("meaning", setting.meaning);
     printLine("section", setting.section);
     printLine("type", setting.type);
@@ -73,8 +73,8 @@ int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
     }
     const std::string near = nearest(wanted, names);
     std::fprintf(stderr, "kcodec2_spec: nothing is known about \"%s\".%s\n",
-                 printable(wanted).c_str(),
-                 near.empty() ? "" : (" Did you mean " + printable(near) + "?").c_str());
+                 escaped(wanted).c_str(),
+                 near.empty() ? "" : (" Did you mean " + escaped(near) + "?").c_str());
     return kExitFindings;
 }
 
@@ -90,7 +90,7 @@ int explain(const std::string& name, const std::vector<std::string>& settingsFil
         return kExitOk;
     }
     if (const CodecComponent* const component = catalogue->component(name)) {
-        std::printf("%s\n", printable(component->name).c_str());
+        std::printf("%s\n", escaped(component->name).c_str());
         printLine("list", component->list);
         printLine("chips", joined(component->chips));
         return kExitOk;

@@ -10,7 +10,7 @@
 #include "Commands.h"
 #include "Text.h"
 #include "platform/FormatRows.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -49,7 +49,7 @@ int printUnknown(const std::string& wanted) {
         near = whole != names.end() ? *whole : near;
     }
     std::fprintf(stderr, "kcodec2_spec: %s is not a pixel format of the video core.%s\n",
-                 printable(wanted).c_str(),
+                 escaped(wanted).c_str(),
                  near.empty() ? " \"kcodec2_spec formats\" lists them."
                               : (" Did you mean " + near + "?").c_str());
     return kExitFindings;

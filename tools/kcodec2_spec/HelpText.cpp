@@ -16,7 +16,7 @@
 #include "Commands.h"
 #include "Terminal.h"
 #include "Text.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -129,7 +129,7 @@ int explainUsage(const CLI::App& app, const CLI::ParseError& error) {
     }
     const std::vector<CLI::App*> given = app.get_subcommands();
     const std::string command = given.empty() ? "" : " " + given.front()->get_name();
-    std::fprintf(stderr, "%s\n\"kcodec2_spec%s --help\" tells more\n", printable(what).c_str(),
+    std::fprintf(stderr, "%s\n\"kcodec2_spec%s --help\" tells more\n", escaped(what).c_str(),
                  command.c_str());
     return kExitUsage;
 }

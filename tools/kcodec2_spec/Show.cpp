@@ -13,26 +13,26 @@
 #include "StoreSnapshot.h"
 #include "Text.h"
 #include "kc2/TargetSpec.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
 namespace {
 
 void printText(const Load& load, const std::vector<SnapshotSection>& sections) {
-    std::printf("System spec document  %s\n", printable(systemSpecStory(load)).c_str());
-    std::printf("Private overlay       %s\n", printable(overlayStory(load)).c_str());
+    std::printf("System spec document  %s\n", escaped(systemSpecStory(load)).c_str());
+    std::printf("Private overlay       %s\n", escaped(overlayStory(load)).c_str());
     for (const SnapshotSection& section : sections) {
         std::printf("\n%s (%zu)%s\n", section.title.c_str(), section.entries.size(),
                     section.entries.empty() ? section.whenEmpty : "");
         size_t nameWidth = 0;
         size_t textWidth = 0;
         for (const SnapshotEntry& entry : section.entries) {
-            nameWidth = std::max(nameWidth, printable(entry.name).size());
+            nameWidth = std::max(nameWidth, escaped(entry.name).size());
             textWidth = std::max(textWidth, entry.text.size());
         }
         for (const SnapshotEntry& entry : section.entries) {
-            std::printf("  %s  %s%s%s\n", padded(printable(entry.name), nameWidth).c_str(),
+            std::printf("  %s  %s%s%s\n", padded(escaped(entry.name), nameWidth).c_str(),
                         padded(entry.text, textWidth).c_str(), textWidth == 0 ? "" : "  ",
                         entry.origin.c_str());
         }

@@ -7,8 +7,8 @@
 #include <set>
 
 #include "Text.h"
+#include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/DevicePaths.h"
 #include "targetspec/TargetSpecInspector.h"
 
 namespace kc2 {

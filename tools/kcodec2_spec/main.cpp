@@ -9,10 +9,10 @@
 #include "Commands.h"
 #include "DeviceOptions.h"
 #include "HelpText.h"
-#include "base/Version.h"
 #include "check/CheckCommand.h"
 #include "log/LogCommand.h"
-#include "targetspec/DefaultDocuments.h"
+#include "platform/Version.h"
+#include "targetspec/reading/BuiltInDocuments.h"
 
 namespace {
 

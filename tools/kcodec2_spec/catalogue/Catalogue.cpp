@@ -13,7 +13,7 @@
 #include "Documents.h"
 #include "Text.h"
 #include "check/Source.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -139,7 +139,7 @@ public:
         return values;
     }
 
-    static std::string escapedName(const std::string& name) { return printable(name); }
+    static std::string escapedName(const std::string& name) { return escaped(name); }
 
 private:
     Source mSource;
@@ -249,7 +249,7 @@ std::string parse(const std::string& path, std::string text, Json::Value* root) 
     }
     const auto errors = reader.getStructuredErrors();
     return source.placeOf(errors.empty() ? 0 : static_cast<size_t>(errors[0].offset_start)) + ": " +
-           (errors.empty() ? "not JSON" : printable(errors[0].message));
+           (errors.empty() ? "not JSON" : escaped(errors[0].message));
 }
 #pragma GCC diagnostic pop
 
@@ -292,8 +292,8 @@ std::optional<Catalogue> loadCatalogue(const std::vector<std::string>& paths) {
             break;
         }
         const Document file = readDocumentFile(path);
-        problem = file.isReadable ? catalogue.add(printable(path), file.text)
-                                  : printable(path) + ": " + file.whyNotReadable;
+        problem = file.isReadable ? catalogue.add(escaped(path), file.text)
+                                  : escaped(path) + ": " + file.whyNotReadable;
     }
     if (problem.empty()) {
         return catalogue;

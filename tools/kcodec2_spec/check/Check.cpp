@@ -18,10 +18,10 @@
 #include "check/Rules.h"
 #include "check/TreeFiles.h"
 #include "check/VariantReports.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/DeviceFile.h"
-#include "targetspec/DevicePaths.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -97,8 +97,8 @@ bool mendFile(const std::string& path, const Document& document, const CheckOpti
     if (wrong.empty()) {
         wrong = replaceFile(path, document.text, after);
     }
-    std::fprintf(stderr, "%s: %s\n", printable(path).c_str(),
-                 wrong.empty() ? "mended" : ("not mended: " + printable(wrong)).c_str());
+    std::fprintf(stderr, "%s: %s\n", escaped(path).c_str(),
+                 wrong.empty() ? "mended" : ("not mended: " + escaped(wrong)).c_str());
     return wrong.empty();
 }
 
@@ -108,7 +108,7 @@ bool mendLoad(const CheckOptions& options) {
     bool isEachMended = true;
     for (const Document* const document : {&load.systemSpec, &load.overlay}) {
         if (!document->path.empty() && document->isReadable) {
-            isEachMended &= mendFile(deviceFile(document->path), *document, options);
+            isEachMended &= mendFile(localPath(document->path), *document, options);
         }
     }
     return isEachMended;
@@ -149,12 +149,11 @@ std::unique_ptr<CheckedLoad> checkLoad(Report* report) {
     const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
     std::unique_ptr<CheckedLoad> checked(new CheckedLoad{std::move(load),
                                                          {},
-                                                         Source(deviceFile(specPath), ""),
-                                                         Source(deviceFile(kPrivateConfig), ""),
+                                                         Source(localPath(specPath), ""),
+                                                         Source(localPath(kPrivateConfig), ""),
                                                          {}});
     const auto add = [&](const Document& document) {
-        const std::string path =
-                document.path.empty() ? document.origin : deviceFile(document.path);
+        const std::string path = document.path.empty() ? document.origin : localPath(document.path);
         checked->documents.push_back(std::make_unique<CheckedDocument>(path, document));
     };
     if (checked->load.hasSystemSpec()) {

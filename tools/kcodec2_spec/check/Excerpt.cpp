@@ -7,7 +7,7 @@
 
 #include "Terminal.h"
 #include "Text.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -33,7 +33,7 @@ Cell firstCell(std::string_view text, size_t column) {
         const size_t columns = kTabColumns - column % kTabColumns;
         return {text.substr(0, 1), kBlanks.substr(0, columns), columns};
     }
-    const size_t length = printableLength(text);
+    const size_t length = plainLength(text);
     if (length == 0) {
         return {text.substr(0, 1), kBlanks.substr(0, 1), 1};
     }

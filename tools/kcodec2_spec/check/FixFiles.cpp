@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "Documents.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -44,7 +44,7 @@ void printLine(char mark, std::string_view line) {
     std::putchar(mark);
     for (size_t at = 0; at <= line.size();) {
         const size_t tab = std::min(line.find('\t', at), line.size());
-        std::fputs(printable(line.substr(at, tab - at)).c_str(), stdout);
+        std::fputs(escaped(line.substr(at, tab - at)).c_str(), stdout);
         std::fputs(tab < line.size() ? "\t" : "", stdout);
         at = tab + 1;
     }
@@ -82,7 +82,7 @@ void printDiff(const std::string& path, const std::string& before, const std::st
         }
         return line;
     };
-    std::printf("--- %s\n+++ %s\n", printable(path).c_str(), printable(path).c_str());
+    std::printf("--- %s\n+++ %s\n", escaped(path).c_str(), escaped(path).c_str());
     for (size_t change = nextChange(0); change < count;) {
         const size_t start = change - std::min(change, kContext);
         size_t limit = change;  // Behind the last change that is near enough for the same hunk.

@@ -9,8 +9,8 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "check/TreeFiles.h"
-#include "targetspec/DeviceFile.h"
-#include "targetspec/DevicePaths.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
 
 namespace kc2::tool {
 
@@ -120,14 +120,14 @@ void forEachVariantUnder(const std::string& directory, Visit visit) {
     const std::string prefix = fs::path(directory).filename();
     const auto visitChildren = [&](const std::string& devicePath, const auto& visitChild) {
         std::error_code error;
-        for (fs::directory_iterator child(deviceFile(devicePath), error), end;
+        for (fs::directory_iterator child(localPath(devicePath), error), end;
              !error && child != end; child.increment(error)) {
             visitChild(child->path().filename().string());
         }
     };
     const auto visitIfDocument = [&](const std::string& variant) {
         std::error_code error;
-        if (fs::exists(deviceFile(directory + variant + kSystemSpecName), error)) {
+        if (fs::exists(localPath(directory + variant + kSystemSpecName), error)) {
             visit(variant);
         }
     };

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -34,7 +34,7 @@ std::string reversible(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
     while (!bytes.empty()) {
-        size_t length = printableLength(bytes);
+        size_t length = plainLength(bytes);
         if (bytes[0] == '\\') {
             text += "\\\\";
         } else if (length != 0) {

@@ -11,7 +11,7 @@
 #include "check/Mends.h"
 #include "check/Rules.h"
 #include "check/SyntaxHints.h"
-#include "targetspec/Limits.h"
+#include "targetspec/reading/Limits.h"
 
 namespace kc2::tool {
 

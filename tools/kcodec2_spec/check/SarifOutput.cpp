@@ -9,8 +9,8 @@
 #include <set>
 
 #include "Text.h"
-#include "base/Version.h"
 #include "check/Output.h"
+#include "platform/Version.h"
 
 namespace kc2::tool {
 

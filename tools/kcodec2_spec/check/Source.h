@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "targetspec/ParserText.h"
+#include "targetspec/reading/ParserText.h"
 
 namespace kc2::tool {
 

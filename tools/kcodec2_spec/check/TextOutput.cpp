@@ -10,7 +10,7 @@
 #include "Terminal.h"
 #include "check/Excerpt.h"
 #include "check/Output.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -38,9 +38,9 @@ std::string counted(size_t number, const std::string& what) {
 
 void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) {
     std::printf("%s%s:%s %s%s:%s %s [%s]\n", colours.bold,
-                printable(entry.source->placeOf(entry.span.start)).c_str(), colours.plain,
+                escaped(entry.source->placeOf(entry.span.start)).c_str(), colours.plain,
                 colours.of[static_cast<int>(entry.severity)], nameOf(entry.severity), colours.plain,
-                printable(entry.message).c_str(), entry.rule->id);
+                escaped(entry.message).c_str(), entry.rule->id);
     if (!entry.isForFile) {
         std::fputs(excerptOf(*entry.source, entry.span, width).c_str(), stdout);
     }
@@ -50,8 +50,8 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
     for (const RelatedPlace& related : entry.details->related) {
         if (!related.message.empty()) {  // Otherwise the finding's message names the place.
             std::printf("    %s: %s\n",
-                        printable(related.source->placeOf(related.span.start)).c_str(),
-                        printable(related.message).c_str());
+                        escaped(related.source->placeOf(related.span.start)).c_str(),
+                        escaped(related.message).c_str());
         }
     }
     std::map<std::string, size_t> changes;
@@ -59,7 +59,7 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
         ++changes[fix.what];
     }
     for (const auto& [what, places] : changes) {
-        std::printf("    --fix would %s%s\n", printable(what).c_str(),
+        std::printf("    --fix would %s%s\n", escaped(what).c_str(),
                     places == 1 ? "" : (" (" + counted(places, "place") + ")").c_str());
     }
 }

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "targetspec/DeviceFile.h"
-#include "targetspec/DevicePaths.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
 
 namespace kc2::tool {
 
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 std::set<std::string> namesIn(const std::string& directory) {
     std::set<std::string> names;
     std::error_code error;
-    for (fs::directory_iterator child(deviceFile(directory), error), end; !error && child != end;
+    for (fs::directory_iterator child(localPath(directory), error), end; !error && child != end;
          child.increment(error)) {
         names.insert(child->path().filename().string());
     }
@@ -34,7 +34,7 @@ std::set<std::string> namesIn(const std::string& directory) {
 // Whether the path is a link, though it cannot be followed.
 bool isLink(const std::string& path) {
     const size_t slash = path.rfind('/');
-    const std::string parent = deviceFile(slash == 0 ? "/" : path.substr(0, slash));
+    const std::string parent = localPath(slash == 0 ? "/" : path.substr(0, slash));
     struct stat status = {};
     return lstat((parent + path.substr(slash)).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
@@ -62,7 +62,7 @@ void visitFiles(const std::string& directory, int depth,
     for (const std::string& name : namesIn(directory)) {
         const std::string path = directory + "/" + name;
         std::error_code error;
-        if (!fs::is_directory(deviceFile(path), error)) {
+        if (!fs::is_directory(localPath(path), error)) {
             visit(path);
         } else if (depth > 1) {
             visitFiles(path, depth - 1, visit);
@@ -91,7 +91,7 @@ std::set<std::string> variantsInTree() {
 std::string whyNotOpen(const std::string& path) {
     for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
         const std::string part = path.substr(0, slash);
-        const std::string host = deviceFile(part);
+        const std::string host = localPath(part);
         struct stat status = {};
         if (host.empty() || stat(host.c_str(), &status) != 0) {
             return reasonOf(host.empty() ? ELOOP : errno, part, slash == std::string::npos);

@@ -14,9 +14,9 @@
 #include "Text.h"
 #include "check/Rules.h"
 #include "check/TreeFiles.h"
-#include "targetspec/DefaultDocuments.h"
-#include "targetspec/DeviceFile.h"
-#include "targetspec/DevicePaths.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
+#include "targetspec/reading/BuiltInDocuments.h"
 
 namespace kc2::tool {
 
@@ -153,7 +153,7 @@ void checkModes(const CheckedLoad& checked, const Emit& emit) {
     for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
         const std::string part = path.substr(0, slash);
         struct stat status = {};
-        if (stat(deviceFile(part).c_str(), &status) != 0) {
+        if (stat(localPath(part).c_str(), &status) != 0) {
             return;
         }
         const bool isDirectory = S_ISDIR(status.st_mode);
@@ -193,7 +193,7 @@ void applyTreeRules(CheckedLoad* checked, Report* report) {
     };
     for (const TreeRule& row : kTreeRules) {
         row.check(*checked, [&](const std::string& path, std::string message) {
-            report->addForFile(row.rule, placeOf(deviceFile(path)), std::move(message));
+            report->addForFile(row.rule, placeOf(localPath(path)), std::move(message));
         });
     }
 }

@@ -2,7 +2,7 @@
 
 #include "check/VariantReports.h"
 
-#include "targetspec/DevicePaths.h"
+#include "device/DevicePaths.h"
 
 namespace kc2::tool {
 

@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "Text.h"
+#include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
 #include "platform/FormatRows.h"
-#include "targetspec/DefaultDocuments.h"
-#include "targetspec/DevicePaths.h"
+#include "targetspec/reading/BuiltInDocuments.h"
 #include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {

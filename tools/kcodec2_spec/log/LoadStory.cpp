@@ -6,7 +6,7 @@
 #include <charconv>
 #include <optional>
 
-#include "targetspec/DevicePaths.h"
+#include "device/DevicePaths.h"
 
 namespace kc2::tool {
 

@@ -19,7 +19,7 @@
 #include "log/LogLines.h"
 #include "log/Logcat.h"
 #include "log/PulledDocuments.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -62,17 +62,17 @@ std::string lineList(const std::vector<uint64_t>& lines) {
 std::string shown(std::string_view text) {
     std::string result;
     for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
-        result += printable(text.substr(0, end)) + "\n";
+        result += escaped(text.substr(0, end)) + "\n";
         text.remove_prefix(end + 1);
     }
-    return result + printable(text);
+    return result + escaped(text);
 }
 
 // Prints each line of `text`, escaped, behind `indent`.
 void printIndented(const std::string& indent, std::string_view text) {
     for (;;) {
         const size_t end = text.find('\n');
-        std::printf("%s%s\n", indent.c_str(), printable(text.substr(0, end)).c_str());
+        std::printf("%s%s\n", indent.c_str(), escaped(text.substr(0, end)).c_str());
         if (end == std::string_view::npos) {
             return;
         }
@@ -87,13 +87,13 @@ void printText(const Told& told) {
         heading += ", " + story.firstTime;
     }
     heading += story.hasLoad() ? ": one load of the store" : ": no load, but calls";
-    std::printf("%s (lines %llu to %llu)\n", printable(heading).c_str(),
+    std::printf("%s (lines %llu to %llu)\n", escaped(heading).c_str(),
                 static_cast<unsigned long long>(story.firstLine),
                 static_cast<unsigned long long>(story.lastLine));
     for (const Conclusion& conclusion : told.conclusions) {
         const std::string text = std::string(nameOf(conclusion.severity)) + ": " + conclusion.text;
         const size_t end = text.find('\n');
-        std::printf("  %s%s [%s]\n", printable(text.substr(0, end)).c_str(),
+        std::printf("  %s%s [%s]\n", escaped(text.substr(0, end)).c_str(),
                     lineList(conclusion.lines).c_str(), conclusion.topic.c_str());
         if (end != std::string::npos) {
             printIndented("      ", std::string_view(text).substr(end + 1));
@@ -116,11 +116,11 @@ Json::Value toJson(const Told& told) {
     const LoadStory& story = *told.story;
     Json::Value json;
     json["process"] = story.process < 0 ? Json::Value() : Json::Value(story.process);
-    json["time"] = printable(story.firstTime);
+    json["time"] = escaped(story.firstTime);
     json["firstLine"] = Json::UInt64(story.firstLine);
     json["lastLine"] = Json::UInt64(story.lastLine);
     json["isLoad"] = story.hasLoad();
-    json["firstPath"] = printable(story.firstPath());
+    json["firstPath"] = escaped(story.firstPath());
     json["conclusions"] = Json::arrayValue;
     for (const Conclusion& conclusion : told.conclusions) {
         Json::Value item;
@@ -138,8 +138,8 @@ Json::Value toJson(const Told& told) {
     for (const PlacedLine& line : told.places) {
         Json::Value item;
         item["line"] = Json::UInt64(line.line);
-        item["text"] = printable(line.text);
-        item["place"] = printable(line.place);
+        item["text"] = escaped(line.text);
+        item["place"] = escaped(line.place);
         json["places"].append(std::move(item));
     }
     json["outcomes"] = Json::arrayValue;
@@ -179,7 +179,7 @@ int tellLog(const std::string& path, const LogOptions& options) {
     StoryCollector collector;
     errno = 0;
     if (!readLog(path, &collector)) {
-        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", printable(path).c_str(),
+        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", escaped(path).c_str(),
                      std::strerror(errno));
         return kExitUsage;
     }

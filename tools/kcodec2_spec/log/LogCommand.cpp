@@ -8,7 +8,7 @@
 #include <string>
 
 #include "DeviceOptions.h"
-#include "targetspec/DevicePaths.h"
+#include "device/DevicePaths.h"
 
 namespace kc2::tool {
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "log/Log.h"
+#include "device/Log.h"
 
 namespace kc2::tool {
 

@@ -11,10 +11,10 @@
 #include "DeviceOptions.h"
 #include "Documents.h"
 #include "check/Rules.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
-#include "targetspec/DeviceFile.h"
-#include "targetspec/DevicePaths.h"
-#include "targetspec/Printable.h"
+#include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
@@ -35,7 +35,7 @@ std::pair<std::string, std::string> lineOf(const KeptFinding& finding) {
 class PulledDocument {
 public:
     explicit PulledDocument(const Document& document)
-        : mChecked(document.path.empty() ? document.origin : deviceFile(document.path), document) {
+        : mChecked(document.path.empty() ? document.origin : localPath(document.path), document) {
         Report report{Levels()};
         applyReaderRules(mChecked, &report);
         for (const ReportEntry* const entry : report.inOrder()) {

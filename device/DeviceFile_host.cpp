@@ -1,0 +1,16 @@
+// Host builds: a device path lies where the program has mapped it.
+
+#include "device/DeviceFile.h"
+#include "hostplatform/HostPlatform.h"
+
+namespace kc2 {
+
+std::string localPath(const std::string& devicePath) {
+    return host::hostPath(devicePath);
+}
+
+std::string localPathForWriting(const std::string& devicePath) {
+    return host::isReadOnly() ? std::string() : host::hostPath(devicePath);
+}
+
+}  // namespace kc2

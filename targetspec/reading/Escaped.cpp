@@ -1,0 +1,50 @@
+// Text of unknown bytes, made fit for a log or a terminal.
+
+#include "targetspec/reading/Escaped.h"
+
+#include <cstdio>
+
+namespace kc2 {
+
+size_t plainLength(std::string_view text) {
+    const auto byte = [text](size_t at) {
+        return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
+    };
+    const unsigned first = byte(0);
+    if (first < 0x80) {
+        return first >= ' ' && first != 0x7F ? 1 : 0;
+    }
+    if (first < 0xC2 || first > 0xF4 || (first == 0xC2 && byte(1) < 0xA0)) {
+        return 0;  // No first byte, or a control character of ISO 8859.
+    }
+    if ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xF0 && byte(1) < 0x90) ||
+        (first == 0xED && byte(1) > 0x9F) || (first == 0xF4 && byte(1) > 0x8F)) {
+        return 0;  // Longer than it need be, half of a UTF-16 pair, or beyond Unicode.
+    }
+    const size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    for (size_t at = 1; at < length; ++at) {
+        if ((byte(at) & 0xC0) != 0x80) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        size_t length = plainLength(text);
+        if (length != 0) {
+            result += text.substr(0, length);
+        } else {
+            char escape[sizeof("\\xNN")];
+            std::snprintf(escape, sizeof(escape), "\\x%02X", static_cast<unsigned char>(text[0]));
+            result += escape;
+            length = 1;
+        }
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
+}  // namespace kc2

@@ -1,0 +1,36 @@
+// Which system spec document this device is to read.
+
+#include "targetspec/reading/SpecLocation.h"
+
+#include <sys/stat.h>
+
+#include <cstring>
+
+#include "device/BaseLibrary.h"
+#include "device/DeviceFile.h"
+#include "device/DevicePaths.h"
+#include "device/Log.h"
+
+namespace kc2 {
+
+std::string locateSystemSpec() {
+    const std::string variant = OS::SystemProperty::Get(kVariantProperty, kDefaultVariant);
+    std::string path;
+    path.reserve(sizeof(kVendorSpecDirectory) + variant.size() + sizeof(kSystemSpecName));
+    if (variant == kDefaultVariant) {
+        KC2_LOG_ERROR(log::kTagTargetSpec,
+                      "Couldn't read target-id, target-id = default is chosen.");
+        path.append(kVendorSpecDirectory).append(kSystemSpecName);
+        return path;
+    }
+    path.append(kOdmSpecDirectory).append(variant).append(kSystemSpecName);
+    // A query that fails for another reason than absence answers false too: a document that cannot
+    // be examined would hardly open, and the vendor document then gets its chance.
+    struct stat ignored = {};
+    if (stat(localPath(path).c_str(), &ignored) != 0) {
+        path.replace(0, std::strlen(kOdmSpecDirectory), kVendorSpecDirectory);
+    }
+    return path;
+}
+
+}  // namespace kc2

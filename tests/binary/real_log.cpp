@@ -1,0 +1,21 @@
+// A program that links the real liblog: the library's lines come out through it, each with its tag
+// and priority.
+
+#include <android/log.h>
+
+#include "tests/binary/OwnBaseLibrary.h"
+
+namespace {
+
+// Keeps what liblog hands to its writer, and lets it go on to where liblog writes by itself.
+void keep(const __android_logger_data* line, const char* text) {
+    kc2::check::addLine(line->priority, line->tag, text);
+    __android_log_stderr_logger(line, text);
+}
+
+}  // namespace
+
+int main() {
+    __android_log_set_logger(keep);
+    kc2::check::checkLines();
+}

@@ -1,0 +1,136 @@
+// The settings catalogue against the built-in documents, both ways, and what a vendor may add.
+
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+Json::Value parsed(const std::string& text) {
+    Json::Value root;
+    std::string errors;
+    const auto reader =
+            std::unique_ptr<Json::CharReader>(Json::CharReaderBuilder().newCharReader());
+    EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &root, &errors)) << errors;
+    return root;
+}
+
+Json::Value catalogue() {
+    return parsed(readFile(KC2_SOURCE_DIR "/tools/kcodec2_spec/catalogue/settings.json"));
+}
+
+bool hasChip(const Json::Value& entry, const std::string& chip) {
+    const Json::Value& chips = entry["chips"];
+    return chips.isNull() || std::find(chips.begin(), chips.end(), chip) != chips.end();
+}
+
+// Whether the entry's range, values and bits allow the value.
+bool allows(const Json::Value& entry, const Json::Value& value) {
+    if (entry["type"] == "boolean") {
+        return value.isBool();
+    }
+    if (!value.isInt64()) {
+        return false;
+    }
+    const int64_t number = value.asInt64();
+    int64_t mask = 0;
+    for (const Json::Value& bit : entry["bits"]) {
+        mask |= bit["bit"].asInt64();
+    }
+    bool isListed = !entry["only-values"].asBool();
+    for (const Json::Value& one : entry["values"]) {
+        isListed = isListed || one["value"].asInt64() == number;
+    }
+    return isListed && (!entry.isMember("bits") || (number & ~mask) == 0) &&
+           (!entry.isMember("minimum") || number >= entry["minimum"].asInt64()) &&
+           (!entry.isMember("maximum") || number <= entry["maximum"].asInt64());
+}
+
+class Names : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(Names, OfTheCatalogueAndOfTheBuiltInDocumentAreTheSame) {
+    const auto& [number, chip] = GetParam();
+    const Json::Value video = parsed(run(std::string("defaults ") + number).output)["Video"];
+    const Json::Value known = catalogue();
+    std::set<std::string> inCatalogue;
+    for (const Json::Value& entry : known["settings"]) {
+        if (hasChip(entry, chip)) {
+            const Json::Value& value = video[entry["section"].asString()][entry["name"].asString()];
+            inCatalogue.insert(entry["section"].asString() + "/" + entry["name"].asString());
+            EXPECT_TRUE(entry["type"] == "words" ? value.isArray() : allows(entry, value))
+                    << entry["name"] << value;
+        }
+    }
+    for (const Json::Value& entry : known["codec-components"]) {
+        if (hasChip(entry, chip)) {
+            inCatalogue.insert(entry["list"].asString() + "/" + entry["name"].asString());
+        }
+    }
+    std::set<std::string> inDocument;
+    std::set<std::string> codes;
+    for (const char* const section : {"Features", "Presets", "perf-resource-values"}) {
+        for (const std::string& name : video[section].getMemberNames()) {
+            inDocument.insert(section + ("/" + name));
+        }
+    }
+    for (const char* const list : {"decoders", "encoders"}) {
+        for (const Json::Value& name : video["codecs-available"][list]) {
+            inDocument.insert(list + ("/" + name.asString()));
+        }
+    }
+    EXPECT_EQ(inDocument, inCatalogue);
+    for (const Json::Value& code : known["perf-resource-codes"]) {
+        codes.insert(code["code"].asString());
+    }
+    for (const Json::Value& words : video["perf-resource-values"]) {
+        EXPECT_TRUE(codes.contains(words[0].asString())) << words;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Catalogue, Names,
+                         testing::Values(std::pair("1", "brel"), std::pair("1", "mirt"),
+                                         std::pair("2", "orvelle"), std::pair("3", "other")));
+
+TEST(CatalogueTest, AVendorsFileAddsNamesAndMustNotContradict) {
+    const struct {
+        const char* arguments;
+        int exitCode;
+        const char* text;  // Somewhere in the output.
+    } rows[] = {
+            {"vendor_x_mode --settings vendor.json", 0, "range     1 to 4\n"},
+            {"vendor_x_mode --settings vendor.json --settings same.json", 0, "range     1 to 4\n"},
+            {"vendor_x_mode --settings vendor.json --settings other.json", 2,
+             "other.json:3:9: \"vendor_x_mode\" is defined already, at vendor.json:3:9"},
+            {"x --settings known.json", 2,
+             "known.json:3:9: \"private_complexity\" is defined already, at built-in settings:"},
+            {"x --settings range.json", 2, "range.json:5:21: \"minimum\" is above \"maximum\""},
+            {"x --settings member.json", 2, "member.json:4:21: the catalogue has no member"},
+            {"x --settings broken.json", 2, "broken.json:2:18: "},
+            {"x --settings none.json", 2, "none.json: No such file"},
+            {"private_complexity", 0, "section   Presets"},
+            {"c2.kvx.mvhevc.decoder.secure", 0, "chips     other"},
+            {"0x40c00000", 0, "all cores"},
+            {"private_complexty", 1, "Did you mean private_complexity?"},
+    };
+    for (const auto& row : rows) {
+        const auto [output, exitCode] =
+                run(std::string("explain ") + row.arguments, "tests/unit/catalogue");
+        EXPECT_EQ(row.exitCode, exitCode) << row.arguments << "\n" << output;
+        EXPECT_NE(std::string::npos, output.find(row.text)) << row.arguments << "\n" << output;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test

@@ -1,0 +1,139 @@
+// What the checker says of device trees: names, places and modes of files, and all variants at
+// once.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A document that is fine, but for one feature that is a number.
+constexpr char kDocument[] = R"({"Video": {"Features": {"a": 1}, "codecs-available": {
+    "decoders": ["c2.kvx.avc.decoder"], "encoders": ["c2.kvx.avc.encoder"]}}})";
+
+class Tree {
+public:
+    void add(const std::string& path) const {
+        fs::create_directories(fs::path(mScratch.path() + path).parent_path());
+        mScratch.write(path.substr(1), kDocument);
+    }
+    void link(const std::string& path, const std::string& target) const {
+        fs::create_directories(fs::path(mScratch.path() + path).parent_path());
+        fs::create_symlink(target, mScratch.path() + path);
+    }
+    void forbid(const std::string& path) const { chmod((mScratch.path() + path).c_str(), 0750); }
+    Result check(const std::string& options) const {
+        return run("check --rootdir " + mScratch.path() + " " + options);
+    }
+
+private:
+    ScratchDirectory mScratch;
+};
+
+size_t countOf(const std::string& part, const std::string& text) {
+    size_t count = 0;
+    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(TreeCheckTest, EachMistakeIsToldOnceForAllVariants) {
+    const Tree tree;
+    for (const char* const path :
+         {"/odm/etc/media_umbrella/video_system_specs.json",
+          "/odm/etc/media_orvele/video_system_specs.json",
+          "/odm/etc/Media_x/video_system_specs.json", "/odm/etc/media/video_system_specs.json",
+          "/vendor/etc/media/video_system_specs.json",
+          "/vendor/etc/media/sub/video_system_specs.json",
+          "/vendor/etc/media_a/Video_system_specs.json", "/odm/etc/video_system_specs.json",
+          "/data/vendor/media/video_private_config.json"}) {
+        tree.add(path);
+    }
+    tree.forbid("/vendor/etc/media/video_system_specs.json");
+    tree.forbid("/odm/etc/media_umbrella");
+    const std::string output = tree.check("--all-variants").output;
+    for (const char* const expected : {
+                 "\"umbrella\" in this path contains the chip \"brel\"",
+                 "\"orvele\" in this path is not a chip, so built-in document 3 is merged. Did you "
+                 "mean \"orvelle\"? (variant \"_orvele\") [chip-name]",
+                 "/odm/etc/Media_x/video_system_specs.json:1:1: warning: no variant selects this "
+                 "document",
+                 "/odm/etc/media/video_system_specs.json:1:1: warning: no variant selects",
+                 "/odm/etc/video_system_specs.json:1:1: warning: no variant selects",
+                 "/media_a/Video_system_specs.json:1:1: warning: nothing reads this file: a system "
+                 "spec document is called video_system_specs.json (every variant)",
+                 "video_private_config.json:1:1: warning: nothing reads this file: the private "
+                 "file "
+                 "is called video_private_configs.json (every variant) [private-file-name]",
+                 "/vendor/etc/media/video_system_specs.json:1:1: warning: others may not read this "
+                 "file (mode bit o+r), so a media service cannot (no variant) [mode]",
+                 "/odm/etc/media_umbrella:1:1: warning: others may not search this directory",
+                 "the variant \"/sub\" selects /vendor/etc/media/sub/video_system_specs.json",
+         }) {
+        EXPECT_EQ(1U, countOf(expected, output)) << expected << "\n" << output;
+    }
+    EXPECT_EQ(4U, countOf("[document-unselectable]", output)) << output;
+    EXPECT_EQ(2U, countOf("[chip-name]", output)) << output;
+    EXPECT_EQ(2U, countOf("[mode]", output)) << output;
+    EXPECT_EQ(4U, countOf("counts as true", output)) << output;  // One for each document read.
+}
+
+TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
+    const Tree tree;
+    tree.link("/vendor/etc/media_a/video_system_specs.json", "nowhere");
+    tree.link("/vendor/etc/media_b/video_system_specs.json", "video_system_specs.json");
+    tree.link("/vendor/etc/media_c", "/nowhere");
+    const struct {
+        std::string variant;
+        const char* reason;
+    } rows[] = {{"_a", "(it is a link to nowhere)"},
+                {"_b", "(it is a link in a loop, or one that leads out of the tree)"},
+                {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
+                {"_d", "(/vendor/etc/media_d does not exist)"},
+                {"_" + std::string(300, 'e'), "(the path is too long)"}};
+    for (const auto& row : rows) {
+        const std::string output =
+                tree.check("--property vendor.media.target_variant=" + row.variant).output;
+        EXPECT_NE(std::string::npos, output.find(row.reason)) << row.reason << "\n" << output;
+    }
+}
+
+TEST(TreeCheckTest, MisusedOptionsAreTold) {
+    const struct {
+        const char* arguments;
+        int exitCode;
+        const char* text;
+    } rows[] = {
+            {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 0,
+             "the library reads vendor.media.target_variant only"},
+            {"--rootdir examples/device --dirmap /oem:docs", 0, "--dirmap /oem:docs has no effect"},
+            {"examples/device", 2, "For a device tree write --rootdir examples/device"},
+            {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
+            {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
+            {"--all-variants --fix --rootdir examples/device", 2, "--fix does not go together"},
+    };
+    for (const auto& row : rows) {
+        const Result result = run(std::string("check ") + row.arguments);
+        EXPECT_EQ(row.exitCode, result.exitCode) << row.arguments << "\n" << result.output;
+        EXPECT_NE(std::string::npos, result.output.find(row.text)) << row.arguments << "\n"
+                                                                   << result.output;
+    }
+    const Result fine =
+            run("check --werror --all-variants --rootdir examples/device --dirmap "
+                "/odm:examples/device/odm");
+    EXPECT_EQ(0, fine.exitCode) << fine.output;
+    EXPECT_EQ(std::string::npos, fine.output.find("no effect")) << fine.output;
+}
+
+}  // namespace
+
+}  // namespace kc2::test
