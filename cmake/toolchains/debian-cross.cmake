@@ -8,15 +8,18 @@ endif()
 set(CMAKE_CXX_COMPILER_TARGET ${triplet})
 set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
 
-# The library's package has a number in its name; it is the one that this machine has, too.
-execute_process(COMMAND dpkg-query -W -f "\${Depends}" libjsoncpp-dev
-                OUTPUT_VARIABLE jsoncpp_package COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCH "libjsoncpp[0-9]+[a-z0-9]*" jsoncpp_package "${jsoncpp_package}")
+# The libraries' packages have numbers in their names; they are those that this machine has, too.
+foreach(name jsoncpp fmt)
+    execute_process(COMMAND dpkg-query -W -f "\${Depends}" lib${name}-dev
+                    OUTPUT_VARIABLE depends COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCH "lib${name}[0-9]+[a-z0-9]*" package "${depends}")
+    list(APPEND packages lib${name}-dev ${package})
+endforeach()
 set(root ${CMAKE_CURRENT_LIST_DIR}/../../build/foreign/${debian_architecture})
 get_filename_component(root ${root} ABSOLUTE)
 execute_process(
     COMMAND ${CMAKE_CURRENT_LIST_DIR}/../../scripts/fetch-packages.sh ${debian_architecture} ${root}
-            libjsoncpp-dev ${jsoncpp_package} libcli11-dev libfmt-dev libgtest-dev
+            ${packages} libcli11-dev libgtest-dev
     COMMAND_ERROR_IS_FATAL ANY)
 
 # Nothing of this machine's own libraries may be found.
