@@ -5,6 +5,7 @@
 #include <json/value.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "RunTool.h"
@@ -32,8 +33,8 @@ constexpr char kNewDocument[] = R"({"Video": {
 
 Json::Value parsed(const std::string& text) {
     Json::Value root;
-    Json::CharReaderBuilder().newCharReader()->parse(text.data(), text.data() + text.size(), &root,
-                                                     nullptr);
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    reader->parse(text.data(), text.data() + text.size(), &root, nullptr);
     return root;
 }
 

@@ -73,11 +73,8 @@ bool isPrefixOfPath(const std::string& prefix, const std::string& path) {
 // Whether the library comes by the mapping on its way to a file, by name or through a link.
 bool isUsed(const std::string& mapping) {
     const size_t colon = mapping.find(':');
-    const auto trimmed = [](std::string path) {
-        return path.erase(path.find_last_not_of('/') + 1);
-    };
-    const std::string prefix = trimmed(mapping.substr(0, colon));
-    const std::string directory = trimmed(mapping.substr(colon + 1));
+    const std::string prefix = std::string(withoutTrailing(mapping.substr(0, colon), '/'));
+    const std::string directory = std::string(withoutTrailing(mapping.substr(colon + 1), '/'));
     for (const std::string path :
          {"/odm/etc", "/vendor/etc", "/vendor/bin", "/data/vendor/media"}) {
         if (isPrefixOfPath(prefix, path) || isPrefixOfPath(path, prefix) ||

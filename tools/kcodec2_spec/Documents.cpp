@@ -27,9 +27,9 @@ public:
 
     void take(const Finding& finding) override {
         const Place& place = finding.place;
-        mFindings.push_back({finding.kind, place.section != nullptr ? place.section : "",
-                             std::string(place.name), place.index, finding.start, finding.limit,
-                             finding.converted, std::string(finding.detail)});
+        mFindings.push_back({finding.kind, std::string(place.section), std::string(place.name),
+                             place.index, finding.start, finding.limit, finding.converted,
+                             std::string(finding.detail)});
     }
 
 private:

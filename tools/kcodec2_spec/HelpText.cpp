@@ -46,7 +46,7 @@ void appendWrapped(std::string_view line, size_t width, std::string* text) {
         if (end == std::string::npos || next == std::string::npos) {
             break;
         }
-        text->append(rest, 0, rest.find_last_not_of(' ', end) + 1).append("\n");
+        text->append(withoutTrailing(std::string_view(rest).substr(0, end), ' ')).append("\n");
         rest = std::string(indent, ' ').append(rest, next);
     }
     text->append(rest).append("\n");

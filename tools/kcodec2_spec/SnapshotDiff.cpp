@@ -95,11 +95,12 @@ private:
             return;
         }
         mCommon.assign(rows * mColumns, 0);
-        for (size_t i = mLimitBefore; i-- > mStart;) {
-            for (size_t j = mLimitAfter; j-- > mStart;) {
-                mCommon[cell(i, j)] = isSame(mBefore[i], mAfter[j])
-                                              ? common(i + 1, j + 1) + 1
-                                              : std::max(common(i + 1, j), common(i, j + 1));
+        for (size_t i = mLimitBefore; i > mStart; --i) {
+            for (size_t j = mLimitAfter; j > mStart; --j) {
+                mCommon[cell(i - 1, j - 1)] =
+                        isSame(mBefore[i - 1], mAfter[j - 1])
+                                ? common(i, j) + 1
+                                : std::max(common(i, j - 1), common(i - 1, j));
             }
         }
     }

@@ -53,6 +53,13 @@ std::optional<uint32_t> toWord(const std::string& text) {
     return static_cast<uint32_t>(value);
 }
 
+std::string_view withoutTrailing(std::string_view text, char c) {
+    while (text.ends_with(c)) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
 std::string padded(std::string text, size_t width) {
     text.resize(std::max(text.size(), width), ' ');
     return text;

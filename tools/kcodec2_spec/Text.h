@@ -35,6 +35,14 @@ private:
 // Whether a character begins with this byte of UTF-8.
 bool isFirstByteOfCharacter(char c);
 
+// `text` without any `c` at its end.
+std::string_view withoutTrailing(std::string_view text, char c);
+
+// In every locale alike.
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 // `text` with blanks on the right, up to `width` bytes.
 std::string padded(std::string text, size_t width);
 

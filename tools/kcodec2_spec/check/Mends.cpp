@@ -15,10 +15,6 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-bool isDigit(char c) {
-    return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
-
 bool isHexadecimalWord(std::string_view token) {
     constexpr size_t kMostDigits = 8;
     return token.size() > 2 && token.size() <= 2 + kMostDigits && token[0] == '0' &&

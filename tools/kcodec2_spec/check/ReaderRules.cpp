@@ -46,7 +46,7 @@ SyntaxHint syntaxError(const KeptFinding& finding, const CheckedDocument& checke
         hint.span = {finding.start, finding.limit};
         hint.message = finding.detail.empty() ? "not valid JSON" : finding.detail;
         std::replace(hint.message.begin(), hint.message.end(), '\n', ' ');
-        hint.message.erase(hint.message.find_last_not_of('.') + 1);
+        hint.message.resize(withoutTrailing(hint.message, '.').size());
     }
     hint.message += "; the device rejects the whole document";
     return hint;

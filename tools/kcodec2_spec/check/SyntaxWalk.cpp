@@ -15,10 +15,6 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kMarks = "{}[]:,";
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 size_t skipDigits(std::string_view word, size_t at) {
     while (at < word.size() && isDigit(word[at])) {
         ++at;

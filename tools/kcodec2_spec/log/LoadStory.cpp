@@ -6,6 +6,7 @@
 #include <charconv>
 #include <optional>
 
+#include "Text.h"
 #include "device/DevicePaths.h"
 
 namespace kc2::tool {
@@ -128,10 +129,6 @@ bool isOurTag(std::string_view tag) {
                        [tag](const LogLine& line) { return tag == line.tag; });
 }
 
-std::string_view withoutBlanksBehind(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
 // "name : 5" of the dump, without the blanks before it; `width` is that of the name with its
 // blanks.
 struct NamedEntry {
@@ -151,7 +148,7 @@ std::optional<NamedEntry> namedEntryOf(std::string_view entry) {
     if (read.ec != std::errc() || read.ptr != value.data() + value.size()) {
         return std::nullopt;
     }
-    return NamedEntry{withoutBlanksBehind(entry.substr(0, colon)), value, colon};
+    return NamedEntry{withoutTrailing(entry.substr(0, colon), ' '), value, colon};
 }
 
 bool isFinding(const LogEvent& event) {

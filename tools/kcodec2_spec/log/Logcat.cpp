@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
@@ -60,17 +62,12 @@ private:
     std::string_view mRest;
 };
 
-std::string_view withoutBlanksBehind(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
 bool isDigits(std::string_view text) {
     return !text.empty() && text.find_first_not_of(kDigits) == std::string_view::npos;
 }
 
 // Whether a word has digits at both ends and only digits and `marks` between, as "11-25" has.
 bool isDigitsWith(std::string_view word, std::string_view marks) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     return word.size() > 2 && isDigit(word.front()) && isDigit(word.back()) &&
            word.find_first_of(marks) != std::string_view::npos &&
            std::all_of(word.begin(), word.end(), [&](char c) {
@@ -144,7 +141,7 @@ std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
     if (entry.priority == '\0' || !scanner.take('/')) {
         return std::nullopt;
     }
-    entry.tag = withoutBlanksBehind(scanner.takeUntil("(:"));
+    entry.tag = withoutTrailing(scanner.takeUntil("(:"), ' ');
     if (const std::optional<int> process = takeProcessInBrackets(&scanner)) {
         entry.process = *process;
     }
@@ -173,8 +170,8 @@ std::optional<LogEntry> parseProcess(Scanner scanner) {
     entry.text = scanner.rest();
     const size_t bracket = entry.text.rfind("  (");
     if (!hasThread && bracket != std::string_view::npos && entry.text.back() == ')') {
-        entry.tag = withoutBlanksBehind(
-                entry.text.substr(bracket + 3, entry.text.size() - bracket - 4));
+        entry.tag = withoutTrailing(entry.text.substr(bracket + 3, entry.text.size() - bracket - 4),
+                                    ' ');
         entry.text = entry.text.substr(0, bracket);
     }
     return entry;
@@ -209,7 +206,7 @@ std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) 
         return std::nullopt;
     }
     entry.process = *process;
-    entry.tag = withoutBlanksBehind(scanner.takeUntil(":"));
+    entry.tag = withoutTrailing(scanner.takeUntil(":"), ' ');
     if (!takeColon(&scanner)) {
         return std::nullopt;
     }
@@ -268,7 +265,7 @@ bool LogcatParser::takeLongHead(std::string_view line) {
     if (time.empty() || slash == 0 || slash == std::string_view::npos) {
         return false;
     }
-    const std::string_view ids = withoutBlanksBehind(scanner.rest().substr(0, slash - 1));
+    const std::string_view ids = withoutTrailing(scanner.rest().substr(0, slash - 1), ' ');
     // "123:  124" or "media:  123:  124": the process is the last but one.
     const size_t colon = ids.rfind(':');
     const size_t before = colon == std::string_view::npos || colon == 0 ? std::string_view::npos
@@ -281,7 +278,7 @@ bool LogcatParser::takeLongHead(std::string_view line) {
     process.skipBlanks();
     mLongProcess = process.takeNumber().value_or(-1);
     mLongPriority = scanner.rest()[slash - 1];
-    mLongTag = withoutBlanksBehind(scanner.rest().substr(slash + 1));
+    mLongTag = withoutTrailing(scanner.rest().substr(slash + 1), ' ');
     mLongTime = time;
     return true;
 }

@@ -25,8 +25,7 @@ using FindingsByLine = std::multimap<std::pair<std::string, std::string>, const 
 
 // The key of a line about a skipped value: its place and its reason, as the device logs them.
 std::pair<std::string, std::string> lineOf(const KeptFinding& finding) {
-    const Place place = {
-            .section = finding.section.c_str(), .name = finding.name, .index = finding.index};
+    const Place place = {.section = finding.section, .name = finding.name, .index = finding.index};
     const char* const reason = rowOf(finding.kind).reason;
     return {reason != nullptr ? place.toString() : "", reason != nullptr ? reason : ""};
 }
