@@ -11,7 +11,7 @@ std::string Place::toString() const {
     // The log cuts a line after a thousand bytes, and what is wrong follows the place.
     constexpr size_t kMostNameBytes = 200;
     std::string text = targetSpecRoot != nullptr ? targetSpecRoot : "";
-    if (section != nullptr) {
+    if (section.data() != nullptr) {
         text.append("/").append(section);
     }
     if (!name.empty()) {

@@ -108,9 +108,9 @@ constexpr const FindingRow& rowOf(FindingKind kind) {
 
 // Where in the document: Video/<section>/<name>[<index>], as far as it applies.
 struct Place {
-    const char* section = nullptr;
-    std::string_view name = {};  // Member of the section; may hold any bytes.
-    int index = -1;              // Element of the section or of the member.
+    std::string_view section = {};  // Without data() in front of the sections.
+    std::string_view name = {};     // Member of the section; may hold any bytes.
+    int index = -1;                 // Element of the section or of the member.
 
     // Fit for a log line: what must not be shown is escaped, a long name is cut.
     std::string toString() const;

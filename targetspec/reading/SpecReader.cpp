@@ -26,10 +26,14 @@ Finding findingAbout(FindingKind kind, const Json::Value& value) {
 
 // The member of an object that a key names.
 struct Member {
-    const char* key;                     // A null key names no member.
+    std::string_view key;
     const Json::Value* value = nullptr;  // Null when the object has no such member.
 
-    bool isNamed(std::string_view name) const { return key != nullptr && name == key; }
+    Member() = default;
+    // A null key names no member, not even the one whose name is empty.
+    explicit Member(const char* name) : key(name != nullptr ? name : std::string_view()) {}
+
+    bool isNamed(std::string_view name) const { return name == key && key.data() != nullptr; }
 };
 
 void add(std::list<std::string>& names, std::string_view name) {
@@ -49,9 +53,9 @@ public:
     void readAll(const Json::Value& video) {
         std::array<Member, std::size(kSections)> members = {};
         for (size_t i = 0; i < members.size(); ++i) {
-            members[i].key = *kSections[i].key;
+            members[i] = Member(*kSections[i].key);
         }
-        findMembers(nullptr, video, &members);
+        findMembers({}, video, &members);
         for (size_t i = 0; i < members.size(); ++i) {
             if (members[i].value != nullptr) {
                 read(kSections[i], members[i]);
@@ -63,9 +67,11 @@ private:
     void read(const Section& section, const Member& member) {
         switch (section.type) {
             case SectionType::Features:
-                return readFeatures(member);
+                return readMap(member, &mDocument.features, toBoolean,
+                               FindingKind::FeatureNotBoolean);
             case SectionType::Presets:
-                return readPresets(member);
+                return readMap(member, &mDocument.presets, toInteger,
+                               FindingKind::PresetNotInteger);
             case SectionType::BitRateRows:
                 return readBitRateRows(member);
             case SectionType::DolbyVision:
@@ -104,7 +110,7 @@ private:
     // Finds the members that the keys name. One walk takes less than the parser's own lookups do:
     // objects that are searched hold a handful of names.
     template <size_t kCount>
-    void findMembers(const char* section, const Json::Value& object,
+    void findMembers(std::string_view section, const Json::Value& object,
                      std::array<Member, kCount>* members) {
         const auto limit = object.end();
         for (auto entry = object.begin(); entry != limit; ++entry) {
@@ -128,7 +134,7 @@ private:
                                             const char* const* const (&keys)[kCount]) {
         std::array<Member, kCount> members = {};
         for (size_t i = 0; i < kCount; ++i) {
-            members[i].key = *keys[i];
+            members[i] = Member(*keys[i]);
         }
         findMembers(section.key, *section.value, &members);
         return members;
@@ -190,25 +196,15 @@ private:
         });
     }
 
-    void readFeatures(const Member& section) {
+    // Adds the members whose values convert() takes to `values`; any other one is a finding.
+    template <typename Map, typename Convert>
+    void readMap(const Member& section, Map* values, Convert convert, FindingKind ifNot) {
         forEachMember(section, [&](const Place& place, const Json::Value& value) {
-            if (const auto feature = take(toBoolean(value), place, value)) {
-                mDocument.features.emplace_hint(mDocument.features.end(), place.name, *feature);
-                report(FindingKind::Taken, place, value);
-            } else {
-                report(FindingKind::FeatureNotBoolean, place, value);
+            const auto converted = take(convert(value), place, value);
+            if (converted) {
+                values->emplace_hint(values->end(), place.name, *converted);
             }
-        });
-    }
-
-    void readPresets(const Member& section) {
-        forEachMember(section, [&](const Place& place, const Json::Value& value) {
-            if (const auto preset = take(toInteger(value), place, value)) {
-                mDocument.presets.emplace_hint(mDocument.presets.end(), place.name, *preset);
-                report(FindingKind::Taken, place, value);
-            } else {
-                report(FindingKind::PresetNotInteger, place, value);
-            }
+            report(converted ? FindingKind::Taken : ifNot, place, value);
         });
     }
 
@@ -255,8 +251,7 @@ private:
     }
 
     int32_t readTierLevel(const Member& section, const Member& level) {
-        const Place place = {.section = section.key,
-                             .name = level.key != nullptr ? level.key : std::string_view()};
+        const Place place = {.section = section.key, .name = level.key};
         if (level.value == nullptr) {
             report(FindingKind::TierLevelAbsent, place, *section.value);
             return 0;
@@ -350,7 +345,7 @@ bool parse(std::string_view text, Json::Value* root, FindingSink& findings) {
 
 // The "Video" object of a document; null when it has none.
 const Json::Value* findVideo(const Json::Value& root, FindingSink& findings) {
-    const Member video = {targetSpecRoot};
+    const Member video(targetSpecRoot);
     const Json::Value* found = nullptr;
     const auto limit = root.end();
     for (auto member = root.begin(); member != limit; ++member) {
