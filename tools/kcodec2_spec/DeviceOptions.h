@@ -37,6 +37,8 @@ void applyDeviceOptions(const DeviceOptions& options);
 
 // Sets the target variant of the device that the tool plays; on a device it is the device's own.
 void playVariant(const std::string& variant);
+// Whether it can be set.
+bool canPlayVariants();
 
 // Keeps what the library logs out of the tool's output, and lets it in again. On a device the log
 // is the device's own.

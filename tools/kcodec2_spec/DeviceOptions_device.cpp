@@ -17,6 +17,10 @@ void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
 void playVariant(const std::string& /*variant*/) {}
 
+bool canPlayVariants() {
+    return false;
+}
+
 void muteLog() {}
 
 void unmuteLog() {}

@@ -164,6 +164,10 @@ void playVariant(const std::string& variant) {
     host::setProperty(kVariantProperty, variant);
 }
 
+bool canPlayVariants() {
+    return true;
+}
+
 void muteLog() {
     host::setLogSink([](int, const char*, const char*) {});
 }

@@ -12,6 +12,7 @@
 #include "check/CheckCommand.h"
 #include "log/LogCommand.h"
 #include "platform/Version.h"
+#include "report/ReportCommand.h"
 #include "targetspec/reading/BuiltInDocuments.h"
 
 namespace {
@@ -62,6 +63,7 @@ int run(int argc, char** argv) {
     addCheckCommand(&app, &exitCode);
     addLogCommand(&app, &exitCode);
     addDiffCommand(&app, &exitCode);
+    addReportCommand(&app, &exitCode);
 
     int number = numberOfDefault();
     std::string variant;

@@ -233,21 +233,25 @@ int checkDevice(const CheckOptions& options) {
     return isMended ? exitCode : kExitUsage;
 }
 
+CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels) {
+    CheckedVariants checked = {std::move(variants), {}, Report(levels)};
+    VariantReports reports;
+    for (const std::string& variant : checked.variants) {
+        playVariant(variant);
+        Report report(levels);
+        checked.loads.push_back(checkLoad(&report));
+        report.addUnusedAllowances();
+        reports.add(variant, report, *checked.loads.back());
+    }
+    reports.addTo(&checked.report);
+    return checked;
+}
+
 int checkEachVariant(const CheckOptions& options) {
     std::set<std::string> variants = variantsInTree();
     variants.insert(kDefaultVariant);
-    std::vector<std::unique_ptr<CheckedLoad>> loads;  // The reports point into these.
-    VariantReports reports;
-    for (const std::string& variant : variants) {
-        playVariant(variant);
-        Report report(options.levels);
-        loads.push_back(checkLoad(&report));
-        report.addUnusedAllowances();
-        reports.add(variant, report, *loads.back());
-    }
-    Report together(options.levels);
-    reports.addTo(&together);
-    return finish(&together, options);
+    CheckedVariants checked = checkVariants({variants.begin(), variants.end()}, options.levels);
+    return finish(&checked.report, options);
 }
 
 }  // namespace kc2::tool

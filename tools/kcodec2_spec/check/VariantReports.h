@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <tuple>
@@ -40,5 +41,15 @@ private:
     std::map<Key, size_t> mPlaces;                                   // In mFindings.
     std::vector<Shared> mFindings;                                   // In the order of the first.
 };
+
+// A device under several variants, and what the check finds in it.
+struct CheckedVariants {
+    std::vector<std::string> variants;
+    std::vector<std::unique_ptr<CheckedLoad>> loads;  // The report points into these.
+    Report report;
+};
+
+// Loads and checks the device under each of the variants.
+CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels);
 
 }  // namespace kc2::tool

@@ -1,0 +1,115 @@
+// Stores side by side: a row for each entry that one of them has, a column for each store.
+
+#include "report/Matrix.h"
+
+#include <algorithm>
+#include <iterator>
+#include <list>
+#include <map>
+#include <unordered_map>
+#include <utility>
+
+#include "SnapshotDiff.h"
+
+namespace kc2::tool {
+
+namespace {
+
+// Numbers in the order of their values: Dolby Vision profiles are names here.
+bool isBefore(const MatrixRow& a, const MatrixRow& b) {
+    const auto isNumber = [](std::string_view name) {
+        return name.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    if (isNumber(a.name) && isNumber(b.name) && a.name.size() != b.name.size()) {
+        return a.name.size() < b.name.size();
+    }
+    return a.name < b.name;
+}
+
+// The rows of one section.
+class RowBuilder {
+public:
+    RowBuilder(const std::vector<Snapshot>& snapshots, size_t section)
+        : mSnapshots(snapshots), mSection(section), mRowsOfEntries(snapshots.size()) {
+        for (size_t column = 0; column < snapshots.size(); ++column) {
+            addColumn(column);
+        }
+        for (size_t column = 1; column < snapshots.size(); ++column) {
+            markDifferences(column);
+        }
+    }
+
+    std::vector<MatrixRow> take() {
+        if (sectionOf(0).form != SectionForm::List) {
+            mRows.sort(isBefore);  // A list keeps its order.
+        }
+        return {std::make_move_iterator(mRows.begin()), std::make_move_iterator(mRows.end())};
+    }
+
+private:
+    using Row = std::list<MatrixRow>::iterator;
+
+    const SnapshotSection& sectionOf(size_t column) const { return mSnapshots[column][mSection]; }
+
+    // An entry that no column before has gets a row behind the one of the entry before it, so that
+    // what a list gains is shown where it is in that list.
+    void addColumn(size_t column) {
+        std::unordered_map<std::string_view, size_t> occurrences;
+        Row next = mRows.begin();
+        for (const SnapshotEntry& entry : sectionOf(column).entries) {
+            const std::pair key(std::string_view(entry.name), ++occurrences[entry.name]);
+            const auto known = mRowsByName.find(key);
+            Row row;
+            if (known != mRowsByName.end()) {
+                row = known->second;
+            } else {
+                row = mRows.insert(next, {key.first, {}, false});
+                row->cells.resize(mSnapshots.size());
+                mRowsByName.emplace(key, row);
+            }
+            row->cells[column] = {&entry, mRowsOfEntries[column].size(), false};
+            mRowsOfEntries[column].push_back(row);
+            next = std::next(row);
+        }
+    }
+
+    void mark(Row row, size_t column) {
+        row->cells[column].isDifferent = true;
+        row->isDifferent = true;
+    }
+
+    void markDifferences(size_t column) {
+        for (const SectionChanges& section : differencesOf({sectionOf(0)}, {sectionOf(column)})) {
+            for (const Change& change : section.changes) {
+                if (change.before != nullptr) {
+                    mark(mRowsOfEntries[0][change.indexBefore], column);
+                }
+                if (change.after != nullptr) {
+                    mark(mRowsOfEntries[column][change.indexAfter], column);
+                }
+            }
+        }
+    }
+
+    const std::vector<Snapshot>& mSnapshots;
+    size_t mSection;
+    std::list<MatrixRow> mRows;
+    std::map<std::pair<std::string_view, size_t>, Row> mRowsByName;  // With the occurrence.
+    std::vector<std::vector<Row>> mRowsOfEntries;                    // By column.
+};
+
+}  // namespace
+
+std::vector<MatrixSection> matrixOf(const std::vector<Snapshot>& snapshots) {
+    std::vector<MatrixSection> sections;
+    for (size_t i = 0; i < snapshots.front().size(); ++i) {
+        MatrixSection section = {&snapshots.front()[i], RowBuilder(snapshots, i).take(), 0};
+        section.differences = static_cast<size_t>(
+                std::count_if(section.rows.begin(), section.rows.end(),
+                              [](const MatrixRow& row) { return row.isDifferent; }));
+        sections.push_back(std::move(section));
+    }
+    return sections;
+}
+
+}  // namespace kc2::tool

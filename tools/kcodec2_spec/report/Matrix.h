@@ -1,0 +1,35 @@
+// Stores side by side: a row for each entry that one of them has, a column for each store.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "StoreSnapshot.h"
+
+namespace kc2::tool {
+
+struct MatrixCell {
+    const SnapshotEntry* entry = nullptr;  // Null when the store does not have it.
+    size_t index = 0;                      // In its section; of a list this is what components see.
+    bool isDifferent = false;              // From the first column.
+};
+
+struct MatrixRow {
+    std::string_view name;
+    std::vector<MatrixCell> cells;
+    bool isDifferent = false;  // In one of the columns at least.
+};
+
+struct MatrixSection {
+    const SnapshotSection* section;  // Of the first column, for its title and form.
+    std::vector<MatrixRow> rows;
+    size_t differences = 0;  // Rows that differ.
+};
+
+using Snapshot = std::vector<SnapshotSection>;
+
+// `snapshots` must not be empty, and must outlive the result.
+std::vector<MatrixSection> matrixOf(const std::vector<Snapshot>& snapshots);
+
+}  // namespace kc2::tool

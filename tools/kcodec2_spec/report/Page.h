@@ -1,0 +1,25 @@
+// The page of an image: its variants side by side, their bit rates, and the checker's findings.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "catalogue/Catalogue.h"
+#include "check/VariantReports.h"
+#include "report/Matrix.h"
+#include "report/StepChart.h"
+
+namespace kc2::tool {
+
+struct PageContent {
+    std::string device;  // What a person calls it: the directory of its files.
+    CheckedVariants checked;
+    std::vector<Snapshot> snapshots;       // Of each variant.
+    std::vector<std::vector<Step>> steps;  // The same.
+    Catalogue catalogue;
+};
+
+// The page, whole: it asks for no other file.
+std::string pageOf(const PageContent& content);
+
+}  // namespace kc2::tool
