@@ -223,8 +223,8 @@ private:
         add("<section id=\"rates\" aria-labelledby=\"rates-title\">\n"
             "<h2 id=\"rates-title\">Nimbra-mode bit rates</h2>\n"
             "<p>The bit rate that a component gets, by the value that it asks for. The scale of "
-            "values is that of their square roots; the dashed line is the first load.</p>\n"
-            "<div class=\"charts\">\n");
+            "values is that of their square roots.{}</p>\n<div class=\"charts\">\n",
+            mContent.steps[0].empty() ? "" : " The dashed line is the first load.");
         const std::vector<std::vector<Step>>& all = mContent.steps;
         const StepChart chart(all);
         for (size_t i = 0; i < std::min(all.size(), kMostCharts); ++i) {

@@ -39,11 +39,11 @@ std::string shortNumber(double number) {
     return fmt::format("{:.0f}", number);
 }
 
-// The distance of lines of which at most four fit below `most`: 1, 2 or 5 and noughts.
+// The distance of lines of which at most five fit below `most`: 1, 2 or 5 and noughts.
 double gridDistance(double most) {
     double distance = std::pow(10, std::floor(std::log10(std::max(most, 1.0))) - 1);
     for (const double factor : {2.0, 2.5, 2.0, 2.0, 2.5, 2.0}) {
-        if (most / distance <= 4) {
+        if (most / distance <= 5) {
             break;
         }
         distance *= factor;

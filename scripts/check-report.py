@@ -1,0 +1,367 @@
+#!/usr/bin/env python3
+"""Opens the page of "kcodec2_spec report" in a browser: check-report.py [BUILD-DIRECTORY]
+
+Nothing on its console, no request, no name of a document that runs; filter and "Only differences"
+do what they say, and the page can be read without a script, in the dark, on paper, by keyboard and
+by a screen reader. Then faults are planted, which these checks must find. Needs chromium. Takes a
+few seconds. With --picture FILE.png it takes the README's picture instead.
+"""
+
+import base64
+import hashlib
+import json
+import os
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+PICTURE = (1240, 800)
+MOST_PICTURE_BYTES = 150 * 1024
+
+RUN = "window.ran = 1"
+HOSTILE_NAMES = (
+    f"<script>{RUN}</script>", f"<img src=x onerror='{RUN}'>", f'" autofocus onfocus="{RUN}" x="',
+    f"' onmouseover='{RUN}", f"</code></table></style></script><svg onload={RUN}>",
+    "<!-- ", "&lt;b&gt;", "\u202e\u0007\u001b[31m\u0000", "<base href=http://localhost:9/>",
+    "<link rel=stylesheet href=http://localhost:9/x.css>", "{}", "{0}", "%s",
+    f"javascript:{RUN}", "]]><!DOCTYPE x>", "a\nb\r\n\tc",
+)
+
+# What the page is made of. A name that became an element is none of these, or one too many.
+PROBE = """(() => {
+    const count = (what) => document.querySelectorAll(what).length;
+    const faults = [];
+    const expect = (isRight, what) => { if (!isRight) faults.push(what); };
+    expect(window.ran === undefined, "a text of a document ran");
+    expect(count("script") === 1 && count("style") === 1 && count("base, img, iframe, object") === 0
+               && count("link") === 1, "a text of a document became an element");
+    for (const element of document.querySelectorAll("*")) {
+        for (const {name} of element.attributes) {
+            expect(!name.startsWith("on") && name !== "style", `attribute ${name}`);
+        }
+    }
+    for (const table of document.querySelectorAll("table")) {
+        expect(table.caption && table.caption.textContent.trim(), "a table without a caption");
+        expect(table.querySelector("thead th[scope=col]"), "a table without column headers");
+    }
+    for (const cell of document.querySelectorAll("th")) {
+        expect(cell.scope && cell.textContent.trim(), "a header cell without scope or text");
+    }
+    const columns = document.querySelectorAll(".matrix thead th").length;
+    for (const row of document.querySelectorAll(".matrix .row")) {
+        expect(row.cells.length === columns && row.cells[0].scope === "row", "a row's cells");
+    }
+    const ids = [...document.querySelectorAll("[id]")].map((element) => element.id);
+    expect(new Set(ids).size === ids.length, "an id twice");
+    for (const link of document.querySelectorAll("a")) {
+        expect(document.querySelector(link.getAttribute("href")), "a link to nowhere");
+    }
+    for (const picture of document.querySelectorAll("svg")) {
+        expect(picture.querySelector("title").textContent, "a picture without a text");
+        expect(!/NaN|inf/.test(picture.innerHTML), "a picture that cannot be drawn");
+    }
+    return faults;
+})()"""
+
+# The least contrast of a text and what is behind it.
+CONTRAST = """(() => {
+    const channels = (colour) => colour.match(/[0-9.]+/g).map(Number);
+    const light = (colour) => channels(colour).slice(0, 3).map((c) => c / 255)
+        .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
+        .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
+    const behind = (element) => {
+        for (; element; element = element.parentElement) {
+            const colour = getComputedStyle(element).backgroundColor;
+            if (channels(colour)[3] !== 0) return colour;
+        }
+        return "rgb(255, 255, 255)";
+    };
+    let least = [99, ""];
+    for (const element of document.querySelectorAll("body *:not(svg *):not(script):not(.skip)")) {
+        const hasText = [...element.childNodes].some((n) => n.nodeType === 3 && n.data.trim());
+        if (hasText && element.checkVisibility()) {
+            const pair = [light(getComputedStyle(element).color), light(behind(element))];
+            const ratio = (Math.max(...pair) + 0.05) / (Math.min(...pair) + 0.05);
+            if (ratio < least[0]) least = [ratio, element.outerHTML.slice(0, 80)];
+        }
+    }
+    return least;
+})()"""
+
+SHOWN_ROWS = """[...document.querySelectorAll(".matrix .row")]
+    .filter((row) => row.checkVisibility()).map((row) => row.cells[0].textContent)"""
+
+
+class Browser:
+    """Chromium, by its debugging pipe: messages of JSON, each ended by a zero byte."""
+
+    def __init__(self, scratch):
+        to_read, self.to_write = os.pipe()
+        self.to_hear, to_answer = os.pipe()
+        command = ["chromium", "--headless", "--no-sandbox", "--disable-gpu", "--hide-scrollbars",
+                   "--disable-background-networking", "--remote-debugging-pipe",
+                   f"--user-data-dir={scratch}/browser", "about:blank"]
+        self.process = subprocess.Popen(
+            ["sh", "-c", f"exec {shlex.join(command)} 3<&{to_read} 4>&{to_answer}"],
+            pass_fds=(to_read, to_answer), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(to_read)
+        os.close(to_answer)
+        self.received = b""
+        self.number = 0
+        self.session = None
+        self.events = []
+
+    def close(self):
+        self.call("Browser.close")
+        self.process.wait(timeout=30)
+
+    def receive(self):
+        while b"\0" not in self.received:
+            part = os.read(self.to_hear, 1 << 20)
+            if not part:
+                sys.exit("check-report: chromium has ended")
+            self.received += part
+        message, self.received = self.received.split(b"\0", 1)
+        return json.loads(message)
+
+    def call(self, method, **parameters):
+        self.number += 1
+        message = {"id": self.number, "method": method, "params": parameters}
+        if self.session:
+            message["sessionId"] = self.session
+        os.write(self.to_write, json.dumps(message).encode() + b"\0")
+        while (answer := self.receive()).get("id") != self.number:
+            self.events.append(answer)
+        if "error" in answer:
+            sys.exit(f"check-report: {method}: {answer['error']['message']}")
+        return answer["result"]
+
+    def open(self, path, script=True, width=1280, height=900):
+        self.session = None
+        target = self.call("Target.createTarget", url="about:blank")["targetId"]
+        self.session = self.call("Target.attachToTarget", targetId=target,
+                                 flatten=True)["sessionId"]
+        for domain in ("Page", "Runtime", "Log", "Network"):
+            self.call(f"{domain}.enable")
+        self.call("Emulation.setDeviceMetricsOverride", width=width, height=height,
+                  deviceScaleFactor=1, mobile=False)
+        self.call("Emulation.setScriptExecutionDisabled", value=not script)
+        self.events.clear()
+        self.page = path.resolve().as_uri()
+        self.call("Page.navigate", url=self.page)
+        while not any(event["method"] == "Page.loadEventFired" for event in self.events):
+            self.events.append(self.receive())
+        self.value("0")  # What the page's own script has caused is known by then.
+
+    def value(self, expression):
+        answer = self.call("Runtime.evaluate", expression=expression, returnByValue=True)
+        if "exceptionDetails" in answer:
+            sys.exit(f"check-report: {answer['exceptionDetails']}")
+        return answer["result"].get("value")
+
+    def key(self, name, text=None):
+        codes = {"Tab": 9, " ": 32}
+        self.call("Input.dispatchKeyEvent", type="keyDown", key=name, code=name,
+                  windowsVirtualKeyCode=codes[name], **({"text": text} if text else {}))
+        self.call("Input.dispatchKeyEvent", type="keyUp", key=name, code=name,
+                  windowsVirtualKeyCode=codes[name])
+
+    def told(self):
+        """What the console shows, and every request but the one for the page."""
+        faults = []
+        for event in self.events:
+            method, detail = event["method"], event.get("params", {})
+            if method in ("Runtime.consoleAPICalled", "Runtime.exceptionThrown",
+                          "Log.entryAdded"):
+                faults.append(f"console: {json.dumps(detail)[:200]}")
+            elif method == "Network.requestWillBeSent":
+                url = detail["request"]["url"]
+                if url != self.page and not url.startswith("data:"):
+                    faults.append(f"request: {url}")
+        return faults
+
+
+failures = []
+
+
+def expect(is_right, what):
+    if not is_right:
+        failures.append(what)
+
+
+def faults_of(browser, page):
+    browser.open(page)
+    return browser.value(PROBE) + browser.told()
+
+
+def report(tool, root, output):
+    subprocess.run([tool, "report", "--rootdir", root, "--output", output], check=True)
+    return output
+
+
+def write_hostile_tree(root):
+    """Names that a browser would take for something else, wherever a document may have one."""
+    video = {
+        "Features": {name: True for name in HOSTILE_NAMES},
+        "Presets": {name: 1 for name in HOSTILE_NAMES},
+        "perf-resource-values": {name: ["0x1", "0x2"] for name in HOSTILE_NAMES},
+        "KC2CodecPlugins": list(HOSTILE_NAMES),
+        "OptionalCodecs": list(HOSTILE_NAMES),
+        "NimbraModeBitrateTable": [[0, 4294967295, 4294967294], [5, 5, 1], [9, 2, 7]],
+        "<img src=x>": {}, "Feature" + HOSTILE_NAMES[0]: {},
+    }
+    for directory in ("vendor/etc/media", "odm/etc/media_<img src=x onerror=window.ran=1>",
+                      "odm/etc/media_'\"\u202e\n\x1b[31m&amp;",
+                      "odm/etc/media_" + os.fsdecode(b"\xff\xfe")):
+        path = root / directory / "video_system_specs.json"
+        path.parent.mkdir(parents=True)
+        path.write_text(json.dumps({"Video": video}))
+        video["Presets"]["one more"] = 1
+    private = root / "data/vendor/media/video_private_configs.json"
+    private.parent.mkdir(parents=True)
+    private.write_text('{"Video": {"Features": {"a": "<script>window.ran=1</script>", }}}')
+
+
+def check_controls(browser, page):
+    browser.open(page)
+    rows = browser.value(SHOWN_ROWS)
+    differing = browser.value('document.querySelectorAll(".matrix .row:has(i)").length')
+    expect(0 < differing < len(rows), "the example has equal and differing rows")
+
+    # By keyboard alone: past the link to the matrix and the four of the parts.
+    for _ in range(6):
+        browser.key("Tab")
+    expect(browser.value("document.activeElement.id") == "filter", "Tab does not reach the filter")
+    expect(browser.value("getComputedStyle(document.activeElement).outlineStyle") == "solid",
+           "the focus is not shown")
+    browser.call("Input.insertText", text="HEVC encoder")
+    filtered = browser.value(SHOWN_ROWS)
+    expect(filtered == [row for row in rows if "hevc" in row and "encoder" in row] and filtered,
+           f"the filter leaves {filtered}")
+    expect(browser.value('document.getElementById("shown").textContent')
+           == f"{len(filtered)} of {len(rows)} rows", "the filter tells another count")
+    browser.value('document.getElementById("filter").value = "";'
+                  'document.getElementById("filter").dispatchEvent(new Event("input"))')
+    browser.key("Tab")
+    browser.key(" ", " ")
+    expect(len(browser.value(SHOWN_ROWS)) == differing, "\"Only differences\" by keyboard")
+    expect(browser.value('document.getElementById("shown").textContent')
+           == f"{differing} of {len(rows)} rows", "\"Only differences\" tells another count")
+    failures.extend(browser.told())
+    return rows, differing
+
+
+def check_without_script(browser, page, rows, differing):
+    browser.open(page, script=False)
+    expect(browser.value(SHOWN_ROWS) == rows, "without a script rows are missing")
+    expect(not browser.value('document.getElementById("filter").checkVisibility()'),
+           "without a script there is a filter that does nothing")
+    browser.value('document.getElementById("only").click()')
+    expect(len(browser.value(SHOWN_ROWS)) == differing, "\"Only differences\" without a script")
+
+
+def check_looks(browser, page):
+    browser.open(page)
+    for name, features, media in (("light", "light", ""), ("dark", "dark", ""),
+                                  ("paper", "dark", "print")):
+        browser.call("Emulation.setEmulatedMedia", media=media,
+                     features=[{"name": "prefers-color-scheme", "value": features}])
+        ratio, element = browser.value(CONTRAST)
+        expect(ratio >= 4.5, f"{name}: contrast of {ratio:.2f} in {element}")
+    expect(not browser.value('document.querySelector(".controls").checkVisibility()'),
+           "the controls are printed")
+    browser.call("Emulation.setEmulatedMedia", media="", features=[])
+    browser.call("Accessibility.enable")
+    nodes = browser.call("Accessibility.getFullAXTree")["nodes"]
+    roles = {}
+    for node in nodes:
+        if not node["ignored"]:
+            roles.setdefault(node["role"]["value"], []).append(
+                node.get("name", {}).get("value", ""))
+    for role, least in (("columnheader", 9), ("rowheader", 50), ("image", 3), ("main", 1),
+                        ("navigation", 1), ("searchbox", 1), ("checkbox", 1), ("status", 1)):
+        expect(len(roles.get(role, [])) >= least, f"a screen reader finds too few: {role}")
+    for role in ("searchbox", "checkbox", "image", "navigation", "link", "columnheader"):
+        expect(all(roles.get(role, [])), f"a screen reader finds one without a name: {role}")
+
+
+def check_plants(browser, page, scratch):
+    """Each fault must be found, or the checks above prove nothing."""
+    text = page.read_text()
+    escaped = "&lt;img src=x onerror=&#39;window.ran = 1&#39;&gt;"
+    assert escaped in text
+    # Still in the policy's place, so that only the policy is missing.
+    lawless = re.sub(r"default-src [^\"]*", "default-src * 'unsafe-inline'", text)
+    plants = {
+        "a text of a document ran":
+            lawless.replace(escaped, "<img src=x onerror='window.ran = 1'>"),
+        "a text of a document became an element": text.replace(escaped, "<img src=x>"),
+        "request: ": lawless.replace("<main>", "<main><object data='http://localhost:9/x'>"),
+        "console: ": text.replace('"use strict";', '"use strict"; '),  # Another hash.
+        "attribute ": text.replace("<main>", "<main onclick='1'>"),
+        "a header cell without scope or text": text.replace('scope="row"', "", 1),
+    }
+    for fault, planted in plants.items():
+        assert planted not in (text, lawless), fault
+        path = scratch / "planted.html"
+        path.write_text(planted)
+        found = faults_of(browser, path)
+        expect(any(told.startswith(fault) for told in found),
+               f"planted, but not found: {fault}; found {found}")
+
+
+def check_policy(page):
+    script = (ROOT / "tools/kcodec2_spec/report/page.js").read_bytes()
+    digest = base64.b64encode(hashlib.sha256(script).digest()).decode()
+    expect(f"'sha256-{digest}'" in page.read_text(),
+           f"the page's policy must name the hash of page.js, sha256-{digest}")
+
+
+def take_picture(browser, page, path):
+    browser.open(page, width=PICTURE[0], height=PICTURE[1])
+    picture = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
+    path.write_bytes(picture)
+    expect(len(picture) < MOST_PICTURE_BYTES, f"the picture has {len(picture)} bytes")
+
+
+def main():
+    arguments = sys.argv[1:]
+    picture = None
+    if arguments[:1] == ["--picture"]:
+        picture = Path(arguments[1])
+        arguments = arguments[2:]
+    tool = Path(arguments[0] if arguments else ROOT / "build/dev").resolve() / "kcodec2_spec"
+    if not tool.exists():
+        sys.exit(f"check-report: {tool} is missing: cmake --build --preset dev")
+    os.chdir(ROOT)
+    with tempfile.TemporaryDirectory() as directory:
+        scratch = Path(directory)
+        page = report(tool, "examples/device", scratch / "report.html")
+        browser = Browser(scratch)
+        if picture:
+            take_picture(browser, page, picture)
+        else:
+            check_policy(page)
+            failures.extend(faults_of(browser, page))
+            rows, differing = check_controls(browser, page)
+            check_without_script(browser, page, rows, differing)
+            check_looks(browser, page)
+            tree = scratch / "<b onclick='x'>&\""
+            write_hostile_tree(tree)
+            hostile = report(tool, tree, scratch / "hostile.html")
+            failures.extend(faults_of(browser, hostile))
+            check_plants(browser, hostile, scratch)
+        browser.close()
+    for failure in failures:
+        print(f"check-report: {failure}", file=sys.stderr)
+    if not failures:
+        print("check-report: the page is as it should be")
+    sys.exit(1 if failures else 0)
+
+
+if __name__ == "__main__":
+    main()
