@@ -26,7 +26,6 @@ namespace {
 constexpr size_t kMostCells = 200'000;
 constexpr size_t kMostFindings = 2'000;
 constexpr size_t kMostCharts = 24;
-constexpr size_t kMostSteps = 200;  // More are not told apart in a chart.
 constexpr size_t kExcerptColumns = 100;
 
 // Even if a text got past html(), it could neither run nor ask for anything. The script is named
@@ -150,7 +149,7 @@ private:
         add("<tbody id=\"{}\"{}>\n<tr class=\"section\"><th scope=\"rowgroup\" colspan=\"{}\">{} "
             "<span>{}{}{}</span></th></tr>\n",
             section.section->key, section.differences == 0 ? " class=\"same\"" : "", mVariants + 1,
-            section.section->title, section.rows.size(),
+            section.section->title, counted(section.rows.size(), "row"),
             section.differences == 0 ? "" : fmt::format(", {} differ", section.differences),
             section.rows.empty() ? section.section->whenEmpty : "");
         if (!section.rows.empty()) {
@@ -220,24 +219,23 @@ private:
     }
 
     void writeCharts() {
+        const std::vector<Steps>& all = mContent.steps;
         add("<section id=\"rates\" aria-labelledby=\"rates-title\">\n"
             "<h2 id=\"rates-title\">Nimbra-mode bit rates</h2>\n"
             "<p>The bit rate that a component gets, by the value that it asks for. The scale of "
             "values is that of their square roots.{}</p>\n<div class=\"charts\">\n",
-            mContent.steps[0].empty() ? "" : " The dashed line is the first load.");
-        const std::vector<std::vector<Step>>& all = mContent.steps;
+            all[0].value_or(std::vector<Step>()).empty() ? ""
+                                                         : " The dashed line is the first load.");
         const StepChart chart(all);
         for (size_t i = 0; i < std::min(all.size(), kMostCharts); ++i) {
             add("<figure><figcaption>{}</figcaption>", variantName(i));
-            if (all[i].empty()) {
+            if (!all[i]) {
+                add("<p class=\"empty\">Too many rows to draw. The matrix has them.</p>");
+            } else if (all[i]->empty()) {
                 add("<p class=\"empty\">No row: a component gets no bit rate.</p>");
-            } else if (all[i].size() > kMostSteps) {
-                add("<p class=\"empty\">{}: too many to draw. The matrix has the rows.</p>",
-                    counted(all[i].size(), "step"));
             } else {
-                const bool isCompared = i != 0 && all[0].size() <= kMostSteps;
-                mPage += chart.draw(fmt::format("chart-{}", i), describe(i), all[i],
-                                    isCompared ? all.data() : nullptr);
+                mPage += chart.draw(fmt::format("chart-{}", i), describe(i), *all[i],
+                                    i != 0 && all[0] ? &*all[0] : nullptr);
             }
             add("</figure>\n");
         }
@@ -252,7 +250,7 @@ private:
     std::string describe(size_t variant) const {
         const std::string& name = mContent.checked.variants[variant];
         std::string text = "Bit rates with " + (name == kDefaultVariant ? "no variant" : name);
-        for (const Step& step : mContent.steps[variant]) {
+        for (const Step& step : *mContent.steps[variant]) {
             text += fmt::format("; from {} to below {}: {}", step.low, step.limit,
                                 step.bitRate ? std::to_string(*step.bitRate) : "none");
         }
@@ -276,7 +274,7 @@ private:
             "<h2 id=\"findings-title\">Findings</h2>\n");
         for (const auto& [path, entries] : documents) {
             add("<table class=\"findings\">\n<caption><code>{}</code></caption>\n<thead><tr>"
-                "<th scope=\"col\">Severity</th><th scope=\"col\">Line</th>"
+                "<th scope=\"col\">Severity</th><th scope=\"col\" class=\"number\">Line</th>"
                 "<th scope=\"col\">Finding</th><th scope=\"col\">Check</th></tr></thead>\n"
                 "<tbody>\n",
                 html(path));

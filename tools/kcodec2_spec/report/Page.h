@@ -14,8 +14,8 @@ namespace kc2::tool {
 struct PageContent {
     std::string device;  // What a person calls it: the directory of its files.
     CheckedVariants checked;
-    std::vector<Snapshot> snapshots;       // Of each variant.
-    std::vector<std::vector<Step>> steps;  // The same.
+    std::vector<Snapshot> snapshots;  // Of each variant.
+    std::vector<Steps> steps;         // The same.
     Catalogue catalogue;
 };
 

@@ -24,6 +24,7 @@ constexpr double kRight = 18;
 constexpr double kTop = 16;
 constexpr double kBottom = 24;
 constexpr double kLeastLabelDistance = 38;
+constexpr size_t kMostRows = 500;
 
 // A limit of 2^31 - 1 or more means "and all above". To scale, it would make all else a line.
 constexpr uint32_t kOpenEnd = INT32_MAX;
@@ -53,9 +54,14 @@ double gridDistance(double most) {
 
 }  // namespace
 
-std::vector<Step> stepsOf(TargetSpec* store) {
+Steps stepsOf(TargetSpec* store) {
+    const std::vector<NimbraBitRateEntry>& rows =
+            TargetSpecInspector::nimbraModeBitRateTable(*store);
+    if (rows.size() > kMostRows) {
+        return std::nullopt;
+    }
     std::set<uint32_t> places;
-    for (const NimbraBitRateEntry& row : TargetSpecInspector::nimbraModeBitRateTable(*store)) {
+    for (const NimbraBitRateEntry& row : rows) {
         places.insert(row.low);
         places.insert(row.high);
     }
@@ -74,9 +80,9 @@ std::vector<Step> stepsOf(TargetSpec* store) {
     return steps;
 }
 
-StepChart::StepChart(const std::vector<std::vector<Step>>& all) {
-    for (const std::vector<Step>& steps : all) {
-        for (const Step& step : steps) {
+StepChart::StepChart(const std::vector<Steps>& all) {
+    for (const Steps& steps : all) {
+        for (const Step& step : steps.value_or(std::vector<Step>())) {
             for (const uint32_t end : {step.low, step.limit}) {
                 mMostValue = std::max<double>(mMostValue, end < kOpenEnd ? end : 1);
             }

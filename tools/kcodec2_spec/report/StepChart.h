@@ -17,13 +17,15 @@ struct Step {
     std::optional<uint32_t> bitRate;  // Nothing where no row holds the value.
 };
 
-// Asks the store on both sides of each place where its answer may change.
-std::vector<Step> stepsOf(TargetSpec* store);
+// Asks the store wherever its answer may change. Nothing for a table that is too long: each answer
+// takes as long as the table, and in a chart nobody could tell that many steps apart.
+using Steps = std::optional<std::vector<Step>>;
+Steps stepsOf(TargetSpec* store);
 
 // Charts of one size and scale, so that they can be compared by eye.
 class StepChart {
 public:
-    explicit StepChart(const std::vector<std::vector<Step>>& all);
+    explicit StepChart(const std::vector<Steps>& all);
 
     // The SVG; `id` makes its parts unique on the page, `compared` is drawn behind it.
     std::string draw(const std::string& id, const std::string& title,

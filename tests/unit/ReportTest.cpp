@@ -1,0 +1,231 @@
+// kcodec2_spec report: what its page says. scripts/check-report.py opens it in a browser.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kSpec[] = "/video_system_specs.json";
+
+// As a person reads it: no tags, nothing for screen readers only, blanks once.
+std::string textOf(std::string html) {
+    html = std::regex_replace(html, std::regex("<span class=\"sr\">[^<]*</span>"), "");
+    html = std::regex_replace(html, std::regex("<(/?)(small|span)[^>]*>"), " ");
+    html = std::regex_replace(html, std::regex("<[^>]*>"), "");
+    html = std::regex_replace(html, std::regex(" +"), " ");
+    html.erase(0, html.find_first_not_of(' '));
+    return html.erase(html.find_last_not_of(' ') + 1);
+}
+
+std::vector<std::string> allOf(const std::string& text, const char* pattern) {
+    const std::regex regex(pattern);
+    std::vector<std::string> found;
+    for (std::sregex_iterator at(text.begin(), text.end(), regex), end; at != end; ++at) {
+        found.push_back((*at)[1]);
+    }
+    return found;
+}
+
+// The rows of the matrix, each as its cells.
+std::vector<std::vector<std::string>> matrixOf(const std::string& page) {
+    const size_t start = page.find("<table class=\"matrix\">");
+    std::vector<std::vector<std::string>> rows;
+    for (const std::string& row :
+         allOf(page.substr(start, page.find("</table>", start) - start), "<tr[^>]*>(.*)</tr>")) {
+        rows.emplace_back();
+        for (const std::string& cell : allOf(row, "<t[hd][^>]*>(.*?)</t[hd]>")) {
+            rows.back().push_back(textOf(cell));
+        }
+    }
+    return rows;
+}
+
+std::string joined(const std::vector<std::vector<std::string>>& rows) {
+    std::string text;
+    for (const std::vector<std::string>& row : rows) {
+        for (const std::string& cell : row) {
+            text += cell + (&cell == &row.back() ? "\n" : " | ");
+        }
+    }
+    return text;
+}
+
+TEST(ReportTest, MarksWhatDiffersFromTheFirstColumn) {
+    const ScratchDirectory tree;
+    tree.write(std::string("vendor/etc/media") + kSpec, R"({"Video": {
+        "Features": {"same": true, "turned": true, "gone": false},
+        "NimbraModeBitrateTable": [[0, 10, 1], [5, 20, 2], [30, 40, 3]],
+        "KC2CodecPlugins": ["a", "b", "b"], "DolbyVision": {"profiles": [10]}}})");
+    tree.write(std::string("odm/etc/media_b<b>") + kSpec, R"({"Video": {
+        "Features": {"same": true, "turned": false, "<i>\u0007\"": true},
+        "NimbraModeBitrateTable": [[0, 10, 1], [5, 20, 4]],
+        "KC2CodecPlugins": ["b", "new", "b", "a"], "DolbyVision": {"profiles": [9, 10]},
+        "OptionalCodecs": ["c2.x"]}})");
+    tree.write("data/vendor/media/video_private_configs.json",
+               R"({"Video": {"Presets": {"from <private>": -1}}})");
+    const std::string page = run("report --output - --rootdir " + tree.path()).output;
+    EXPECT_EQ(R"(Setting | no variant | _b&lt;b&gt;
+Features 4 rows, 3 differ
+&lt;i&gt;\x07&quot; | – | ≠on system spec
+gone | off system spec | ≠ –
+same | on system spec | on system spec
+turned | on system spec | ≠off system spec
+Presets 1 row
+from &lt;private&gt; | -1 private file | -1 private file
+Perf-lock words 0 rows
+Nimbra-mode bit rates 3 rows, 2 differ
+[0, 10) | #1 1 system spec | #1 1 system spec
+[5, 20) | #2 2 system spec | ≠#2 4 system spec
+[30, 40) | #3 3 system spec | ≠ –
+Dolby Vision profiles 2 rows, 1 differ
+9 | – | ≠yes system spec
+10 | yes system spec | yes system spec
+Dolby Vision tier levels 2 rows
+max_high_tier_level | 0 system spec | 0 system spec
+max_main_tier_level | 0 system spec | 0 system spec
+Codec plug-ins 4 rows, 2 differ
+a | #1 system spec | ≠#4 system spec
+b | #2 system spec | #1 system spec
+new | – | ≠#2 system spec
+b | #3 system spec | #3 system spec
+Pre-processing filters 0 rows
+Encoder post-processing filters 0 rows
+Codec components 1 row, 1 differ
+no entry | every component is enabled | 
+c2.x | – | ≠yes system spec
+)",
+              joined(matrixOf(page)));
+    EXPECT_NE(std::string::npos,
+              page.find("Bit rates with no variant; from 0 to below 10: 1; from 10 to below 20: 2; "
+                        "from 20 to below 30: none; from 30 to below 40: 3<"));
+}
+
+TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
+    const std::string page = run("report --output - --rootdir examples/device").output;
+    const std::vector<std::vector<std::string>> rows = matrixOf(page);
+    ASSERT_LT(50U, rows.size());
+    const std::vector<std::string> variants = rows[0];
+    EXPECT_EQ((std::vector<std::string>{"Setting", "no variant", "_mirt", "_orvelle",
+                                        "_orvelle_tab"}),
+              variants);
+    for (size_t column = 1; column < variants.size(); ++column) {
+        std::vector<std::string> told;
+        for (const std::vector<std::string>& row : rows) {
+            if (row.size() == variants.size() && row[column].find("–") == std::string::npos) {
+                told.push_back(
+                        row[0].substr(0, row[0].find(row[0][0] == '[' ? ")" : " ") +
+                                                 (row[0][0] == '[' ? 1 : 0)) +
+                        " " +
+                        std::regex_replace(row[column], std::regex("^(≠)?(#\\d+ ?|yes )?"), ""));
+            }
+        }
+        told.erase(told.begin());  // The header.
+        const std::string shown =
+                run("show --rootdir examples/device --property vendor.media.target_variant=" +
+                    (column == 1 ? "default" : variants[column]) + " 2> /dev/null")
+                        .output;
+        std::vector<std::string> expected = allOf(shown, "\n  ([^\n]*)");
+        for (std::string& line : expected) {
+            line = std::regex_replace(line, std::regex(" +"), " ");
+        }
+        std::sort(told.begin(), told.end());
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(expected, told) << variants[column];
+    }
+}
+
+TEST(ReportTest, HasTheFindingsOfCheck) {
+    const std::string tree =
+            "--rootdir tests/unit/check/load-bare --property "
+            "vendor.media.target_variant=_unknown";
+    const std::string page = run("report --output - " + tree).output;
+    const std::string checked = run("check --all-variants --format json " + tree).output;
+    const std::vector<std::string> ids = allOf(checked, "\"id\":\"([^\"]*)\"");
+    EXPECT_LT(1U, ids.size());
+    for (const std::string& id : ids) {
+        EXPECT_NE(std::string::npos, page.find("<code>" + id + "</code>")) << id;
+    }
+    // The variant that no document is for, and what it falls back on.
+    EXPECT_NE(std::string::npos, page.find("<th scope=\"col\">_unknown</th>"));
+    EXPECT_NE(std::string::npos, page.find("built-in document 3"));
+}
+
+TEST(ReportTest, WritesAWholeFileOrNone) {
+    const ScratchDirectory directory;
+    const std::string kept = directory.write("kept.html", "before");
+    chmod(kept.c_str(), 0640);
+    fs::create_symlink(kept, directory.path() + "/link.html");
+    const std::string report = "report --rootdir examples/device --output ";
+    const Result printed = run(report + "-");
+    for (const char* name : {"/link.html", "/new.html"}) {
+        EXPECT_EQ(0, run(report + directory.path() + name).exitCode);
+        EXPECT_EQ(printed.output, readFile(directory.path() + name));
+    }
+    struct stat status = {};
+    EXPECT_EQ(0, stat(kept.c_str(), &status));
+    EXPECT_EQ(0640U, status.st_mode & 07777U);
+    EXPECT_TRUE(fs::is_symlink(directory.path() + "/link.html"));
+
+    const struct {
+        std::string arguments;
+        const char* message;
+    } rows[] = {
+            {"report --rootdir examples/device", "--output is required"},
+            {"report --rootdir none --output x.html", "Directory does not exist: none"},
+            {report + "'" + directory.path() + "/no\033ne/x.html'", "/no\\x1Bne/x.html cannot be"},
+            {report + directory.path(), "cannot be written: Is a directory"},
+            {report + "/dev/full", "/dev/full cannot be written: No space left"},
+            {report + "- > /dev/full", ""},
+            {report + kept + " extra", "extra"},
+    };
+    for (const auto& row : rows) {
+        const Result result = run(row.arguments);
+        EXPECT_EQ(2, result.exitCode) << row.arguments;
+        EXPECT_NE(std::string::npos, result.output.find(row.message)) << result.output;
+    }
+    EXPECT_EQ(0, run("report --rootdir examples/device --output /dev/null").exitCode);
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_EQ(3, std::distance(fs::directory_iterator(directory.path()), {}));  // Nothing beside.
+}
+
+// A page that no browser opens helps nobody, so it is cut, and says so.
+TEST(ReportTest, StaysSmallEnoughForABrowser) {
+    const ScratchDirectory tree;
+    std::string names;
+    std::string rows;
+    for (int i = 0; i < 110000; ++i) {
+        names += (i == 0 ? "\"n" : ", \"n") + std::to_string(i) + (i < 3000 ? "\": 1.5" : "\": 1");
+    }
+    for (int i = 0; i < 600; ++i) {
+        rows += (i == 0 ? "[" : ", [") + std::to_string(i) + ", 2147483647, " + std::to_string(i) +
+                "]";
+    }
+    tree.write(std::string("vendor/etc/media") + kSpec,
+               R"({"Video": {"NimbraModeBitrateTable": [)" + rows + R"(], "Presets": {)" + names +
+                       "}}}");
+    tree.write(std::string("odm/etc/media_x") + kSpec, "{\"Video\": {}}");
+    const Result result = run("report --output - --rootdir " + tree.path());
+    EXPECT_EQ(0, result.exitCode);
+    EXPECT_GT(60U << 20, result.output.size());
+    for (const char* text :
+         {" rows not shown: ", " findings not shown, ", "Too many rows to draw."}) {
+        EXPECT_NE(std::string::npos, result.output.find(text)) << text;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
