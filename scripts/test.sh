@@ -25,6 +25,7 @@ soong               -                   scripts/check-soong.py
 image               dev                 scripts/check-image.sh
 performance         bench               scripts/check-performance.py
 package             dev                 scripts/check-package.sh
+report              dev                 scripts/check-report.py
 docs                -                   scripts/check-docs.sh
 asan                asan                ctest --preset asan
 fuzz                asan,phone-exceptions  scripts/fuzz.sh 20

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs what is missing, builds the library and the tool, and shows the store that a device would
-# load: first a bare device, then the example device tree. Needs root or sudo for the packages.
+# load: first a bare device, then the example device tree; at last it writes a page about all of the
+# example's variants. Needs root or sudo for the packages. What it prints can be repeated.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -24,12 +25,17 @@ demo() {
     printf '\n$ %s\n' "$*"
     "$@"
 }
-empty=$(mktemp -d)
-trap 'rmdir "$empty"' EXIT
+mkdir -p build/bare-device
 
+echo
 echo "A bare device, with no document anywhere: the chip's built-in document fills the store."
-demo $tool show --rootdir "$empty"
+echo "The lines that begin with E/ or W/ are what the device would log while it loads."
+demo $tool show --rootdir build/bare-device
 
 echo
 echo "The example device: its variant's document, then the private file."
 demo $tool show --rootdir examples/device --property vendor.media.target_variant=_orvelle
+
+echo
+echo "All variants of the example device on one page, with what the checker finds; open it in a browser."
+demo $tool report --rootdir examples/device --output build/report.html
