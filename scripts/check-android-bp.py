@@ -22,8 +22,8 @@ GROUPS = (
     ("the library on the stand-ins", ("libkcodec2_platform_hosted", "libkcodec2_reading"),
      (*LIBRARY, "kcodec2_platform_hosted")),
     ("the stand-ins", ("libkcodec2_hostplatform",), ("kcodec2_hostplatform",)),
-    ("the tool for the device", ("kcodec2_spec",), ("kcodec2_spec_device",)),
-    ("the tool for the host", ("kcodec2_spec_host",), ("kcodec2_spec",)),
+    ("the tool for the device", ("kcodec2_spec",), ("kcodec2_spec_objects", "kcodec2_spec_device")),
+    ("the tool for the host", ("kcodec2_spec_host",), ("kcodec2_spec_objects", "kcodec2_spec")),
     ("the tests", ("kcodec2_platform_test",), ("kcodec2_tests",)),
 )
 
