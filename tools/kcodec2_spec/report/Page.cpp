@@ -192,7 +192,7 @@ private:
         add("<tr class=\"row{}\"><th scope=\"row\"><code>{}</code>", row.isDifferent ? "" : " same",
             html(row.name));
         if (setting != nullptr) {
-            add("<small>{}</small>", html(setting->meaning));
+            add(" <small>{}</small>", html(setting->meaning));
         }
         add("</th>");
         for (size_t i = 0; i < mVariants; ++i) {
