@@ -34,8 +34,13 @@ std::string whyNotDefault(const std::string& word);
 // Prints the table of pixel formats, or the row of one given by name or value.
 int printFormats(const std::string& wanted);
 
-// Prints what the catalogue tells of a setting, a codec component or a perf resource code.
-// `settingsFiles` add to the catalogue.
-int explain(const std::string& name, const std::vector<std::string>& settingsFiles);
+// Adds the command that tells what a name or a log text is.
+void addExplainCommand(CLI::App* app, int* exitCode);
+
+// Adds the command that prints a JSON Schema of the documents.
+void addSchemaCommand(CLI::App* app, int* exitCode);
+
+// Adds --settings, whose files add to the settings catalogue; `files` must outlive the parse.
+void addSettingsOption(CLI::App* command, std::vector<std::string>* files);
 
 }  // namespace kc2::tool

@@ -1,6 +1,8 @@
 // kcodec2_spec explain: what a setting, a codec component or a perf resource code is.
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -78,8 +80,6 @@ int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
     return kExitFindings;
 }
 
-}  // namespace
-
 int explain(const std::string& name, const std::vector<std::string>& settingsFiles) {
     const std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
     if (!catalogue) {
@@ -104,6 +104,28 @@ int explain(const std::string& name, const std::vector<std::string>& settingsFil
         }
     }
     return printUnknown(*catalogue, name);
+}
+
+}  // namespace
+
+void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
+    command->add_option("--settings", *files,
+                        "A file in the form of the settings catalogue that adds to it; repeatable")
+            ->type_name("FILE")
+            ->allow_extra_args(false);
+}
+
+void addExplainCommand(CLI::App* app, int* exitCode) {
+    struct Arguments {
+        std::string name;
+        std::vector<std::string> settingsFiles;
+    };
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App* const command = app->add_subcommand(
+            "explain", "Tell what a setting, a codec component or a perf resource code is");
+    command->add_option("NAME", arguments->name, "What to explain")->required();
+    addSettingsOption(command, &arguments->settingsFiles);
+    command->callback([=] { *exitCode = explain(arguments->name, arguments->settingsFiles); });
 }
 
 }  // namespace kc2::tool

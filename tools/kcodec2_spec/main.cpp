@@ -89,17 +89,8 @@ int run(int argc, char** argv) {
                                "decimal, as a log line shows it");
     formatsCommand->callback([&] { exitCode = printFormats(format); });
 
-    std::string name;
-    std::vector<std::string> settingsFiles;
-    CLI::App* const explainCommand = app.add_subcommand(
-            "explain", "Tell what a setting, a codec component or a perf resource code is");
-    explainCommand->add_option("NAME", name, "What to explain")->required();
-    explainCommand
-            ->add_option("--settings", settingsFiles,
-                         "A file in the form of the settings catalogue that adds to it; repeatable")
-            ->type_name("FILE")
-            ->allow_extra_args(false);
-    explainCommand->callback([&] { exitCode = explain(name, settingsFiles); });
+    addExplainCommand(&app, &exitCode);
+    addSchemaCommand(&app, &exitCode);
 
     wrapHelp(&app);
     try {

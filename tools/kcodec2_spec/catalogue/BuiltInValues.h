@@ -1,0 +1,36 @@
+// What the built-in documents set, chip by chip, and what each section is for.
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+#include <vector>
+
+#include "catalogue/Catalogue.h"
+
+namespace kc2::tool {
+
+// The value that one built-in document gives a setting.
+struct BuiltInValue {
+    int number;         // Of the built-in document.
+    std::string chips;  // "brel, mirt", or "other chips".
+    Json::Value value;  // Null: the document does not set it.
+};
+
+// One for each built-in document, in their order.
+std::vector<BuiltInValue> builtInValuesOf(const Setting& setting);
+
+// A value as a document writes it, on one line.
+std::string writtenValue(const Json::Value& value);
+
+// In one line for people: "brel, mirt: 1; other chips: none", or the one value of all chips.
+std::string builtInText(const Setting& setting);
+
+// What a bit mask or a list of values may hold, with the meaning of each; empty for other settings.
+std::vector<CatalogueValue> choicesOf(const Setting& setting);
+
+// What the section of this key holds, and what becomes of it in the merge; empty when there is
+// none.
+std::string meaningOfSection(const std::string& key);
+
+}  // namespace kc2::tool
