@@ -40,6 +40,11 @@ void addExplainCommand(CLI::App* app, int* exitCode);
 // Adds the command that prints a JSON Schema of the documents.
 void addSchemaCommand(CLI::App* app, int* exitCode);
 
+// Add the commands that print the manual page and a shell's completions, of all commands that
+// `app` has when they are asked for.
+void addManualCommand(CLI::App* app, int* exitCode);
+void addCompletionCommand(CLI::App* app, int* exitCode);
+
 // Adds --settings, whose files add to the settings catalogue; `files` must outlive the parse.
 void addSettingsOption(CLI::App* command, std::vector<std::string>* files);
 

@@ -91,6 +91,8 @@ int run(int argc, char** argv) {
 
     addExplainCommand(&app, &exitCode);
     addSchemaCommand(&app, &exitCode);
+    addManualCommand(&app, &exitCode);
+    addCompletionCommand(&app, &exitCode);
 
     wrapHelp(&app);
     try {
