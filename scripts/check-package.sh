@@ -8,7 +8,7 @@ set -eu
 
 export CMAKE_GENERATOR=Ninja  # Which the packages for the tests bring; make need not be there.
 source=$(cd "$(dirname "$0")/.." && pwd)
-build=${1:-$source/build/dev}
+build=$(realpath "${1:-$source/build/dev}")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
@@ -102,8 +102,61 @@ if cmake -S "$scratch/consumer" -B "$scratch/other-build" -DCMAKE_PREFIX_PATH="$
 fi
 grep -q "version: $version" "$scratch/log" || fail "the message does not name version $version"
 
+# check_tool PREFIX: the tool runs, and what it tells of itself is beside it and in order.
+check_tool() {
+    tool=$1/bin/kcodec2_spec
+    quietly "$tool" --help
+    page=$1/share/man/man1/kcodec2_spec.1
+    "$tool" man | cmp - "$page" || fail "the manual page is another one than the tool prints"
+    groff -man -Tascii -P-cbou -ww "$page" > "$scratch/page" 2> "$scratch/log"
+    [ ! -s "$scratch/log" ] || { cat "$scratch/log" >&2; fail "the manual page has mistakes"; }
+    "$tool" schema | cmp - "$1/share/kcodec2/kcodec2_spec.schema.json" || fail "another schema"
+    [ -s "$1/share/kcodec2/vscode-settings.json" ] || fail "no settings for the editor"
+    for option in $("$tool" check --help | grep -o '^ *--[a-z-]*'); do
+        grep -q -e "$option" "$scratch/page" || fail "the manual page lacks $option"
+    done
+    check_bash "$1/share/bash-completion/completions/kcodec2_spec"
+    zsh -n "$1/share/zsh/site-functions/_kcodec2_spec" || fail "zsh does not read the completions"
+}
+
+# check_bash FILE: what it offers at the end of a command line, a line each.
+check_bash() {
+    bash -u -c '
+        cd "$2"; . "$1"; wrong=0
+        offers() {
+            COMP_WORDS=($1); [[ $1 != *" " ]] || COMP_WORDS+=("")
+            COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+            _kcodec2_spec
+            [ "${COMPREPLY[*]}" = "$2" ] || { echo "\"$1\": ${COMPREPLY[*]}, not $2" >&2; wrong=1; }
+        }
+        offers "kcodec2_spec ch" "check"
+        offers "kcodec2_spec check --wer" "--werror"
+        offers "kcodec2_spec check --format " "text json sarif"
+        offers "kcodec2_spec check decoder_setup.c" "decoder_setup.cpp"
+        offers "kcodec2_spec show --rootdir d" "device"
+        offers "kcodec2_spec completion z" "zsh"
+        exit $wrong' bash "$1" "$source/examples/consumer" || fail "bash offers other words"
+}
+
 if [ -x "$prefix/bin/kcodec2_spec" ]; then
-    echo "The tool runs from where it was moved"
-    quietly "$prefix/bin/kcodec2_spec" --help
+    echo "The tool runs from where it was moved, with manual page, completions and schema"
+    check_tool "$prefix"
 fi
+
+echo "Debian packages: built, unpacked, used"
+(cd "$scratch" && quietly cpack --config "$build/CPackConfig.cmake" -B "$scratch/packages")
+for package in "$scratch"/packages/*.deb; do
+    quietly dpkg-deb --extract "$package" "$scratch/unpacked"
+    dpkg-deb --field "$package" Package Depends
+done > "$scratch/fields"
+for line in 'Package: libkcodec2-platform' 'Package: libkcodec2-platform-dev' 'Package: kcodec2-spec' \
+        "Depends: libkcodec2-platform (= $version), .*libjsoncpp" "Depends: libkcodec2-platform (= $version), kcodec2-spec"; do
+    grep -q "^$line" "$scratch/fields" || { cat "$scratch/fields" >&2; fail "no \"$line\""; }
+done
+check_tool "$scratch/unpacked/usr"
+cp "$source/examples/consumer/CMakeLists.txt" "$scratch/consumer/CMakeLists.txt"
+quietly cmake -S "$scratch/consumer" -B "$scratch/debian-build" \
+    -DCMAKE_PREFIX_PATH="$scratch/unpacked/usr"
+quietly cmake --build "$scratch/debian-build"
+run_consumer "$scratch/debian-build/decoder_setup"
 echo "check-package: the package is as it should be"
