@@ -55,5 +55,12 @@ for document in docs/*.md README.md; do
         fi
     done
 done
+for document in docs/*.md; do
+    name=$(basename "$document")
+    [ "$name" = README.md ] || grep -q "]($name)" docs/README.md || {
+        echo "check-docs: docs/README.md does not list $name" >&2
+        broken=1
+    }
+done
 [ $broken -eq 0 ] || exit 1
 echo "check-docs: everything is documented"

@@ -143,9 +143,20 @@ if [ -x "$prefix/bin/kcodec2_spec" ]; then
     check_tool "$prefix"
 fi
 
-echo "Debian packages: built, unpacked, used"
-(cd "$scratch" && quietly cpack --config "$build/CPackConfig.cmake" -B "$scratch/packages")
-for package in "$scratch"/packages/*.deb; do
+echo "The commands of docs/packages.md, word for word"
+mkdir -p "$scratch/tree/build"
+ln -s "$source/examples" "$scratch/tree/examples"
+ln -s "$build" "$scratch/tree/build/run"
+{
+    echo 'set -eux'
+    sed -n '/^```sh$/,/^```$/p' "$source/docs/packages.md" | sed '/^```/d'
+} > "$scratch/commands"
+(cd "$scratch/tree" && unset PKG_CONFIG_PATH && quietly bash "$scratch/commands")
+[ "$(grep -c '^decoder_setup$\|^c2.kvx.hevc.decoder: on' "$scratch/log")" -ge 2 ] ||
+    fail "the consumer did not run twice"
+
+echo "Debian packages: unpacked, used"
+for package in "$scratch"/tree/build/debian/*.deb; do
     quietly dpkg-deb --extract "$package" "$scratch/unpacked"
     dpkg-deb --field "$package" Package Depends
 done > "$scratch/fields"

@@ -26,7 +26,9 @@ image               dev                 scripts/check-image.sh
 performance         bench               scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 report              dev                 scripts/check-report.py
+schema              dev                 scripts/check-schema.sh
 docs                -                   scripts/check-docs.sh
+commands            dev                 scripts/check-commands.py
 asan                asan                ctest --preset asan
 fuzz                asan,phone-exceptions  scripts/fuzz.sh 20
 tsan                tsan                ctest --preset tsan
