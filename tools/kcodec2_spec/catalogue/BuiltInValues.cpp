@@ -61,14 +61,6 @@ Json::Value wordsIn(const SpecDocument& document, const std::string& name) {
     return words;
 }
 
-Json::Value valueIn(const SpecDocument& document, const Setting& setting) {
-    if (setting.section == targetSpecFeatures) {
-        return valueIn(document.features, setting.name);
-    }
-    return setting.section == targetSpecPresets ? valueIn(document.presets, setting.name)
-                                                : wordsIn(document, setting.name);
-}
-
 std::string meaningOfBits(const std::vector<CatalogueValue>& bits, size_t chosen) {
     std::string meaning;
     for (size_t i = 0; i < bits.size(); ++i) {
@@ -154,10 +146,19 @@ constexpr SectionText kSectionTexts[] = {
 
 }  // namespace
 
+Json::Value settingIn(const SpecDocument& document, const std::string& section,
+                      const std::string& name) {
+    if (section == targetSpecFeatures) {
+        return valueIn(document.features, name);
+    }
+    return section == targetSpecPresets ? valueIn(document.presets, name) : wordsIn(document, name);
+}
+
 std::vector<BuiltInValue> builtInValuesOf(const Setting& setting) {
     std::vector<BuiltInValue> values;
     for (const BuiltInDocument& document : builtInDocuments()) {
-        values.push_back({document.number, document.chips, valueIn(document.content, setting)});
+        values.push_back({document.number, document.chips,
+                          settingIn(document.content, setting.section, setting.name)});
     }
     return values;
 }

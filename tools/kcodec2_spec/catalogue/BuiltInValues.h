@@ -7,8 +7,13 @@
 #include <vector>
 
 #include "catalogue/Catalogue.h"
+#include "targetspec/reading/SpecDocument.h"
 
 namespace kc2::tool {
+
+// What a document sets under a name in a section of named values; null when it sets nothing.
+Json::Value settingIn(const SpecDocument& document, const std::string& section,
+                      const std::string& name);
 
 // The value that one built-in document gives a setting.
 struct BuiltInValue {

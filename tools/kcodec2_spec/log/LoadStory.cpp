@@ -25,45 +25,6 @@ std::string defaultPath() {
     return std::string(kVendorSpecDirectory) + kSystemSpecName;
 }
 
-// The literal pieces of a printf format around its placeholders.
-std::vector<std::string_view> literalsOf(std::string_view format) {
-    std::vector<std::string_view> literals;
-    for (size_t at; (at = format.find('%')) != std::string_view::npos;) {
-        literals.push_back(format.substr(0, at));
-        format.remove_prefix(format.find_first_of("sd", at) + 1);
-    }
-    literals.push_back(format);
-    return literals;
-}
-
-// What is in the placeholders of `format` in `text`; nothing when the text is another line.
-// The last literals are looked for from the end: what is in front of them may hold anything.
-std::optional<Values> match(std::string_view format, std::string_view text) {
-    if (!text.starts_with(format.substr(0, format.find('%')))) {
-        return std::nullopt;  // Nearly every row: a log may have many lines.
-    }
-    const std::vector<std::string_view> literals = literalsOf(format);
-    text.remove_prefix(literals.front().size());
-    if (literals.size() == 1) {
-        return text.empty() ? std::optional(Values()) : std::nullopt;
-    }
-    if (!text.ends_with(literals.back())) {
-        return std::nullopt;
-    }
-    text.remove_suffix(literals.back().size());
-    Values values;
-    for (size_t i = literals.size() - 2; i > 0; --i) {
-        const size_t at = text.rfind(literals[i]);
-        if (at == std::string_view::npos) {
-            return std::nullopt;
-        }
-        values.insert(values.begin(), text.substr(at + literals[i].size()));
-        text = text.substr(0, at);
-    }
-    values.insert(values.begin(), text);
-    return values;
-}
-
 // A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
 std::optional<LogEvent> matchSkipped(std::string_view text, uint64_t lineNumber) {
     const std::string_view format = logLine(LineId::Skipped).text;

@@ -14,7 +14,7 @@
 namespace kc2::tool {
 
 // What is in the placeholders of a line.
-using Values = std::vector<std::string_view>;
+using Values = LineValues;
 
 // One line that tells something about a document or a step, in the order of the log.
 struct LogEvent {

@@ -138,4 +138,41 @@ std::string logLineTable() {
     return text;
 }
 
+std::vector<std::string_view> literalsOf(std::string_view format) {
+    std::vector<std::string_view> literals;
+    for (size_t at; (at = format.find('%')) != std::string_view::npos;) {
+        literals.push_back(format.substr(0, at));
+        format.remove_prefix(format.find_first_of("sd", at) + 1);
+    }
+    literals.push_back(format);
+    return literals;
+}
+
+// The last literals are looked for from the end: what is in front of them may hold anything.
+std::optional<LineValues> match(std::string_view format, std::string_view text) {
+    if (!text.starts_with(format.substr(0, format.find('%')))) {
+        return std::nullopt;  // Nearly every row: a log may have many lines.
+    }
+    const std::vector<std::string_view> literals = literalsOf(format);
+    text.remove_prefix(literals.front().size());
+    if (literals.size() == 1) {
+        return text.empty() ? std::optional(LineValues()) : std::nullopt;
+    }
+    if (!text.ends_with(literals.back())) {
+        return std::nullopt;
+    }
+    text.remove_suffix(literals.back().size());
+    LineValues values;
+    for (size_t i = literals.size() - 2; i > 0; --i) {
+        const size_t at = text.rfind(literals[i]);
+        if (at == std::string_view::npos) {
+            return std::nullopt;
+        }
+        values.insert(values.begin(), text.substr(at + literals[i].size()));
+        text = text.substr(0, at);
+    }
+    values.insert(values.begin(), text);
+    return values;
+}
+
 }  // namespace kc2::tool

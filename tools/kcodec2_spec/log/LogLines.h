@@ -5,8 +5,11 @@
 #include <android/log.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "device/Log.h"
 
@@ -53,6 +56,13 @@ struct LogLine {
 std::span<const LogLine> logLines();
 
 const LogLine& logLine(LineId id);
+
+// The literal pieces of a printf format around its placeholders.
+std::vector<std::string_view> literalsOf(std::string_view format);
+
+// What is in the placeholders of `format` in `text`; nothing when the text is another line.
+using LineValues = std::vector<std::string_view>;
+std::optional<LineValues> match(std::string_view format, std::string_view text);
 
 // The letter that logcat shows for a priority.
 char letterOf(int priority);

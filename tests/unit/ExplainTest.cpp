@@ -1,0 +1,129 @@
+// kcodec2_spec explain: every kind of name, and examples of the checks that are true.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "RunTool.h"
+#include "check/Examples.h"
+
+namespace kc2::test {
+
+namespace {
+
+// One document in a scratch directory, written byte by byte.
+void writeTo(const ScratchDirectory& scratch, const std::string& name, const char* text) {
+    std::ofstream(scratch.path() + "/" + name, std::ios::binary) << text;
+}
+
+std::vector<std::string> allChecks() {
+    std::vector<std::string> ids;
+    std::istringstream list(run("check --list").output);
+    for (std::string line; std::getline(list, line);) {
+        if (line.starts_with("  ")) {
+            ids.push_back(line.substr(2, line.find(' ', 2) - 2));
+        }
+    }
+    return ids;
+}
+
+TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
+    const ScratchDirectory scratch;
+    std::vector<std::string> ids;
+    for (const std::string& id : allChecks()) {
+        const tool::CheckExample* const example = tool::exampleOf(id);
+        if (example != nullptr && *example->mistake != '\0') {
+            writeTo(scratch, id + ".bad", example->mistake);
+            writeTo(scratch, id + ".good", example->mended);
+            ids.push_back(id);
+        }
+    }
+    ASSERT_LE(30u, ids.size());
+    const std::string report = run("check " + scratch.path() + "/*.bad").output;
+    const std::string mended = run("check " + scratch.path() + "/*.good").output;
+    for (const std::string& id : ids) {
+        const auto isFound = [&](const std::string& text, const std::string& ending) {
+            std::istringstream lines(text);
+            for (std::string line; std::getline(lines, line);) {
+                if (line.find("/" + id + ending + ":") != std::string::npos &&
+                    line.ends_with("[" + id + "]")) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        EXPECT_TRUE(isFound(report, ".bad")) << id;
+        EXPECT_FALSE(isFound(mended, ".good")) << id;
+    }
+}
+
+TEST(ExplainTest, TellsEveryKindOfName) {
+    const std::string device =
+            " --rootdir tests/unit/check/load-traps --property vendor.media.target_variant=";
+    const struct {
+        std::string arguments;
+        int exitCode;
+        const char* text;  // Somewhere in the output.
+    } rows[] = {
+            {"private_complexity", 0, "  built-in  50 (brel, mirt, document 1)\n"},
+            {"private_set_cpu_affinity", 0, "  built-in  not set (brel, mirt, document 1)\n"},
+            {"private_perf_resource_values_video_decode", 0,
+             "  built-in  [\"0x40800000\",\"0x5DC\"] (other chips, document 3)\n"},
+            {"DolbyVision", 0, "replaces both levels"},
+            {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
+            {"0x7FA30C09", 0, "TAMRA_TP10"},
+            {"real-truncated", 0, "  mended    {\"Video\": {\"Presets\""},
+            {"'parse json from file'", 0, "Couldn't parse json from file stream\n  log       E"},
+            {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0, "Failed to open %s... Exit!"},
+            {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
+             "Skipped %s in %s: %s\n"},
+            {"real-truncatd", 1, "Did you mean real-truncated?"},
+            {"nv12", 1, "Did you mean TAMRA_NV12?"},
+            {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},
+            {"no_such_name" + device, 1, "no document sets it"},
+    };
+    for (const auto& row : rows) {
+        const auto [output, exitCode] = run("explain " + row.arguments);
+        EXPECT_EQ(row.exitCode, exitCode) << row.arguments << "\n" << output;
+        EXPECT_NE(std::string::npos, output.find(row.text)) << row.arguments << "\n" << output;
+    }
+}
+
+// The first document that sets a name wins; the other's value is told as lost.
+TEST(ExplainTest, TellsWhoSetsANameAndWhoLoses) {
+    const ScratchDirectory scratch;
+    const std::string system = "/vendor/etc/media";
+    const std::string data = "/data/vendor/media";
+    std::filesystem::create_directories(scratch.path() + system);
+    std::filesystem::create_directories(scratch.path() + data);
+    writeTo(scratch, system + "/video_system_specs.json",
+            R"({"Video": {"Presets": {"both": 1, "first": 2}}})");
+    writeTo(scratch, data + "/video_private_configs.json",
+            R"({"Video": {"Presets": {"both": 3, "last": 4}, "OptionalCodecs": ["c2.a.b.decoder"]}})");
+    const std::string spec = "system spec, /vendor/etc/media/video_system_specs.json: ";
+    const std::string file = "private file, /data/vendor/media/video_private_configs.json: ";
+    const struct {
+        const char* name;
+        std::string text;
+    } rows[] = {
+            {"both", "set by the system spec\n            " + spec + "Presets: 1\n            " +
+                             file + "Presets: 3 (has no effect)\n"},
+            {"first", "set by the system spec\n            " + spec + "Presets: 2\n"},
+            {"last", "set by the private file\n            " + file + "Presets: 4\n"},
+            {"c2.a.b.decoder", "set by the private file\n            " + file + "lists it\n"},
+    };
+    for (const auto& row : rows) {
+        const auto [output, exitCode] =
+                run(std::string("explain ") + row.name + " --rootdir " + scratch.path());
+        EXPECT_EQ(0, exitCode);
+        EXPECT_NE(std::string::npos, output.find(row.text)) << output;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
