@@ -117,7 +117,7 @@ TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
     const std::string page = run("report --output - --rootdir examples/device").output;
     const std::vector<std::vector<std::string>> rows = matrixOf(page);
     ASSERT_LT(50U, rows.size());
-    const std::vector<std::string> variants = rows[0];
+    const std::vector<std::string>& variants = rows[0];
     EXPECT_EQ((std::vector<std::string>{"Setting", "no variant", "_mirt", "_orvelle",
                                         "_orvelle_tab"}),
               variants);

@@ -125,12 +125,13 @@ std::string StepChart::pathOf(const std::vector<Step>& steps, bool isArea) const
 std::string StepChart::grid() const {
     std::string svg;
     const double distance = gridDistance(mMostBitRate);
-    for (double at = 0; at <= mMostBitRate; at += distance) {
+    for (int line = 0; line * distance <= mMostBitRate; ++line) {
+        const double at = line * distance;
         const double y = yOf(static_cast<uint32_t>(at));
         svg += fmt::format(
                 "<line class=\"{}\" x1=\"{}\" x2=\"{}\" y1=\"{:.1f}\" y2=\"{:.1f}\"/>"
                 "<text class=\"tick end\" x=\"{}\" y=\"{:.1f}\">{}</text>",
-                at == 0 ? "axis" : "grid", kLeft, kWidth - kRight, y, y, kLeft - 5, y + 3.5,
+                line == 0 ? "axis" : "grid", kLeft, kWidth - kRight, y, y, kLeft - 5, y + 3.5,
                 shortNumber(at));
     }
     return svg;
