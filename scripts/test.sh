@@ -18,7 +18,7 @@ phone-overflow      phone-overflow      ctest --preset phone-overflow
 arm64               arm64               ctest --preset arm64
 arm                 arm                 ctest --preset arm
 clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm64/libkcodec2_platform.so
-style               phone,asan,bench    scripts/check-style.sh
+style               phone               scripts/check-style.sh
 android-bp          -                   scripts/check-android-bp.py
 abi                 -                   scripts/check-abi.sh
 soong               -                   scripts/check-soong.py
@@ -30,7 +30,7 @@ schema              dev                 scripts/check-schema.sh
 docs                -                   scripts/check-docs.sh
 commands            dev                 scripts/check-commands.py
 asan                asan                ctest --preset asan
-fuzz                asan,phone-exceptions  scripts/fuzz.sh 20
+fuzz                asan,phone-exceptions  scripts/fuzz.sh 10
 tsan                tsan                ctest --preset tsan
 STEPS
 }
