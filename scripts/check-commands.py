@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs each command line that README.md and docs/ show: check-commands.py [TOOL]
+"""Runs each command line that README.md, docs/ and try.sh show: check-commands.py [TOOL]
 
 TOOL is kcodec2_spec of a host build (default: build/dev/kcodec2_spec). Lines of kcodec2_spec, adb and
 mkdir run in a scratch directory that holds what they name; a stand-in plays adb. Of scripts, presets
@@ -28,6 +28,9 @@ PLACES = (
     (r'\bOLD\b', 'old.json'), (r'\bNEW\b', 'new.json'), (r'diff A \[B\]', 'diff old.json new.json'),
     (r'\bFILE\.\.\.', 'new.json'), (r'\[FILE\|-\]', 'logcat.txt'), (r'SHELL\b', 'bash'),
 )
+# Where scripts/try.sh builds the tool, and README.md calls it there.
+TRY = 'scripts/try.sh'
+TRIED_TOOL = 'build/run/kcodec2_spec'
 # Run word for word by other checks.
 PACKAGE_PAGE = 'docs/packages.md'
 # In a cross build the placeholders name what only its owner has.
@@ -64,7 +67,15 @@ def shown_in(page):
                 yield number, command
 
 
+def shown_by_try():
+    """The same of what scripts/try.sh prints, which its readers repeat."""
+    for number, line in enumerate((ROOT / TRY).read_text().split('\n'), 1):
+        if line.startswith('demo '):
+            yield number, line.removeprefix('demo ').replace('$tool', TRIED_TOOL)
+
+
 def sandbox(directory):
+    (directory / 'build/bare-device').mkdir(parents=True)  # As try.sh makes and leaves it.
     shutil.copytree(ROOT / 'examples/device', directory / 'device')
     for name in ('private_x', 'private_y'):
         document = {'Video': {'Features': {name: True}, 'codecs-available': {'decoders': ['c2.a.b.decoder']}}}
@@ -103,6 +114,7 @@ def tests_named(pattern):
 
 
 def what_is_wrong(command, directory):
+    command = command.replace(TRIED_TOOL, 'kcodec2_spec')
     word = command.split()[0]
     if word.startswith('scripts/'):
         return None if os.access(ROOT / word.rstrip('.,'), os.X_OK) else 'no such script'
@@ -131,8 +143,8 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         directory = Path(scratch)
         sandbox(directory)
-        for page in PAGES:
-            for number, command in shown_in(page):
+        for page in (*PAGES, ROOT / TRY):
+            for number, command in shown_by_try() if page.suffix == '.sh' else shown_in(page):
                 count += 1
                 if command in packaged:
                     continue
