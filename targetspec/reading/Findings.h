@@ -136,12 +136,15 @@ public:
         }
     }
 
-    bool wants(Effect effect) const { return (mEffects >> static_cast<int>(effect) & 1) != 0; }
+    bool wants(Effect effect) const { return (mEffects & bitOf(effect)) != 0; }
 
 protected:
-    explicit FindingSink(std::initializer_list<Effect> effects) {
+    // Wants every effect.
+    FindingSink() = default;
+
+    FindingSink(std::initializer_list<Effect> effects) : mEffects(0) {
         for (const Effect effect : effects) {
-            mEffects |= 1 << static_cast<int>(effect);
+            mEffects |= bitOf(effect);
         }
     }
     ~FindingSink() = default;
@@ -149,7 +152,9 @@ protected:
     virtual void take(const Finding& finding) = 0;
 
 private:
-    int mEffects = 0;
+    static uint32_t bitOf(Effect effect) { return uint32_t{1} << static_cast<uint32_t>(effect); }
+
+    uint32_t mEffects = UINT32_MAX;
 };
 
 }  // namespace kc2

@@ -5,6 +5,8 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
@@ -54,7 +56,7 @@ CommandText commandText(const CLI::App& app, bool isTool) {
     command.name = isTool ? "" : app.get_name();
     command.description = app.get_description();
     command.usage = words.usage(app, isTool ? app.get_name() : "kcodec2_spec " + app.get_name());
-    command.usage.erase(command.usage.find_last_not_of('\n') + 1);
+    command.usage = withoutTrailing(command.usage, '\n');
     command.footer = app.get_footer();
     for (const CLI::Option* const option : app.get_options()) {
         if (option->get_group().empty()) {

@@ -20,10 +20,7 @@ namespace {
 
 class FindingKeeper final : public FindingSink {
 public:
-    explicit FindingKeeper(std::vector<KeptFinding>* findings)
-        : FindingSink({Effect::Rejects, Effect::SkipsAndLogs, Effect::SkipsSilently,
-                       Effect::Changes, Effect::Takes, Effect::Ignores}),
-          mFindings(*findings) {}
+    explicit FindingKeeper(std::vector<KeptFinding>* findings) : mFindings(*findings) {}
 
     void take(const Finding& finding) override {
         const Place& place = finding.place;
