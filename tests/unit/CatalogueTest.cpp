@@ -102,6 +102,34 @@ INSTANTIATE_TEST_SUITE_P(Catalogue, Names,
                          testing::Values(std::pair("1", "brel"), std::pair("1", "mirt"),
                                          std::pair("2", "orvelle"), std::pair("3", "other")));
 
+// docs/settings.md is what the tool prints.
+TEST(CatalogueTest, ThePageIsTheCatalogue) {
+    EXPECT_EQ(readFile(KC2_SOURCE_DIR "/docs/settings.md"), run("explain --markdown").output);
+    EXPECT_EQ(2, run("explain").exitCode);
+    EXPECT_EQ(2, run("explain --markdown private_complexity").exitCode);
+}
+
+// A vendor's names are known to the checker, too.
+TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
+    const ScratchDirectory scratch;
+    const std::string document = scratch.write("spec.json", R"({"Video": {
+        "Features": {"vendor_x_mode": true},
+        "Presets": {"vendor_x_mode": 5, "vendor_mode_x": 1}}})");
+    const std::string check = "check --format json " + document;
+    EXPECT_EQ(0u, parsed(run(check).output)["counts"]["warning"].asUInt());
+    const Result known =
+            run(check + " --settings tests/unit/catalogue/vendor.json --min-severity warning");
+    const Json::Value report = parsed(known.output);
+    std::string found;
+    for (const Json::Value& finding : report["findings"]) {
+        found += finding["id"].asString() + "@" + finding["line"].asString() + " ";
+    }
+    EXPECT_EQ("setting-misplaced@2 value-range@3 name-misspelt@3 ", found) << known.output;
+    const Result broken = run(check + " --settings tests/unit/catalogue/range.json");
+    EXPECT_EQ(2, broken.exitCode);
+    EXPECT_NE(std::string::npos, broken.output.find("range.json:5:21:")) << broken.output;
+}
+
 TEST(CatalogueTest, AVendorsFileAddsNamesAndMustNotContradict) {
     const struct {
         const char* arguments;

@@ -167,6 +167,8 @@ TEST(ToolTest, WhatShipsHasNoMistake) {
     for (const char* what :
          {"targetspec/defaults/*.json examples/device/*/etc/*/*.json", "--rootdir examples/device",
           "--rootdir examples/device --property vendor.media.target_variant=_orvelle",
+          "--rootdir examples/image", "--rootdir examples/image --all-variants",
+          "--rootdir examples/consumer/device --property vendor.media.target_variant=/kestrel",
           "--rootdir tests/unit/check/load-bare --property vendor.media.target_variant=_orvelle "
           "--disable spec-missing"}) {
         const Result result = run(std::string("check --werror ") + what);

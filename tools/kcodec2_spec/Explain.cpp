@@ -19,6 +19,7 @@
 #include "Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/SettingsPage.h"
 #include "check/Examples.h"
 #include "check/Rule.h"
 #include "kc2/TargetSpec.h"
@@ -43,16 +44,6 @@ void printLine(const char* title, std::string_view text) {
 
 std::string joined(const std::vector<std::string>& words) {
     return words.empty() ? "all" : fmt::format("{}", fmt::join(words, ", "));
-}
-
-std::string rangeOf(const Setting& setting) {
-    if (setting.minimum && setting.maximum) {
-        return fmt::format("{} to {}", *setting.minimum, *setting.maximum);
-    }
-    if (setting.minimum) {
-        return fmt::format("from {}", *setting.minimum);
-    }
-    return setting.maximum ? fmt::format("up to {}", *setting.maximum) : "";
 }
 
 void printValues(const char* title, const std::vector<CatalogueValue>& values) {
@@ -326,9 +317,19 @@ int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
 
 struct Arguments {
     std::string name;
+    bool asPage = false;
     std::vector<std::string> settingsFiles;
     DeviceOptions device;
 };
+
+int printSettings(const std::vector<std::string>& settingsFiles) {
+    const std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    std::fputs(settingsPage(*catalogue).c_str(), stdout);
+    return kExitOk;
+}
 
 int explain(const Arguments& arguments) {
     const std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
@@ -377,10 +378,18 @@ void addExplainCommand(CLI::App* app, int* exitCode) {
     CLI::App* const command = app->add_subcommand(
             "explain", "Tell what a setting, a component, a format, a check or a log line is");
     command->footer(kAbout);
-    command->add_option("NAME", arguments->name, "What to explain")->required();
+    CLI::Option* const name = command->add_option("NAME", arguments->name, "What to explain");
+    command->add_flag("--markdown", arguments->asPage, "Instead of NAME: the catalogue as a page")
+            ->excludes(name);
     addSettingsOption(command, &arguments->settingsFiles);
     addDeviceOptions(*command, &arguments->device);
-    command->callback([=] { *exitCode = explain(*arguments); });
+    command->callback([=] {
+        if (arguments->name.empty() && !arguments->asPage) {
+            throw CLI::RequiredError("NAME");
+        }
+        *exitCode =
+                arguments->asPage ? printSettings(arguments->settingsFiles) : explain(*arguments);
+    });
 }
 
 }  // namespace kc2::tool

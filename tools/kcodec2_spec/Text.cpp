@@ -109,4 +109,19 @@ size_t editDistance(std::string_view a, std::string_view b, size_t limit) {
     return row[b.size()];
 }
 
+size_t commonLetters(std::string_view a, std::string_view b) {
+    constexpr size_t kLongest = 100;  // As above.
+    std::array<size_t, kLongest + 1> row = {};
+    b = b.substr(0, kLongest);
+    for (const char left : a.substr(0, kLongest)) {
+        size_t diagonal = 0;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t above = row[j];
+            row[j] = left == b[j - 1] ? diagonal + 1 : std::max(row[j], row[j - 1]);
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
 }  // namespace kc2::tool

@@ -53,15 +53,19 @@ std::string_view clipped(std::string_view text, size_t bytes);
 // nothing. Something above `limit` where it is more than that.
 size_t editDistance(std::string_view a, std::string_view b, size_t limit);
 
+// How many letters both have, in the same order.
+size_t commonLetters(std::string_view a, std::string_view b);
+
 // The one of `names` that someone who wrote `word` may have meant, by at most `mostEdits` mistakes;
-// empty when none is near.
+// empty when none is near. Of several as near it is the one with most of the word's letters.
 template <typename Names>
 std::string nearest(std::string_view word, const Names& names, size_t mostEdits) {
     std::string best;
     for (const std::string_view name : names) {
         const size_t distance = editDistance(word, name, mostEdits);
         if (distance <= mostEdits && distance < name.size() &&
-            (best.empty() || distance < mostEdits)) {
+            (best.empty() || distance < mostEdits ||
+             commonLetters(word, name) > commonLetters(word, best))) {
             mostEdits = distance;
             best = name;
         }

@@ -14,6 +14,7 @@
 #include "Text.h"
 #include "check/Source.h"
 #include "targetspec/reading/Escaped.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -67,12 +68,12 @@ public:
 
     // A text that is one of these.
     std::string word(const Json::Value& entry, const char* member,
-                     std::initializer_list<const char*> words) {
+                     const std::vector<std::string>& words) {
         std::string value = text(entry, member);
         if (std::find(words.begin(), words.end(), value) == words.end()) {
             std::string list;
-            for (const char* const one : words) {
-                list += std::string(list.empty() ? "\"" : ", \"") + one + "\"";
+            for (const std::string& one : words) {
+                list += (list.empty() ? "\"" : ", \"") + one + "\"";
             }
             fail(entry[member].isNull() ? entry : entry[member],
                  std::string("\"") + member + "\" must be one of " + list);
@@ -146,6 +147,29 @@ private:
     std::string mProblem;
 };
 
+// What settings in a section of this type hold; null where a section has no named settings.
+const char* typeOf(SectionType section) {
+    switch (section) {
+        case SectionType::Features:
+            return "boolean";
+        case SectionType::Presets:
+            return "integer";
+        case SectionType::PerfResourceValues:
+            return "words";
+        default:
+            return nullptr;
+    }
+}
+
+std::string typeIn(const std::string& section) {
+    for (const Section& row : kSections) {
+        if (section == *row.key && typeOf(row.type) != nullptr) {
+            return typeOf(row.type);
+        }
+    }
+    return {};
+}
+
 Setting readSetting(EntryReader& reader, const Json::Value& entry) {
     Setting setting;
     if (!reader.isObject(entry,
@@ -154,9 +178,16 @@ Setting readSetting(EntryReader& reader, const Json::Value& entry) {
         return setting;
     }
     setting.name = reader.text(entry, "name");
-    setting.section =
-            reader.word(entry, "section", {"Features", "Presets", "perf-resource-values"});
-    setting.type = reader.word(entry, "type", {"boolean", "integer", "words"});
+    std::vector<std::string> sections;
+    std::vector<std::string> types;
+    for (const Section& row : kSections) {
+        if (typeOf(row.type) != nullptr) {
+            sections.emplace_back(*row.key);
+            types.emplace_back(typeOf(row.type));
+        }
+    }
+    setting.section = reader.word(entry, "section", sections);
+    setting.type = reader.word(entry, "type", types);
     setting.meaning = reader.text(entry, "meaning");
     setting.unit = reader.text(entry, "unit", false);
     setting.minimum = reader.number(entry, "minimum");
@@ -171,12 +202,10 @@ Setting readSetting(EntryReader& reader, const Json::Value& entry) {
     if (setting.minimum && setting.maximum && *setting.minimum > *setting.maximum) {
         reader.fail(entry["minimum"], "\"minimum\" is above \"maximum\"");
     }
-    const char* const typeOfSection = setting.section == "Features"  ? "boolean"
-                                      : setting.section == "Presets" ? "integer"
-                                                                     : "words";
-    if (setting.type != typeOfSection) {
+    const std::string type = typeIn(setting.section);
+    if (setting.type != type) {
         reader.fail(entry["type"],
-                    "the type in \"" + setting.section + "\" must be \"" + typeOfSection + "\"");
+                    "the type in \"" + setting.section + "\" must be \"" + type + "\"");
     }
     return setting;
 }
@@ -185,7 +214,8 @@ CodecComponent readComponent(EntryReader& reader, const Json::Value& entry) {
     if (!reader.isObject(entry, {"name", "list", "chips"})) {
         return {};
     }
-    return {reader.text(entry, "name"), reader.word(entry, "list", {"decoders", "encoders"}),
+    return {reader.text(entry, "name"),
+            reader.word(entry, "list", {targetSpecAvailableDecoders, targetSpecAvailableEncoders}),
             reader.chips(entry), reader.placeOf(entry)};
 }
 

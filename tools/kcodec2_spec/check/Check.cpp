@@ -44,27 +44,38 @@ bool isJson(const Document& document) {
     return document.isReadable;
 }
 
-void checkDocument(const CheckedDocument& document, Report* report) {
+void checkDocument(const CheckedDocument& document, const KnownSettings& known, Report* report) {
     if (document.document.isReadable) {
         if (isJson(document.document)) {
             report->heedAllowances(document.source, document.document.comments);
         }
-        applyReaderRules(document, report);
+        applyReaderRules(document, known, report);
         if (!document.document.path.empty()) {  // Nobody here can change a built-in document.
-            applyDocumentRules(document, report);
+            applyDocumentRules(document, known, report);
+            applyNameRules(document, known, report);
+            applyCodecRules(document, known, report);
+            applyValueRules(document, known, report);
+            applyPerfRules(document, known, report);
         }
     }
 }
 
+void checkTogether(const MergedDocuments& documents, const KnownSettings& known, Report* report) {
+    applyMergeRules(documents, report);
+    applyRowRules(documents, report);
+    applyCodecMergeRules(documents, known, report);
+    applyDependencyRules(documents, known, report);
+}
+
 // The text with all certain mends of what the check reports; nothing else is changed.
-std::string mended(const Document& document, const Levels& levels) {
+std::string mended(const Document& document, const CheckOptions& options) {
     constexpr int kMostRounds = 4;  // A text that the parser takes at last may have more to mend.
     std::string text = document.text;
     bool isAccepted = document.isAccepted;
     for (int round = 0; round < kMostRounds; ++round) {
         const CheckedDocument checked("", readDocument(document.origin, document.path, text));
-        Report report(levels);
-        checkDocument(checked, &report);
+        Report report(options.levels);
+        checkDocument(checked, *options.known, &report);
         std::vector<Fix> fixes;
         for (const ReportEntry* const entry : report.inOrder()) {
             if (entry->details != nullptr) {
@@ -85,7 +96,7 @@ std::string mended(const Document& document, const Levels& levels) {
 
 // Mends a document of this machine, or shows how. Returns whether it could.
 bool mendFile(const std::string& path, const Document& document, const CheckOptions& options) {
-    const std::string after = mended(document, options.levels);
+    const std::string after = mended(document, options);
     if (after == document.text) {
         return true;
     }
@@ -144,7 +155,7 @@ std::string whyNotReadable(const std::string& path, const Document& document) {
 }
 
 // Checks one load; the report points into what it returns.
-std::unique_ptr<CheckedLoad> checkLoad(Report* report) {
+std::unique_ptr<CheckedLoad> checkLoad(const KnownSettings& known, Report* report) {
     Load load = walkLoad();
     const std::string specPath = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
     std::unique_ptr<CheckedLoad> checked(new CheckedLoad{std::move(load),
@@ -164,9 +175,10 @@ std::unique_ptr<CheckedLoad> checkLoad(Report* report) {
     applyLoadRules(*checked, report);
     applyTreeRules(checked.get(), report);
     for (const auto& document : checked->documents) {
-        checkDocument(*document, report);
+        checkDocument(*document, known, report);
     }
-    applyMergeRules(checked->documents, report);
+    checkTogether(checked->documents, known, report);
+    applyOverlayRules(*checked, report);
     return checked;
 }
 
@@ -195,6 +207,13 @@ const OutlineNode* CheckedDocument::section(const char* key) const {
     return video != nullptr ? findMember(*video, key) : nullptr;
 }
 
+bool isPrivateFile(const CheckedDocument& document) {
+    const std::string_view path = document.document.path;
+    const std::string_view name = std::string_view(kPrivateConfig);
+    const std::string_view file = name.substr(name.rfind('/') + 1);
+    return path == file || path.ends_with("/" + std::string(file));
+}
+
 int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options) {
     Report report(options.levels);
     std::vector<MergedDocuments> checked;  // The report points into these.
@@ -218,8 +237,8 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
             isEachReadable = false;
             continue;
         }
-        checkDocument(document, &report);
-        applyMergeRules(alone, &report);
+        checkDocument(document, *options.known, &report);
+        checkTogether(alone, *options.known, &report);
     }
     const int exitCode = finish(&report, options);
     return isEachReadable && isEachMended ? exitCode : kExitUsage;
@@ -228,18 +247,19 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
 int checkDevice(const CheckOptions& options) {
     const bool isMended = options.fix == FixMode::None || mendLoad(options);
     Report report(options.levels);
-    const std::unique_ptr<CheckedLoad> checked = checkLoad(&report);
+    const std::unique_ptr<CheckedLoad> checked = checkLoad(*options.known, &report);
     const int exitCode = finish(&report, options);
     return isMended ? exitCode : kExitUsage;
 }
 
-CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels) {
+CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
+                              const KnownSettings& known) {
     CheckedVariants checked = {std::move(variants), {}, Report(levels)};
     VariantReports reports;
     for (const std::string& variant : checked.variants) {
         playVariant(variant);
         Report report(levels);
-        checked.loads.push_back(checkLoad(&report));
+        checked.loads.push_back(checkLoad(known, &report));
         report.addUnusedAllowances();
         reports.add(variant, report, *checked.loads.back());
     }
@@ -250,7 +270,8 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
 int checkEachVariant(const CheckOptions& options) {
     std::set<std::string> variants = variantsInTree();
     variants.insert(kDefaultVariant);
-    CheckedVariants checked = checkVariants({variants.begin(), variants.end()}, options.levels);
+    CheckedVariants checked =
+            checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
     return finish(&checked.report, options);
 }
 

@@ -7,7 +7,9 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -38,6 +40,7 @@ constexpr char kReporting[] = "The report";
 
 struct Arguments {
     std::vector<std::string> files;
+    std::vector<std::string> settingsFiles;
     CheckOptions check;
     DeviceOptions device;
     bool isListWanted = false;
@@ -139,6 +142,11 @@ int runCheck(Arguments* arguments) {
         std::fprintf(stderr, "%s\n", wrong.c_str());
         return kExitUsage;
     }
+    std::optional<Catalogue> catalogue = loadCatalogue(arguments->settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    arguments->check.known = std::make_shared<KnownSettings>(*std::move(catalogue));
     applyDeviceOptions(arguments->device);
     muteLog();
     if (arguments->device.isEachVariant) {
@@ -157,6 +165,7 @@ void addCheckCommand(CLI::App* app, int* exitCode) {
     command->footer(kFooter);
     CLI::Option* const files =
             command->add_option("FILE", arguments->files, "Documents to check, each by itself");
+    addSettingsOption(command, &arguments->settingsFiles);
     addReportOptions(command, arguments.get());
     addFixOptions(command, arguments.get());
     addDeviceOptions(*command, &arguments->device);

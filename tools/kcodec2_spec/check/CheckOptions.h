@@ -1,9 +1,11 @@
 // What the check command is asked to do.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "check/KnownSettings.h"
 #include "check/Levels.h"
 #include "check/Output.h"
 
@@ -19,6 +21,7 @@ struct CheckOptions {
     Levels levels;
     bool warningsAreErrors = false;
     FixMode fix = FixMode::None;
+    std::shared_ptr<const KnownSettings> known;
     std::string rootDirectory;  // What is outside of it is not mended; empty when there is none.
 };
 

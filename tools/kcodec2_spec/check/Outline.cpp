@@ -84,21 +84,8 @@ private:
         skipBlanks();
         OutlineNode node = value();
         node.name = name;
-        node.key = decode(mText.substr(name.start, name.limit - name.start));
+        node.key = decodedString(mText.substr(name.start, name.limit - name.start));
         return node;
-    }
-
-    static std::string decode(std::string_view quoted) {
-        if (quoted.find('\\') == std::string_view::npos) {
-            return std::string(quoted.substr(std::min<size_t>(1, quoted.size()),
-                                             quoted.size() < 2 ? 0 : quoted.size() - 2));
-        }
-        Json::Value array;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-        Json::Reader().parse("[" + std::string(quoted) + "]", array, false);
-#pragma GCC diagnostic pop
-        return array.isArray() && array.size() == 1 ? array[0].asString() : std::string(quoted);
     }
 
     std::string_view mText;
@@ -106,6 +93,19 @@ private:
 };
 
 }  // namespace
+
+std::string decodedString(std::string_view quoted) {
+    if (quoted.find('\\') == std::string_view::npos) {
+        return std::string(quoted.substr(std::min<size_t>(1, quoted.size()),
+                                         quoted.size() < 2 ? 0 : quoted.size() - 2));
+    }
+    Json::Value array;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    Json::Reader().parse("[" + std::string(quoted) + "]", array, false);
+#pragma GCC diagnostic pop
+    return array.isArray() && array.size() == 1 ? array[0].asString() : std::string(quoted);
+}
 
 Outline outlineOf(std::string_view text) {
     return Outliner(text).outline();

@@ -27,6 +27,9 @@ struct Outline {
 // Outlines a text that the JSON parser has accepted, as makeFitForParser() leaves it.
 Outline outlineOf(std::string_view text);
 
+// The string that the text between two quotes, with them, says.
+std::string decodedString(std::string_view quoted);
+
 // The last member of that name, which is the one that counts; null when there is none.
 const OutlineNode* findMember(const OutlineNode& object, std::string_view key);
 

@@ -11,6 +11,7 @@
 #include "check/Mends.h"
 #include "check/Rules.h"
 #include "check/SyntaxHints.h"
+#include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/Limits.h"
 
 namespace kc2::tool {
@@ -52,6 +53,23 @@ SyntaxHint syntaxError(const KeptFinding& finding, const CheckedDocument& checke
     return hint;
 }
 
+bool isScalar(const KeptFinding& finding, const CheckedDocument& checked) {
+    const char first = checked.document.parserText[finding.start];
+    return first != '[' && first != '{';
+}
+
+// Whether a finding is the same mistake as the one before it: the values of a table without rows,
+// the second one of two levels that are not there.
+bool isSameMistake(const KeptFinding& finding, const KeptFinding& before,
+                   const CheckedDocument& checked) {
+    if (finding.kind != before.kind) {
+        return false;
+    }
+    return finding.kind == FindingKind::TierLevelAbsent ||
+           (finding.kind == FindingKind::RowSizeNotThree && isScalar(finding, checked) &&
+            isScalar(before, checked));
+}
+
 // A finding with the document that it is about, for the messages below.
 class About {
 public:
@@ -65,46 +83,118 @@ public:
     // What the device makes of it.
     int64_t converted() const { return mFinding.converted; }
 
+    bool isIn(const char* section) const { return mFinding.section == section; }
+
+    // Whether the next finding is the same mistake.
+    bool isRepeated() const {
+        const auto& findings = mChecked.document.findings;
+        const auto next = static_cast<size_t>(&mFinding - findings.data()) + 1;
+        return next < findings.size() && isSameMistake(findings[next], mFinding, mChecked);
+    }
+
 private:
     const KeptFinding& mFinding;
     const CheckedDocument& mChecked;
 };
 
+using Message = std::string (*)(const About& about);
+
 struct ReaderRule {
+    constexpr ReaderRule(FindingKind ofKind, Rule reported, Message text)
+        : kind(ofKind), rule(reported), message(text) {
+        rule.isRejection = rowOf(kind).effect == Effect::Rejects;
+    }
+
     FindingKind kind;
     Rule rule;
-    std::string (*message)(const About& about);  // Null: syntaxError() has the words.
+    Message message;  // Null: syntaxError() has the words.
+};
+
+// A finding that is less than others of its kind.
+struct Exception {
+    FindingKind kind;
+    bool (*applies)(const KeptFinding& finding, const CheckedDocument& checked);
+    Rule rule;
+    Message message;
+};
+
+// The upper bound of a row, written as -1.
+bool isOpenUpperBound(const KeptFinding& finding, const CheckedDocument& checked) {
+    const OutlineNode* const table = checked.section(targetSpecNimbraModeBitRate);
+    const auto index = static_cast<size_t>(finding.index);
+    if (table == nullptr || finding.section != targetSpecNimbraModeBitRate || table->kind != '[' ||
+        index >= table->children.size()) {
+        return false;
+    }
+    const std::vector<OutlineNode>& values = table->children[index].children;
+    return values.size() == 3 && values[1].value.start == finding.start &&
+           finding.converted == int64_t{UINT32_MAX};
+}
+
+// The description of a pre-processing filter, which components may come to read.
+bool isFilterDescription(const KeptFinding& finding, const CheckedDocument& checked) {
+    const OutlineNode* const filter = findValueAt(checked.outline.root, finding.start);
+    if (filter == nullptr || finding.section != targetSpecPreProcessingFilters) {
+        return false;
+    }
+    for (const char* const key :
+         {targetSpecPreProcessingFilterCodecName, targetSpecPreProcessingFilterLibName,
+          targetSpecPreProcessingFilterInputStreams, targetSpecPreProcessingFilterOutputStreams}) {
+        if (findMember(*filter, key) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
+constexpr Exception kExceptions[] = {
+        {FindingKind::NegativeAsUnsigned,
+         isOpenUpperBound,
+         {"row-without-bound", Severity::Note, "an upper bound of -1, which is a large one"},
+         [](const About& about) {
+             return fmt::format("{}: the upper bound {} is stored as {}: there is none in effect",
+                                about.place(), about.value(), about.converted());
+         }},
+        {FindingKind::ElementNotString,
+         isFilterDescription,
+         {"filter-description", Severity::Warning, "a filter description, which nothing reads"},
+         [](const About& about) {
+             return fmt::format(
+                     "{} is a filter description: the store ignores it and keeps only "
+                     "names, written as strings",
+                     about.place());
+         }},
 };
 
 constexpr ReaderRule kReaderRules[] = {
         {FindingKind::TextTooLong,
-         {"document-too-long", Severity::Error, "longer than a device reads", true},
+         {"document-too-long", Severity::Error, "longer than a device reads"},
          [](const About&) {
              return fmt::format("the document is longer than {} MiB: the device rejects it",
                                 kMaxTextBytes >> 20);
          }},
         {FindingKind::TooManyValues,
-         {"too-many-values", Severity::Error, "more values than a device reads", true},
+         {"too-many-values", Severity::Error, "more values than a device reads"},
          [](const About&) {
              return fmt::format("the document holds more than {} values: the device rejects it",
                                 kMaxValues);
          }},
         {FindingKind::NestingTooDeep,
-         {"nesting-too-deep", Severity::Error, "nested deeper than a device reads", true},
+         {"nesting-too-deep", Severity::Error, "nested deeper than a device reads"},
          [](const About&) {
              return fmt::format(
                      "nested deeper than {} levels: the device rejects the whole document",
                      kMaxNesting);
          }},
-        {FindingKind::SyntaxError, {"syntax", Severity::Error, "not valid JSON", true}, nullptr},
+        {FindingKind::SyntaxError, {"syntax", Severity::Error, "not valid JSON"}, nullptr},
         {FindingKind::RootNotObject,
-         {"root-not-object", Severity::Error, "a root that is not an object", true},
+         {"root-not-object", Severity::Error, "a root that is not an object"},
          [](const About&) {
              return std::string(
                      "the root must be an object: the device rejects the whole document");
          }},
         {FindingKind::VideoNotObject,
-         {"video-not-object", Severity::Error, "a \"Video\" that is not an object", true},
+         {"video-not-object", Severity::Error, "a \"Video\" that is not an object"},
          [](const About&) {
              return std::string(
                      "\"Video\" must be an object: the device rejects the whole document");
@@ -129,9 +219,15 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::RowSizeNotThree,
          {"row-size", Severity::Error, "a bit-rate row of fewer or more than three values"},
          [](const About& about) {
-             return fmt::format(
-                     "{} must hold three integers [low, high, bit rate]: the row is skipped",
-                     about.place());
+             return about.isRepeated()
+                            ? fmt::format(
+                                      "{} and what follows are not rows: each row must be an "
+                                      "array [low, high, bit rate]",
+                                      about.place())
+                            : fmt::format(
+                                      "{} must hold three integers [low, high, bit rate]: the "
+                                      "row is skipped",
+                                      about.place());
          }},
         {FindingKind::RowNotArray,
          {"row-not-array", Severity::Error, "a bit-rate row that is an object"},
@@ -195,8 +291,11 @@ constexpr ReaderRule kReaderRules[] = {
          [](const About& about) {
              return fmt::format(
                      "{} should be an array: the object's values are taken in the order of their "
-                     "names",
-                     about.place());
+                     "names{}",
+                     about.place(),
+                     about.isIn(targetSpecPerfResourceValues)
+                             ? ", and the names are lost: write code, value, code, value"
+                             : "");
          }},
         {FindingKind::NumberAsBoolean,
          {"number-as-boolean", Severity::Warning, "a number in place of true or false"},
@@ -249,9 +348,14 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::TierLevelAbsent,
          {"tier-level-absent", Severity::Warning, "\"DolbyVision\" without one of the levels"},
          [](const About& about) {
-             return fmt::format(
-                     "{} is absent: the level becomes 0, whatever an earlier document set",
-                     about.place());
+             return about.isRepeated()
+                            ? std::string(
+                                      "both levels are absent: they become 0, whatever an "
+                                      "earlier document set")
+                            : fmt::format(
+                                      "{} is absent: the level becomes 0, whatever an earlier "
+                                      "document set",
+                                      about.place());
          }},
 };
 
@@ -261,29 +365,61 @@ const ReaderRule* ruleFor(FindingKind kind) {
     return found != std::end(kReaderRules) ? found : nullptr;
 }
 
+const Exception* exceptionFor(const KeptFinding& finding, const CheckedDocument& checked) {
+    for (const Exception& row : kExceptions) {
+        if (row.kind == finding.kind && row.applies(finding, checked)) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+// A setting in a section of another type: its place is the mistake, and not its value.
+bool isMisplaced(const KeptFinding& finding, const KnownSettings& known) {
+    if (finding.kind != FindingKind::NumberAsBoolean &&
+        finding.kind != FindingKind::BooleanAsInteger) {
+        return false;
+    }
+    const Setting* const setting = known.catalogue.setting(finding.name);
+    return setting != nullptr && setting->section != finding.section;
+}
+
+void addSyntaxError(const KeptFinding& finding, const CheckedDocument& checked, const Rule& rule,
+                    Report* report) {
+    SyntaxHint hint = syntaxError(finding, checked);
+    report->add(rule, checked.source, hint.span, std::move(hint.message),
+                {.related = std::move(hint.related),
+                 .fixes = mendsOf(finding, checked.document.parserText)});
+}
+
 }  // namespace
 
-void applyReaderRules(const CheckedDocument& checked, Report* report) {
+void applyReaderRules(const CheckedDocument& checked, const KnownSettings& known, Report* report) {
+    const KeptFinding* before = nullptr;
     for (const KeptFinding& finding : checked.document.findings) {
-        const ReaderRule* const rule = ruleFor(finding.kind);
-        if (rule == nullptr) {
+        const KeptFinding* const previous = std::exchange(before, &finding);
+        const ReaderRule* const row = ruleFor(finding.kind);
+        if (row == nullptr || isMisplaced(finding, known) ||
+            (previous != nullptr && isSameMistake(finding, *previous, checked))) {
             continue;
         }
-        std::vector<Fix> fixes = mendsOf(finding, checked.document.parserText);
         if (finding.kind == FindingKind::SyntaxError) {
-            SyntaxHint hint = syntaxError(finding, checked);
-            report->add(rule->rule, checked.source, hint.span, std::move(hint.message),
-                        {.related = std::move(hint.related), .fixes = std::move(fixes)});
-        } else {
-            report->add(rule->rule, checked.source, {finding.start, finding.limit},
-                        rule->message(About(finding, checked)),
-                        {.related = {}, .fixes = std::move(fixes)});
+            addSyntaxError(finding, checked, row->rule, report);
+            continue;
         }
+        const Exception* const exception = exceptionFor(finding, checked);
+        const Message message = exception != nullptr ? exception->message : row->message;
+        report->add(exception != nullptr ? exception->rule : row->rule, checked.source,
+                    {finding.start, finding.limit}, message(About(finding, checked)),
+                    {.related = {}, .fixes = mendsOf(finding, checked.document.parserText)});
     }
 }
 
 std::vector<const Rule*> readerRules() {
-    return rulesOf(kReaderRules);
+    std::vector<const Rule*> rules = rulesOf(kReaderRules);
+    const std::vector<const Rule*> exceptions = rulesOf(kExceptions);
+    rules.insert(rules.end(), exceptions.begin(), exceptions.end());
+    return rules;
 }
 
 }  // namespace kc2::tool

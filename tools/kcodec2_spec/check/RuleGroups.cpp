@@ -12,13 +12,30 @@
 
 namespace kc2::tool {
 
+namespace {
+
+std::vector<const Rule*> together(std::vector<const Rule*> rules,
+                                  const std::vector<const Rule*>& more) {
+    rules.insert(rules.end(), more.begin(), more.end());
+    return rules;
+}
+
+}  // namespace
+
 const std::vector<RuleGroup>& ruleGroups() {
     static const std::vector<RuleGroup> groups = {
             {"load", "Which documents a load reads", loadRules()},
             {"tree", "Files of a device that nothing can read", treeRules()},
             {"reader", "What a device rejects, skips or changes", readerRules()},
             {"document", "What a document says that is likely not meant", documentRules()},
-            {"merge", "What the documents come to together", mergeRules()},
+            {"name", "Names of settings, and of entries in lists", nameRules()},
+            {"codec", "Codec components", together(codecRules(), codecMergeRules())},
+            {"value", "Values that the settings catalogue does not allow",
+             together(valueRules(), dependencyRules())},
+            {"perf", "Perf words", perfRules()},
+            {"row", "Rows of the bit-rate table", rowRules()},
+            {"merge", "What the documents come to together",
+             together(mergeRules(), overlayRules())},
             {"comment", "Comments for the checker", allowanceRules()},
     };
     return groups;

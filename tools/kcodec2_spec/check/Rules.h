@@ -1,5 +1,5 @@
-// The rules of the checker: four tables, one for each thing that a rule looks at. To add a rule,
-// add a row and, in the tables with a function, the function.
+// The rules of the checker: tables, one for each thing that a rule looks at. To add a rule, add a
+// row and, in the tables with a function, the function.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Documents.h"
+#include "check/KnownSettings.h"
 #include "check/Outline.h"
 #include "check/Report.h"
 #include "check/Rule.h"
@@ -32,6 +33,9 @@ struct CheckedDocument {
     Outline outline;  // Of the text, as far as it is JSON.
 };
 
+// Whether it is a private file by its name: what it lacks may be in the system spec document.
+bool isPrivateFile(const CheckedDocument& document);
+
 // The documents of a load in the order in which they are merged, or one document alone.
 using MergedDocuments = std::vector<std::unique_ptr<CheckedDocument>>;
 
@@ -49,13 +53,28 @@ inline constexpr Rule kUnreadable = {"unreadable", Severity::Error, "a file that
                                      true};
 
 // What the library's reader found in a document.
-void applyReaderRules(const CheckedDocument& document, Report* report);
+void applyReaderRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
 
 // What a document says that the reader does not look at.
-void applyDocumentRules(const CheckedDocument& document, Report* report);
+void applyDocumentRules(const CheckedDocument& document, const KnownSettings& known,
+                        Report* report);
+
+// Names, values and perf words that the settings catalogue, or sense, speaks against.
+void applyNameRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
+void applyCodecRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
+void applyValueRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
+void applyPerfRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
 
 // What the merged documents come to.
 void applyMergeRules(const MergedDocuments& documents, Report* report);
+void applyRowRules(const MergedDocuments& documents, Report* report);
+void applyCodecMergeRules(const MergedDocuments& documents, const KnownSettings& known,
+                          Report* report);
+void applyDependencyRules(const MergedDocuments& documents, const KnownSettings& known,
+                          Report* report);
+
+// What the overlay adds to the system spec document, and what it leaves out.
+void applyOverlayRules(const CheckedLoad& load, Report* report);
 
 // Which documents the load reads, and why.
 void applyLoadRules(const CheckedLoad& load, Report* report);
@@ -76,7 +95,15 @@ std::vector<const Rule*> rulesOf(const Row (&rows)[N]) {
 // The rules of each table.
 std::vector<const Rule*> readerRules();
 std::vector<const Rule*> documentRules();
+std::vector<const Rule*> nameRules();
+std::vector<const Rule*> codecRules();
+std::vector<const Rule*> valueRules();
+std::vector<const Rule*> perfRules();
 std::vector<const Rule*> mergeRules();
+std::vector<const Rule*> rowRules();
+std::vector<const Rule*> codecMergeRules();
+std::vector<const Rule*> dependencyRules();
+std::vector<const Rule*> overlayRules();
 std::vector<const Rule*> loadRules();
 std::vector<const Rule*> treeRules();
 

@@ -50,6 +50,7 @@ struct CheckedVariants {
 };
 
 // Loads and checks the device under each of the variants.
-CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels);
+CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
+                              const KnownSettings& known);
 
 }  // namespace kc2::tool

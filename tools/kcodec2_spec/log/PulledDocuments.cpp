@@ -36,7 +36,7 @@ public:
     explicit PulledDocument(const Document& document)
         : mChecked(document.path.empty() ? document.origin : localPath(document.path), document) {
         Report report{Levels()};
-        applyReaderRules(mChecked, &report);
+        applyReaderRules(mChecked, KnownSettings(Catalogue()), &report);
         for (const ReportEntry* const entry : report.inOrder()) {
             mMessages.emplace(entry->span.start, entry->message + " [" + entry->rule->id + "]");
         }

@@ -68,7 +68,7 @@ int report(const Arguments& arguments) {
     muteLog();
     const std::string& root = arguments.device.rootDirectory;
     PageContent content = {root.empty() ? "this machine" : root,
-                           checkVariants(variantsToShow(), Levels()),
+                           checkVariants(variantsToShow(), Levels(), KnownSettings(*catalogue)),
                            {},
                            {},
                            std::move(*catalogue)};

@@ -1,0 +1,356 @@
+// Which known name is meant by one that is nearly it.
+
+#include "check/NearNames.h"
+
+#include <algorithm>
+#include <bit>
+#include <iterator>
+#include <utility>
+
+#include "Text.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr int kUnlike = 1000;
+constexpr int kMostMistakes = 2;
+
+struct LookAlike {
+    char32_t character;
+    char latin;
+};
+
+// Letters of other scripts that look like small or capital Latin ones.
+constexpr LookAlike kLookAlikes[] = {
+        {U'\u0430', 'a'}, {U'\u0435', 'e'}, {U'\u043E', 'o'}, {U'\u0440', 'p'}, {U'\u0441', 'c'},
+        {U'\u0445', 'x'}, {U'\u0443', 'y'}, {U'\u0456', 'i'}, {U'\u0458', 'j'}, {U'\u0455', 's'},
+        {U'\u0501', 'd'}, {U'\u04BB', 'h'}, {U'\u043A', 'k'}, {U'\u043C', 'm'}, {U'\u0442', 't'},
+        {U'\u0432', 'b'}, {U'\u043D', 'h'}, {U'\u0475', 'v'}, {U'\u0410', 'a'}, {U'\u0412', 'b'},
+        {U'\u0415', 'e'}, {U'\u041A', 'k'}, {U'\u041C', 'm'}, {U'\u041D', 'h'}, {U'\u041E', 'o'},
+        {U'\u0420', 'p'}, {U'\u0421', 'c'}, {U'\u0422', 't'}, {U'\u0425', 'x'}, {U'\u03BF', 'o'},
+        {U'\u03B1', 'a'}, {U'\u03BD', 'v'}, {U'\u03C1', 'p'}, {U'\u03C5', 'u'}, {U'\u03B9', 'i'},
+        {U'\u03BA', 'k'}, {U'\u0131', 'i'}, {U'\u0251', 'a'}, {U'\u0261', 'g'}, {U'\u017F', 's'},
+        {U'\u2010', '_'}, {U'\u2011', '_'}, {U'\u2012', '_'}, {U'\u2013', '_'}, {U'\u2014', '_'},
+        {U'\u2212', '_'}, {U'\u00A0', '_'}, {U'\u2024', '_'}, {U'\u3002', '_'},
+};
+
+// Formats that exist although they are one letter from a known component's.
+constexpr std::string_view kOtherFormats[] = {"avs",  "avs2", "evc", "heif", "mvc",
+                                              "shvc", "svc",  "vc1", "vvc"};
+// Words that are right although they are a letter or two from one in a known name.
+constexpr std::string_view kOtherWords[] = {"inter", "off",  "low",  "high",
+                                            "read",  "load", "node", "code"};
+
+template <typename List>
+bool isOneOf(std::string_view word, const List& list) {
+    return std::find(std::begin(list), std::end(list), word) != std::end(list);
+}
+
+bool isSeparator(char c) {
+    return c == '_' || c == '-' || c == '.' || c == ' ' || c == '\t' || c == '/' || c == ':';
+}
+
+// The character that begins at `at`, and moves it behind. A byte that begins none is itself.
+char32_t nextCharacter(std::string_view text, size_t* at) {
+    const auto first = static_cast<unsigned char>(text[(*at)++]);
+    const int more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0;
+    char32_t character = first & (more == 0 ? 0xFF : 0x3F >> more);
+    for (int i = 0; i < more && *at < text.size() && !isFirstByteOfCharacter(text[*at]); ++i) {
+        character = character << 6 | (static_cast<unsigned char>(text[(*at)++]) & 0x3F);
+    }
+    return character;
+}
+
+char latinOf(char32_t character) {
+    constexpr char32_t kFullWidth = 0xFEE0;  // From a full-width character to the ASCII one.
+    if (character >= 0xFF01 && character <= 0xFF5E) {
+        character -= kFullWidth;
+    }
+    if (character < 0x80) {
+        return static_cast<char>(character);
+    }
+    const auto found =
+            std::find_if(std::begin(kLookAlikes), std::end(kLookAlikes),
+                         [&](const LookAlike& row) { return row.character == character; });
+    return found != std::end(kLookAlikes) ? found->latin : '\0';
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (size_t start = 0; start <= text.size();) {
+        const size_t limit = std::min(text.find(separator, start), text.size());
+        if (limit > start) {
+            parts.push_back(text.substr(start, limit - start));
+        }
+        start = limit + 1;
+    }
+    return parts;
+}
+
+// Without separators; digits are the letters that they look like.
+std::string squashed(std::string_view read) {
+    std::string text;
+    for (const char c : read) {
+        if (c != '_') {
+            text += c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
+        }
+    }
+    return text;
+}
+
+// How many letters must be inserted, removed, replaced or exchanged with their neighbour.
+int letterMistakes(std::string_view a, std::string_view b) {
+    constexpr size_t kLongest = 48;
+    if (a.size() > kLongest || b.size() > kLongest) {
+        return a == b ? 0 : kUnlike;
+    }
+    std::array<std::array<int, kLongest + 1>, kLongest + 1> table;
+    for (size_t i = 0; i <= a.size(); ++i) {
+        for (size_t j = 0; j <= b.size(); ++j) {
+            int& best = table[i][j];
+            if (i == 0 || j == 0) {
+                best = static_cast<int>(i + j);
+                continue;
+            }
+            best = std::min({table[i - 1][j] + 1, table[i][j - 1] + 1,
+                             table[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                best = std::min(best, table[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return table[a.size()][b.size()];
+}
+
+bool hasSameDigits(std::string_view a, std::string_view b) {
+    const auto digitsOf = [](std::string_view text) {
+        std::string digits;
+        std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
+                     [](char c) { return c >= '0' && c <= '9'; });
+        return digits;
+    };
+    return digitsOf(a) == digitsOf(b);
+}
+
+// Of two words; kUnlike where one that differs is no misspelling of the other.
+int wordMistakes(std::string_view word, std::string_view known) {
+    constexpr size_t kShort = 3;
+    constexpr size_t kLong = 5;
+    if (word == known) {
+        return 0;
+    }
+    if (std::min(word.size(), known.size()) < kShort || !hasSameDigits(word, known)) {
+        return kUnlike;
+    }
+    const int mistakes = letterMistakes(word, known);
+    return mistakes <= (known.size() >= kLong ? kMostMistakes : 1) ? mistakes : kUnlike;
+}
+
+bool hasSameWords(std::vector<std::string_view> a, std::vector<std::string_view> b) {
+    std::sort(a.begin(), a.end());
+    std::sort(b.begin(), b.end());
+    return a == b;
+}
+
+// What tells settings of this library from others.
+size_t prefixWords(const std::vector<std::string_view>& words) {
+    constexpr std::string_view kPrefixes[] = {"debug", "private"};
+    size_t count = 0;
+    while (count < words.size() && isOneOf(words[count], kPrefixes)) {
+        ++count;
+    }
+    return count;
+}
+
+bool isSameWithoutPrefix(const std::vector<std::string_view>& words,
+                         const std::vector<std::string_view>& known) {
+    constexpr size_t kFewest = 2;  // A single word may be anybody's.
+    const size_t skip = prefixWords(words);
+    const size_t skipKnown = prefixWords(known);
+    return words.size() - skip >= kFewest &&
+           std::equal(words.begin() + static_cast<ptrdiff_t>(skip), words.end(),
+                      known.begin() + static_cast<ptrdiff_t>(skipKnown), known.end());
+}
+
+// A component's name without "c2" or without the vendor.
+bool isSameWithoutPart(const std::vector<std::string_view>& parts,
+                       const std::vector<std::string_view>& known) {
+    for (const ptrdiff_t missing : {0, 1}) {
+        if (parts.size() + 1 == known.size() &&
+            std::equal(parts.begin(), parts.begin() + missing, known.begin()) &&
+            std::equal(parts.begin() + missing, parts.end(), known.begin() + missing + 1)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// How many letters of the two are in one only: of two names with as many mistakes, the one that a
+// word was left out of is meant rather than one with another word.
+size_t leftOver(std::string_view a, std::string_view b) {
+    return a.size() + b.size() - 2 * commonLetters(a, b);
+}
+
+}  // namespace
+
+std::string readAs(std::string_view name) {
+    std::string text;
+    for (size_t at = 0; at < name.size();) {
+        const char c = latinOf(nextCharacter(name, &at));
+        if (c == '\0') {
+            continue;  // Nothing to see, or nothing like a letter that names have.
+        }
+        text += isSeparator(c) ? '_' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return text;
+}
+
+NearNames::Shape NearNames::shapeOf(std::string_view name) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (!std::all_of(name.begin(), name.end(), isAscii)) {
+        return shapeOf(readAs(name));
+    }
+    Shape shape;
+    for (char c : name) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        c = c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
+        if (c >= 'a' && c <= 'z') {
+            shape.letters |= uint32_t{1} << (c - 'a');
+        } else if (c >= '0' && c <= '9') {
+            shape.digits |= uint32_t{1} << (c - '0');
+        } else {
+            continue;
+        }
+        ++shape.characters;
+    }
+    return shape;
+}
+
+void NearNames::addShape(const Shape& shape, size_t entry) {
+    if (shape.characters < mByCharacters.size()) {
+        mByCharacters[shape.characters].push_back({shape, entry});
+    }
+}
+
+void NearNames::add(Entry entry) {
+    const size_t index = mEntries.size();
+    const std::string read = readAs(entry.name);
+    addShape(shapeOf(entry.name), index);
+    // Also where whole words are left out.
+    const std::vector<std::string_view> words = split(read, '_');
+    const auto without = [&](size_t from, size_t count) {
+        std::string text;
+        for (size_t i = 0; i < words.size(); ++i) {
+            text += i < from || i >= from + count ? std::string(words[i]) : "";
+        }
+        addShape(shapeOf(text), index);
+    };
+    if (mKind == Kind::Component) {
+        without(0, 1);
+        without(1, 1);
+    } else {
+        without(0, prefixWords(words));
+        addShape(shapeOf("debug" + read), index);
+    }
+    for (const std::string_view word : words) {
+        mWords.emplace(word);
+    }
+    mEntries.push_back(std::move(entry));
+}
+
+int NearNames::mistakesInSetting(const std::vector<std::string_view>& words,
+                                 const std::vector<std::string_view>& known) const {
+    constexpr int kOrder = 1;
+    if (hasSameWords(words, known) || isSameWithoutPrefix(words, known)) {
+        return kOrder;
+    }
+    if (words.size() != known.size()) {
+        return kUnlike;
+    }
+    int mistakes = 0;
+    for (size_t i = 0; i < words.size() && mistakes <= kMostMistakes; ++i) {
+        const bool isRight = words[i] == known[i];
+        const bool isOther =
+                mWords.count(std::string(words[i])) != 0 || isOneOf(words[i], kOtherWords);
+        mistakes += isRight ? 0 : isOther ? kUnlike : wordMistakes(words[i], known[i]);
+    }
+    return mistakes <= kMostMistakes ? mistakes : kUnlike;
+}
+
+int NearNames::mistakesInComponent(const std::vector<std::string_view>& parts,
+                                   const std::vector<std::string_view>& known) const {
+    constexpr size_t kFormat = 2;
+    if (hasSameWords(parts, known) || isSameWithoutPart(parts, known)) {
+        return 1;
+    }
+    if (parts.size() != known.size()) {
+        return kUnlike;
+    }
+    int mistakes = 0;
+    for (size_t i = 0; i < parts.size() && mistakes <= kMostMistakes; ++i) {
+        const bool isRight = parts[i] == known[i];
+        const bool isOther =
+                mWords.count(std::string(parts[i])) != 0 || isOneOf(parts[i], kOtherFormats);
+        const int inPart = isRight ? 0 : isOther ? kUnlike : wordMistakes(parts[i], known[i]);
+        mistakes += i == kFormat && inPart > 1 ? kUnlike : inPart;
+    }
+    return mistakes <= kMostMistakes ? mistakes : kUnlike;
+}
+
+// 0 for what only looks the same, kUnlike for what is another name.
+int NearNames::mistakesIn(std::string_view name, const std::string& known) const {
+    const std::string read = readAs(name);
+    const std::string readKnown = readAs(known);
+    const std::string letters = squashed(read);
+    const std::string knownLetters = squashed(readKnown);
+    if (letters == knownLetters) {
+        return 0;
+    }
+    const std::vector<std::string_view> words = split(read, '_');
+    const std::vector<std::string_view> knownWords = split(readKnown, '_');
+    const int mistakes = mKind == Kind::Setting ? mistakesInSetting(words, knownWords)
+                                                : mistakesInComponent(words, knownWords);
+    // A separator may be missing, too; with known words only, it is another name.
+    const bool hasOtherWord = std::any_of(words.begin(), words.end(), [&](std::string_view word) {
+        return mWords.count(std::string(word)) == 0;
+    });
+    const bool isJoined = words.size() < knownWords.size() && hasOtherWord &&
+                          hasSameDigits(letters, knownLetters) &&
+                          letterMistakes(letters, knownLetters) <= 1;
+    return std::min(mistakes, isJoined ? 1 : kUnlike);
+}
+
+const NearNames::Entry* NearNames::find(std::string_view name, std::string_view group,
+                                        bool* isExact) const {
+    constexpr int kMostBits = 2 * kMostMistakes;
+    *isExact = false;
+    const Entry* best = nullptr;
+    auto bestRank = std::pair(kUnlike, size_t{0});
+    const Shape shape = shapeOf(name);
+    const size_t first = shape.characters - std::min<size_t>(shape.characters, kMostMistakes);
+    const size_t limit = std::min(shape.characters + kMostMistakes + 1, mByCharacters.size());
+    for (size_t characters = first; characters < limit; ++characters) {
+        for (const Candidate& candidate : mByCharacters[characters]) {
+            if (candidate.shape.digits != shape.digits ||
+                std::popcount(candidate.shape.letters ^ shape.letters) > kMostBits) {
+                continue;
+            }
+            const Entry& entry = mEntries[candidate.entry];
+            if (entry.name == name) {
+                *isExact = true;
+                return &entry;
+            }
+            const int mistakes = mistakesIn(name, entry.name);
+            const auto rank = std::pair(mistakes + (entry.group == group ? 0 : kUnlike / 2),
+                                        leftOver(name, entry.name));
+            if (mistakes < kUnlike && rank < bestRank) {
+                best = &entry;
+                bestRank = rank;
+            }
+        }
+    }
+    return best;
+}
+
+}  // namespace kc2::tool

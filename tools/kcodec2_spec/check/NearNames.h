@@ -1,0 +1,65 @@
+// Which known name is meant by one that is nearly it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace kc2::tool {
+
+// The name in small letters, with "_" for separators and blanks and the Latin letter for those that
+// look like it. Two names that a person may take for the same have the same one.
+std::string readAs(std::string_view name);
+
+// Known names of one kind. A search costs little where no known name has about the same letters:
+// a document may hold a hundred thousand names that nobody knows.
+class NearNames {
+public:
+    enum class Kind { Setting, Component };
+
+    struct Entry {
+        std::string name;
+        std::string group;  // Section or list: one of the same is the better suggestion.
+    };
+
+    explicit NearNames(Kind kind) : mKind(kind) {}
+
+    void add(Entry entry);
+
+    // The known name that is meant; null when the name is like none. `isExact` tells whether it is
+    // the name itself.
+    const Entry* find(std::string_view name, std::string_view group, bool* isExact) const;
+
+private:
+    // What is left of a name when order and separators are not looked at.
+    struct Shape {
+        size_t characters = 0;
+        uint32_t letters = 0;
+        uint32_t digits = 0;
+    };
+
+    struct Candidate {
+        Shape shape;
+        size_t entry;
+    };
+
+    static constexpr size_t kMostCharacters = 80;
+
+    static Shape shapeOf(std::string_view name);
+    void addShape(const Shape& shape, size_t entry);
+    int mistakesIn(std::string_view name, const std::string& known) const;
+    int mistakesInSetting(const std::vector<std::string_view>& words,
+                          const std::vector<std::string_view>& known) const;
+    int mistakesInComponent(const std::vector<std::string_view>& parts,
+                            const std::vector<std::string_view>& known) const;
+
+    Kind mKind;
+    std::vector<Entry> mEntries;
+    std::unordered_set<std::string> mWords;  // That known names are made of.
+    std::array<std::vector<Candidate>, kMostCharacters> mByCharacters;
+};
+
+}  // namespace kc2::tool

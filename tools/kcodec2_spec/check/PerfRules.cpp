@@ -1,0 +1,159 @@
+// Perf words: pairs of a resource code and its value that do not look like it.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "Text.h"
+#include "check/DocumentNames.h"
+#include "check/Emit.h"
+
+namespace kc2::tool {
+
+namespace {
+
+struct PerfRule {
+    Rule rule;
+    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
+};
+
+// Calls visit(member, list of words) for each use case whose words the device takes.
+template <typename Visit>
+void forEachUseCase(const CheckedDocument& checked, Visit visit) {
+    const OutlineNode* const section = checked.section(targetSpecPerfResourceValues);
+    if (section == nullptr || section->kind != '{') {
+        return;
+    }
+    const auto& values = checked.document.content.perfResourceValues;
+    for (const OutlineNode& member : section->children) {
+        const auto words = member.kind == '[' ? values.find(member.key) : values.end();
+        // Else an earlier member of the same name, which does not count.
+        if (words != values.end() && words->second.size() == member.children.size()) {
+            visit(member, words->second);
+        }
+    }
+}
+
+std::string_view textOf(const CheckedDocument& checked, const OutlineNode& node) {
+    return checked.source.text().substr(node.value.start, node.value.limit - node.value.start);
+}
+
+bool hasPrefix(std::string_view quoted) {
+    return quoted.find("0x") != std::string_view::npos ||
+           quoted.find("0X") != std::string_view::npos;
+}
+
+// Digits alone; what else is in a word is a finding of the reader. A single digit is the same in
+// decimal.
+bool isBareWord(std::string_view quoted) {
+    constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+    constexpr size_t kFewest = 2;
+    const std::string_view word = quoted.substr(1, quoted.size() - 2);
+    return word.size() >= kFewest && word.find_first_not_of(kDigits) == std::string_view::npos;
+}
+
+void checkPrefixes(const CheckedDocument& checked, const KnownSettings& /*known*/,
+                   const Emit& emit) {
+    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+        const auto& nodes = member.children;
+        const bool isAnyPrefixed =
+                std::any_of(nodes.begin(), nodes.end(), [&](const OutlineNode& node) {
+                    return node.kind == '"' && hasPrefix(textOf(checked, node));
+                });
+        for (size_t i = 0; isAnyPrefixed && i < nodes.size(); ++i) {
+            const std::string_view text = textOf(checked, nodes[i]);
+            if (nodes[i].kind == '"' && isBareWord(text)) {
+                emit(checked, nodes[i].value,
+                     fmt::format("{} is read as hexadecimal, as {}: write 0x, as in the words "
+                                 "beside it",
+                                 text, hexadecimal(words[i])));
+            }
+        }
+    });
+}
+
+void checkRepeatedCodes(const CheckedDocument& checked, const KnownSettings& /*known*/,
+                        const Emit& emit) {
+    constexpr size_t kTwoPairs = 4;
+    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+        std::unordered_set<uint32_t> codes;
+        for (size_t i = 0; words.size() >= kTwoPairs && i + 1 < words.size(); i += 2) {
+            if (!codes.insert(words[i]).second) {
+                emit(checked, member.children[i].value,
+                     fmt::format("the resource code {} is in \"{}\" already", hexadecimal(words[i]),
+                                 member.key));
+            }
+        }
+    });
+}
+
+void checkSwappedPairs(const CheckedDocument& checked, const KnownSettings& known,
+                       const Emit& emit) {
+    // Codes of one platform have their first byte in common; values are small.
+    const auto isLikeCode = [&](uint32_t word) {
+        const auto& codes = known.catalogue.codes();
+        return std::any_of(codes.begin(), codes.end(), [&](const PerfResourceCode& code) {
+            return code.code >> 24 == word >> 24 && word >> 24 != 0;
+        });
+    };
+    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+        for (size_t i = 0; words.size() % 2 == 0 && i < words.size(); i += 2) {
+            if (!isLikeCode(words[i]) && isLikeCode(words[i + 1])) {
+                emit(checked, member.children[i].value,
+                     fmt::format("{} and {} look swapped: a resource code comes before its value",
+                                 hexadecimal(words[i]), hexadecimal(words[i + 1])));
+                return;  // The others are swapped as well.
+            }
+        }
+    });
+}
+
+void checkEmptyUseCases(const CheckedDocument& checked, const KnownSettings& /*known*/,
+                        const Emit& emit) {
+    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+        if (words.empty()) {
+            emit(checked, member.name,
+                 fmt::format("\"{}\" has no words, and no later document can set them any more",
+                             member.key));
+        }
+    });
+}
+
+void checkOddLengths(const CheckedDocument& checked, const KnownSettings& /*known*/,
+                     const Emit& emit) {
+    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+        if (words.size() % 2 != 0) {
+            emit(checked, member.value,
+                 fmt::format("{} holds {} words: a resource code lacks its value", member.key,
+                             words.size()));
+        }
+    });
+}
+
+constexpr PerfRule kPerfRules[] = {
+        {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
+         checkOddLengths},
+        {{"perf-word-prefix", Severity::Warning, "a perf word without 0x among words with it"},
+         checkPrefixes},
+        {{"perf-code-repeated", Severity::Warning, "a resource code twice in one list"},
+         checkRepeatedCodes},
+        {{"perf-pair-swapped", Severity::Warning, "a value in place of its resource code"},
+         checkSwappedPairs},
+        {{"perf-empty", Severity::Warning, "a use case without perf words"}, checkEmptyUseCases},
+};
+
+}  // namespace
+
+void applyPerfRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
+    applyRows(kPerfRules, report, document, known);
+}
+
+std::vector<const Rule*> perfRules() {
+    return rulesOf(kPerfRules);
+}
+
+}  // namespace kc2::tool
