@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 #include "CommandText.h"
 #include "Commands.h"
+#include "Text.h"
 
 namespace kc2::tool {
 
@@ -28,10 +30,6 @@ bool takesDirectory(const OptionText& option) {
 bool takesFile(const OptionText& option) {
     constexpr std::string_view kFiles[] = {"FILE", "A", "B"};
     return std::find(std::begin(kFiles), std::end(kFiles), option.value) != std::end(kFiles);
-}
-
-std::string joined(const std::vector<std::string>& words, const char* between) {
-    return fmt::format("{}", fmt::join(words, between));
 }
 
 std::vector<std::string> namesOf(const std::vector<OptionText>& options) {

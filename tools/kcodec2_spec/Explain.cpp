@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,8 +43,8 @@ void printLine(const char* title, std::string_view text) {
     }
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    return words.empty() ? "all" : fmt::format("{}", fmt::join(words, ", "));
+std::string chipsOf(const std::vector<std::string>& chips) {
+    return chips.empty() ? "all" : joined(chips, ", ");
 }
 
 void printValues(const char* title, const std::vector<CatalogueValue>& values) {
@@ -72,7 +73,7 @@ bool explainSetting(const Catalogue& catalogue, const std::string& name) {
     printLine("range", rangeOf(*setting));
     printValues("value", setting->values);
     printValues("bit", setting->bits);
-    printLine("chips", joined(setting->chips));
+    printLine("chips", chipsOf(setting->chips));
     for (const BuiltInValue& one : builtInValuesOf(*setting)) {
         printLine("built-in", fmt::format("{} ({}, document {})", writtenValue(one.value),
                                           one.chips, one.number));
@@ -102,7 +103,7 @@ bool explainComponent(const Catalogue& catalogue, const std::string& name) {
     }
     printTitle(component->name);
     printLine("list", component->list);
-    printLine("chips", joined(component->chips));
+    printLine("chips", chipsOf(component->chips));
     return true;
 }
 

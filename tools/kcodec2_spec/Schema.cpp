@@ -113,11 +113,7 @@ std::string describedValues(const Setting& setting) {
 }
 
 std::string describedChips(const Setting& setting) {
-    std::string text;
-    for (const std::string& chip : setting.chips) {
-        text += (text.empty() ? "\nOnly on these chips: " : ", ") + chip;
-    }
-    return text;
+    return setting.chips.empty() ? "" : "\nOnly on these chips: " + joined(setting.chips, ", ");
 }
 
 std::string description(const Setting& setting) {
@@ -169,7 +165,13 @@ void addBuiltInValues(const Setting& setting, Json::Value* schema) {
 
 Json::Value schemaOf(const Setting& setting, Json::Value schema) {
     if (setting.section == targetSpecPresets) {
-        schema = wholeNumber(setting.minimum.value_or(kLowest), setting.maximum.value_or(kHighest));
+        int64_t mask = 0;
+        for (const CatalogueValue& bit : setting.bits) {
+            mask |= bit.value;
+        }
+        const bool isMask = !setting.bits.empty();
+        schema = wholeNumber(setting.minimum.value_or(isMask ? 0 : kLowest),
+                             setting.maximum.value_or(isMask ? mask : kHighest));
     }
     addChoices(setting, &schema);
     addBuiltInValues(setting, &schema);
@@ -194,12 +196,11 @@ Json::Value componentNames(const Catalogue& catalogue, const std::string& list) 
     Json::Value known;
     for (const CodecComponent& component : catalogue.components()) {
         if (list.empty() || component.list == list) {
-            std::string chips;
-            for (const std::string& chip : component.chips) {
-                chips += (chips.empty() ? "only on these chips: " : ", ") + chip;
-            }
             known["enum"].append(component.name);
-            known["enumDescriptions"].append(chips);
+            known["enumDescriptions"].append(component.chips.empty()
+                                                     ? ""
+                                                     : "only on these chips: " +
+                                                               joined(component.chips, ", "));
         }
     }
     Json::Value name;

@@ -124,4 +124,12 @@ size_t commonLetters(std::string_view a, std::string_view b) {
     return row[b.size()];
 }
 
+std::string joined(const std::vector<std::string>& words, std::string_view between) {
+    std::string text;
+    for (const std::string& word : words) {
+        text.append(&word == &words.front() ? std::string_view() : between).append(word);
+    }
+    return text;
+}
+
 }  // namespace kc2::tool

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kc2::tool {
 
@@ -48,6 +49,9 @@ std::string padded(std::string text, size_t width);
 
 // The start of `text`, of at most `bytes` bytes and of whole characters (UTF-8).
 std::string_view clipped(std::string_view text, size_t bytes);
+
+// The words with `between` between two of them.
+std::string joined(const std::vector<std::string>& words, std::string_view between);
 
 // How many letters must be inserted, removed or replaced to make `a` out of `b`; case costs
 // nothing. Something above `limit` where it is more than that.
