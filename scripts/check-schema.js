@@ -193,7 +193,9 @@ async function failuresOf(schema) {
         const found = await editor.problems(text);
         expect(found.length === 0, `built-in document ${number}: ${JSON.stringify(found)}`);
     }
-    for (const [what, text] of TEXTS) {
+    for (const [what, whole] of TEXTS) {
+        // A document that names a schema of its own would be held against that one.
+        const text = whole.replace(/("\$schema": *)"[^"]*"/, '$11');
         compare(what, text, await editor.problems(text), expect);
     }
     return failures;
