@@ -1,4 +1,4 @@
-// Measures each operation in a process of its own: kcodec2_bench DIRECTORY DOCUMENT...
+// Measures each operation in its own process: kcodec2_bench DIRECTORY DOCUMENT...
 //
 // Under callgrind it counts instructions: each operation leaves a dump of its name, with the runs
 // behind a colon. With libkcodec2_allocations.so preloaded it counts allocations: a line for each,
@@ -91,7 +91,7 @@ void measure(const Operation& operation) {
             0);  // Without exit handlers: those of the load-time initialisers may be there twice.
 }
 
-// In a process of its own an operation finds the heap as every other one finds it, and the C
+// In its own process an operation finds the heap as every other one finds it, and the C
 // library's allocator costs more or less with what has been freed before.
 void measureApart(const Operation& operation) {
     const pid_t child = fork();

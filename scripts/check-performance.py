@@ -35,7 +35,7 @@ CHECK_LIMIT = 7.0  # `kcodec2_spec check` of a large document, beside the parse;
 SECTIONS = (
     ("Features", "{}", "01", '"private_enc_feature_%d": true'),
     ("Presets", "{}", "2345", '"private_max_supported_preset_%d": %d00'),
-    ("NimbraModeBitrateTable", "[]", "6", "[%d0, %d9, 500]"),
+    ("NimbraModeBitrateTable", "[]", "6", "[%d0, %e0, 500]"),  # Row by row, without a gap.
     ("KC2CodecPlugins", "[]", "7", '"libkcodec2_plugin_%d.so"'),
     ("perf-resource-values", "{}", "8",
      '"private_perf_resource_values_%d": ["0x40800100", "0xFFF"]'),
@@ -78,7 +78,8 @@ def generated(count, only=None):
     for name, (opening, closing), of_ten, entry in SECTIONS:
         numbers = [number for number in range(1, count + 1)
                    if only == name or (only is None and str(number)[-1] in of_ten)]
-        lines = (entry.replace("%d", str(number)) for number in numbers)
+        lines = (entry.replace("%d", str(number)).replace("%e", str(number + 1))
+                 for number in numbers)
         if numbers:
             sections.append(f'        "{name}": {opening}\n            '
                             + ",\n            ".join(lines) + f"\n        {closing}")
