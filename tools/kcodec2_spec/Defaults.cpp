@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "Commands.h"
@@ -11,10 +13,9 @@
 
 namespace kc2::tool {
 
-int numberOfDefault() {
-    return chipDocumentFor("").number;
-}
+namespace {
 
+// Their numbers with their chips.
 std::string chipsOfDefaults() {
     std::map<int, std::string> chips;
     for (const ChipDocument& row : kChipDocuments) {
@@ -29,6 +30,7 @@ std::string chipsOfDefaults() {
     return text;
 }
 
+// Why a word is not the number of one; empty when it is.
 std::string whyNotDefault(const std::string& word) {
     for (const ChipDocument& row : kChipDocuments) {
         if (word == std::to_string(row.number)) {
@@ -46,6 +48,30 @@ int printDefault(int number) {
         }
     }
     return kExitUsage;
+}
+
+}  // namespace
+
+void addDefaultsCommand(CLI::App* app, int* exitCode) {
+    struct Arguments {
+        int number = chipDocumentFor("").number;  // Of a chip without a document for itself.
+        std::string variant;
+    };
+    const auto arguments = std::make_shared<Arguments>();
+    CLI::App* const command =
+            app->add_subcommand("defaults", "Print a built-in document, to start a new one from");
+    CLI::Option* const number =
+            command->add_option("NUMBER", arguments->number, "Which one: " + chipsOfDefaults())
+                    ->check(CLI::Validator(whyNotDefault, ""));
+    command->add_option("--variant", arguments->variant,
+                        "Instead of a number: the target variant whose chip it is for")
+            ->type_name("NAME")
+            ->excludes(number);
+    command->callback([=] {
+        *exitCode = printDefault(arguments->variant.empty()
+                                         ? arguments->number
+                                         : chipDocumentFor(arguments->variant).number);
+    });
 }
 
 }  // namespace kc2::tool

@@ -74,6 +74,17 @@ Document readDocumentFile(const std::string& path) {
     return readStream("document", path, stream);
 }
 
+std::string variantIn(const std::string& path) {
+    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        const size_t around = directory.size() + std::string(kSystemSpecName).size();
+        if (path.starts_with(directory) && path.ends_with(kSystemSpecName) &&
+            path.size() >= around) {
+            return path.substr(directory.size(), path.size() - around);
+        }
+    }
+    return std::string();
+}
+
 Load walkLoad() {
     Load load;
     load.variant = OS::SystemProperty::Get(kVariantProperty, kDefaultVariant);

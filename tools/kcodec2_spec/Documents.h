@@ -43,6 +43,10 @@ Document readDocument(std::string origin, std::string path, std::string text);
 // Reads a file of this machine; isReadable tells whether it could be.
 Document readDocumentFile(const std::string& path);
 
+// The variant that selects the document of this device path; empty when it needs none, or when no
+// variant does.
+std::string variantIn(const std::string& path);
+
 // The documents of one load, and why it is these.
 struct Load {
     std::string variant;       // As the property has it; kDefaultVariant when it is not set.

@@ -1,8 +1,10 @@
 // kcodec2_spec formats: the pixel formats of the video core.
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -71,6 +73,16 @@ int printFormats(const std::string& wanted) {
         }
     }
     return isFound ? kExitOk : printUnknown(wanted);
+}
+
+void addFormatsCommand(CLI::App* app, int* exitCode) {
+    const auto format = std::make_shared<std::string>();
+    CLI::App* const command = app->add_subcommand(
+            "formats", "Print the pixel formats: name, value, colour-format number, planes");
+    command->add_option("FORMAT", *format,
+                        "Only this one: its name, or its value in hexadecimal (0x...) or decimal, "
+                        "as a log line shows it");
+    command->callback([=] { *exitCode = printFormats(*format); });
 }
 
 }  // namespace kc2::tool

@@ -2,8 +2,10 @@
 
 #include <json/value.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,14 @@
 namespace kc2::tool {
 
 namespace {
+
+constexpr char kShowExample[] =
+        "A document that the device rejects is shown as rejected, and the exit code is 0: it is "
+        "for check to fail.\n"
+        "\n"
+        "Example:\n"
+        "  kcodec2_spec show --rootdir examples/device --property "
+        "vendor.media.target_variant=_orvelle";
 
 void printText(const Load& load, const std::vector<SnapshotSection>& sections) {
     std::printf("System spec document  %s\n", escaped(systemSpecStory(load)).c_str());
@@ -63,8 +73,6 @@ void printJson(const Load& load, const std::vector<SnapshotSection>& sections) {
     print(root);
 }
 
-}  // namespace
-
 int show(bool asJson) {
     // Before the load that is shown: on a device that one may seed the private file.
     muteLog();
@@ -76,6 +84,23 @@ int show(bool asJson) {
     unmuteLog();
     (asJson ? printJson : printText)(load, sections);
     return kExitOk;
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App* app, int* exitCode) {
+    const auto device = std::make_shared<DeviceOptions>();
+    const auto asJson = std::make_shared<bool>(false);
+    CLI::App* const command = app->add_subcommand(
+            "show", "Print the store as a codec component sees it, and where each value came from");
+    command->footer(kShowExample);
+    addDeviceOptions(*command, device.get());
+    addLogOption(*command, device.get());
+    command->add_flag("--json", *asJson, "Print JSON, for scripts");
+    command->callback([=] {
+        applyDeviceOptions(*device);
+        *exitCode = show(*asJson);
+    });
 }
 
 }  // namespace kc2::tool

@@ -7,13 +7,11 @@
 #include <string>
 
 #include "Commands.h"
-#include "DeviceOptions.h"
 #include "HelpText.h"
 #include "check/CheckCommand.h"
 #include "log/LogCommand.h"
 #include "platform/Version.h"
 #include "report/ReportCommand.h"
-#include "targetspec/reading/BuiltInDocuments.h"
 
 namespace {
 
@@ -32,14 +30,6 @@ constexpr char kExitCodes[] =
         "that cannot be read, or output that cannot be "
         "written.";
 
-constexpr char kShowExample[] =
-        "A document that the device rejects is shown as rejected, and the exit code is 0: it is "
-        "for check to fail.\n"
-        "\n"
-        "Example:\n"
-        "  kcodec2_spec show --rootdir examples/device --property "
-        "vendor.media.target_variant=_orvelle";
-
 int run(int argc, char** argv) {
     CLI::App app(kDescription, "kcodec2_spec");
     app.footer(kExitCodes);
@@ -47,48 +37,13 @@ int run(int argc, char** argv) {
     app.require_subcommand(0, 1);  // With none, a stray word is named rather than a command missed.
     int exitCode = kExitOk;
 
-    DeviceOptions device;
-    bool asJson = false;
-    CLI::App* const showCommand = app.add_subcommand(
-            "show", "Print the store as a codec component sees it, and where each value came from");
-    showCommand->footer(kShowExample);
-    addDeviceOptions(*showCommand, &device);
-    addLogOption(*showCommand, &device);
-    showCommand->add_flag("--json", asJson, "Print JSON, for scripts");
-    showCommand->callback([&] {
-        applyDeviceOptions(device);
-        exitCode = show(asJson);
-    });
-
+    addShowCommand(&app, &exitCode);
     addCheckCommand(&app, &exitCode);
     addLogCommand(&app, &exitCode);
     addDiffCommand(&app, &exitCode);
     addReportCommand(&app, &exitCode);
-
-    int number = numberOfDefault();
-    std::string variant;
-    CLI::App* const defaultsCommand =
-            app.add_subcommand("defaults", "Print a built-in document, to start a new one from");
-    CLI::Option* const numberOption =
-            defaultsCommand->add_option("NUMBER", number, "Which one: " + chipsOfDefaults())
-                    ->check(CLI::Validator(whyNotDefault, ""));
-    defaultsCommand
-            ->add_option("--variant", variant,
-                         "Instead of a number: the target variant whose chip it is for")
-            ->type_name("NAME")
-            ->excludes(numberOption);
-    defaultsCommand->callback([&] {
-        exitCode = printDefault(variant.empty() ? number : kc2::chipDocumentFor(variant).number);
-    });
-
-    std::string format;
-    CLI::App* const formatsCommand = app.add_subcommand(
-            "formats", "Print the pixel formats: name, value, colour-format number, planes");
-    formatsCommand->add_option("FORMAT", format,
-                               "Only this one: its name, or its value in hexadecimal (0x...) or "
-                               "decimal, as a log line shows it");
-    formatsCommand->callback([&] { exitCode = printFormats(format); });
-
+    addDefaultsCommand(&app, &exitCode);
+    addFormatsCommand(&app, &exitCode);
     addExplainCommand(&app, &exitCode);
     addSchemaCommand(&app, &exitCode);
     addManualCommand(&app, &exitCode);

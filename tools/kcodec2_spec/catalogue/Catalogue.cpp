@@ -47,7 +47,7 @@ public:
         }
         for (const std::string& name : value.getMemberNames()) {
             if (std::find(known.begin(), known.end(), name) == known.end()) {
-                fail(value[name], "the catalogue has no member \"" + escapedName(name) + "\" here");
+                fail(value[name], "the catalogue has no member \"" + escaped(name) + "\" here");
                 return false;
             }
         }
@@ -140,8 +140,6 @@ public:
         return values;
     }
 
-    static std::string escapedName(const std::string& name) { return escaped(name); }
-
 private:
     Source mSource;
     std::string mProblem;
@@ -231,7 +229,7 @@ PerfResourceCode readCode(EntryReader& reader, const Json::Value& entry) {
 }
 
 std::string shownKey(const std::string& name) {
-    return "\"" + EntryReader::escapedName(name) + "\"";
+    return "\"" + escaped(name) + "\"";
 }
 std::string shownKey(uint32_t code) {
     return hexadecimal(code);

@@ -44,22 +44,6 @@ bool isJson(const Document& document) {
     return document.isReadable;
 }
 
-void checkDocument(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    if (document.document.isReadable) {
-        if (isJson(document.document)) {
-            report->heedAllowances(document.source, document.document.comments);
-        }
-        applyReaderRules(document, known, report);
-        if (!document.document.path.empty()) {  // Nobody here can change a built-in document.
-            applyDocumentRules(document, known, report);
-            applyNameRules(document, known, report);
-            applyCodecRules(document, known, report);
-            applyValueRules(document, known, report);
-            applyPerfRules(document, known, report);
-        }
-    }
-}
-
 void checkTogether(const MergedDocuments& documents, const KnownSettings& known, Report* report) {
     applyMergeRules(documents, report);
     applyRowRules(documents, report);
@@ -183,6 +167,22 @@ std::unique_ptr<CheckedLoad> checkLoad(const KnownSettings& known, Report* repor
 }
 
 }  // namespace
+
+void checkDocument(const CheckedDocument& document, const KnownSettings& known, Report* report) {
+    if (document.document.isReadable) {
+        if (isJson(document.document)) {
+            report->heedAllowances(document.source, document.document.comments);
+        }
+        applyReaderRules(document, known, report);
+        if (!document.document.path.empty()) {  // Nobody here can change a built-in document.
+            applyDocumentRules(document, known, report);
+            applyNameRules(document, known, report);
+            applyCodecRules(document, known, report);
+            applyValueRules(document, known, report);
+            applyPerfRules(document, known, report);
+        }
+    }
+}
 
 CheckedDocument::CheckedDocument(std::string shownPath, Document read)
     : document(std::move(read)),

@@ -112,33 +112,6 @@ std::string lettersAndDigitsOf(std::string_view text) {
     return result;
 }
 
-// Calls visit(variant) for every variant that has a document under `directory`.
-template <typename Visit>
-void forEachVariantUnder(const std::string& directory, Visit visit) {
-    namespace fs = std::filesystem;
-    const fs::path parent = fs::path(directory).parent_path();
-    const std::string prefix = fs::path(directory).filename();
-    const auto visitChildren = [&](const std::string& devicePath, const auto& visitChild) {
-        std::error_code error;
-        for (fs::directory_iterator child(localPath(devicePath), error), end;
-             !error && child != end; child.increment(error)) {
-            visitChild(child->path().filename().string());
-        }
-    };
-    const auto visitIfDocument = [&](const std::string& variant) {
-        std::error_code error;
-        if (fs::exists(localPath(directory + variant + kSystemSpecName), error)) {
-            visit(variant);
-        }
-    };
-    visitChildren(parent, [&](const std::string& name) {
-        if (name.rfind(prefix, 0) == 0 && name != prefix) {
-            visitIfDocument(name.substr(prefix.size()));
-        }
-    });
-    visitChildren(directory, [&](const std::string& name) { visitIfDocument("/" + name); });
-}
-
 void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
     const Load& load = checked.load;
     if (!isVariantSet(load) || load.systemSpec.path == load.firstPath) {
@@ -146,17 +119,19 @@ void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
     }
     const std::string wanted = lettersAndDigitsOf(load.variant);
     for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        forEachVariantUnder(directory, [&](const std::string& variant) {
+        for (const std::string& variant : variantsInTree()) {
             const std::string found = lettersAndDigitsOf(variant);
+            std::error_code error;
             if (variant != load.variant &&
-                !nearest(wanted, std::vector<std::string>{found}).empty()) {
+                !nearest(wanted, std::vector<std::string>{found}).empty() &&
+                std::filesystem::exists(localPath(directory + variant + kSystemSpecName), error)) {
                 emit(checked.place, directory + variant + kSystemSpecName +
                                             " exists: the variant \"" + variant +
                                             "\" would select it, \"" + load.variant +
                                             "\" does not (it follows \"media\" as it is, with no "
                                             "\"/\" between)");
             }
-        });
+        }
     }
 }
 

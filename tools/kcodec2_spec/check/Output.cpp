@@ -32,22 +32,11 @@ std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputO
 
 std::string reversible(std::string_view bytes) {
     std::string text;
-    text.reserve(bytes.size());
-    while (!bytes.empty()) {
-        size_t length = plainLength(bytes);
-        if (bytes[0] == '\\') {
-            text += "\\\\";
-        } else if (length != 0) {
-            text += bytes.substr(0, length);
-        } else {
-            char escape[sizeof("\\xNN")];
-            std::snprintf(escape, sizeof(escape), "\\x%02X", static_cast<unsigned char>(bytes[0]));
-            text += escape;
-            length = 1;
-        }
-        bytes.remove_prefix(length);
+    for (size_t end = bytes.find('\\'); end != std::string_view::npos; end = bytes.find('\\')) {
+        text += escaped(bytes.substr(0, end)) + "\\\\";
+        bytes.remove_prefix(end + 1);
     }
-    return text;
+    return text + escaped(bytes);
 }
 
 std::string uriOf(std::string_view path) {

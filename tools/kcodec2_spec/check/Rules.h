@@ -65,6 +65,9 @@ void applyCodecRules(const CheckedDocument& document, const KnownSettings& known
 void applyValueRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
 void applyPerfRules(const CheckedDocument& document, const KnownSettings& known, Report* report);
 
+// All of these.
+void checkDocument(const CheckedDocument& document, const KnownSettings& known, Report* report);
+
 // What the merged documents come to.
 void applyMergeRules(const MergedDocuments& documents, Report* report);
 void applyRowRules(const MergedDocuments& documents, Report* report);

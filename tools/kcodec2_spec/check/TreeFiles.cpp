@@ -12,6 +12,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "Documents.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 
@@ -73,17 +74,11 @@ void visitFiles(const std::string& directory, int depth,
 std::set<std::string> variantsInTree() {
     constexpr int kDepth = 3;
     std::set<std::string> variants;
-    for (const std::string_view directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        const std::string parent(directory.substr(0, directory.rfind('/')));
-        visitFiles(parent, kDepth, [&](const std::string& path) {
-            if (path.starts_with(directory) && path.ends_with(kSystemSpecName)) {
-                variants.insert(
-                        path.substr(directory.size(),
-                                    path.size() - directory.size() - std::strlen(kSystemSpecName)));
-            }
-        });
+    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        visitFiles(directory.substr(0, directory.rfind('/')), kDepth,
+                   [&](const std::string& path) { variants.insert(variantIn(path)); });
     }
-    variants.erase("");  // Without a variant.
+    variants.erase("");  // Of what is not a variant's document.
     variants.erase(kDefaultVariant);
     return variants;
 }

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "Documents.h"
 #include "Text.h"
 #include "check/Rules.h"
 #include "check/TreeFiles.h"
@@ -44,15 +45,8 @@ bool isSelectable(const std::string& path) {
         path == std::string(kVendorSpecDirectory) + kSystemSpecName) {
         return true;
     }
-    for (const std::string_view directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        if (path.rfind(directory, 0) == 0 && path.ends_with(kSystemSpecName)) {
-            const std::string_view variant = std::string_view(path).substr(
-                    directory.size(),
-                    path.size() - directory.size() - std::string_view(kSystemSpecName).size());
-            return !variant.empty() && variant != kDefaultVariant;
-        }
-    }
-    return false;
+    const std::string variant = variantIn(path);
+    return !variant.empty() && variant != kDefaultVariant;
 }
 
 void checkUnselectable(const CheckedLoad& /*checked*/, const Emit& emit) {

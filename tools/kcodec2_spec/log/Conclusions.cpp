@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "Documents.h"
 #include "Text.h"
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
@@ -181,17 +182,6 @@ std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
         }
     }
     return outcomes;
-}
-
-std::string variantIn(const std::string& path) {
-    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        const size_t around = directory.size() + std::string(kSystemSpecName).size();
-        if (path.starts_with(directory) && path.ends_with(kSystemSpecName) &&
-            path.size() >= around) {
-            return path.substr(directory.size(), path.size() - around);
-        }
-    }
-    return std::string();
 }
 
 namespace {

@@ -47,7 +47,4 @@ struct Conclusion {
 // Everything that the log tells of one load and its process, in the order of the load.
 std::vector<Conclusion> conclude(const LoadStory& story);
 
-// The variant in a path that the library has built; empty when there is none.
-std::string variantIn(const std::string& path);
-
 }  // namespace kc2::tool
