@@ -12,9 +12,9 @@ cd "$(dirname "$0")/.."
 steps() {
     cat << 'STEPS'
 dev                 dev                 ctest --preset dev
-phone               phone               ctest --preset phone
+phone               phone,dev           ctest --preset phone && tool_tests phone
 phone-exceptions    phone-exceptions    ctest --preset phone-exceptions
-phone-overflow      phone-overflow      ctest --preset phone-overflow
+phone-overflow      phone-overflow,dev  ctest --preset phone-overflow && tool_tests phone-overflow
 arm64               arm64               ctest --preset arm64
 arm                 arm                 ctest --preset arm
 clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm64/libkcodec2_platform.so
@@ -29,7 +29,7 @@ report              dev                 scripts/check-report.py
 schema              dev                 scripts/check-schema.sh
 docs                -                   scripts/check-docs.sh
 commands            dev                 scripts/check-commands.py
-asan                asan                ctest --preset asan
+asan                asan,dev            ctest --preset asan && tool_tests asan
 fuzz                asan,phone-exceptions  scripts/fuzz.sh 10
 tsan                tsan                ctest --preset tsan
 STEPS
@@ -65,11 +65,18 @@ table=
 failed=
 started=$(date +%s)
 
+# A function for the commands above: the tool's tests, on the tool of a preset.
+# shellcheck disable=SC2016  # Expanded where the command runs.
+tool_tests='tool_tests() {
+    [ "$1" != asan ] || export KC2_TOOL_MEMORY=unlimited
+    KC2_SPEC_TOOL=$PWD/build/$1/kcodec2_spec build/dev/kcodec2_tool_tests --gtest_brief=1
+}
+'
 # run TITLE COMMAND: runs it, and adds a row to the table. Fails when it fails.
 run() {
     printf '\n== %s: %s\n' "$1" "$2"
     before=$(date +%s)
-    if sh -eu -c "$2"; then result=passed; else result=FAILED; fi
+    if sh -eu -c "$tool_tests $2"; then result=passed; else result=FAILED; fi
     row=$(printf '%-24s %-6s %5d s' "$1" $result $(($(date +%s) - before)))
     table="$table$row
 "

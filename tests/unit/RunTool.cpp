@@ -19,7 +19,7 @@ namespace {
 
 std::string commandFor(const std::string& arguments, const std::string& environment,
                        const std::string& directory) {
-    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " KC2_SPEC_TOOL " " +
+    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " + kTool + " " +
            arguments;
 }
 
