@@ -330,7 +330,7 @@ TEST_F(LogOfTreeTest, APulledDocumentThatIsNotThePhonesIsFound) {
 TEST(LogCommandTest, AHostileLogCostsLittleAndShowsNoRawByte) {
     const std::string tool =
             // In KiB of address space, of which AddressSanitizer reserves terabytes.
-            std::string("| (ulimit -v ${KC2_TOOL_MEMORY:-300000}; ") + kTool + " log)";
+            std::string("| (ulimit -v ${KC2_TOOL_MEMORY:-300000}; ") + kToolCommand + " log)";
     // One line of 200 MB; 50,000 lines of as many processes; binary.
     EXPECT_NE(std::string::npos, run("--version >/dev/null; head -c 200000000 /dev/zero " + tool)
                                          .output.find("No line"));

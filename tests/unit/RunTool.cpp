@@ -19,7 +19,7 @@ namespace {
 
 std::string commandFor(const std::string& arguments, const std::string& environment,
                        const std::string& directory) {
-    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " + kTool + " " +
+    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " + kToolCommand + " " +
            arguments;
 }
 

@@ -7,7 +7,7 @@
 namespace kc2::test {
 
 // The tool in a shell's command line; the variable KC2_SPEC_TOOL may name another build's.
-inline constexpr char kTool[] = "${KC2_SPEC_TOOL:-" KC2_SPEC_TOOL "}";
+inline constexpr char kToolCommand[] = "${KC2_SPEC_TOOL:-" KC2_SPEC_TOOL "}";
 
 struct Result {
     std::string output;  // Of both streams.
