@@ -53,7 +53,9 @@ private:
         switch (slash + 1 < mText.size() ? mText[slash + 1] : '\0') {
             case '/':
                 end = endOfLine(slash);
-                std::fill(mBytes.begin() + slash, mBytes.begin() + end, ' ');
+                for (char& c : mBytes.subspan(slash, end - slash)) {
+                    c = ' ';
+                }
                 break;
             case '*':
                 end = mText.find("*/", slash + 2);
