@@ -21,7 +21,7 @@ clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm6
 style               phone               scripts/check-style.sh
 android-bp          -                   scripts/check-android-bp.py
 abi                 -                   scripts/check-abi.sh
-soong               -                   scripts/check-soong.py
+soong               -                   scripts/check-soong.py --graph
 image               dev                 scripts/check-image.sh
 performance         bench               scripts/check-performance.py
 package             dev                 scripts/check-package.sh
@@ -30,7 +30,7 @@ schema              dev                 scripts/check-schema.sh
 docs                -                   scripts/check-docs.sh
 commands            dev                 scripts/check-commands.py
 asan                asan,dev            ctest --preset asan && tool_tests asan
-fuzz                asan,phone-exceptions  scripts/fuzz.sh 10
+fuzz                asan,phone-exceptions  scripts/fuzz.sh 5
 tsan                tsan                ctest --preset tsan
 STEPS
 }
