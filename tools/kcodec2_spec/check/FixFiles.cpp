@@ -8,13 +8,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <vector>
 
 #include "Documents.h"
+#include "OutputFile.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -49,25 +49,6 @@ void printLine(char mark, std::string_view line) {
         at = tab + 1;
     }
     std::printf("%s\n%s", hasReturn ? "\r" : "", isEnded ? "" : "\\ No newline at end of file\n");
-}
-
-bool writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        text.remove_prefix(written > 0 ? static_cast<size_t>(written) : 0);
-    }
-    return true;
-}
-
-// Whether the file system took the text, with the owner and the mode of the file before.
-bool finish(int descriptor, std::string_view text, const struct stat& before) {
-    // The owner of a file that belongs to somebody else can be kept by the superuser alone.
-    [[maybe_unused]] const int owned = fchown(descriptor, before.st_uid, before.st_gid);
-    return writeAll(descriptor, text) && fchmod(descriptor, before.st_mode & 07777) == 0 &&
-           fsync(descriptor) == 0;
 }
 
 }  // namespace
@@ -135,28 +116,15 @@ std::string replaceFile(const std::string& path, const std::string& before,
     if (error || stat(real.c_str(), &status) != 0) {
         return error ? error.message() : std::strerror(errno);
     }
-    std::string beside = (real.parent_path() / ("." + real.filename().string() + ".XXXXXX"));
-    const int descriptor = mkstemp(beside.data());
-    if (descriptor < 0) {
-        return std::strerror(errno);
-    }
-    std::string wrong;
-    if (!finish(descriptor, after, status)) {
-        wrong = std::strerror(errno);
-    }
-    if (close(descriptor) != 0 && wrong.empty()) {
-        wrong = std::strerror(errno);
-    }
-    if (wrong.empty() && readDocumentFile(real).text != before) {
-        wrong = "it has changed meanwhile";
-    }
-    if (wrong.empty() && std::rename(beside.c_str(), real.c_str()) != 0) {
-        wrong = std::strerror(errno);
-    }
-    if (!wrong.empty()) {
-        unlink(beside.c_str());
-    }
-    return wrong;
+    const auto finish = [&](int descriptor) {
+        // The owner of a file that belongs to somebody else can be kept by the superuser alone.
+        [[maybe_unused]] const int owned = fchown(descriptor, status.st_uid, status.st_gid);
+        return fchmod(descriptor, status.st_mode & 07777) == 0 && fsync(descriptor) == 0;
+    };
+    return replaceWhole(real, after, finish, [&] {
+        const bool isSame = readDocumentFile(real).text == before;
+        return std::string(isSame ? "" : "it has changed meanwhile");
+    });
 }
 
 }  // namespace kc2::tool
