@@ -17,7 +17,10 @@ inline constexpr int kExitUsage = 2;     // Wrong usage, a file not read, output
 
 // Each adds its command, which sets the exit code when it is the one that is asked for.
 void addShowCommand(CLI::App* app, int* exitCode);
+void addCheckCommand(CLI::App* app, int* exitCode);
+void addLogCommand(CLI::App* app, int* exitCode);
 void addDiffCommand(CLI::App* app, int* exitCode);
+void addReportCommand(CLI::App* app, int* exitCode);
 void addDefaultsCommand(CLI::App* app, int* exitCode);
 void addFormatsCommand(CLI::App* app, int* exitCode);
 void addExplainCommand(CLI::App* app, int* exitCode);

@@ -8,10 +8,7 @@
 
 #include "Commands.h"
 #include "HelpText.h"
-#include "check/CheckCommand.h"
-#include "log/LogCommand.h"
 #include "platform/Version.h"
-#include "report/ReportCommand.h"
 
 namespace {
 

@@ -1,7 +1,5 @@
 // The check command's options.
 
-#include "check/CheckCommand.h"
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>

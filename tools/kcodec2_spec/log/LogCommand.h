@@ -1,11 +1,7 @@
-// The command "log": its options, and what it does.
+// The command "log": what its options ask for, and what it does.
 #pragma once
 
 #include <string>
-
-namespace CLI {
-class App;
-}
 
 namespace kc2::tool {
 
@@ -14,9 +10,6 @@ struct LogOptions {
     bool hasTree = false;         // The documents were pulled, too.
     bool isVariantGiven = false;  // By an option; otherwise the log's counts.
 };
-
-// Adds the command; it sets `exitCode`, which must outlive the parse.
-void addLogCommand(CLI::App* app, int* exitCode);
 
 // Tells what the log in that file, or on standard input for "-", shows.
 int tellLog(const std::string& path, const LogOptions& options);

@@ -1,7 +1,5 @@
 // kcodec2_spec report: one page for an image, for those who review it.
 
-#include "report/ReportCommand.h"
-
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
