@@ -34,8 +34,17 @@ public:
         for (size_t column = 0; column < snapshots.size(); ++column) {
             addColumn(column);
         }
-        for (size_t column = 1; column < snapshots.size(); ++column) {
-            markDifferences(column);
+    }
+
+    // Marks what one column does otherwise than the first.
+    void mark(const std::vector<Change>& changes, size_t column) {
+        for (const Change& change : changes) {
+            if (change.before != nullptr) {
+                mark(mRowsOfEntries[0][change.indexBefore], column);
+            }
+            if (change.after != nullptr) {
+                mark(mRowsOfEntries[column][change.indexAfter], column);
+            }
         }
     }
 
@@ -78,19 +87,6 @@ private:
         row->isDifferent = true;
     }
 
-    void markDifferences(size_t column) {
-        for (const SectionChanges& section : differencesOf({sectionOf(0)}, {sectionOf(column)})) {
-            for (const Change& change : section.changes) {
-                if (change.before != nullptr) {
-                    mark(mRowsOfEntries[0][change.indexBefore], column);
-                }
-                if (change.after != nullptr) {
-                    mark(mRowsOfEntries[column][change.indexAfter], column);
-                }
-            }
-        }
-    }
-
     const std::vector<Snapshot>& mSnapshots;
     size_t mSection;
     std::list<MatrixRow> mRows;
@@ -101,9 +97,21 @@ private:
 }  // namespace
 
 std::vector<MatrixSection> matrixOf(const std::vector<Snapshot>& snapshots) {
+    const Snapshot& first = snapshots.front();
+    std::vector<RowBuilder> builders;
+    builders.reserve(first.size());
+    for (size_t i = 0; i < first.size(); ++i) {
+        builders.emplace_back(snapshots, i);
+    }
+    for (size_t column = 1; column < snapshots.size(); ++column) {
+        for (const SectionChanges& changes : differencesOf(first, snapshots[column])) {
+            builders[static_cast<size_t>(changes.before - first.data())].mark(changes.changes,
+                                                                              column);
+        }
+    }
     std::vector<MatrixSection> sections;
-    for (size_t i = 0; i < snapshots.front().size(); ++i) {
-        MatrixSection section = {&snapshots.front()[i], RowBuilder(snapshots, i).take(), 0};
+    for (size_t i = 0; i < first.size(); ++i) {
+        MatrixSection section = {&first[i], builders[i].take(), 0};
         section.differences = static_cast<size_t>(
                 std::count_if(section.rows.begin(), section.rows.end(),
                               [](const MatrixRow& row) { return row.isDifferent; }));
