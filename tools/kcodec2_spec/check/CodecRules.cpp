@@ -20,16 +20,6 @@ namespace {
 constexpr std::string_view kDecoder = "decoder";
 constexpr std::string_view kEncoder = "encoder";
 
-struct CodecRule {
-    Rule rule;
-    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
-};
-
-struct CodecMergeRule {
-    Rule rule;
-    void (*check)(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit);
-};
-
 // The parts of a name between its dots, as far as rules look at them.
 struct ComponentName {
     explicit ComponentName(std::string_view name) {
@@ -141,7 +131,7 @@ void checkRepeatedComponents(const CheckedDocument& checked, const KnownSettings
     });
 }
 
-constexpr CodecRule kCodecRules[] = {
+constexpr DocumentRule kCodecRules[] = {
         {{"codec-misspelt", Severity::Warning, "a component that is nearly a known one"},
          checkMisspeltComponents},
         {{"codec-name-form", Severity::Note, "a codec name unlike that of a component"},
@@ -271,7 +261,7 @@ void checkOneKind(const MergedDocuments& documents, const KnownSettings& /*known
     }
 }
 
-constexpr CodecMergeRule kCodecMergeRules[] = {
+constexpr DocumentsRule kCodecMergeRules[] = {
         {{"variant-without-base", Severity::Warning,
           "a secure or low-latency component without the one that it is a variant of"},
          checkVariantsWithoutBase},

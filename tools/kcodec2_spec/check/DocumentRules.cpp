@@ -19,11 +19,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct DocumentRule {
-    Rule rule;
-    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
-};
-
 void visitAll(const OutlineNode& node, const std::function<void(const OutlineNode&)>& visit) {
     visit(node);
     for (const OutlineNode& child : node.children) {

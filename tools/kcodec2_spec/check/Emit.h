@@ -37,6 +37,16 @@ private:
     Report& mReport;
 };
 
+// A row of a table of rules: what the rule is, and the function that looks at the inputs.
+template <typename... Inputs>
+struct RuleRow {
+    Rule rule;
+    void (*check)(const Inputs&... inputs, const Emit& emit);
+};
+
+using DocumentRule = RuleRow<CheckedDocument, KnownSettings>;
+using DocumentsRule = RuleRow<MergedDocuments, KnownSettings>;
+
 // Calls the function of each row with what the rules of the table look at.
 template <typename Row, size_t N, typename... Inputs>
 void applyRows(const Row (&rows)[N], Report* report, const Inputs&... inputs) {

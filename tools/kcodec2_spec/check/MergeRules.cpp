@@ -11,11 +11,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct MergeRule {
-    Rule rule;
-    void (*check)(const MergedDocuments& documents, const Emit& emit);
-};
-
 Span spanOf(const KeptFinding& finding) {
     return {finding.start, finding.limit};
 }
@@ -138,7 +133,7 @@ void checkResetLevels(const MergedDocuments& documents, const Emit& emit) {
     compare(targetSpecDVMaxHighTierLevel, before->high, after->high);
 }
 
-constexpr MergeRule kMergeRules[] = {
+constexpr RuleRow<MergedDocuments> kMergeRules[] = {
         {{"listed-twice", Severity::Warning, "an entry that ends up twice in a list"},
          checkListedTwice},
         {{"no-codecs", Severity::Warning, "codec sections that name no component: all are enabled"},

@@ -18,11 +18,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct NameRule {
-    Rule rule;
-    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
-};
-
 // --- Known settings ---
 
 bool isTaken(const SpecDocument& content, SectionType type, const std::string& name) {
@@ -311,7 +306,7 @@ void checkOddNames(const CheckedDocument& checked, const KnownSettings& known, c
     });
 }
 
-constexpr NameRule kNameRules[] = {
+constexpr DocumentRule kNameRules[] = {
         {{"setting-misplaced", Severity::Warning, "a known setting in another section than its"},
          checkMisplacedSettings},
         {{"name-misspelt", Severity::Warning, "a setting that is nearly a known one"},

@@ -14,11 +14,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct OverlayRule {
-    Rule rule;
-    void (*check)(const CheckedLoad& checked, const Emit& emit);
-};
-
 std::string listOf(const std::set<std::string>& names, size_t most) {
     std::string list;
     size_t count = 0;
@@ -136,7 +131,7 @@ void tellUnreadBuiltIn(const CheckedLoad& checked, const Emit& emit) {
     }
 }
 
-constexpr OverlayRule kOverlayRules[] = {
+constexpr RuleRow<CheckedLoad> kOverlayRules[] = {
         {{"codecs-added", Severity::Note,
           "components that the built-in document adds to those of the spec"},
          checkAddedCodecs},

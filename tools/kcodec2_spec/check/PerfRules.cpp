@@ -16,11 +16,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct PerfRule {
-    Rule rule;
-    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
-};
-
 // Calls visit(member, list of words) for each use case whose words the device takes.
 template <typename Visit>
 void forEachUseCase(const CheckedDocument& checked, Visit visit) {
@@ -134,7 +129,7 @@ void checkOddLengths(const CheckedDocument& checked, const KnownSettings& /*know
     });
 }
 
-constexpr PerfRule kPerfRules[] = {
+constexpr DocumentRule kPerfRules[] = {
         {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
          checkOddLengths},
         {{"perf-word-prefix", Severity::Warning, "a perf word without 0x among words with it"},

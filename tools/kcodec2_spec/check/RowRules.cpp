@@ -138,11 +138,6 @@ Rows rowsOf(const MergedDocuments& documents) {
     return rows;
 }
 
-struct RowRule {
-    Rule rule;
-    void (*check)(const Rows& rows, const Emit& emit);
-};
-
 void checkRowsThatMatchNothing(const Rows& rows, const Emit& emit) {
     for (const PlacedRow& placed : rows) {
         if (placed.matchesNothing()) {
@@ -332,7 +327,7 @@ void checkOrder(const Rows& rows, const Emit& emit) {
     }
 }
 
-constexpr RowRule kRowRules[] = {
+constexpr RuleRow<Rows> kRowRules[] = {
         {{"row-matches-nothing", Severity::Warning, "a bit-rate row that holds no value"},
          checkRowsThatMatchNothing},
         {{"row-hidden", Severity::Warning, "a bit-rate row that earlier rows hide wholly"},

@@ -17,16 +17,6 @@ namespace kc2::tool {
 
 namespace {
 
-struct ValueRule {
-    Rule rule;
-    void (*check)(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit);
-};
-
-struct DependencyRule {
-    Rule rule;
-    void (*check)(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit);
-};
-
 const OutlineNode* memberOf(const CheckedDocument& checked, const std::string& section,
                             const std::string& name) {
     const OutlineNode* const node = checked.section(section.c_str());
@@ -227,7 +217,7 @@ void checkEmptySections(const CheckedDocument& checked, const KnownSettings& /*k
     });
 }
 
-constexpr ValueRule kValueRules[] = {
+constexpr DocumentRule kValueRules[] = {
         {{"value-range", Severity::Warning, "a preset below or above what it may be"}, checkRanges},
         {{"value-unknown", Severity::Warning, "a preset with a value or a bit that does not exist"},
          checkListedValues},
@@ -314,7 +304,7 @@ void checkOrder(const MergedDocuments& documents, const KnownSettings& known, co
     }
 }
 
-constexpr DependencyRule kDependencyRules[] = {
+constexpr DocumentsRule kDependencyRules[] = {
         {{"feature-needed", Severity::Warning, "a preset whose feature is not on"},
          checkNeededFeatures},
         {{"above-other", Severity::Warning, "a preset above the one that limits it"}, checkOrder},
