@@ -131,32 +131,29 @@ TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
 }
 
 TEST(CatalogueTest, AVendorsFileAddsNamesAndMustNotContradict) {
-    const struct {
-        const char* arguments;
-        int exitCode;
-        const char* text;  // Somewhere in the output.
-    } rows[] = {
-            {"vendor_x_mode --settings vendor.json", 0, "range     1 to 4\n"},
-            {"vendor_x_mode --settings vendor.json --settings same.json", 0, "range     1 to 4\n"},
-            {"vendor_x_mode --settings vendor.json --settings other.json", 2,
-             "other.json:3:9: \"vendor_x_mode\" is defined already, at vendor.json:3:9"},
-            {"x --settings known.json", 2,
-             "known.json:3:9: \"private_complexity\" is defined already, at built-in settings:"},
-            {"x --settings range.json", 2, "range.json:5:21: \"minimum\" is above \"maximum\""},
-            {"x --settings member.json", 2, "member.json:4:21: the catalogue has no member"},
-            {"x --settings broken.json", 2, "broken.json:2:18: "},
-            {"x --settings none.json", 2, "none.json: No such file"},
-            {"private_complexity", 0, "section   Presets"},
-            {"c2.kvx.mvhevc.decoder.secure", 0, "chips     other"},
-            {"0x40c00000", 0, "all cores"},
-            {"private_complexty", 1, "Did you mean private_complexity?"},
-    };
-    for (const auto& row : rows) {
-        const auto [output, exitCode] =
-                run(std::string("explain ") + row.arguments, "tests/unit/catalogue");
-        EXPECT_EQ(row.exitCode, exitCode) << row.arguments << "\n" << output;
-        EXPECT_NE(std::string::npos, output.find(row.text)) << row.arguments << "\n" << output;
-    }
+    expectAnswers(
+            "explain ",
+            {
+                    {"vendor_x_mode --settings vendor.json", 0, "range     1 to 4\n"},
+                    {"vendor_x_mode --settings vendor.json --settings same.json", 0,
+                     "range     1 to 4\n"},
+                    {"vendor_x_mode --settings vendor.json --settings other.json", 2,
+                     "other.json:3:9: \"vendor_x_mode\" is defined already, at vendor.json:3:9"},
+                    {"x --settings known.json", 2,
+                     "known.json:3:9: \"private_complexity\" is defined already, at built-in "
+                     "settings:"},
+                    {"x --settings range.json", 2,
+                     "range.json:5:21: \"minimum\" is above \"maximum\""},
+                    {"x --settings member.json", 2,
+                     "member.json:4:21: the catalogue has no member"},
+                    {"x --settings broken.json", 2, "broken.json:2:18: "},
+                    {"x --settings none.json", 2, "none.json: No such file"},
+                    {"private_complexity", 0, "section   Presets"},
+                    {"c2.kvx.mvhevc.decoder.secure", 0, "chips     other"},
+                    {"0x40c00000", 0, "all cores"},
+                    {"private_complexty", 1, "Did you mean private_complexity?"},
+            },
+            "tests/unit/catalogue");
 }
 
 }  // namespace

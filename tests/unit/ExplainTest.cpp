@@ -64,33 +64,28 @@ TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
 TEST(ExplainTest, TellsEveryKindOfName) {
     const std::string device =
             " --rootdir tests/unit/check/load-traps --property vendor.media.target_variant=";
-    const struct {
-        std::string arguments;
-        int exitCode;
-        const char* text;  // Somewhere in the output.
-    } rows[] = {
-            {"private_complexity", 0, "  built-in  50 (brel, mirt, document 1)\n"},
-            {"private_set_cpu_affinity", 0, "  built-in  not set (brel, mirt, document 1)\n"},
-            {"private_perf_resource_values_video_decode", 0,
-             "  built-in  [\"0x40800000\",\"0x5DC\"] (other chips, document 3)\n"},
-            {"DolbyVision", 0, "replaces both levels"},
-            {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
-            {"0x7FA30C09", 0, "TAMRA_TP10"},
-            {"real-truncated", 0, "  mended    {\"Video\": {\"Presets\""},
-            {"'parse json from file'", 0, "Couldn't parse json from file stream\n  log       E"},
-            {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0, "Failed to open %s... Exit!"},
-            {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
-             "Skipped %s in %s: %s\n"},
-            {"real-truncatd", 1, "Did you mean real-truncated?"},
-            {"nv12", 1, "Did you mean TAMRA_NV12?"},
-            {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},
-            {"no_such_name" + device, 1, "no document sets it"},
-    };
-    for (const auto& row : rows) {
-        const auto [output, exitCode] = run("explain " + row.arguments);
-        EXPECT_EQ(row.exitCode, exitCode) << row.arguments << "\n" << output;
-        EXPECT_NE(std::string::npos, output.find(row.text)) << row.arguments << "\n" << output;
-    }
+    expectAnswers("explain ",
+                  {
+                          {"private_complexity", 0, "  built-in  50 (brel, mirt, document 1)\n"},
+                          {"private_set_cpu_affinity", 0,
+                           "  built-in  not set (brel, mirt, document 1)\n"},
+                          {"private_perf_resource_values_video_decode", 0,
+                           "  built-in  [\"0x40800000\",\"0x5DC\"] (other chips, document 3)\n"},
+                          {"DolbyVision", 0, "replaces both levels"},
+                          {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
+                          {"0x7FA30C09", 0, "TAMRA_TP10"},
+                          {"real-truncated", 0, "  mended    {\"Video\": {\"Presets\""},
+                          {"'parse json from file'", 0,
+                           "Couldn't parse json from file stream\n  log       E"},
+                          {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
+                           "Failed to open %s... Exit!"},
+                          {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
+                           "Skipped %s in %s: %s\n"},
+                          {"real-truncatd", 1, "Did you mean real-truncated?"},
+                          {"nv12", 1, "Did you mean TAMRA_NV12?"},
+                          {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},
+                          {"no_such_name" + device, 1, "no document sets it"},
+                  });
 }
 
 // The first document that sets a name wins; the other's value is told as lost.

@@ -34,6 +34,16 @@ Result run(const std::string& arguments, const std::string& directory) {
     return {output, WEXITSTATUS(pclose(pipe))};
 }
 
+void expectAnswers(const std::string& command, const std::vector<Answer>& rows,
+                   const std::string& directory) {
+    for (const Answer& row : rows) {
+        const Result result = run(command + row.arguments, directory);
+        EXPECT_EQ(row.exitCode, result.exitCode) << row.arguments << "\n" << result.output;
+        EXPECT_NE(std::string::npos, result.output.find(row.text)) << row.arguments << "\n"
+                                                                   << result.output;
+    }
+}
+
 Result runOnTerminal(const std::string& arguments, unsigned short columns,
                      const std::string& environment, const std::string& directory) {
     const std::string command = commandFor(arguments, environment, directory);

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace kc2::test {
 
@@ -16,6 +17,17 @@ struct Result {
 
 // Through a shell, in a directory of the source tree.
 Result run(const std::string& arguments, const std::string& directory = ".");
+
+// A command line, and what must come of it.
+struct Answer {
+    std::string arguments;
+    int exitCode;
+    std::string text;  // Somewhere in the output.
+};
+
+// Runs `command` with the arguments of each row.
+void expectAnswers(const std::string& command, const std::vector<Answer>& rows,
+                   const std::string& directory = ".");
 
 // On a terminal of that many columns, with these variables in front: "TERM=xterm".
 Result runOnTerminal(const std::string& arguments, unsigned short columns,

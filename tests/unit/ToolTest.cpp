@@ -20,63 +20,59 @@ namespace {
 TEST(ToolTest, EachCommandAnswers) {
     const std::string tree = "show --rootdir examples/device ";
     const std::string variant = "--property vendor.media.target_variant=";
-    const struct {
-        std::string arguments;
-        int exitCode;
-        const char* text;  // Somewhere in the output.
-    } rows[] = {
-            {tree + variant + "_orvelle", 0, "max_main_tier_level  9  system spec\n"},
-            {tree + variant + "_orvelle", 0, "libkc2_plugin_frame_dump.so  private file\n"},
-            {tree + variant + "_orvelle", 0,
-             "private_perf_resource_values_video_encode  0x40800000=0xFFF 0x40C00000=0x1  system"},
-            {tree + "--log info", 0, "I/KC2TargetSpec("},
-            {"show --rootdir scripts " + variant + "_mirt", 0,
-             "built-in document 1 (\"mirt\" in the"},
-            {"show --json --rootdir examples/device", 0, "\"private_complexity\" : \n"},
-            {"show --rootdir no/such/directory", 2, "Directory does not exist: no/such/directory"},
-            {"show --dirmap vendor:examples", 2, "not of the form /PREFIX:DIR"},
-            {"show --property name", 2, "not of the form NAME=VALUE"},
-            {"show --colour", 2, "--colour"},
-            {"show --log warn", 2, "\"warn\" is neither quiet, info nor debug"},
-            {"show --rootdir examples/device > /dev/full", 2, ""},
-            {"check --disable unreadable none.json", 2, "\"unreadable\" is always an error"},
-            {"", 2, "subcommand is required"},
-            {"--help", 0, "Exit codes:"},
-            {"defaults 1", 0, "Built-in document 1"},
-            {"defaults --variant _orvelle", 0, "Built-in document 2"},
-            {"defaults 4", 2,
-             "there is no built-in document 4: 1 (brel, mirt), 2 (orvelle), 3 (all"},
-            {"formats", 0, "TAMRA_TP10                0x7FA30C09  2141391881  5       Y UV Y_META"},
-            {"formats 2141391881", 0, "TAMRA_TP10"},
-            {"formats 0x7fa30c09", 0, "TAMRA_TP10"},
-            {"formats 0X07FA30C09", 0, "TAMRA_TP10"},
-            {"formats 7FA30C09", 1, "7FA30C09 is"},
-            {"formats 0x", 1, "0x is"},
-            {"formats 0x17FA30C09", 1, "0x17FA30C09 is"},
-            {"formats 0x7FA30C09h", 1, "0x7FA30C09h is"},
-            {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
-            {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
-            {"formats nv12", 1, "Did you mean TAMRA_NV12?"},
-            // A third of the letters and one may be wrong, and one more may not.
-            {"formats RGBA_xxxx", 1, "Did you mean RGBA_FP16?"},
-            {"formats RGBAxxxxx", 1, "\"kcodec2_spec formats\" lists them."},
-            {"show --rootdir tests/unit/check/load-variant " + variant + "trail", 0,
-             "/vendor/etc/video_system_specs.json (fallback: /vendor/etc/mediatrail/"},
-            {"formats 0x127", 1,
-             "0x127 is not a pixel format of the video core. \"kcodec2_spec formats\""},
-            {"formats 026", 1, "026 is not a pixel format"},
-            {"formats rgba_fp16", 0, "RGBA_FP16"},
-            {"chek", 2, "not expected: chek. Did you mean check?"},
-            {"check --fromat json", 2, "Did you mean --format?"},
-            {"--version", 0, "kcodec2_spec "},
-            {"check --rootdir examples/device README.md", 2, "--rootdir"},
-    };
-    for (const auto& row : rows) {
-        const Result result = run(row.arguments);
-        EXPECT_EQ(row.exitCode, result.exitCode) << row.arguments << "\n" << result.output;
-        EXPECT_NE(std::string::npos, result.output.find(row.text)) << row.arguments << "\n"
-                                                                   << result.output;
-    }
+    expectAnswers(
+            "",
+            {
+                    {tree + variant + "_orvelle", 0, "max_main_tier_level  9  system spec\n"},
+                    {tree + variant + "_orvelle", 0, "libkc2_plugin_frame_dump.so  private file\n"},
+                    {tree + variant + "_orvelle", 0,
+                     "private_perf_resource_values_video_encode  0x40800000=0xFFF 0x40C00000=0x1  "
+                     "system"},
+                    {tree + "--log info", 0, "I/KC2TargetSpec("},
+                    {"show --rootdir scripts " + variant + "_mirt", 0,
+                     "built-in document 1 (\"mirt\" in the"},
+                    {"show --json --rootdir examples/device", 0, "\"private_complexity\" : \n"},
+                    {"show --rootdir no/such/directory", 2,
+                     "Directory does not exist: no/such/directory"},
+                    {"show --dirmap vendor:examples", 2, "not of the form /PREFIX:DIR"},
+                    {"show --property name", 2, "not of the form NAME=VALUE"},
+                    {"show --colour", 2, "--colour"},
+                    {"show --log warn", 2, "\"warn\" is neither quiet, info nor debug"},
+                    {"show --rootdir examples/device > /dev/full", 2, ""},
+                    {"check --disable unreadable none.json", 2,
+                     "\"unreadable\" is always an error"},
+                    {"", 2, "subcommand is required"},
+                    {"--help", 0, "Exit codes:"},
+                    {"defaults 1", 0, "Built-in document 1"},
+                    {"defaults --variant _orvelle", 0, "Built-in document 2"},
+                    {"defaults 4", 2,
+                     "there is no built-in document 4: 1 (brel, mirt), 2 (orvelle), 3 (all"},
+                    {"formats", 0,
+                     "TAMRA_TP10                0x7FA30C09  2141391881  5       Y UV Y_META"},
+                    {"formats 2141391881", 0, "TAMRA_TP10"},
+                    {"formats 0x7fa30c09", 0, "TAMRA_TP10"},
+                    {"formats 0X07FA30C09", 0, "TAMRA_TP10"},
+                    {"formats 7FA30C09", 1, "7FA30C09 is"},
+                    {"formats 0x", 1, "0x is"},
+                    {"formats 0x17FA30C09", 1, "0x17FA30C09 is"},
+                    {"formats 0x7FA30C09h", 1, "0x7FA30C09h is"},
+                    {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
+                    {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
+                    {"formats nv12", 1, "Did you mean TAMRA_NV12?"},
+                    // A third of the letters and one may be wrong, and one more may not.
+                    {"formats RGBA_xxxx", 1, "Did you mean RGBA_FP16?"},
+                    {"formats RGBAxxxxx", 1, "\"kcodec2_spec formats\" lists them."},
+                    {"show --rootdir tests/unit/check/load-variant " + variant + "trail", 0,
+                     "/vendor/etc/video_system_specs.json (fallback: /vendor/etc/mediatrail/"},
+                    {"formats 0x127", 1,
+                     "0x127 is not a pixel format of the video core. \"kcodec2_spec formats\""},
+                    {"formats 026", 1, "026 is not a pixel format"},
+                    {"formats rgba_fp16", 0, "RGBA_FP16"},
+                    {"chek", 2, "not expected: chek. Did you mean check?"},
+                    {"check --fromat json", 2, "Did you mean --format?"},
+                    {"--version", 0, "kcodec2_spec "},
+                    {"check --rootdir examples/device README.md", 2, "--rootdir"},
+            });
 }
 
 // tests/unit/check/ holds documents and device trees, each with its report in expected/.

@@ -108,25 +108,19 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
 }
 
 TEST(TreeCheckTest, MisusedOptionsAreTold) {
-    const struct {
-        const char* arguments;
-        int exitCode;
-        const char* text;
-    } rows[] = {
-            {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 0,
-             "the library reads vendor.media.target_variant only"},
-            {"--rootdir examples/device --dirmap /oem:docs", 0, "--dirmap /oem:docs has no effect"},
-            {"examples/device", 2, "For a device tree write --rootdir examples/device"},
-            {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
-            {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
-            {"--all-variants --fix --rootdir examples/device", 2, "--fix does not go together"},
-    };
-    for (const auto& row : rows) {
-        const Result result = run(std::string("check ") + row.arguments);
-        EXPECT_EQ(row.exitCode, result.exitCode) << row.arguments << "\n" << result.output;
-        EXPECT_NE(std::string::npos, result.output.find(row.text)) << row.arguments << "\n"
-                                                                   << result.output;
-    }
+    expectAnswers(
+            "check ",
+            {
+                    {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 0,
+                     "the library reads vendor.media.target_variant only"},
+                    {"--rootdir examples/device --dirmap /oem:docs", 0,
+                     "--dirmap /oem:docs has no effect"},
+                    {"examples/device", 2, "For a device tree write --rootdir examples/device"},
+                    {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
+                    {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
+                    {"--all-variants --fix --rootdir examples/device", 2,
+                     "--fix does not go together"},
+            });
     const Result fine =
             run("check --werror --all-variants --rootdir examples/device --dirmap "
                 "/odm:examples/device/odm");
