@@ -6,16 +6,16 @@
 
 namespace kc2 {
 
-size_t plainLength(std::string_view text) {
+size_t utf8Length(std::string_view text) {
     const auto byte = [text](size_t at) {
         return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
     };
     const unsigned first = byte(0);
     if (first < 0x80) {
-        return first >= ' ' && first != 0x7F ? 1 : 0;
+        return text.empty() ? 0 : 1;
     }
-    if (first < 0xC2 || first > 0xF4 || (first == 0xC2 && byte(1) < 0xA0)) {
-        return 0;  // No first byte, or a control character of ISO 8859.
+    if (first < 0xC2 || first > 0xF4) {
+        return 0;
     }
     if ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xF0 && byte(1) < 0x90) ||
         (first == 0xED && byte(1) > 0x9F) || (first == 0xF4 && byte(1) > 0x8F)) {
@@ -28,6 +28,14 @@ size_t plainLength(std::string_view text) {
         }
     }
     return length;
+}
+
+size_t plainLength(std::string_view text) {
+    const size_t length = utf8Length(text);
+    const auto byte = [text](size_t at) { return static_cast<unsigned char>(text[at]); };
+    const bool isControl = (length == 1 && (byte(0) < ' ' || byte(0) == 0x7F)) ||
+                           (length == 2 && byte(0) == 0xC2 && byte(1) < 0xA0);  // Of ISO 8859.
+    return isControl ? 0 : length;
 }
 
 std::string escaped(std::string_view text) {

@@ -11,6 +11,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
@@ -18,19 +20,6 @@ namespace {
 std::string_view environment(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr ? value : "";
-}
-
-// A character of UTF-8 that is known to be whole.
-wchar_t decoded(std::string_view character) {
-    const auto first = static_cast<unsigned char>(character[0]);
-    unsigned code = character.size() == 1   ? first
-                    : character.size() == 2 ? first & 0x1FU
-                    : character.size() == 3 ? first & 0x0FU
-                                            : first & 0x07U;
-    for (const char c : character.substr(1)) {
-        code = code << 6 | (static_cast<unsigned char>(c) & 0x3FU);
-    }
-    return static_cast<wchar_t>(code);
 }
 
 }  // namespace
@@ -57,7 +46,7 @@ size_t columnsOf(std::string_view character) {
         return 1;
     }
     const locale_t before = uselocale(utf8);
-    const int columns = wcwidth(decoded(character));
+    const int columns = wcwidth(static_cast<wchar_t>(codePointOf(character)));
     uselocale(before);
     return columns < 0 ? 1 : static_cast<size_t>(columns);
 }

@@ -37,6 +37,15 @@ bool isFirstByteOfCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
 }
 
+char32_t codePointOf(std::string_view character) {
+    const auto first = static_cast<unsigned char>(character[0]);
+    char32_t code = character.size() == 1 ? first : first & (0xFFU >> (character.size() + 1));
+    for (const char c : character.substr(1)) {
+        code = code << 6 | (static_cast<unsigned char>(c) & 0x3FU);
+    }
+    return code;
+}
+
 std::string hexadecimal(uint32_t value) {
     char text[sizeof("0x12345678")];
     std::snprintf(text, sizeof(text), "0x%X", value);

@@ -36,6 +36,9 @@ private:
 // Whether a character begins with this byte of UTF-8.
 bool isFirstByteOfCharacter(char c);
 
+// The code point of a whole character of UTF-8.
+char32_t codePointOf(std::string_view character);
+
 // `text` without any `c` at its end.
 std::string_view withoutTrailing(std::string_view text, char c);
 

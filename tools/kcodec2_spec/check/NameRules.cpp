@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,8 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "Text.h"
 #include "check/DocumentNames.h"
 #include "check/Misspellings.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -236,47 +237,20 @@ constexpr OddCharacters kOddCharacters[] = {
         {0xFEFF, 0xFEFF, "an invisible character"},
 };
 
-// The code point of the sequence at `at`, and moves it behind; nothing where it is not UTF-8.
-std::optional<char32_t> characterAt(std::string_view text, size_t* at) {
-    const auto first = static_cast<unsigned char>(text[*at]);
-    const size_t size = first < 0x80   ? 1
-                        : first < 0xC2 ? 0
-                        : first < 0xE0 ? 2
-                        : first < 0xF0 ? 3
-                        : first < 0xF5 ? 4
-                                       : 0;
-    if (size == 0 || *at + size > text.size()) {
-        return std::nullopt;
-    }
-    char32_t character = size == 1 ? first : first & (0xFF >> (size + 1));
-    for (size_t i = 1; i < size; ++i) {
-        const auto next = static_cast<unsigned char>(text[*at + i]);
-        if ((next & 0xC0) != 0x80) {
-            return std::nullopt;
-        }
-        character = character << 6 | (next & 0x3F);
-    }
-    constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (character < kLeast[size] || (character >= 0xD800 && character <= 0xDFFF) ||
-        character > 0x10FFFF) {
-        return std::nullopt;
-    }
-    *at += size;
-    return character;
-}
-
 // What is odd in a name; empty when nothing is.
 std::string oddIn(std::string_view name) {
     const bool isPlain =
             std::all_of(name.begin(), name.end(), [](char c) { return c > 0x1F && c < 0x7F; });
     for (size_t at = isPlain ? name.size() : 0; at < name.size();) {
-        const std::optional<char32_t> character = characterAt(name, &at);
-        if (!character) {
+        const size_t length = utf8Length(name.substr(at));
+        if (length == 0) {
             return "bytes that are not UTF-8";
         }
+        const char32_t character = codePointOf(name.substr(at, length));
+        at += length;
         for (const OddCharacters& row : kOddCharacters) {
-            if (*character >= row.first && *character <= row.last) {
-                return fmt::format("{} (U+{:04X})", row.what, static_cast<uint32_t>(*character));
+            if (character >= row.first && character <= row.last) {
+                return fmt::format("{} (U+{:04X})", row.what, static_cast<uint32_t>(character));
             }
         }
     }

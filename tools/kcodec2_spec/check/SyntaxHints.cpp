@@ -257,24 +257,14 @@ MaybeHint stringBefore(const Context& context) {
     return std::nullopt;
 }
 
-uint32_t codePointOf(std::string_view utf8) {
-    if (utf8.size() < 2 || utf8.size() > 4) {
-        return 0;
-    }
-    uint32_t code = static_cast<unsigned char>(utf8[0]) & (0xFFU >> (utf8.size() + 1));
-    for (const char c : utf8.substr(1)) {
-        code = code << 6 | (static_cast<unsigned char>(c) & 0x3F);
-    }
-    return code;
-}
-
 MaybeHint lookAlike(const Context& context) {
     constexpr uint32_t kFullWidthFirst = 0xFF01;
     constexpr uint32_t kFullWidthLast = 0xFF5E;
     if (context.misfit.token.kind != Token::kWord) {
         return std::nullopt;
     }
-    const uint32_t code = codePointOf(context.token());
+    const std::string_view token = context.token();
+    const uint32_t code = token.size() >= 2 && token.size() <= 4 ? codePointOf(token) : 0;
     char number[16];
     std::snprintf(number, sizeof(number), "U+%04X", code);
     if (code >= kFullWidthFirst && code <= kFullWidthLast) {
