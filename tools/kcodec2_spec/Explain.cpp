@@ -20,6 +20,7 @@
 #include "Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/SettingText.h"
 #include "catalogue/SettingsPage.h"
 #include "check/Examples.h"
 #include "check/Rule.h"
@@ -43,18 +44,9 @@ void printLine(const char* title, std::string_view text) {
     }
 }
 
-std::string chipsOf(const std::vector<std::string>& chips) {
-    return chips.empty() ? "all" : joined(chips, ", ");
-}
-
 void printValues(const char* title, const std::vector<CatalogueValue>& values) {
     for (const CatalogueValue& value : values) {
-        std::string text = fmt::format("{}  {}", value.value, value.meaning);
-        text += value.isSupported ? "" : " (not supported)";
-        if (value.neededBit) {
-            text += fmt::format(" (only together with bit {})", *value.neededBit);
-        }
-        printLine(title, text);
+        printLine(title, fmt::format("{}  {}", value.value, meaningOf(value)));
     }
 }
 

@@ -15,6 +15,7 @@
 #include "Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/SettingText.h"
 #include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
@@ -97,11 +98,7 @@ Json::Value bitRateRow() {
 std::string describedValues(const Setting& setting) {
     std::string text;
     const auto add = [&](const char* title, const CatalogueValue& value) {
-        text += std::string("\n") + title + std::to_string(value.value) + ": " + value.meaning +
-                (value.isSupported ? "" : " (not supported)");
-        if (value.neededBit) {
-            text += " (only together with bit " + std::to_string(*value.neededBit) + ")";
-        }
+        text += std::string("\n") + title + std::to_string(value.value) + ": " + meaningOf(value);
     };
     for (const CatalogueValue& value : setting.values) {
         add("", value);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Text.h"
+#include "catalogue/SettingText.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
 
@@ -40,11 +41,7 @@ void addSentence(std::string* text, const std::string& sentence) {
 
 void addValues(std::string* text, const std::vector<CatalogueValue>& values, const char* kind) {
     for (const CatalogueValue& value : values) {
-        addSentence(text, fmt::format("{}{}: {}{}", kind, value.value, value.meaning,
-                                      value.isSupported ? "" : " (not supported)"));
-        if (value.neededBit) {
-            *text += fmt::format(" (only together with bit {})", *value.neededBit);
-        }
+        addSentence(text, fmt::format("{}{}: {}", kind, value.value, meaningOf(value)));
     }
 }
 
@@ -60,14 +57,6 @@ std::string limitsOf(const Setting& setting) {
         addSentence(&text, "only while the feature `" + setting.neededFeature + "` is true");
     }
     return text;
-}
-
-std::string chipsOf(const std::vector<std::string>& chips) {
-    std::string text;
-    for (const std::string& chip : chips) {
-        text += (text.empty() ? "" : ", ") + chip;
-    }
-    return text.empty() ? "all" : text;
 }
 
 void addSection(const Catalogue& catalogue, const std::string& section, std::string* page) {
@@ -88,16 +77,6 @@ void addSection(const Catalogue& catalogue, const std::string& section, std::str
 }
 
 }  // namespace
-
-std::string rangeOf(const Setting& setting) {
-    if (setting.minimum && setting.maximum) {
-        return fmt::format("{} to {}", *setting.minimum, *setting.maximum);
-    }
-    if (setting.minimum) {
-        return fmt::format("from {}", *setting.minimum);
-    }
-    return setting.maximum ? fmt::format("up to {}", *setting.maximum) : "";
-}
 
 std::string settingsPage(const Catalogue& catalogue) {
     std::string page = kIntroduction;

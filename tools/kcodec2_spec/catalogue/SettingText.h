@@ -1,0 +1,20 @@
+// What the catalogue says of a setting, in the words that every command uses.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "catalogue/Catalogue.h"
+
+namespace kc2::tool {
+
+// "0 to 6", "from 0"; empty where any integer is allowed.
+std::string rangeOf(const Setting& setting);
+
+// A value's meaning, and whether it counts: "off (not supported)".
+std::string meaningOf(const CatalogueValue& value);
+
+// "brel, mirt", or "all".
+std::string chipsOf(const std::vector<std::string>& chips);
+
+}  // namespace kc2::tool
