@@ -138,62 +138,6 @@ Rows rowsOf(const MergedDocuments& documents) {
     return rows;
 }
 
-void checkRowsThatMatchNothing(const Rows& rows, const Emit& emit) {
-    for (const PlacedRow& placed : rows) {
-        if (placed.matchesNothing()) {
-            emit(*placed.document, placed.span,
-                 fmt::format("the row holds no value: its lower bound {} is not below its upper "
-                             "bound {}",
-                             placed.row.low, placed.row.high));
-        }
-    }
-}
-
-void emitBesideEarlier(const PlacedRow& placed, std::string message, const Emit& emit) {
-    const PlacedRow& earlier = *placed.earlier;
-    emit(*placed.document, placed.span, std::move(message),
-         RelatedPlace{&earlier.document->source, earlier.span, ""});
-}
-
-void checkHiddenRows(const Rows& rows, const Emit& emit) {
-    for (const PlacedRow& placed : rows) {
-        if (placed.left == Left::Nothing) {
-            emitBesideEarlier(placed,
-                              "the row never answers: earlier rows, the first at " +
-                                      placed.earlier->place() + ", hold all of its values",
-                              emit);
-        }
-    }
-}
-
-void checkOverlappingRows(const Rows& rows, const Emit& emit) {
-    for (const PlacedRow& placed : rows) {
-        if (placed.left == Left::Part && !placed.isCatchAll()) {
-            emitBesideEarlier(placed,
-                              "the row overlaps the earlier one at " + placed.earlier->place() +
-                                      ", which answers for the values that both hold",
-                              emit);
-        }
-    }
-}
-
-void checkCatchAlls(const Rows& rows, const Emit& emit) {
-    for (const PlacedRow& placed : rows) {
-        if (placed.left == Left::Part && placed.isCatchAll()) {
-            emitBesideEarlier(placed, "the last row answers for every value that no row has", emit);
-        }
-    }
-}
-
-void checkZeroRates(const Rows& rows, const Emit& emit) {
-    for (const PlacedRow& placed : rows) {
-        if (placed.row.bitRate == 0 && !placed.matchesNothing()) {
-            emit(*placed.document, placed.span,
-                 "the bit rate is 0, as if there were no row for these values");
-        }
-    }
-}
-
 // --- What the rows look like in ascending order ---
 
 // The rows that answer for all of their values, by lower bound. Those with a negative bound, which
@@ -257,6 +201,75 @@ Gaps gapsOf(const Rows& rows) {
     return gaps;
 }
 
+// All rows, and the gaps between them, which two rules look at.
+struct Table {
+    explicit Table(const MergedDocuments& documents)
+        : rows(rowsOf(documents)), gaps(gapsOf(rows)) {}
+
+    Rows rows;
+    Gaps gaps;
+};
+
+// --- Row by row ---
+
+void checkRowsThatMatchNothing(const Table& table, const Emit& emit) {
+    for (const PlacedRow& placed : table.rows) {
+        if (placed.matchesNothing()) {
+            emit(*placed.document, placed.span,
+                 fmt::format("the row holds no value: its lower bound {} is not below its upper "
+                             "bound {}",
+                             placed.row.low, placed.row.high));
+        }
+    }
+}
+
+void emitBesideEarlier(const PlacedRow& placed, std::string message, const Emit& emit) {
+    const PlacedRow& earlier = *placed.earlier;
+    emit(*placed.document, placed.span, std::move(message),
+         RelatedPlace{&earlier.document->source, earlier.span, ""});
+}
+
+void checkHiddenRows(const Table& table, const Emit& emit) {
+    for (const PlacedRow& placed : table.rows) {
+        if (placed.left == Left::Nothing) {
+            emitBesideEarlier(placed,
+                              "the row never answers: earlier rows, the first at " +
+                                      placed.earlier->place() + ", hold all of its values",
+                              emit);
+        }
+    }
+}
+
+void checkOverlappingRows(const Table& table, const Emit& emit) {
+    for (const PlacedRow& placed : table.rows) {
+        if (placed.left == Left::Part && !placed.isCatchAll()) {
+            emitBesideEarlier(placed,
+                              "the row overlaps the earlier one at " + placed.earlier->place() +
+                                      ", which answers for the values that both hold",
+                              emit);
+        }
+    }
+}
+
+void checkCatchAlls(const Table& table, const Emit& emit) {
+    for (const PlacedRow& placed : table.rows) {
+        if (placed.left == Left::Part && placed.isCatchAll()) {
+            emitBesideEarlier(placed, "the last row answers for every value that no row has", emit);
+        }
+    }
+}
+
+void checkZeroRates(const Table& table, const Emit& emit) {
+    for (const PlacedRow& placed : table.rows) {
+        if (placed.row.bitRate == 0 && !placed.matchesNothing()) {
+            emit(*placed.document, placed.span,
+                 "the bit rate is 0, as if there were no row for these values");
+        }
+    }
+}
+
+// --- One row after the other ---
+
 std::string missingValues(const Neighbours& gap) {
     const uint32_t first = gap.before->row.high;
     const uint32_t last = gap.after->row.low - 1;
@@ -269,8 +282,8 @@ bool isWideGapMeant(const Gaps& gaps) {
     return gaps.joints < gaps.wide.size();
 }
 
-void checkGaps(const Rows& rows, const Emit& emit) {
-    const Gaps gaps = gapsOf(rows);
+void checkGaps(const Table& table, const Emit& emit) {
+    const Gaps& gaps = table.gaps;
     if (!gaps.ofOne.empty()) {
         emitOnce(gaps.ofOne,
                  missingValues(gaps.ofOne.front()) +
@@ -282,17 +295,17 @@ void checkGaps(const Rows& rows, const Emit& emit) {
     }
 }
 
-void checkRowsApart(const Rows& rows, const Emit& emit) {
-    const Gaps gaps = gapsOf(rows);
+void checkRowsApart(const Table& table, const Emit& emit) {
+    const Gaps& gaps = table.gaps;
     if (!gaps.wide.empty() && isWideGapMeant(gaps)) {
         emitOnce(gaps.wide, missingValues(gaps.wide.front()) + " no row", emit);
     }
 }
 
 // A rate that falls now and then is a slip; a table of falling rates is meant so.
-void checkFallingRates(const Rows& rows, const Emit& emit) {
+void checkFallingRates(const Table& table, const Emit& emit) {
     constexpr size_t kOneOf = 3;
-    const std::vector<const PlacedRow*> ordered = inAscendingOrder(rows, false);
+    const std::vector<const PlacedRow*> ordered = inAscendingOrder(table.rows, false);
     std::vector<Neighbours> falls;
     for (size_t i = 1; i < ordered.size(); ++i) {
         const uint32_t rate = ordered[i]->row.bitRate;
@@ -310,9 +323,9 @@ void checkFallingRates(const Rows& rows, const Emit& emit) {
     }
 }
 
-void checkOrder(const Rows& rows, const Emit& emit) {
+void checkOrder(const Table& table, const Emit& emit) {
     const PlacedRow* before = nullptr;
-    for (const PlacedRow& placed : rows) {
+    for (const PlacedRow& placed : table.rows) {
         if (placed.matchesNothing() || placed.left != Left::All) {
             continue;
         }
@@ -327,7 +340,7 @@ void checkOrder(const Rows& rows, const Emit& emit) {
     }
 }
 
-constexpr RuleRow<Rows> kRowRules[] = {
+constexpr RuleRow<Table> kRowRules[] = {
         {{"row-matches-nothing", Severity::Warning, "a bit-rate row that holds no value"},
          checkRowsThatMatchNothing},
         {{"row-hidden", Severity::Warning, "a bit-rate row that earlier rows hide wholly"},
@@ -349,8 +362,7 @@ constexpr RuleRow<Rows> kRowRules[] = {
 }  // namespace
 
 void applyRowRules(const MergedDocuments& documents, Report* report) {
-    const Rows rows = rowsOf(documents);
-    applyRows(kRowRules, report, rows);
+    applyRows(kRowRules, report, Table(documents));
 }
 
 std::vector<const Rule*> rowRules() {
