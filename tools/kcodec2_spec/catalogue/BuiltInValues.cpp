@@ -154,6 +154,13 @@ Json::Value settingIn(const SpecDocument& document, const std::string& section,
     return section == targetSpecPresets ? valueIn(document.presets, name) : wordsIn(document, name);
 }
 
+const SpecDocument& builtInContent(int number) {
+    const std::vector<BuiltInDocument>& documents = builtInDocuments();
+    return std::find_if(documents.begin(), documents.end(),
+                        [number](const BuiltInDocument& one) { return one.number == number; })
+            ->content;
+}
+
 std::vector<BuiltInValue> builtInValuesOf(const Setting& setting) {
     std::vector<BuiltInValue> values;
     for (const BuiltInDocument& document : builtInDocuments()) {

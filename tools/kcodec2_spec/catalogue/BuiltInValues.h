@@ -15,6 +15,9 @@ namespace kc2::tool {
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name);
 
+// What the built-in document of that number says.
+const SpecDocument& builtInContent(int number);
+
 // The value that one built-in document gives a setting.
 struct BuiltInValue {
     int number;         // Of the built-in document.

@@ -3,10 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "Text.h"
+#include "catalogue/BuiltInValues.h"
 #include "check/DocumentNames.h"
 #include "check/Emit.h"
 
@@ -15,15 +18,10 @@ namespace kc2::tool {
 namespace {
 
 std::string listOf(const std::set<std::string>& names, size_t most) {
-    std::string list;
-    size_t count = 0;
-    for (const std::string& name : names) {
-        if (count++ == most) {
-            return list + fmt::format(", and {} more", names.size() - most);
-        }
-        list += (list.empty() ? "" : ", ") + name;
-    }
-    return list;
+    const size_t shown = std::min(names.size(), most);
+    const std::string list =
+            joined({names.begin(), std::next(names.begin(), static_cast<ptrdiff_t>(shown))}, ", ");
+    return shown == names.size() ? list : list + fmt::format(", and {} more", names.size() - shown);
 }
 
 // A load cannot take a component away: a spec with fewer of them does not disable the others.
@@ -51,24 +49,21 @@ void checkAddedCodecs(const CheckedLoad& checked, const Emit& emit) {
 
 // What the built-in document would set and nobody else does.
 std::set<std::string> lostSettings(const Load& load) {
-    const SpecDocument builtIn = readDocument("", "", load.chip->text).content;
+    const SpecDocument& builtIn = builtInContent(load.chip->number);
     std::set<std::string> lost;
-    const auto add = [&](auto member) {
-        for (const auto& setting : builtIn.*member) {
-            if ((load.systemSpec.content.*member).count(setting.first) == 0 &&
-                (load.overlay.content.*member).count(setting.first) == 0) {
-                lost.insert(setting.first);
+    const auto add = [&](auto member, auto isMissed) {
+        for (const auto& [name, value] : builtIn.*member) {
+            if (isMissed(value) && (load.systemSpec.content.*member).count(name) == 0 &&
+                (load.overlay.content.*member).count(name) == 0) {
+                lost.insert(name);
             }
         }
     };
-    add(&SpecDocument::presets);
-    add(&SpecDocument::perfResourceValues);
-    for (const auto& [name, isOn] : builtIn.features) {
-        if (isOn && load.systemSpec.content.features.count(name) == 0 &&
-            load.overlay.content.features.count(name) == 0) {
-            lost.insert(name);  // One that is off reads as off when it is absent, too.
-        }
-    }
+    const auto always = [](const auto& /*value*/) { return true; };
+    add(&SpecDocument::presets, always);
+    add(&SpecDocument::perfResourceValues, always);
+    // One that is off reads as off when it is absent, too.
+    add(&SpecDocument::features, [](bool isOn) { return isOn; });
     return lost;
 }
 
@@ -79,7 +74,7 @@ std::set<std::string> lostComponents(const Load& load) {
     if (listed.empty() && added.empty()) {
         return lost;  // Then there is no restriction.
     }
-    for (const std::string& name : readDocument("", "", load.chip->text).content.supportedCodecs) {
+    for (const std::string& name : builtInContent(load.chip->number).supportedCodecs) {
         if (listed.count(name) == 0 && added.count(name) == 0) {
             lost.insert(name);
         }
