@@ -29,6 +29,9 @@ void addSchemaCommand(CLI::App* app, int* exitCode);
 void addManualCommand(CLI::App* app, int* exitCode);
 void addCompletionCommand(CLI::App* app, int* exitCode);
 
+// Whether it is the name or the value of a pixel format.
+bool isFormat(const std::string& wanted);
+
 // Prints the table of pixel formats, or the row of one given by name or value.
 int printFormats(const std::string& wanted);
 

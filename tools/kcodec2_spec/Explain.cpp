@@ -114,12 +114,7 @@ bool explainCode(const Catalogue& catalogue, const std::string& name) {
 }
 
 bool explainFormat(const Catalogue&, const std::string& name) {
-    const std::optional<uint32_t> value = toWord(name);
-    return std::any_of(std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
-                       [&](const Platform::FormatRow& row) {
-                           return editDistance(name, row.name, 0) == 0 || value == *row.format;
-                       }) &&
-           printFormats(name) == kExitOk;
+    return isFormat(name) && printFormats(name) == kExitOk;
 }
 
 bool explainCheck(const Catalogue&, const std::string& name) {

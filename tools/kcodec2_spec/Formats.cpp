@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <iterator>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,14 +57,22 @@ int printUnknown(const std::string& wanted) {
     return kExitFindings;
 }
 
+// Case does not count in a name that somebody types.
+bool isMeant(const Platform::FormatRow& row, const std::string& wanted) {
+    return editDistance(wanted, row.name, 0) == 0 || toWord(wanted) == *row.format;
+}
+
 }  // namespace
 
+bool isFormat(const std::string& wanted) {
+    return std::any_of(std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
+                       [&](const Platform::FormatRow& row) { return isMeant(row, wanted); });
+}
+
 int printFormats(const std::string& wanted) {
-    const std::optional<uint32_t> value = toWord(wanted);
     bool isFound = false;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
-        // Case does not count in a name that somebody types.
-        if (wanted.empty() || editDistance(wanted, row.name, 0) == 0 || value == *row.format) {
+        if (wanted.empty() || isMeant(row, wanted)) {
             if (!isFound) {
                 printHeading();
             }
