@@ -67,12 +67,11 @@ void checkMisspeltComponents(const CheckedDocument& checked, const KnownSettings
                              const Emit& emit) {
     std::vector<Misspelling> misspelt;
     forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
-        bool isExact = false;
-        const NearNames::Entry* const meant = known.components.find(name.text, name.list, &isExact);
-        if (meant != nullptr && !isExact) {
-            misspelt.push_back({name.span, meant->name,
+        const NearNames::Match match = known.components.find(name.text, name.list);
+        if (match.isMisspelt()) {
+            misspelt.push_back({name.span, match.entry->name,
                                 fmt::format("\"{}\" is not a known component. Did you mean \"{}\"?",
-                                            name.text, meant->name)});
+                                            name.text, match.entry->name)});
         }
     });
     const auto& codecs = checked.document.content.supportedCodecs;
@@ -83,9 +82,8 @@ void checkMisspeltComponents(const CheckedDocument& checked, const KnownSettings
 
 void checkCodecForm(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
     forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
-        bool isExact = false;
         if (!name.text.empty() && !ComponentName(name.text).hasForm() &&
-            known.components.find(name.text, name.list, &isExact) == nullptr) {
+            known.components.find(name.text, name.list).entry == nullptr) {
             emit(checked, name.span,
                  "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
         }
@@ -162,11 +160,9 @@ std::unordered_set<std::string> misspeltAndMeant(const MergedDocuments& document
     std::unordered_set<std::string> names;
     for (const auto& document : documents) {
         forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
-            bool isExact = false;
-            const NearNames::Entry* const meant =
-                    known.components.find(name.text, name.list, &isExact);
-            if (meant != nullptr && !isExact) {
-                names.insert(meant->name);
+            const NearNames::Match match = known.components.find(name.text, name.list);
+            if (match.isMisspelt()) {
+                names.insert(match.entry->name);
                 names.emplace(name.text);
             }
         });

@@ -54,9 +54,7 @@ void checkMisspeltSettings(const CheckedDocument& checked, const KnownSettings& 
     std::vector<Misspelling> misspelt;
     std::unordered_set<std::string> there;
     forEachSettingName(checked, [&](const DocumentName& name) {
-        bool isExact = false;
-        const NearNames::Entry* const meant =
-                known.settings.find(name.text, name.section, &isExact);
+        const auto [meant, isExact] = known.settings.find(name.text, name.section);
         if (meant == nullptr) {
             return;
         }
@@ -128,10 +126,9 @@ void checkCaseTwins(const CheckedDocument& checked, const KnownSettings& known, 
     forEachSettingName(checked, [&](const DocumentName& name) { settings.look(name); });
     forEachEntry(checked, isNamesOrCodecs, [&](const DocumentName& name) { entries.look(name); });
     const auto report = [&](CaseTwins* twins, const NearNames& names, const DocumentName& name) {
-        bool isExact = false;
         const DocumentName* const earlier = twins->earlier(name);
         // Where one of the two is a known name, the other one is misspelt, and that is reported.
-        if (earlier != nullptr && names.find(name.text, "", &isExact) == nullptr) {
+        if (earlier != nullptr && names.find(name.text, "").entry == nullptr) {
             emit(checked, name.span,
                  fmt::format(
                          "\"{}\" differs in case alone from the name at {}: these are two names",
@@ -264,16 +261,14 @@ void checkOddNames(const CheckedDocument& checked, const KnownSettings& known, c
         if (odd.empty()) {
             return;
         }
-        const std::string_view quoted =
-                checked.source.text().substr(name.span.start, name.span.limit - name.span.start);
+        const std::string_view quoted = checked.source.textAt(name.span);
         const bool hasRaw =
                 std::any_of(quoted.begin(), quoted.end(), [](unsigned char c) { return c < 0x20; });
-        bool isExact = false;
         const NearNames& names = *name.list != '\0' || name.section == targetSpecOptionalCodecs
                                          ? known.components
                                          : known.settings;
         // What control-character says of the string, or the misspelt known name, is the mistake.
-        if (!hasRaw && names.find(name.text, name.section, &isExact) == nullptr) {
+        if (!hasRaw && names.find(name.text, name.section).entry == nullptr) {
             emit(checked, name.span,
                  fmt::format("the name holds {}: names are compared byte by byte", odd));
         }

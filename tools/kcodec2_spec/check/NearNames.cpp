@@ -88,12 +88,21 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     return parts;
 }
 
-// Without separators; digits are the letters that they look like.
+char inSmallLetters(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Digits are the letters that they look like.
+char letterLike(char c) {
+    return c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
+}
+
+// Without separators.
 std::string squashed(std::string_view read) {
     std::string text;
     for (const char c : read) {
         if (c != '_') {
-            text += c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
+            text += letterLike(c);
         }
     }
     return text;
@@ -126,8 +135,7 @@ int letterMistakes(std::string_view a, std::string_view b) {
 bool hasSameDigits(std::string_view a, std::string_view b) {
     const auto digitsOf = [](std::string_view text) {
         std::string digits;
-        std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
-                     [](char c) { return c >= '0' && c <= '9'; });
+        std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isDigit);
         return digits;
     };
     return digitsOf(a) == digitsOf(b);
@@ -201,7 +209,7 @@ std::string readAs(std::string_view name) {
         if (c == '\0') {
             continue;  // Nothing to see, or nothing like a letter that names have.
         }
-        text += isSeparator(c) ? '_' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        text += isSeparator(c) ? '_' : inSmallLetters(c);
     }
     return text;
 }
@@ -213,11 +221,10 @@ NearNames::Shape NearNames::shapeOf(std::string_view name) {
     }
     Shape shape;
     for (char c : name) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-        c = c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
+        c = letterLike(inSmallLetters(c));
         if (c >= 'a' && c <= 'z') {
             shape.letters |= uint32_t{1} << (c - 'a');
-        } else if (c >= '0' && c <= '9') {
+        } else if (isDigit(c)) {
             shape.digits |= uint32_t{1} << (c - '0');
         } else {
             continue;
@@ -259,41 +266,27 @@ void NearNames::add(Entry entry) {
     mEntries.push_back(std::move(entry));
 }
 
-int NearNames::mistakesInSetting(const std::vector<std::string_view>& words,
-                                 const std::vector<std::string_view>& known) const {
-    constexpr int kOrder = 1;
-    if (hasSameWords(words, known) || isSameWithoutPrefix(words, known)) {
-        return kOrder;
+int NearNames::mistakesInWords(const std::vector<std::string_view>& words,
+                               const std::vector<std::string_view>& known) const {
+    const bool isComponent = mKind == Kind::Component;
+    if (hasSameWords(words, known) ||
+        (isComponent ? isSameWithoutPart(words, known) : isSameWithoutPrefix(words, known))) {
+        return 1;
     }
     if (words.size() != known.size()) {
         return kUnlike;
     }
+    constexpr size_t kFormat = 2;  // Formats of one letter's difference exist.
     int mistakes = 0;
     for (size_t i = 0; i < words.size() && mistakes <= kMostMistakes; ++i) {
-        const bool isRight = words[i] == known[i];
+        if (words[i] == known[i]) {
+            continue;
+        }
         const bool isOther =
-                mWords.count(std::string(words[i])) != 0 || isOneOf(words[i], kOtherWords);
-        mistakes += isRight ? 0 : isOther ? kUnlike : wordMistakes(words[i], known[i]);
-    }
-    return mistakes <= kMostMistakes ? mistakes : kUnlike;
-}
-
-int NearNames::mistakesInComponent(const std::vector<std::string_view>& parts,
-                                   const std::vector<std::string_view>& known) const {
-    constexpr size_t kFormat = 2;
-    if (hasSameWords(parts, known) || isSameWithoutPart(parts, known)) {
-        return 1;
-    }
-    if (parts.size() != known.size()) {
-        return kUnlike;
-    }
-    int mistakes = 0;
-    for (size_t i = 0; i < parts.size() && mistakes <= kMostMistakes; ++i) {
-        const bool isRight = parts[i] == known[i];
-        const bool isOther =
-                mWords.count(std::string(parts[i])) != 0 || isOneOf(parts[i], kOtherFormats);
-        const int inPart = isRight ? 0 : isOther ? kUnlike : wordMistakes(parts[i], known[i]);
-        mistakes += i == kFormat && inPart > 1 ? kUnlike : inPart;
+                mWords.count(std::string(words[i])) != 0 ||
+                (isComponent ? isOneOf(words[i], kOtherFormats) : isOneOf(words[i], kOtherWords));
+        const int inWord = isOther ? kUnlike : wordMistakes(words[i], known[i]);
+        mistakes += isComponent && i == kFormat && inWord > 1 ? kUnlike : inWord;
     }
     return mistakes <= kMostMistakes ? mistakes : kUnlike;
 }
@@ -309,8 +302,7 @@ int NearNames::mistakesIn(std::string_view name, const std::string& known) const
     }
     const std::vector<std::string_view> words = split(read, '_');
     const std::vector<std::string_view> knownWords = split(readKnown, '_');
-    const int mistakes = mKind == Kind::Setting ? mistakesInSetting(words, knownWords)
-                                                : mistakesInComponent(words, knownWords);
+    const int mistakes = mistakesInWords(words, knownWords);
     // A separator may be missing, too; with known words only, it is another name.
     const bool hasOtherWord = std::any_of(words.begin(), words.end(), [&](std::string_view word) {
         return mWords.count(std::string(word)) == 0;
@@ -321,11 +313,9 @@ int NearNames::mistakesIn(std::string_view name, const std::string& known) const
     return std::min(mistakes, isJoined ? 1 : kUnlike);
 }
 
-const NearNames::Entry* NearNames::find(std::string_view name, std::string_view group,
-                                        bool* isExact) const {
+NearNames::Match NearNames::find(std::string_view name, std::string_view group) const {
     constexpr int kMostBits = 2 * kMostMistakes;
-    *isExact = false;
-    const Entry* best = nullptr;
+    Match best;
     auto bestRank = std::pair(kUnlike, size_t{0});
     const Shape shape = shapeOf(name);
     const size_t first = shape.characters - std::min<size_t>(shape.characters, kMostMistakes);
@@ -338,14 +328,13 @@ const NearNames::Entry* NearNames::find(std::string_view name, std::string_view 
             }
             const Entry& entry = mEntries[candidate.entry];
             if (entry.name == name) {
-                *isExact = true;
-                return &entry;
+                return {&entry, true};
             }
             const int mistakes = mistakesIn(name, entry.name);
             const auto rank = std::pair(mistakes + (entry.group == group ? 0 : kUnlike / 2),
                                         leftOver(name, entry.name));
             if (mistakes < kUnlike && rank < bestRank) {
-                best = &entry;
+                best.entry = &entry;
                 bestRank = rank;
             }
         }

@@ -29,9 +29,14 @@ public:
 
     void add(Entry entry);
 
-    // The known name that is meant; null when the name is like none. `isExact` tells whether it is
-    // the name itself.
-    const Entry* find(std::string_view name, std::string_view group, bool* isExact) const;
+    struct Match {
+        const Entry* entry = nullptr;  // The known name that is meant; null: the name is like none.
+        bool isExact = false;          // It is the name itself.
+
+        bool isMisspelt() const { return entry != nullptr && !isExact; }
+    };
+
+    Match find(std::string_view name, std::string_view group) const;
 
 private:
     // What is left of a name when order and separators are not looked at.
@@ -51,10 +56,8 @@ private:
     static Shape shapeOf(std::string_view name);
     void addShape(const Shape& shape, size_t entry);
     int mistakesIn(std::string_view name, const std::string& known) const;
-    int mistakesInSetting(const std::vector<std::string_view>& words,
-                          const std::vector<std::string_view>& known) const;
-    int mistakesInComponent(const std::vector<std::string_view>& parts,
-                            const std::vector<std::string_view>& known) const;
+    int mistakesInWords(const std::vector<std::string_view>& words,
+                        const std::vector<std::string_view>& known) const;
 
     Kind mKind;
     std::vector<Entry> mEntries;
