@@ -40,7 +40,7 @@ Allowances::Allowances(const Source& source, const std::vector<Span>& comments) 
 }
 
 std::string_view Allowances::textOf(Span span) const {
-    return mSource->text().substr(span.start, span.limit - span.start);
+    return mSource->textAt(span);
 }
 
 // Takes the ids of a comment that is for us.

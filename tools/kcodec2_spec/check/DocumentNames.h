@@ -59,8 +59,7 @@ void forEachEntry(const CheckedDocument& checked, bool (*isWanted)(SectionType),
     const auto visitList = [&](const char* section, const char* list, const OutlineNode& node) {
         for (const OutlineNode& entry : node.children) {
             if (entry.kind == '"') {
-                const std::string_view quoted = checked.source.text().substr(
-                        entry.value.start, entry.value.limit - entry.value.start);
+                const std::string_view quoted = checked.source.textAt(entry.value);
                 visit(DocumentName{section, list, unquoted(quoted, &decoded), entry.value});
             }
         }

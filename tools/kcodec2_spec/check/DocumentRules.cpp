@@ -144,9 +144,7 @@ void checkLeadingZeros(const CheckedDocument& checked, const KnownSettings& /*kn
     visitAll(checked.outline.root, [&](const OutlineNode& node) {
         const std::string_view digits =
                 checked.source.text().substr(node.value.start + (node.kind == '-' ? 1 : 0), 2);
-        const bool isNumber =
-                node.kind == '-' || std::isdigit(static_cast<unsigned char>(node.kind)) != 0;
-        if (isNumber && digits.size() == 2 && digits[0] == '0' &&
+        if (node.isNumber() && digits.size() == 2 && digits[0] == '0' &&
             std::isdigit(static_cast<unsigned char>(digits[1])) != 0) {
             emit(checked, node.value,
                  "the leading zero does not make the number octal: it is decimal");

@@ -83,7 +83,7 @@ std::string excerptOf(const Source& source, Span span, size_t width) {
     span.start = std::min(span.start, source.text().size());
     const size_t lineNumber = source.lineOf(span.start);
     const Span place = source.line(lineNumber);
-    const std::string_view line = source.text().substr(place.start, place.limit - place.start);
+    const std::string_view line = source.textAt(place);
     const size_t offset = std::min(span.start, place.limit) - place.start;
     const size_t marked = std::min(std::max(span.limit, span.start), place.limit) - place.start;
 

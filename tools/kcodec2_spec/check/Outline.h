@@ -17,6 +17,8 @@ struct OutlineNode {
     std::string key;                    // Of a member, decoded.
     char kind;                          // The value's first character: '{', '[', '"', 't', '1' ...
     std::vector<OutlineNode> children;  // In the order of the text.
+
+    bool isNumber() const { return kind == '-' || (kind >= '0' && kind <= '9'); }
 };
 
 struct Outline {

@@ -33,10 +33,6 @@ void forEachUseCase(const CheckedDocument& checked, Visit visit) {
     }
 }
 
-std::string_view textOf(const CheckedDocument& checked, const OutlineNode& node) {
-    return checked.source.text().substr(node.value.start, node.value.limit - node.value.start);
-}
-
 bool hasPrefix(std::string_view quoted) {
     return quoted.find("0x") != std::string_view::npos ||
            quoted.find("0X") != std::string_view::npos;
@@ -57,10 +53,10 @@ void checkPrefixes(const CheckedDocument& checked, const KnownSettings& /*known*
         const auto& nodes = member.children;
         const bool isAnyPrefixed =
                 std::any_of(nodes.begin(), nodes.end(), [&](const OutlineNode& node) {
-                    return node.kind == '"' && hasPrefix(textOf(checked, node));
+                    return node.kind == '"' && hasPrefix(checked.source.textAt(node.value));
                 });
         for (size_t i = 0; isAnyPrefixed && i < nodes.size(); ++i) {
-            const std::string_view text = textOf(checked, nodes[i]);
+            const std::string_view text = checked.source.textAt(nodes[i].value);
             if (nodes[i].kind == '"' && isBareWord(text)) {
                 emit(checked, nodes[i].value,
                      fmt::format("{} is read as hexadecimal, as {}: write 0x, as in the words "

@@ -25,6 +25,9 @@ public:
 
     const std::string& path() const { return mPath; }
     std::string_view text() const { return mText; }
+    std::string_view textAt(Span span) const {
+        return mText.substr(span.start, span.limit - span.start);
+    }
 
     Position positionOf(size_t offset) const;
 

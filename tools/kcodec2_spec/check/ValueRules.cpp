@@ -42,8 +42,7 @@ void forEachKnownPreset(const CheckedDocument& checked, const KnownSettings& kno
 void emitAtValue(const CheckedDocument& checked, const Setting& setting, std::string message,
                  const Emit& emit) {
     const OutlineNode* const member = memberOf(checked, setting.section, setting.name);
-    const auto isNumber = [](char kind) { return kind == '-' || (kind >= '0' && kind <= '9'); };
-    if (member != nullptr && isNumber(member->kind)) {
+    if (member != nullptr && member->isNumber()) {
         emit(checked, member->value, std::move(message));
     }
 }
@@ -137,10 +136,8 @@ bool isWholeReal(std::string_view number) {
 void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*known*/,
                      const Emit& emit) {
     const auto checkNode = [&](const OutlineNode& node) {
-        const std::string_view text =
-                checked.source.text().substr(node.value.start, node.value.limit - node.value.start);
-        const bool isNumber = node.kind == '-' || (node.kind >= '0' && node.kind <= '9');
-        if (isNumber && isWholeReal(text)) {
+        const std::string_view text = checked.source.textAt(node.value);
+        if (node.isNumber() && isWholeReal(text)) {
             const double value = std::strtod(std::string(text).c_str(), nullptr);
             constexpr double kMost = 4294967295.0;
             if (value >= -kMost && value <= kMost &&
