@@ -1,7 +1,6 @@
 #!/bin/sh
 # Checks every source file against .clang-format, and the library's against .clang-tidy, with --all
-# everything's: check-style.sh [--all]. Needs the preset phone to be built, with
-# --all asan and bench, too: their compile commands and generated sources.
+# everything's: check-style.sh [--all]. Needs the preset phone to be built, for its libraries.
 #
 # Each release of the two tools formats and judges a little differently, so that only the one that
 # the tree is written for can judge it; with another one this check is skipped. The static analyzer
@@ -25,15 +24,20 @@ fi
 git ls-files '*.h' '*.cpp' | xargs clang-format-$version --dry-run -Werror
 echo "clang-format: clean"
 
+# configure PRESET: for its compile commands, file by file, where the preset compiles in batches.
+configure() {
+    cmake --preset "$1" -B "build/style/$1" -DCMAKE_UNITY_BUILD=OFF > /dev/null
+}
+
 # compiled PRESET: the files of the tree that it compiles.
 compiled() {
-    sed -n 's|^ *"file": "'"$PWD"'/\(.*\)",*$|\1|p' "build/$1/compile_commands.json" |
+    sed -n 's|^ *"file": "'"$PWD"'/\(.*\)",*$|\1|p' "build/style/$1/compile_commands.json" |
         grep -v '^build/' | sort -u
 }
 
 # tidy PRESET FILES OPTION...
 tidy() {
-    build=build/$1
+    build=build/style/$1
     files=$2
     shift 2
     [ -n "$files" ] || { echo "check-style.sh: $build compiles none of the files" >&2; exit 1; }
@@ -41,8 +45,11 @@ tidy() {
 }
 
 tests='^(bench|tests)/'
+configure phone
 tidy phone "$(compiled phone | grep -Ev "$tests|^tools/")"
 if [ "$*" = --all ]; then
+    configure asan
+    configure bench
     tidy phone "$(compiled phone | grep '^tools/')"
     tidy phone "$(compiled phone | grep -E "$tests")" '--checks=-clang-analyzer-*'
     tidy asan "$(compiled asan | grep -E '(^|/)tests/fuzz/')" '--checks=-clang-analyzer-*'

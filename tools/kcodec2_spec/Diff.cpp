@@ -218,8 +218,8 @@ void printSection(const SectionChanges& section, const Catalogue& catalogue,
     }
 }
 
-void printText(const Loaded& a, const Loaded& b, const std::vector<SectionChanges>& differences,
-               const Catalogue& catalogue) {
+void printDifferences(const Loaded& a, const Loaded& b,
+                      const std::vector<SectionChanges>& differences, const Catalogue& catalogue) {
     const Colours colours = Colours::on(terminalOf(STDOUT_FILENO));
     printSide("A", a, colours);
     printSide("B", b, colours);
@@ -251,8 +251,9 @@ Json::Value toJson(const Loaded& side) {
     return json;
 }
 
-void printJson(const Loaded& a, const Loaded& b, const std::vector<SectionChanges>& differences,
-               const Catalogue& catalogue) {
+void printDifferencesJson(const Loaded& a, const Loaded& b,
+                          const std::vector<SectionChanges>& differences,
+                          const Catalogue& catalogue) {
     Json::Value root;
     root["a"] = toJson(a);
     root["b"] = toJson(b);
@@ -284,7 +285,7 @@ int diff(const Side& a, const Side& b, bool asJson) {
     }
     const std::vector<SectionChanges> differences =
             differencesOf(before->sections, after->sections);
-    (asJson ? printJson : printText)(*before, *after, differences, *catalogue);
+    (asJson ? printDifferencesJson : printDifferences)(*before, *after, differences, *catalogue);
     return differences.empty() ? kExitOk : kExitFindings;
 }
 

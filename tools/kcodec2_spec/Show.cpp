@@ -29,7 +29,7 @@ constexpr char kShowExample[] =
         "  kcodec2_spec show --rootdir examples/device --property "
         "vendor.media.target_variant=_orvelle";
 
-void printText(const Load& load, const std::vector<SnapshotSection>& sections) {
+void printSections(const Load& load, const std::vector<SnapshotSection>& sections) {
     std::printf("System spec document  %s\n", escaped(systemSpecStory(load)).c_str());
     std::printf("Private overlay       %s\n", escaped(overlayStory(load)).c_str());
     for (const SnapshotSection& section : sections) {
@@ -49,7 +49,7 @@ void printText(const Load& load, const std::vector<SnapshotSection>& sections) {
     }
 }
 
-void printJson(const Load& load, const std::vector<SnapshotSection>& sections) {
+void printSectionsJson(const Load& load, const std::vector<SnapshotSection>& sections) {
     Json::Value root;
     root["systemSpec"]["firstPath"] = load.firstPath;
     root["systemSpec"]["path"] =
@@ -82,7 +82,7 @@ int show(bool asJson) {
     muteLog();
     const std::vector<SnapshotSection> sections = sectionsOf(spec, deviceSteps(load));
     unmuteLog();
-    (asJson ? printJson : printText)(load, sections);
+    (asJson ? printSectionsJson : printSections)(load, sections);
     return kExitOk;
 }
 

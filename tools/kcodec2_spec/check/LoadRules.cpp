@@ -16,18 +16,18 @@ namespace kc2::tool {
 
 namespace {
 
-using Emit = std::function<void(const Source&, std::string)>;
+using AddForSource = std::function<void(const Source&, std::string)>;
 
 struct LoadRule {
     Rule rule;
-    void (*check)(const CheckedLoad& checked, const Emit& emit);
+    void (*check)(const CheckedLoad& checked, const AddForSource& add);
 };
 
 bool isVariantSet(const Load& load) {
     return load.variant != kDefaultVariant;
 }
 
-void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
+void tellSystemSpec(const CheckedLoad& checked, const AddForSource& add) {
     const Load& load = checked.load;
     std::string why = "the variant is not set, or \"default\", which selects " + load.firstPath;
     if (isVariantSet(load)) {
@@ -39,64 +39,64 @@ void tellSystemSpec(const CheckedLoad& checked, const Emit& emit) {
     if (load.systemSpec.path == load.firstPath) {
         why += ", and that opens";
     }
-    emit(checked.place, "system spec document: " + why);
+    add(checked.place, "system spec document: " + why);
 }
 
-void tellOverlay(const CheckedLoad& checked, const Emit& emit) {
+void tellOverlay(const CheckedLoad& checked, const AddForSource& add) {
     const Load& load = checked.load;
     if (!load.overlay.path.empty()) {
-        emit(checked.privatePlace, "private overlay: this file, since it opens");
+        add(checked.privatePlace, "private overlay: this file, since it opens");
         return;
     }
     const std::string chip = *load.chip->chip == '\0'
                                      ? "names no chip"
                                      : "contains \"" + std::string(load.chip->chip) + "\"";
-    emit(checked.privatePlace, std::string("private overlay: ") + load.overlay.origin +
-                                       ", since this file " +
-                                       (load.isPrivateFileOpen ? "is empty" : "does not open") +
-                                       " and the path " + load.firstPath + " " + chip);
+    add(checked.privatePlace, std::string("private overlay: ") + load.overlay.origin +
+                                      ", since this file " +
+                                      (load.isPrivateFileOpen ? "is empty" : "does not open") +
+                                      " and the path " + load.firstPath + " " + chip);
 }
 
-void tellSeeding(const CheckedLoad& checked, const Emit& emit) {
+void tellSeeding(const CheckedLoad& checked, const AddForSource& add) {
     if (checked.load.isSeeded) {
-        emit(checked.privatePlace, std::string("the device would write ") +
-                                           checked.load.overlay.origin + " into this file, since " +
-                                           kCodecTestTool + " is installed");
+        add(checked.privatePlace, std::string("the device would write ") +
+                                          checked.load.overlay.origin + " into this file, since " +
+                                          kCodecTestTool + " is installed");
     }
 }
 
-void checkMissingSpec(const CheckedLoad& checked, const Emit& emit) {
+void checkMissingSpec(const CheckedLoad& checked, const AddForSource& add) {
     const Load& load = checked.load;
     if (!load.hasSystemSpec()) {
-        emit(checked.place,
-             "no system spec document: neither " + load.firstPath + " (" +
-                     whyNotOpen(load.firstPath) + ") nor " + kFallbackSystemSpec + " opens, so " +
-                     (load.overlay.isAccepted
-                              ? "only the overlay (" + load.overlay.origin + ") fills the store"
-                              : "the store stays empty: the overlay (" + load.overlay.origin +
-                                        ") is rejected"));
+        add(checked.place,
+            "no system spec document: neither " + load.firstPath + " (" +
+                    whyNotOpen(load.firstPath) + ") nor " + kFallbackSystemSpec + " opens, so " +
+                    (load.overlay.isAccepted
+                             ? "only the overlay (" + load.overlay.origin + ") fills the store"
+                             : "the store stays empty: the overlay (" + load.overlay.origin +
+                                       ") is rejected"));
     } else if (load.systemSpec.path != load.firstPath) {
-        emit(checked.place, "the fallback is read, since " + load.firstPath + " does not open (" +
-                                    whyNotOpen(load.firstPath) + ")");
+        add(checked.place, "the fallback is read, since " + load.firstPath + " does not open (" +
+                                   whyNotOpen(load.firstPath) + ")");
     }
 }
 
-void checkUnreadable(const CheckedLoad& checked, const Emit& emit) {
+void checkUnreadable(const CheckedLoad& checked, const AddForSource& add) {
     for (const auto& document : checked.documents) {
         if (!document->document.isReadable) {
-            emit(document->source, "the file opens, but cannot be read (" +
-                                           document->document.whyNotReadable +
-                                           "): the device rejects it");
+            add(document->source, "the file opens, but cannot be read (" +
+                                          document->document.whyNotReadable +
+                                          "): the device rejects it");
         }
     }
 }
 
-void checkLoadWithoutCodecs(const CheckedLoad& checked, const Emit& emit) {
+void checkLoadWithoutCodecs(const CheckedLoad& checked, const AddForSource& add) {
     const Load& load = checked.load;
     if (load.systemSpec.content.supportedCodecs.empty() &&
         load.overlay.content.supportedCodecs.empty()) {
-        emit(checked.place,
-             "no document of the load names a codec component: that enables every component");
+        add(checked.place,
+            "no document of the load names a codec component: that enables every component");
     }
 }
 
@@ -112,7 +112,7 @@ std::string lettersAndDigitsOf(std::string_view text) {
     return result;
 }
 
-void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
+void checkVariantNearby(const CheckedLoad& checked, const AddForSource& add) {
     const Load& load = checked.load;
     if (!isVariantSet(load) || load.systemSpec.path == load.firstPath) {
         return;
@@ -125,11 +125,11 @@ void checkVariantNearby(const CheckedLoad& checked, const Emit& emit) {
             if (variant != load.variant &&
                 !nearest(wanted, std::vector<std::string>{found}).empty() &&
                 std::filesystem::exists(localPath(directory + variant + kSystemSpecName), error)) {
-                emit(checked.place, directory + variant + kSystemSpecName +
-                                            " exists: the variant \"" + variant +
-                                            "\" would select it, \"" + load.variant +
-                                            "\" does not (it follows \"media\" as it is, with no "
-                                            "\"/\" between)");
+                add(checked.place, directory + variant + kSystemSpecName +
+                                           " exists: the variant \"" + variant +
+                                           "\" would select it, \"" + load.variant +
+                                           "\" does not (it follows \"media\" as it is, with no "
+                                           "\"/\" between)");
             }
         }
     }

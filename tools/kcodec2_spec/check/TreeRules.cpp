@@ -24,11 +24,11 @@ namespace kc2::tool {
 namespace {
 
 // The path that a finding is about, and what is wrong.
-using Emit = std::function<void(const std::string& devicePath, std::string message)>;
+using AddForFile = std::function<void(const std::string& devicePath, std::string message)>;
 
 struct TreeRule {
     Rule rule;
-    void (*check)(const CheckedLoad& checked, const Emit& emit);
+    void (*check)(const CheckedLoad& checked, const AddForFile& add);
 };
 
 constexpr size_t kMostNameMistakes = 2;
@@ -49,7 +49,7 @@ bool isSelectable(const std::string& path) {
     return !variant.empty() && variant != kDefaultVariant;
 }
 
-void checkUnselectable(const CheckedLoad& /*checked*/, const Emit& emit) {
+void checkUnselectable(const CheckedLoad& /*checked*/, const AddForFile& add) {
     constexpr int kDepth = 3;
     const std::string_view wanted = std::string_view(kSystemSpecName).substr(1);
     for (const char* const directory :
@@ -57,18 +57,18 @@ void checkUnselectable(const CheckedLoad& /*checked*/, const Emit& emit) {
         visitFiles(directory, kDepth, [&](const std::string& path) {
             const std::string name = path.substr(path.rfind('/') + 1);
             if (name != wanted && isNear(name, wanted)) {
-                emit(path, "nothing reads this file: a system spec document is called " +
-                                   std::string(wanted));
+                add(path, "nothing reads this file: a system spec document is called " +
+                                  std::string(wanted));
             } else if (name == wanted && !isSelectable(path)) {
-                emit(path, std::string("no variant selects this document: it must be in ") +
-                                   kOdmSpecDirectory + "<variant> or " + kVendorSpecDirectory +
-                                   "<variant>, or without a variant in " + kVendorSpecDirectory);
+                add(path, std::string("no variant selects this document: it must be in ") +
+                                  kOdmSpecDirectory + "<variant> or " + kVendorSpecDirectory +
+                                  "<variant>, or without a variant in " + kVendorSpecDirectory);
             }
         });
     }
 }
 
-void checkPrivateName(const CheckedLoad& checked, const Emit& emit) {
+void checkPrivateName(const CheckedLoad& checked, const AddForFile& add) {
     const std::string path = kPrivateConfig;
     const size_t slash = path.rfind('/');
     const std::string wanted = path.substr(slash + 1);
@@ -78,7 +78,7 @@ void checkPrivateName(const CheckedLoad& checked, const Emit& emit) {
     visitFiles(path.substr(0, slash), 1, [&](const std::string& found) {
         const std::string name = found.substr(slash + 1);
         if (name != wanted && isNear(name, wanted)) {
-            emit(found, "nothing reads this file: the private file is called " + wanted);
+            add(found, "nothing reads this file: the private file is called " + wanted);
         }
     });
 }
@@ -112,7 +112,7 @@ bool isMisspelt(std::string_view word, std::string_view chip) {
     return std::is_permutation(letters.begin(), letters.end(), chip.begin(), chip.end());
 }
 
-void checkChipName(const CheckedLoad& checked, const Emit& emit) {
+void checkChipName(const CheckedLoad& checked, const AddForFile& add) {
     const Load& load = checked.load;
     if (load.variant == kDefaultVariant || !load.overlay.path.empty()) {
         return;  // The private file takes the place of the chip's document.
@@ -122,18 +122,18 @@ void checkChipName(const CheckedLoad& checked, const Emit& emit) {
     forEachWord(load.variant, [&](std::string_view word) {
         if (!chosen.empty()) {
             if (word != chosen && word.find(chosen) != std::string_view::npos) {
-                emit(load.firstPath, "\"" + std::string(word) +
-                                             "\" in this path contains the chip \"" +
-                                             std::string(chosen) + "\", so " + built +
-                                             " is merged. Is that what is meant?");
+                add(load.firstPath, "\"" + std::string(word) +
+                                            "\" in this path contains the chip \"" +
+                                            std::string(chosen) + "\", so " + built +
+                                            " is merged. Is that what is meant?");
             }
             return;
         }
         for (const ChipDocument& row : kChipDocuments) {
             if (*row.chip != '\0' && isMisspelt(word, row.chip)) {
-                emit(load.firstPath, "\"" + std::string(word) +
-                                             "\" in this path is not a chip, so " + built +
-                                             " is merged. Did you mean \"" + row.chip + "\"?");
+                add(load.firstPath, "\"" + std::string(word) +
+                                            "\" in this path is not a chip, so " + built +
+                                            " is merged. Did you mean \"" + row.chip + "\"?");
             }
         }
     });
@@ -141,7 +141,7 @@ void checkChipName(const CheckedLoad& checked, const Emit& emit) {
 
 // --- Modes ---
 
-void checkModes(const CheckedLoad& checked, const Emit& emit) {
+void checkModes(const CheckedLoad& checked, const AddForFile& add) {
     const Load& load = checked.load;
     const std::string path = load.hasSystemSpec() ? load.systemSpec.path : load.firstPath;
     for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
@@ -152,10 +152,10 @@ void checkModes(const CheckedLoad& checked, const Emit& emit) {
         }
         const bool isDirectory = S_ISDIR(status.st_mode);
         if ((status.st_mode & (isDirectory ? S_IXOTH : S_IROTH)) == 0) {
-            emit(part, isDirectory ? "others may not search this directory (mode bit o+x), so a "
-                                     "media service cannot open the document in it"
-                                   : "others may not read this file (mode bit o+r), so a media "
-                                     "service cannot");
+            add(part, isDirectory ? "others may not search this directory (mode bit o+x), so a "
+                                    "media service cannot open the document in it"
+                                  : "others may not read this file (mode bit o+r), so a media "
+                                    "service cannot");
         }
         if (slash == std::string::npos) {
             return;

@@ -59,7 +59,7 @@ std::string lineList(const std::vector<uint64_t>& lines) {
 }
 
 // `text` escaped, with its own line ends: what comes out of a log holds none.
-std::string shown(std::string_view text) {
+std::string escapedLines(std::string_view text) {
     std::string result;
     for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
         result += escaped(text.substr(0, end)) + "\n";
@@ -80,7 +80,7 @@ void printIndented(const std::string& indent, std::string_view text) {
     }
 }
 
-void printText(const Told& told) {
+void printConclusions(const Told& told) {
     const LoadStory& story = *told.story;
     std::string heading = processName(story);
     if (!story.firstTime.empty()) {
@@ -126,8 +126,8 @@ Json::Value toJson(const Told& told) {
         Json::Value item;
         item["severity"] = nameOf(conclusion.severity);
         item["topic"] = conclusion.topic;
-        item["text"] = shown(conclusion.text);
-        item["advice"] = shown(conclusion.advice);
+        item["text"] = escapedLines(conclusion.text);
+        item["advice"] = escapedLines(conclusion.advice);
         item["lines"] = Json::arrayValue;
         for (const uint64_t line : conclusion.lines) {
             item["lines"].append(Json::UInt64(line));
@@ -194,7 +194,7 @@ int tellLog(const std::string& path, const LogOptions& options) {
         if (options.asJson) {
             json.append(toJson(told));
         } else {
-            printText(told);
+            printConclusions(told);
         }
     }
     if (options.asJson) {
