@@ -126,9 +126,8 @@ private:
 
     // A mapped directory is there even when nothing else in the tree leads to it.
     bool leadsToMapping(const std::string& path) const {
-        const std::string whole = path + mRest;
         return std::any_of(mMappings.begin(), mMappings.end(), [&](const auto& mapping) {
-            return mapping.first.size() > path.size() && liesIn(mapping.first, whole);
+            return mapping.first.size() > path.size() && liesIn(mapping.first, path + mRest);
         });
     }
 
@@ -137,7 +136,7 @@ private:
         std::optional<std::string> host;
         for (const auto& [directory, hostDirectory] : mMappings) {
             if (liesIn(directory, path)) {
-                host = hostDirectory + path.substr(directory.size());
+                host.emplace(hostDirectory).append(path, directory.size());
             }
         }
         return host;

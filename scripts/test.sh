@@ -18,6 +18,7 @@ phone-overflow      phone-overflow,dev  ctest --preset phone-overflow && tool_te
 arm64               arm64               ctest --preset arm64
 arm                 arm                 ctest --preset arm
 clang-arm64         clang-arm64         scripts/check-binary.py build/clang-arm64/libkcodec2_platform.so
+no-tool             -                   scripts/check-no-tool.sh
 style               phone               scripts/check-style.sh
 android-bp          -                   scripts/check-android-bp.py
 abi                 -                   scripts/check-abi.sh
@@ -27,6 +28,7 @@ performance         bench               scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 report              dev                 scripts/check-report.py
 schema              dev                 scripts/check-schema.sh
+sarif               dev                 scripts/check-sarif.py
 docs                -                   scripts/check-docs.sh
 commands            dev                 scripts/check-commands.py
 asan                asan,dev            ctest --preset asan && tool_tests asan
