@@ -3,9 +3,9 @@
  * kc2::PixFormat: the pixel formats that the video core (Tamra) knows.
  *
  * Values belong to the numbering of Android's graphics pixel formats (HAL_PIXEL_FORMAT); those
- * without a comment are vendor values. They follow no formula and no bit has a meaning of its own:
- * compare whole 32-bit values. The _CMPR formats and TAMRA_TP10 carry metadata planes beside their
- * pixel planes. `kcodec2_spec formats` prints each format's colour-format number and planes.
+ * without Android's name are vendor values. They follow no formula and no bit has a meaning of its
+ * own: compare whole 32-bit values. Behind each format stand the planes that its buffers carry;
+ * `kcodec2_spec formats` prints them with the format's colour-format number.
  */
 #pragma once
 
@@ -16,24 +16,24 @@ namespace kc2::PixFormat {
 
 #pragma GCC visibility push(default)
 
-inline constexpr uint32_t TAMRA_NV12 = 0x7FA30C04;
-inline constexpr uint32_t TAMRA_P010 = 0x36;  ///< Android's YCBCR_P010
-inline constexpr uint32_t TAMRA_NV12_CMPR = 0x7FA30C06;
-inline constexpr uint32_t TAMRA_TP10 = 0x7FA30C09;
-inline constexpr uint32_t RGBA8888 = 0x1;  ///< Android's RGBA_8888
-inline constexpr uint32_t RGBA8888_CMPR = 0xC2000000;
-inline constexpr uint32_t NV12_LINEAR_FLEX = 0x125;
-inline constexpr uint32_t NV12_LINEAR_FLEX_2_BATCH = 0x140;
-inline constexpr uint32_t NV12_LINEAR_FLEX_4_BATCH = 0x141;
-inline constexpr uint32_t NV12_LINEAR_FLEX_8_BATCH = 0x142;
-inline constexpr uint32_t NV12_CMPR_FLEX = 0x126;
-inline constexpr uint32_t NV12_CMPR_FLEX_2_BATCH = 0x128;
-inline constexpr uint32_t NV12_CMPR_FLEX_4_BATCH = 0x129;
-inline constexpr uint32_t NV12_CMPR_FLEX_8_BATCH = 0x130;
-inline constexpr uint32_t TAMRA_NV21 = 0x114;
-inline constexpr uint32_t RGBA1010102 = 0x2B;  ///< Android's RGBA_1010102
-inline constexpr uint32_t RGBA1010102_CMPR = 0xC2000001;
-inline constexpr uint32_t RGBA_FP16 = 0x16;  ///< Android's RGBA_FP16
+inline constexpr uint32_t TAMRA_NV12 = 0x7FA30C04;           ///< Y, UV
+inline constexpr uint32_t TAMRA_P010 = 0x36;                 ///< Y, UV; Android's YCBCR_P010
+inline constexpr uint32_t TAMRA_NV12_CMPR = 0x7FA30C06;      ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t TAMRA_TP10 = 0x7FA30C09;           ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t RGBA8888 = 0x1;                    ///< RGB; Android's RGBA_8888
+inline constexpr uint32_t RGBA8888_CMPR = 0xC2000000;        ///< RGB, RGB_META
+inline constexpr uint32_t NV12_LINEAR_FLEX = 0x125;          ///< Y, UV
+inline constexpr uint32_t NV12_LINEAR_FLEX_2_BATCH = 0x140;  ///< Y, UV
+inline constexpr uint32_t NV12_LINEAR_FLEX_4_BATCH = 0x141;  ///< Y, UV
+inline constexpr uint32_t NV12_LINEAR_FLEX_8_BATCH = 0x142;  ///< Y, UV
+inline constexpr uint32_t NV12_CMPR_FLEX = 0x126;            ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t NV12_CMPR_FLEX_2_BATCH = 0x128;    ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t NV12_CMPR_FLEX_4_BATCH = 0x129;    ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t NV12_CMPR_FLEX_8_BATCH = 0x130;    ///< Y, UV, Y_META, UV_META
+inline constexpr uint32_t TAMRA_NV21 = 0x114;                ///< Y, UV
+inline constexpr uint32_t RGBA1010102 = 0x2B;                ///< RGB; Android's RGBA_1010102
+inline constexpr uint32_t RGBA1010102_CMPR = 0xC2000001;     ///< RGB, RGB_META
+inline constexpr uint32_t RGBA_FP16 = 0x16;                  ///< RGB; Android's RGBA_FP16
 
 /**
  * Printable name of a pixel-format value, for messages. The base library (libkcodec2_base) defines

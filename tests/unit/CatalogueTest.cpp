@@ -112,7 +112,8 @@ TEST(CatalogueTest, ThePageIsTheCatalogue) {
 // A vendor's names are known to the checker, too.
 TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
     const ScratchDirectory scratch;
-    const std::string document = scratch.write("spec.json", R"({"Video": {
+    const std::string document =
+            scratch.write("vendor/etc/media/video_system_specs.json", R"({"Video": {
         "Features": {"vendor_x_mode": true},
         "Presets": {"vendor_x_mode": 5, "vendor_mode_x": 1}}})");
     const std::string check = "check --format json " + document;
@@ -125,6 +126,15 @@ TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
         found += finding["id"].asString() + "@" + finding["line"].asString() + " ";
     }
     EXPECT_EQ("setting-misplaced@2 value-range@3 name-misspelt@3 ", found) << known.output;
+    // And so to the others that say what a name means.
+    const std::string settings = " --settings tests/unit/catalogue/vendor.json";
+    const std::string empty = scratch.write("empty.json", "{}");
+    const Result changes = run("diff " + empty + " " + document + settings);
+    EXPECT_NE(std::string::npos, changes.output.find("      mode of the x unit\n"))
+            << changes.output;
+    const std::string page =
+            run("report --rootdir " + scratch.path() + " --output -" + settings).output;
+    EXPECT_NE(std::string::npos, page.find("mode of the x unit")) << page;
     const Result broken = run(check + " --settings tests/unit/catalogue/range.json");
     EXPECT_EQ(2, broken.exitCode);
     EXPECT_NE(std::string::npos, broken.output.find("range.json:5:21:")) << broken.output;

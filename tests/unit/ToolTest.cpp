@@ -6,12 +6,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "RunTool.h"
+#include "platform/FormatRows.h"
 
 namespace kc2::test {
 
@@ -177,6 +179,20 @@ TEST(ToolTest, WhatShipsHasNoMistake) {
             "no/such/document.json:1:1: error: the file cannot be read: No such file or directory "
             "[unreadable]\n1 error, 0 warnings, 0 notes\n",
             missing.output);
+}
+
+// The exported header tells component authors what the rows tell the library.
+TEST(ToolTest, TheHeaderNamesThePlanesOfEachFormat) {
+    const std::string header = readFile(KC2_SOURCE_DIR "/include/kc2/PixFormat.h");
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        std::string planes;
+        for (const auto plane : row.planes) {
+            planes += (planes.empty() ? "" : ", ") + std::string(Platform::planeName(plane));
+        }
+        const std::regex line(row.name + std::string(" =\\s+\\w+;\\s+///< ") + planes +
+                              "(\n|; Android's)");
+        EXPECT_TRUE(std::regex_search(header, line)) << row.name << ": " << planes;
+    }
 }
 
 // docs/checks.md explains every check of the list, by its id.

@@ -275,29 +275,32 @@ void printDifferencesJson(const Loaded& a, const Loaded& b,
     print(root);
 }
 
-int diff(const Side& a, const Side& b, bool asJson) {
-    const std::optional<Catalogue> catalogue = loadCatalogue({});
+struct DiffArguments {
+    Side a;
+    Side b;
+    std::vector<std::string> settingsFiles;
+    bool asJson = false;
+};
+
+int diff(const DiffArguments& arguments) {
+    const std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
     muteLog();
-    const std::optional<Loaded> before = loadSide(a);
-    const std::optional<Loaded> after = loadSide(b);
+    const std::optional<Loaded> before = loadSide(arguments.a);
+    const std::optional<Loaded> after = loadSide(arguments.b);
     if (!catalogue || !before || !after) {
         return kExitUsage;
     }
     const std::vector<SectionChanges> differences =
             differencesOf(before->sections, after->sections);
-    (asJson ? printDifferencesJson : printDifferences)(*before, *after, differences, *catalogue);
+    (arguments.asJson ? printDifferencesJson : printDifferences)(*before, *after, differences,
+                                                                 *catalogue);
     return differences.empty() ? kExitOk : kExitFindings;
 }
 
 }  // namespace
 
 void addDiffCommand(CLI::App* app, int* exitCode) {
-    struct Arguments {
-        Side a;
-        Side b;
-        bool asJson = false;
-    };
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<DiffArguments>();
     CLI::App* const command = app->add_subcommand(
             "diff", "Tell what a codec component sees differently after two loads");
     command->footer(kFooter);
@@ -307,13 +310,14 @@ void addDiffCommand(CLI::App* app, int* exitCode) {
     command->add_option("B", arguments->b.path, "The same (default: A)")
             ->check(CLI::Validator(CLI::ExistingPath).description(""));
     command->add_flag("--json", arguments->asJson, "Print JSON, for scripts");
+    addSettingsOption(command, &arguments->settingsFiles);
     addSideOptions(*command, "-a", &arguments->a.device);
     addSideOptions(*command, "-b", &arguments->b.device);
     command->callback([arguments, exitCode] {
         if (arguments->b.path.empty()) {
             arguments->b.path = arguments->a.path;
         }
-        *exitCode = diff(arguments->a, arguments->b, arguments->asJson);
+        *exitCode = diff(*arguments);
     });
 }
 

@@ -303,7 +303,7 @@ int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
     return kExitFindings;
 }
 
-struct Arguments {
+struct ExplainArguments {
     std::string name;
     bool asPage = false;
     std::vector<std::string> settingsFiles;
@@ -319,7 +319,7 @@ int printSettings(const std::vector<std::string>& settingsFiles) {
     return kExitOk;
 }
 
-int explain(const Arguments& arguments) {
+int explain(const ExplainArguments& arguments) {
     const std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
     if (!catalogue) {
         return kExitUsage;
@@ -362,7 +362,7 @@ void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
 }
 
 void addExplainCommand(CLI::App* app, int* exitCode) {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ExplainArguments>();
     CLI::App* const command = app->add_subcommand(
             "explain", "Tell what a setting, a component, a format, a check or a log line is");
     command->footer(kAbout);

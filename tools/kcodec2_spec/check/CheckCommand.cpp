@@ -36,7 +36,7 @@ constexpr char kFooter[] =
 
 constexpr char kReporting[] = "The report";
 
-struct Arguments {
+struct CheckArguments {
     std::vector<std::string> files;
     std::vector<std::string> settingsFiles;
     CheckOptions check;
@@ -63,7 +63,7 @@ void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
             ->group(kReporting);
 }
 
-void addReportOptions(CLI::App* command, Arguments* arguments) {
+void addReportOptions(CLI::App* command, CheckArguments* arguments) {
     CheckOptions& options = arguments->check;
     static const std::map<std::string, ReportFormat> formats = {{"text", ReportFormat::Text},
                                                                 {"json", ReportFormat::Json},
@@ -101,7 +101,7 @@ void addReportOptions(CLI::App* command, Arguments* arguments) {
             ->group(kReporting);
 }
 
-void addFixOptions(CLI::App* command, Arguments* arguments) {
+void addFixOptions(CLI::App* command, CheckArguments* arguments) {
     CLI::Option* const fix = command->add_flag(
             "--fix", arguments->isFixWanted,
             "Mend what has one certain mend: a comma missing or left over, a byte order mark, a "
@@ -112,7 +112,7 @@ void addFixOptions(CLI::App* command, Arguments* arguments) {
 }
 
 // Sets what --fix is to do. Returns what is wrong; empty when nothing is.
-std::string prepareFix(Arguments* arguments) {
+std::string prepareFix(CheckArguments* arguments) {
     if (!arguments->isFixWanted) {
         return std::string();
     }
@@ -131,7 +131,7 @@ std::string prepareFix(Arguments* arguments) {
     return std::string();
 }
 
-int runCheck(Arguments* arguments) {
+int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
         return listChecks(arguments->check);
     }
@@ -157,7 +157,7 @@ int runCheck(Arguments* arguments) {
 }  // namespace
 
 void addCheckCommand(CLI::App* app, int* exitCode) {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = app->add_subcommand(
             "check", "Report every mistake in documents, or in the whole load of a device");
     command->footer(kFooter);

@@ -29,7 +29,7 @@ constexpr char kAbout[] =
         "  adb logcat -d | kcodec2_spec log\n"
         "  kcodec2_spec log logcat.txt --rootdir pulled";
 
-struct Arguments {
+struct LogArguments {
     std::string file = "-";
     bool isTable = false;
     DeviceOptions device;
@@ -39,7 +39,7 @@ struct Arguments {
 }  // namespace
 
 void addLogCommand(CLI::App* app, int* exitCode) {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<LogArguments>();
     CLI::App* const command = app->add_subcommand(
             "log", "Tell what a device's log shows of its loads, and what to do");
     command->footer(kAbout);

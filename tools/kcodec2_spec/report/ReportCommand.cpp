@@ -38,8 +38,9 @@ constexpr char kFooter[] =
         "Exit codes: 0 written, whatever the page says; 2 wrong usage, or output that cannot be "
         "written.";
 
-struct Arguments {
+struct ReportArguments {
     DeviceOptions device;
+    std::vector<std::string> settingsFiles;
     std::string output;
 };
 
@@ -57,8 +58,8 @@ std::vector<std::string> variantsToShow() {
     return variants;
 }
 
-int report(const Arguments& arguments) {
-    std::optional<Catalogue> catalogue = loadCatalogue({});
+int report(const ReportArguments& arguments) {
+    std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
     if (!catalogue) {
         return kExitUsage;
     }
@@ -95,13 +96,14 @@ int report(const Arguments& arguments) {
 }  // namespace
 
 void addReportCommand(CLI::App* app, int* exitCode) {
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ReportArguments>();
     CLI::App* const command = app->add_subcommand(
             "report", "Write one page about an image: its variants side by side, and its findings");
     command->footer(kFooter);
     command->add_option("--output", arguments->output, "Where the page goes; - prints it")
             ->required()
             ->type_name("FILE.html");
+    addSettingsOption(command, &arguments->settingsFiles);
     addDeviceOptions(*command, &arguments->device);
     command->callback([arguments, exitCode] { *exitCode = report(*arguments); });
 }
