@@ -29,7 +29,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kFooter[] =
+constexpr char kDiffFooter[] =
         "A and B are documents, or directories that hold a device's file system. A document is "
         "loaded as the system spec document of a device that has no other file, so that the "
         "built-in document of the chip follows; a variant names the chip. With A alone, one "
@@ -124,21 +124,6 @@ std::optional<Loaded> loadSide(const Side& side) {
     return std::filesystem::is_directory(side.path) ? loadTree(side) : loadDocument(side);
 }
 
-struct Colours {
-    const char* bold = "";
-    const char* removed = "";
-    const char* added = "";
-    const char* changed = "";
-    const char* faint = "";
-    const char* plain = "";
-
-    static Colours on(const Terminal& terminal) {
-        return terminal.isColoured ? Colours{"\033[1m",  "\033[31m", "\033[32m",
-                                             "\033[33m", "\033[2m",  "\033[0m"}
-                                   : Colours();
-    }
-};
-
 void printSide(const char* name, const Loaded& side, const Colours& colours) {
     std::printf("%s%s  %s%s\n   system spec document  %s\n   private overlay       %s\n",
                 colours.bold, name, escaped(side.title).c_str(), colours.plain,
@@ -203,9 +188,9 @@ void printSection(const SectionChanges& section, const Catalogue& catalogue,
     }
     for (size_t i = 0; i < rows.size(); ++i) {
         const Row& row = rows[i];
-        const char* const colour = row.sign == '-'   ? colours.removed
-                                   : row.sign == '+' ? colours.added
-                                                     : colours.changed;
+        const char* const colour = row.sign == '-'   ? colours.red
+                                   : row.sign == '+' ? colours.green
+                                                     : colours.yellow;
         std::printf("  %s%c %s%s  %s%s%s\n", colour, row.sign, padded(row.name, nameWidth).c_str(),
                     colours.plain, padded(row.value, valueWidth).c_str(),
                     valueWidth == 0 ? "" : "  ", row.origin.c_str());
@@ -220,7 +205,7 @@ void printSection(const SectionChanges& section, const Catalogue& catalogue,
 
 void printDifferences(const Loaded& a, const Loaded& b,
                       const std::vector<SectionChanges>& differences, const Catalogue& catalogue) {
-    const Colours colours = Colours::on(terminalOf(STDOUT_FILENO));
+    const Colours colours = coloursOf(terminalOf(STDOUT_FILENO));
     printSide("A", a, colours);
     printSide("B", b, colours);
     for (const SectionChanges& section : differences) {
@@ -303,7 +288,7 @@ void addDiffCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<DiffArguments>();
     CLI::App* const command = app->add_subcommand(
             "diff", "Tell what a codec component sees differently after two loads");
-    command->footer(kFooter);
+    command->footer(kDiffFooter);
     command->add_option("A", arguments->a.path, "A document, or a directory with a device's files")
             ->required()
             ->check(CLI::Validator(CLI::ExistingPath).description(""));

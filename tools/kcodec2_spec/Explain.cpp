@@ -339,7 +339,7 @@ int explain(const ExplainArguments& arguments) {
     return isKnown || isOnDevice ? kExitOk : printUnknown(*catalogue, arguments.name);
 }
 
-constexpr char kAbout[] =
+constexpr char kExplainFooter[] =
         "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
         "the id of a check, or a line of the log or a part of one. With --rootdir it also tells "
         "which document of that device sets the name, and which one loses.\n"
@@ -365,7 +365,7 @@ void addExplainCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<ExplainArguments>();
     CLI::App* const command = app->add_subcommand(
             "explain", "Tell what a setting, a component, a format, a check or a log line is");
-    command->footer(kAbout);
+    command->footer(kExplainFooter);
     CLI::Option* const name = command->add_option("NAME", arguments->name, "What to explain");
     command->add_flag("--markdown", arguments->asPage, "Instead of NAME: the catalogue as a page")
             ->excludes(name);

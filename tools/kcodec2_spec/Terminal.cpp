@@ -36,6 +36,18 @@ Terminal terminalOf(int descriptor) {
             .width = isSized ? size.ws_col : kUsualWidth};
 }
 
+Colours coloursOf(const Terminal& terminal) {
+    return terminal.isColoured ? Colours{.bold = "\033[1m",
+                                         .faint = "\033[2m",
+                                         .red = "\033[31m",
+                                         .green = "\033[32m",
+                                         .yellow = "\033[33m",
+                                         .magenta = "\033[35m",
+                                         .cyan = "\033[36m",
+                                         .plain = "\033[0m"}
+                               : Colours();
+}
+
 size_t columnsOf(std::string_view character) {
     if (character.size() <= 1) {
         return character.size();

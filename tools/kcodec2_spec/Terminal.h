@@ -14,6 +14,20 @@ struct Terminal {
 // What the descriptor is open to.
 Terminal terminalOf(int descriptor);
 
+// What switches a terminal's colours; empty where there are none.
+struct Colours {
+    const char* bold = "";
+    const char* faint = "";
+    const char* red = "";
+    const char* green = "";
+    const char* yellow = "";
+    const char* magenta = "";
+    const char* cyan = "";
+    const char* plain = "";
+};
+
+Colours coloursOf(const Terminal& terminal);
+
 // How many columns a printable character of UTF-8 takes: 2 for most of East Asia's, 0 for a
 // combining mark.
 size_t columnsOf(std::string_view character);

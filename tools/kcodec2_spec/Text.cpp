@@ -69,6 +69,10 @@ std::string_view withoutTrailing(std::string_view text, char c) {
     return text;
 }
 
+std::string counted(size_t number, std::string_view what) {
+    return std::to_string(number).append(" ").append(what).append(number == 1 ? "" : "s");
+}
+
 std::string padded(std::string text, size_t width) {
     text.resize(std::max(text.size(), width), ' ');
     return text;

@@ -13,6 +13,9 @@
 
 namespace kc2::tool {
 
+// What JSON takes for white space.
+inline constexpr std::string_view kJsonBlanks = " \t\r\n";
+
 // "0x40800000".
 std::string hexadecimal(uint32_t value);
 
@@ -46,6 +49,9 @@ std::string_view withoutTrailing(std::string_view text, char c);
 constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
+
+// "1 place", "2 places".
+std::string counted(size_t number, std::string_view what);
 
 // `text` with blanks on the right, up to `width` bytes.
 std::string padded(std::string text, size_t width);

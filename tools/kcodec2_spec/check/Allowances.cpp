@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <string>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
 
 constexpr std::string_view kMark = "kcodec2_spec:";
-constexpr std::string_view kBlanks = " \t\r\n";
 constexpr size_t kMostSuggestions = 100;  // A search through all ids for each of a million is long.
 
 }  // namespace
@@ -31,7 +32,7 @@ Allowances::Allowances(const Source& source, const std::vector<Span>& comments) 
         const size_t before = text.find_last_not_of(" \t\r", comment->start - 1);
         const bool isBehind = comment->start != 0 && before != std::string_view::npos &&
                               text[before] != '\n' && before >= source.startOf(line);
-        const size_t next = text.find_first_not_of(kBlanks, comment->limit);
+        const size_t next = text.find_first_not_of(kJsonBlanks, comment->limit);
         const size_t allowed = isBehind ? line : next < nextStart ? source.lineOf(next) : nextLine;
         readComment(*comment, allowed);
         nextStart = comment->start;
@@ -46,7 +47,7 @@ std::string_view Allowances::textOf(Span span) const {
 // Takes the ids of a comment that is for us.
 void Allowances::readComment(Span comment, size_t line) {
     const std::string_view text = textOf(comment);
-    size_t at = text.find_first_not_of(kBlanks, 2);
+    size_t at = text.find_first_not_of(kJsonBlanks, 2);
     if (at == std::string_view::npos || text.substr(at, kMark.size()) != kMark) {
         return;
     }

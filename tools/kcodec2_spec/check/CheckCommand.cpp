@@ -18,7 +18,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kFooter[] =
+constexpr char kCheckFooter[] =
         "Without FILE it does the whole load of the device and checks across its documents.\n"
         "\n"
         "Examples:\n"
@@ -160,7 +160,7 @@ void addCheckCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = app->add_subcommand(
             "check", "Report every mistake in documents, or in the whole load of a device");
-    command->footer(kFooter);
+    command->footer(kCheckFooter);
     CLI::Option* const files =
             command->add_option("FILE", arguments->files, "Documents to check, each by itself");
     addSettingsOption(command, &arguments->settingsFiles);

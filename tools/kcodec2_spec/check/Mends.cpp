@@ -57,7 +57,7 @@ private:
 
     // To the next token; false at the end of the text.
     bool skipBlanks() {
-        mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size());
+        mAt = std::min(mText.find_first_not_of(kJsonBlanks, mAt), mText.size());
         return mAt < mText.size();
     }
 

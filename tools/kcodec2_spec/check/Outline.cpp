@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Text.h"
+
 namespace kc2::tool {
 
 namespace {
@@ -28,7 +30,7 @@ public:
 private:
     char peek() const { return mAt < mText.size() ? mText[mAt] : '\0'; }
 
-    void skipBlanks() { mAt = std::min(mText.find_first_not_of(" \t\r\n", mAt), mText.size()); }
+    void skipBlanks() { mAt = std::min(mText.find_first_not_of(kJsonBlanks, mAt), mText.size()); }
 
     Span string() {
         const size_t start = mAt++;

@@ -169,7 +169,7 @@ MaybeHint atToken(const Context& context, std::string message) {
 
 MaybeHint startOfDocument(const Source& source, std::string_view parserText) {
     const std::string_view text = source.text();
-    if (parserText.find_first_not_of(" \t\r\n") == kNowhere) {
+    if (parserText.find_first_not_of(kJsonBlanks) == kNowhere) {
         return SyntaxHint{{text.size(), text.size()}, "the document is empty", {}};
     }
     for (const StartRow& row : kStarts) {

@@ -12,7 +12,6 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kMarks = "{}[]:,";
 
 size_t skipDigits(std::string_view word, size_t at) {
@@ -40,7 +39,7 @@ public:
 
 private:
     Token next() {
-        while (mAt < mText.size() && kBlanks.find(mText[mAt]) != kNowhere) {
+        while (mAt < mText.size() && kJsonBlanks.find(mText[mAt]) != kNowhere) {
             if (mText[mAt++] == '\n') {
                 mLineStart = mAt;
                 mIsFirstInLine = true;
@@ -209,7 +208,7 @@ bool isWordOfJson(std::string_view word) {
 }
 
 bool endsWord(char c) {
-    return c == '"' || kBlanks.find(c) != kNowhere || kMarks.find(c) != kNowhere;
+    return c == '"' || kJsonBlanks.find(c) != kNowhere || kMarks.find(c) != kNowhere;
 }
 
 }  // namespace kc2::tool

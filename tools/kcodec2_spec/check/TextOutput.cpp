@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "Terminal.h"
+#include "Text.h"
 #include "check/Excerpt.h"
 #include "check/Output.h"
 #include "targetspec/reading/Escaped.h"
@@ -19,27 +20,16 @@ namespace {
 constexpr size_t kWidthOfFiles = 109;  // For lines of 100 columns behind the margin.
 constexpr size_t kMostUnsummed = 100;  // Findings that one can look through.
 
-// The escape sequences of a terminal; none elsewhere.
-struct Colours {
-    const char* bold = "";
-    const char* plain = "";
-    const char* of[3] = {"", "", ""};  // By severity.
-
-    static Colours on(const Terminal& terminal) {
-        return terminal.isColoured
-                       ? Colours{"\033[1m", "\033[0m", {"\033[1;36m", "\033[1;35m", "\033[1;31m"}}
-                       : Colours();
-    }
-};
-
-std::string counted(size_t number, const std::string& what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+const char* colourOf(Severity severity, const Colours& colours) {
+    return severity == Severity::Error     ? colours.red
+           : severity == Severity::Warning ? colours.magenta
+                                           : colours.cyan;
 }
 
 void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) {
-    std::printf("%s%s:%s %s%s:%s %s [%s]\n", colours.bold,
-                escaped(entry.source->placeOf(entry.span.start)).c_str(), colours.plain,
-                colours.of[static_cast<int>(entry.severity)], nameOf(entry.severity), colours.plain,
+    std::printf("%s%s: %s%s:%s %s [%s]\n", colours.bold,
+                escaped(entry.source->placeOf(entry.span.start)).c_str(),
+                colourOf(entry.severity, colours), nameOf(entry.severity), colours.plain,
                 escaped(entry.message).c_str(), entry.rule->id);
     if (!entry.isForFile) {
         std::fputs(excerptOf(*entry.source, entry.span, width).c_str(), stdout);
@@ -86,7 +76,7 @@ void printSummary(const Report& report) {
 
 void printText(const Report& report, const OutputOptions& options) {
     const Terminal terminal = terminalOf(STDOUT_FILENO);
-    const Colours colours = Colours::on(terminal);
+    const Colours colours = coloursOf(terminal);
     const std::vector<const ReportEntry*> shown = shownEntries(report, options);
     for (const ReportEntry* const entry : shown) {
         printEntry(*entry, colours, terminal.width != 0 ? terminal.width : kWidthOfFiles);

@@ -14,7 +14,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kAbout[] =
+constexpr char kLogFooter[] =
         "Reads what logcat prints, in any of its formats, and tells for each load of each process: "
         "the variant, the documents and why these, what was rejected or skipped, what the store "
         "then held, what components asked wrongly, and what to do. Where the log proves nothing "
@@ -42,7 +42,7 @@ void addLogCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<LogArguments>();
     CLI::App* const command = app->add_subcommand(
             "log", "Tell what a device's log shows of its loads, and what to do");
-    command->footer(kAbout);
+    command->footer(kLogFooter);
     command->add_option("FILE", arguments->file, "The log; - is standard input, the default");
     command->add_flag("--json", arguments->options.asJson, "Print JSON, for scripts");
     command->add_flag("--lines", arguments->isTable,

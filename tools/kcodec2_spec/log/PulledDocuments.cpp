@@ -124,10 +124,10 @@ private:
 
 constexpr char kOtherDocument[] = ". The phone runs another document than the one in the tree.";
 
-class Comparison {
+class LogComparison {
 public:
-    Comparison(const LoadStory& story, std::vector<Conclusion>* conclusions,
-               std::vector<PlacedLine>* places)
+    LogComparison(const LoadStory& story, std::vector<Conclusion>* conclusions,
+                  std::vector<PlacedLine>* places)
         : mStory(story),
           mAttribution(attribute(story)),
           mLoad(walkLoad()),
@@ -423,7 +423,7 @@ void comparePulled(const LoadStory& story, bool isVariantGiven,
         const std::string variant = variantIn(path);
         playVariant(variant.empty() ? kDefaultVariant : variant);
     }
-    Comparison(story, conclusions, places).run();
+    LogComparison(story, conclusions, places).run();
 }
 
 }  // namespace kc2::tool

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "Documents.h"
+#include "Text.h"
 #include "check/Excerpt.h"
 #include "check/Output.h"
 #include "device/DevicePaths.h"
@@ -33,10 +34,6 @@ constexpr size_t kExcerptColumns = 100;
 constexpr char kPolicy[] =
         "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
         "form-action 'none'; script-src 'sha256-uwIa1WG69Wnq8GpgoiZHuknvMCghGxIQsSF0fV0DMpw='";
-
-std::string counted(size_t number, std::string_view what) {
-    return fmt::format("{} {}{}", number, what, number == 1 ? "" : "s");
-}
 
 std::string shownVariant(const std::string& variant) {
     return variant == kDefaultVariant ? "no variant" : html(variant);

@@ -26,7 +26,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kFooter[] =
+constexpr char kReportFooter[] =
         "The page has what each variant of the image loads, side by side, with the differences "
         "marked and the document that set each value; the bit-rate tables as steps; and what check "
         "finds. It is one file, and asks for no other. A variant that --property sets is a column, "
@@ -99,7 +99,7 @@ void addReportCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<ReportArguments>();
     CLI::App* const command = app->add_subcommand(
             "report", "Write one page about an image: its variants side by side, and its findings");
-    command->footer(kFooter);
+    command->footer(kReportFooter);
     command->add_option("--output", arguments->output, "Where the page goes; - prints it")
             ->required()
             ->type_name("FILE.html");
