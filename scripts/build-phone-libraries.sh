@@ -4,10 +4,10 @@
 #
 # Debian's JsonCpp and GoogleTest are built for libstdc++. A phone has a JsonCpp without exceptions,
 # whose file name has no version, and whose later releases stop at 256 nested containers. Two are
-# built from Debian's source package:
+# built from Debian's sources:
 # - no-exceptions: beyond that limit it ends the process;
 # - exceptions: beyond that limit it throws. Json::Reader is deprecated, as in later releases.
-# Needs clang, libc++-dev, libc++abi-dev, googletest, cmake, ninja-build, dpkg-dev.
+# Needs clang, libc++-dev, libc++abi-dev, googletest, cmake, ninja-build.
 set -eu
 
 cd "$(dirname "$0")/.."

@@ -1,10 +1,10 @@
 #!/bin/sh
 # Fetches packages of the machine's Debian release and unpacks them, without installing anything:
-# fetch-packages.sh source DIRECTORY PACKAGE         (a source package)
+# fetch-packages.sh source DIRECTORY PACKAGE         (what its authors publish, without Debian's part)
 # fetch-packages.sh ARCHITECTURE DIRECTORY PACKAGE...  (binary packages, also of foreign processors)
 #
 # The package lists lie under build/, so the machine's own configuration stays as it is. Needs no
-# root. Does nothing when DIRECTORY already holds these packages. Needs dpkg-dev.
+# root. Does nothing when DIRECTORY already holds these packages.
 set -eu
 
 [ $# -ge 3 ] || { echo "usage: fetch-packages.sh source|ARCHITECTURE DIRECTORY PACKAGE..." >&2; exit 2; }
@@ -53,8 +53,10 @@ echo "Fetching for $what: $*"
 apt update
 cd "$directory"
 if [ "$what" = source ]; then
-    apt source --download-only "$1"
-    dpkg-source --no-check -x ./*.dsc source > /dev/null
+    # The description of a package is replaced with each upload, and a mirror may be between two.
+    apt source --tar-only --download-only "$1"
+    mkdir source
+    tar -x --strip-components=1 -C source -f ./*.orig.tar.*
 else
     apt download "$@"
     for package in ./*.deb; do

@@ -10,7 +10,7 @@ run="ca-certificates cmake g++ libcli11-dev libfmt-dev libjsoncpp-dev ninja-buil
 # Compilers for this machine; the style tools; sanitizers.
 test="clang clang-format clang-tidy libclang-rt-dev lld pkg-config"
 # A phone's C++ library, and the sources of what is built for it.
-test="$test dpkg-dev googletest libc++-dev libc++abi-dev libgtest-dev"
+test="$test googletest libc++-dev libc++abi-dev libgtest-dev"
 # A phone's processors.
 test="$test g++-aarch64-linux-gnu g++-arm-linux-gnueabihf qemu-user-static"
 # The platform's build system and libraries.

@@ -7,8 +7,16 @@
 
 namespace {
 
-// Keeps what liblog hands to its writer, and lets it go on to where liblog writes by itself.
-void keep(const __android_logger_data* line, const char* text) {
+// Keeps what liblog hands to its writer, and lets it go on to where liblog writes by itself. Its
+// releases differ: the text is in the line, or is handed over beside it.
+template <typename Line>
+void keep(const Line* line) {
+    kc2::check::addLine(line->priority, line->tag, line->message);
+    __android_log_stderr_logger(line);
+}
+
+template <typename Line>
+void keep(const Line* line, const char* text) {
     kc2::check::addLine(line->priority, line->tag, text);
     __android_log_stderr_logger(line, text);
 }

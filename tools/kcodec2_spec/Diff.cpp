@@ -102,7 +102,8 @@ std::optional<Loaded> loadDocument(const Side& side) {
     DeviceOptions device = side.device;
     device.rootDirectory = side.path;  // Not a directory, so this device has no files.
     applyDeviceOptions(device);
-    const ChipDocument& chip = chipDocumentFor(TargetSpec::readTargetVariant());
+    const std::string path = TargetSpec::readTargetVariant();
+    const ChipDocument& chip = chipDocumentFor(path);
     const MemoryFile file(document.text);
     LoadSteps steps;
     steps.systemSpec = [&file](TargetSpec& store) {
