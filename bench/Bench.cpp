@@ -87,8 +87,8 @@ void measure(const Operation& operation) {
         time(operation);
     }
     std::fflush(stdout);
-    std::_Exit(
-            0);  // Without exit handlers: those of the load-time initialisers may be there twice.
+    // Without exit handlers: those of the load-time initialisers may be there twice.
+    std::_Exit(0);
 }
 
 // In its own process an operation finds the heap as every other one finds it, and the C

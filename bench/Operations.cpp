@@ -73,8 +73,8 @@ TargetSpec& storeOf(const Document& document) {
 }
 
 void addGet(List& list, const std::vector<Document>& documents, const std::string& root) {
-    // Only this one needs files at a device's paths. To follow a path through a mapped tree costs
-    // 2,300 instructions, which a device does not spend.
+    // Only this one needs files at a device's paths. What it costs to follow them through a mapped
+    // tree, scripts/check-performance.py takes away.
     list.addPrepared(
             "first Get", [] { keep(TargetSpec::Get()); },
             [root] { host::mapDirectory("/", root); });
