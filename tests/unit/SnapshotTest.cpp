@@ -7,7 +7,7 @@
 
 #include "Device.h"
 #include "StoreSnapshot.h"
-#include "kc2/TargetSpecKeys.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::test {
 
@@ -97,25 +97,36 @@ TEST(SnapshotTest, KnowsNoMergeRule) {
     EXPECT_EQ("p::2 p::2 ", shownOf(replaced, steps)["codecPlugins"]);
 }
 
+// A section's smallest content that is not nothing.
+const char* contentOf(SectionType type) {
+    switch (type) {
+        case SectionType::Features:
+            return R"({"a": false})";
+        case SectionType::Presets:
+            return R"({"a": 0})";
+        case SectionType::BitRateRows:
+            return "[[0, 0, 0]]";
+        case SectionType::DolbyVision:
+            return "{}";
+        case SectionType::PerfResourceValues:
+            return R"({"a": []})";
+        case SectionType::CodecLists:
+            return R"({"encoders": [""]})";
+        case SectionType::Names:
+        case SectionType::CodecNames:
+            return R"([""])";
+    }
+    return "";
+}
+
 // A document with one section alone must show in one section at least.
 TEST(SnapshotTest, ShowsEverySection) {
     const auto empty = shownOf("{}", "{}");
-    const std::pair<const char*, const char*> rows[] = {
-            {targetSpecFeatures, R"({"a": false})"},
-            {targetSpecPresets, R"({"a": 0})"},
-            {targetSpecNimbraModeBitRate, "[[0, 0, 0]]"},
-            {targetSpecDV, "{}"},
-            {targetSpecCodecPlugins, R"([""])"},
-            {targetSpecPreProcessingFilters, R"([""])"},
-            {targetSpecPerfResourceValues, R"({"a": []})"},
-            {targetSpecSupportedCodecs, R"({"encoders": [""]})"},
-            {targetSpecOptionalCodecs, R"([""])"},
-            {targetSpecSupportedEncPostProcessingFilters, R"([""])"},
-    };
-    for (const auto& [key, value] : rows) {
-        const std::string text = document("\"" + std::string(key) + "\": " + value);
-        EXPECT_NE(empty, shownOf(text, "{}")) << key;
-        EXPECT_NE(empty, shownOf("{}", text)) << key;
+    for (const Section& section : kSections) {
+        const std::string text =
+                document("\"" + std::string(*section.key) + "\": " + contentOf(section.type));
+        EXPECT_NE(empty, shownOf(text, "{}")) << *section.key;
+        EXPECT_NE(empty, shownOf("{}", text)) << *section.key;
     }
 }
 
