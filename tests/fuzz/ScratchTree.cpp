@@ -2,6 +2,8 @@
 
 #include "tests/fuzz/ScratchTree.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -68,6 +70,10 @@ void ScratchTree::writeFile(const std::string& path, const std::string& text) co
 void ScratchTree::makeDirectory(const std::string& path) const {
     std::error_code error;
     fs::create_directory(madeRoomFor(mRoot, path), error);
+}
+
+void ScratchTree::makePipe(const std::string& path) const {
+    mkfifo(madeRoomFor(mRoot, path).c_str(), S_IRUSR | S_IWUSR);
 }
 
 void ScratchTree::makeLink(const std::string& path, const std::string& target) const {

@@ -22,6 +22,7 @@ public:
 
     void writeFile(const std::string& path, const std::string& text) const;
     void makeDirectory(const std::string& path) const;
+    void makePipe(const std::string& path) const;
     void makeLink(const std::string& path, const std::string& target) const;
     void hideFromOthers(const std::string& path) const;
 

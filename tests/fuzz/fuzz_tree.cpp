@@ -6,6 +6,7 @@
 //   %property NAME=VALUE      another one
 //   %file PATH                with the lines up to the next command as its text
 //   %directory PATH           also where a file belongs
+//   %queue PATH               a pipe that nobody writes into
 //   %hidden PATH              a file that others cannot read
 //   %link PATH TARGET         made behind all files
 //   %mapping PREFIX PATH      a directory of the tree, mapped besides
@@ -119,6 +120,9 @@ private:
         });
         forEach("d", [&](const Command& command) {
             mTree.makeDirectory(inFull(std::string(command.argument)));
+        });
+        forEach("q", [&](const Command& command) {
+            mTree.makePipe(inFull(std::string(command.argument)));
         });
         forEach("h", [&](const Command& command) {
             mTree.hideFromOthers(inFull(std::string(command.argument)));
