@@ -6,30 +6,18 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 
 #include "device/BaseLibrary.h"
 #include "device/Log.h"
 #include "hostplatform/HostPlatform.h"
+#include "tests/fuzz/Require.h"
 #include "tests/fuzz/StoreContent.h"
 
 namespace kc2::fuzz {
 
 namespace {
-
-[[noreturn]] void fail(const char* promise) {
-    std::fprintf(stderr, "Broken promise: %s\n", promise);
-    std::abort();
-}
-
-void require(bool isKept, const char* promise) {
-    if (!isKept) {
-        fail(promise);
-    }
-}
 
 struct LogCount {
     size_t errors = 0;

@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <set>
 #include <string>
@@ -17,6 +15,7 @@
 #include "check/Rules.h"
 #include "hostplatform/HostPlatform.h"
 #include "kc2/TargetSpecKeys.h"
+#include "tests/fuzz/Require.h"
 #include "tests/fuzz/StoreContent.h"
 
 namespace kc2::fuzz {
@@ -25,13 +24,6 @@ namespace {
 
 size_t sErrors = 0;
 size_t sWarnings = 0;
-
-void require(bool isKept, const char* promise) {
-    if (!isKept) {
-        std::fprintf(stderr, "Broken promise: %s\n", promise);
-        std::abort();
-    }
-}
 
 void countLine(int priority, const char* /*tag*/, const char* /*text*/) {
     sErrors += priority == ANDROID_LOG_ERROR ? 1 : 0;

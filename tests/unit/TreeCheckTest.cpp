@@ -29,6 +29,10 @@ public:
         fs::create_directories(fs::path(mScratch.path() + path).parent_path());
         fs::create_symlink(target, mScratch.path() + path);
     }
+    void pipe(const std::string& path) const {
+        fs::create_directories(fs::path(mScratch.path() + path).parent_path());
+        mkfifo((mScratch.path() + path).c_str(), 0644);
+    }
     void forbid(const std::string& path) const { chmod((mScratch.path() + path).c_str(), 0750); }
     Result check(const std::string& options) const {
         return run("check --rootdir " + mScratch.path() + " " + options);
@@ -92,6 +96,7 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     tree.link("/vendor/etc/media_a/video_system_specs.json", "nowhere");
     tree.link("/vendor/etc/media_b/video_system_specs.json", "video_system_specs.json");
     tree.link("/vendor/etc/media_c", "/nowhere");
+    tree.pipe("/odm/etc/media_p/video_system_specs.json");
     const struct {
         std::string variant;
         const char* reason;
@@ -99,6 +104,9 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
                 {"_b", "(it is a link in a loop, or one that leads out of the tree)"},
                 {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
                 {"_d", "(/vendor/etc/media_d does not exist)"},
+                {"_p",
+                 "/odm/etc/media_p/video_system_specs.json:1:1: error: the file opens, but cannot "
+                 "be read (it is a pipe"},
                 {"_" + std::string(300, 'e'), "(the path is too long)"}};
     for (const auto& row : rows) {
         const std::string output =

@@ -2,12 +2,17 @@
 
 #include "Documents.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <utility>
 
 #include "device/BaseLibrary.h"
+#include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpec.h"
 #include "targetspec/reading/DocumentText.h"
@@ -52,6 +57,32 @@ Document readStream(std::string origin, std::string path, std::ifstream& stream)
                         std::string(text.bytes().begin(), text.bytes().end()));
 }
 
+// The path of the system spec document that a load would open, where that is a pipe. A load waits
+// there until somebody writes into it; the tool must not.
+std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
+    for (const std::string& path : {firstPath, std::string(kFallbackSystemSpec)}) {
+        const std::string file = localPath(path);
+        struct stat status = {};
+        if (stat(file.c_str(), &status) == 0 && S_ISFIFO(status.st_mode)) {
+            return path;
+        }
+        if (access(file.c_str(), R_OK) == 0) {
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+Document openedSystemSpec(const std::string& firstPath) {
+    if (std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
+        return unreadable("system spec", *std::move(path),
+                          "it is a pipe: a load waits until somebody writes into it");
+    }
+    std::ifstream stream;
+    const std::optional<std::string> path = openSystemSpec(stream);
+    return path ? readStream("system spec", *path, stream) : Document();
+}
+
 }  // namespace
 
 Document readDocument(std::string origin, std::string path, std::string text) {
@@ -91,10 +122,7 @@ Load walkLoad() {
     load.firstPath = TargetSpec::readTargetVariant();
     load.chip = &chipDocumentFor(load.firstPath);
 
-    std::ifstream systemSpec;
-    if (const std::optional<std::string> path = openSystemSpec(systemSpec)) {
-        load.systemSpec = readStream("system spec", *path, systemSpec);
-    }
+    load.systemSpec = openedSystemSpec(load.firstPath);
 
     std::ifstream privateFile;
     load.isSeeded =

@@ -133,7 +133,7 @@ bool explainCheck(const Catalogue&, const std::string& name) {
     }
     if (const CheckExample* const example = exampleOf(rule->id)) {
         printLine("mend", example->mend);
-        printLine("example", example->mistake);
+        printLine("example", *example->mistake != '\0' ? example->mistake : example->whyNone);
         printLine("mended", example->mended);
     }
     return true;

@@ -86,7 +86,7 @@ void checkUnreadable(const CheckedLoad& checked, const AddForSource& add) {
         if (!document->document.isReadable) {
             add(document->source, "the file opens, but cannot be read (" +
                                           document->document.whyNotReadable +
-                                          "): the device rejects it");
+                                          "): the device takes nothing of it");
         }
     }
 }
