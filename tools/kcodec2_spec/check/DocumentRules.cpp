@@ -19,7 +19,8 @@ namespace kc2::tool {
 
 namespace {
 
-void visitAll(const OutlineNode& node, const std::function<void(const OutlineNode&)>& visit) {
+template <typename Visit>
+void visitAll(const OutlineNode& node, const Visit& visit) {
     visit(node);
     for (const OutlineNode& child : node.children) {
         visitAll(child, visit);
@@ -119,10 +120,22 @@ void checkUnknownMembers(const CheckedDocument& checked, const KnownSettings& kn
     }
 }
 
+// Of settings the reader keeps one of each name: where it has kept as many as there are members, no
+// name is there twice. In large documents that saves a search.
+bool hasEachNameOnce(const CheckedDocument& checked, const OutlineNode& object) {
+    const auto isKeptWhole = [&](const char* section, const auto& kept) {
+        return kept.size() == object.children.size() && checked.section(section) == &object;
+    };
+    const SpecDocument& content = checked.document.content;
+    return object.children.size() < 2 || isKeptWhole(targetSpecFeatures, content.features) ||
+           isKeptWhole(targetSpecPresets, content.presets) ||
+           isKeptWhole(targetSpecPerfResourceValues, content.perfResourceValues);
+}
+
 void checkDuplicateMembers(const CheckedDocument& checked, const KnownSettings& /*known*/,
                            const Emit& emit) {
     visitAll(checked.outline.root, [&](const OutlineNode& object) {
-        if (object.kind != '{') {
+        if (object.kind != '{' || hasEachNameOnce(checked, object)) {
             return;
         }
         std::unordered_map<std::string_view, const OutlineNode*> last;
