@@ -2,6 +2,7 @@
 
 #include "targetspec/reading/Escaped.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace kc2 {
@@ -39,6 +40,10 @@ size_t plainLength(std::string_view text) {
 }
 
 std::string escaped(std::string_view text) {
+    const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
+    if (std::all_of(text.begin(), text.end(), isPrintable)) {  // As almost every text is.
+        return std::string(text);
+    }
     std::string result;
     while (!text.empty()) {
         size_t length = plainLength(text);

@@ -14,17 +14,6 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
-// The offset behind the string whose opening quote is at `quote`; kNone when it does not end.
-size_t endOfString(std::string_view text, size_t quote) {
-    for (size_t end = text.find('"', quote + 1); end != kNone; end = text.find('"', end + 1)) {
-        const size_t backslashes = end - 1 - text.find_last_not_of('\\', end - 1);
-        if (backslashes % 2 == 0) {  // The quote is not escaped.
-            return end + 1;
-        }
-    }
-    return kNone;
-}
-
 // Blanks comments from the start of a text to its end. Each search remembers what it has found, so
 // that no part of the text is searched twice for the same.
 class CommentBlanker {
@@ -162,6 +151,16 @@ std::optional<LimitBreach> findLimitBreach(std::string_view text) {
 }
 
 }  // namespace
+
+size_t endOfString(std::string_view text, size_t quote) {
+    for (size_t end = text.find('"', quote + 1); end != kNone; end = text.find('"', end + 1)) {
+        const size_t backslashes = end - 1 - text.find_last_not_of('\\', end - 1);
+        if (backslashes % 2 == 0) {  // The quote is not escaped.
+            return end + 1;
+        }
+    }
+    return kNone;
+}
 
 std::optional<LimitBreach> makeFitForParser(std::span<char> text,
                                             std::vector<TextRange>* comments) {

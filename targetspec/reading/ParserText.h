@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "targetspec/reading/Findings.h"
@@ -15,6 +16,9 @@ struct TextRange {
     size_t start = 0;
     size_t limit = 0;
 };
+
+// The offset behind the string whose opening quote is at `quote`; npos when it does not end.
+size_t endOfString(std::string_view text, size_t quote);
 
 struct LimitBreach {
     FindingKind kind;

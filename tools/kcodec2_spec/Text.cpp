@@ -33,10 +33,6 @@ void JsonPrinter::print(const Json::Value& json) const {
     std::fputs(text.str().c_str(), stdout);
 }
 
-bool isFirstByteOfCharacter(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-}
-
 char32_t codePointOf(std::string_view character) {
     const auto first = static_cast<unsigned char>(character[0]);
     char32_t code = character.size() == 1 ? first : first & (0xFFU >> (character.size() + 1));

@@ -188,7 +188,7 @@ CheckedDocument::CheckedDocument(std::string shownPath, Document read)
     : document(std::move(read)),
       source(std::move(shownPath), document.text),
       outline(isJson(document) ? outlineOf(document.parserText)
-                               : Outline{OutlineNode(), document.text.size()}) {}
+                               : Outline{OutlineNode(), document.text.size(), {}}) {}
 
 std::vector<const KeptFinding*> CheckedDocument::takenIn(const char* section,
                                                          const char* name) const {

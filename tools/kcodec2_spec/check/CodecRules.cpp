@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "Text.h"
 #include "check/DocumentNames.h"
 #include "check/Misspellings.h"
 
@@ -38,10 +39,11 @@ struct ComponentName {
 
     // c2.<vendor>.<codec>.<decoder or encoder>, and what distinguishes components of one codec.
     bool hasForm() const {
-        const auto isWord = [](std::string_view part) {
-            return !part.empty() &&
-                   part.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_-") ==
-                           std::string_view::npos;
+        const auto isOfWord = [](char c) {
+            return (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' || c == '-';
+        };
+        const auto isWord = [&](std::string_view part) {
+            return !part.empty() && std::all_of(part.begin(), part.end(), isOfWord);
         };
         for (size_t dot = 0; dot < variant.size();) {  // It begins with a dot, or is empty.
             const size_t next = std::min(variant.find('.', dot + 1), variant.size());

@@ -17,9 +17,6 @@ struct DocumentName {
     Span span;  // With its quotes.
 };
 
-// The string that `quoted` is, in `decoded` where it has escapes.
-std::string_view unquoted(std::string_view quoted, std::string* decoded);
-
 inline bool isOfNamedValues(SectionType type) {
     return type == SectionType::Features || type == SectionType::Presets ||
            type == SectionType::PerfResourceValues;
@@ -55,12 +52,10 @@ void forEachSettingName(const CheckedDocument& checked, Visit visit) {
 // Calls visit(name) for each string in lists of names; with `isWanted`, in sections of such a type.
 template <typename Visit>
 void forEachEntry(const CheckedDocument& checked, bool (*isWanted)(SectionType), Visit visit) {
-    std::string decoded;
     const auto visitList = [&](const char* section, const char* list, const OutlineNode& node) {
         for (const OutlineNode& entry : node.children) {
             if (entry.kind == '"') {
-                const std::string_view quoted = checked.source.textAt(entry.value);
-                visit(DocumentName{section, list, unquoted(quoted, &decoded), entry.value});
+                visit(DocumentName{section, list, entry.string, entry.value});
             }
         }
     };

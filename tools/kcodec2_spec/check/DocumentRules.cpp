@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -19,7 +22,8 @@ namespace kc2::tool {
 
 namespace {
 
-void visitAll(const OutlineNode& node, const std::function<void(const OutlineNode&)>& visit) {
+template <typename Visit>
+void visitAll(const OutlineNode& node, const Visit& visit) {
     visit(node);
     for (const OutlineNode& child : node.children) {
         visitAll(child, visit);
@@ -119,10 +123,22 @@ void checkUnknownMembers(const CheckedDocument& checked, const KnownSettings& kn
     }
 }
 
+// Of settings the reader keeps one of each name: where it has kept as many as there are members, no
+// name is there twice. In large documents that saves a search.
+bool hasEachNameOnce(const CheckedDocument& checked, const OutlineNode& object) {
+    const auto isKeptWhole = [&](const char* section, const auto& kept) {
+        return kept.size() == object.children.size() && checked.section(section) == &object;
+    };
+    const SpecDocument& content = checked.document.content;
+    return object.children.size() < 2 || isKeptWhole(targetSpecFeatures, content.features) ||
+           isKeptWhole(targetSpecPresets, content.presets) ||
+           isKeptWhole(targetSpecPerfResourceValues, content.perfResourceValues);
+}
+
 void checkDuplicateMembers(const CheckedDocument& checked, const KnownSettings& /*known*/,
                            const Emit& emit) {
     visitAll(checked.outline.root, [&](const OutlineNode& object) {
-        if (object.kind != '{') {
+        if (object.kind != '{' || hasEachNameOnce(checked, object)) {
             return;
         }
         std::unordered_map<std::string_view, const OutlineNode*> last;
@@ -157,6 +173,20 @@ void checkLoneMinuses(const CheckedDocument& checked, const KnownSettings& /*kno
     visitAll(checked.outline.root, [&](const OutlineNode& node) {
         if (node.kind == '-' && node.value.limit == node.value.start + 1) {
             emit(checked, node.value, "a minus sign without digits counts as 0");
+        }
+    });
+}
+
+void checkHugeNumbers(const CheckedDocument& checked, const KnownSettings& /*known*/,
+                      const Emit& emit) {
+    visitAll(checked.outline.root, [&](const OutlineNode& node) {
+        const std::string_view text = node.isNumber() ? checked.source.textAt(node.value) : "";
+        const bool mayBeHuge = text.size() > std::numeric_limits<double>::max_exponent10 ||
+                               text.find_first_of("eE") != std::string_view::npos;
+        if (mayBeHuge && std::isinf(std::strtod(std::string(text).c_str(), nullptr))) {
+            emit(checked, node.value,
+                 "the number is too large for any parser to hold: JsonCpp up to 1.9.5 rejects the "
+                 "whole document for it");
         }
     });
 }
@@ -197,6 +227,8 @@ constexpr DocumentRule kDocumentRules[] = {
          checkLeadingZeros},
         {{"lone-minus", Severity::Warning, "a minus sign without digits, which counts as 0"},
          checkLoneMinuses},
+        {{"number-too-large", Severity::Warning, "a number beyond what a parser can hold"},
+         checkHugeNumbers},
         {{"control-character", Severity::Warning, "a raw line break or the like in a string"},
          checkControlCharacters},
         {{"trailing-text", Severity::Warning, "text after the document's end"}, checkTrailingText},

@@ -145,6 +145,8 @@ constexpr CheckExample kExamples[] = {
         {"lone-minus", "Write the number.",
          "{\"Video\": {\"Presets\": {\"private_complexity\": -}}}",
          "{\"Video\": {\"Presets\": {\"private_complexity\": 50}}}"},
+        {"number-too-large", "Write a number that fits.", "", "",
+         "none: with some releases of the parser it is a syntax error"},
         {"control-character", "Write an escape, such as \\n or \\t, or remove the character.",
          "{\"Video\": {\"KC2CodecPlugins\": [\"plug\tin\"]}}",
          "{\"Video\": {\"KC2CodecPlugins\": [\"plugin\"]}}"},

@@ -18,6 +18,18 @@ constexpr size_t kTabColumns = 8;
 // Marks that take no column must not make a line endless.
 constexpr size_t kMostBytesPerColumn = 8;
 
+// Whether the byte is a character that takes a column and is shown as it is, as almost all are: a
+// line may be shown for each of a million findings.
+bool isPlainByte(char c) {
+    return c >= ' ' && c <= '~';
+}
+
+// How many such bytes `text` begins with.
+size_t plainBytes(std::string_view text) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isPlainByte);
+    return static_cast<size_t>(end - text.begin());
+}
+
 // A character of a line, as it is shown.
 struct Cell {
     std::string_view bytes;
@@ -29,6 +41,9 @@ struct Cell {
 Cell firstCell(std::string_view text, size_t column) {
     constexpr std::string_view kBlanks = "        ";
     static_assert(kBlanks.size() == kTabColumns);
+    if (isPlainByte(text[0])) {
+        return {text.substr(0, 1), text.substr(0, 1), 1};
+    }
     if (text[0] == '\t') {
         const size_t columns = kTabColumns - column % kTabColumns;
         return {text.substr(0, 1), kBlanks.substr(0, columns), columns};
@@ -43,8 +58,15 @@ Cell firstCell(std::string_view text, size_t column) {
 
 // How many bytes of `text` fit into so many columns.
 size_t fittingBytes(std::string_view text, size_t columns) {
+    const size_t most = columns * kMostBytesPerColumn;
     size_t at = 0;
-    for (size_t column = 0; at < text.size() && at < columns * kMostBytesPerColumn;) {
+    for (size_t column = 0; at < text.size() && at < most;) {
+        const size_t plain = plainBytes(text.substr(at, std::min(columns - column, most - at)));
+        if (plain != 0) {
+            at += plain;
+            column += plain;
+            continue;
+        }
         const Cell cell = firstCell(text.substr(at), column);
         column += cell.columns;
         if (column > columns) {
@@ -75,6 +97,22 @@ size_t cutBefore(std::string_view line, size_t offset, size_t columns) {
     return start;
 }
 
+// Adds `text` to the line that is shown, which is `column` columns so far.
+void draw(std::string_view text, std::string* shown, size_t* column) {
+    while (!text.empty()) {
+        const size_t plain = plainBytes(text);
+        shown->append(text.substr(0, plain));
+        *column += plain;
+        text.remove_prefix(plain);
+        if (!text.empty()) {
+            const Cell cell = firstCell(text, *column);
+            shown->append(cell.shown);
+            *column += cell.columns;
+            text.remove_prefix(cell.bytes.size());
+        }
+    }
+}
+
 }  // namespace
 
 std::string excerptOf(const Source& source, Span span, size_t width) {
@@ -91,28 +129,24 @@ std::string excerptOf(const Source& source, Span span, size_t width) {
     const size_t margin = std::max(number.size(), kNumberColumns);
     const size_t columns =
             std::max(width, margin + kBar.size() + kLeastColumns) - margin - kBar.size();
-    const bool isWhole = fittingBytes(line, columns) == line.size();
-    const size_t start = isWhole ? 0 : cutBefore(line, offset, columns);
-    const std::string_view cut = line.substr(start, fittingBytes(line.substr(start), columns));
+    const size_t fitting = fittingBytes(line, columns);
+    const size_t start = fitting == line.size() ? 0 : cutBefore(line, offset, columns);
+    const size_t size = start == 0 ? fitting : fittingBytes(line.substr(start), columns);
 
+    // What is before the mark, above it, and behind it.
+    const size_t markStart = std::min(offset, start + size);
+    const size_t markLimit = std::min(marked, start + size);
     std::string shown;
-    std::string marks;
     size_t column = 0;
-    for (size_t at = 0; at < cut.size();) {
-        const Cell cell = firstCell(cut.substr(at), column);
-        const size_t byte = start + at;
-        shown += cell.shown;
-        if (byte < offset) {
-            marks.append(cell.columns, ' ');
-        } else if (byte == offset) {
-            marks.append("^").append(cell.columns > 1 && marked > byte ? cell.columns - 1 : 0, '~');
-        } else if (byte < marked) {
-            marks.append(cell.columns, '~');
-        }
-        column += cell.columns;
-        at += cell.bytes.size();
-    }
-    marks += offset >= start + cut.size() ? "^" : "";  // At the end of the line.
+    draw(line.substr(start, markStart - start), &shown, &column);
+    const size_t before = column;
+    draw(line.substr(markStart, markLimit - markStart), &shown, &column);
+    // The caret takes the first column of its character, and one where that has none.
+    const size_t first =
+            markStart < markLimit ? firstCell(line.substr(markStart), before).columns : 0;
+    const size_t more = column - before - std::min<size_t>(first, 1);
+    draw(line.substr(markLimit, start + size - markLimit), &shown, &column);
+    const std::string marks = std::string(before, ' ') + "^" + std::string(more, '~');
     return std::string(margin - number.size(), ' ') + number + std::string(kBar) + shown + "\n" +
            std::string(margin, ' ') + std::string(kBar) + marks + "\n";
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "Text.h"
@@ -76,24 +77,24 @@ char latinOf(char32_t character) {
     return found != std::end(kLookAlikes) ? found->latin : '\0';
 }
 
-std::vector<std::string_view> split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
     for (size_t start = 0; start <= text.size();) {
         const size_t limit = std::min(text.find(separator, start), text.size());
         if (limit > start) {
-            parts.push_back(text.substr(start, limit - start));
+            parts.emplace_back(text.substr(start, limit - start));
         }
         start = limit + 1;
     }
     return parts;
 }
 
-char inSmallLetters(char c) {
+constexpr char inSmallLetters(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // Digits are the letters that they look like.
-char letterLike(char c) {
+constexpr char letterLike(char c) {
     return c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
 }
 
@@ -155,14 +156,8 @@ int wordMistakes(std::string_view word, std::string_view known) {
     return mistakes <= (known.size() >= kLong ? kMostMistakes : 1) ? mistakes : kUnlike;
 }
 
-bool hasSameWords(std::vector<std::string_view> a, std::vector<std::string_view> b) {
-    std::sort(a.begin(), a.end());
-    std::sort(b.begin(), b.end());
-    return a == b;
-}
-
 // What tells settings of this library from others.
-size_t prefixWords(const std::vector<std::string_view>& words) {
+size_t prefixWords(const std::vector<std::string>& words) {
     constexpr std::string_view kPrefixes[] = {"debug", "private"};
     size_t count = 0;
     while (count < words.size() && isOneOf(words[count], kPrefixes)) {
@@ -171,8 +166,8 @@ size_t prefixWords(const std::vector<std::string_view>& words) {
     return count;
 }
 
-bool isSameWithoutPrefix(const std::vector<std::string_view>& words,
-                         const std::vector<std::string_view>& known) {
+bool isSameWithoutPrefix(const std::vector<std::string>& words,
+                         const std::vector<std::string>& known) {
     constexpr size_t kFewest = 2;  // A single word may be anybody's.
     const size_t skip = prefixWords(words);
     const size_t skipKnown = prefixWords(known);
@@ -182,8 +177,8 @@ bool isSameWithoutPrefix(const std::vector<std::string_view>& words,
 }
 
 // A component's name without "c2" or without the vendor.
-bool isSameWithoutPart(const std::vector<std::string_view>& parts,
-                       const std::vector<std::string_view>& known) {
+bool isSameWithoutPart(const std::vector<std::string>& parts,
+                       const std::vector<std::string>& known) {
     for (const ptrdiff_t missing : {0, 1}) {
         if (parts.size() + 1 == known.size() &&
             std::equal(parts.begin(), parts.begin() + missing, known.begin()) &&
@@ -200,6 +195,22 @@ size_t leftOver(std::string_view a, std::string_view b) {
     return a.size() + b.size() - 2 * commonLetters(a, b);
 }
 
+// What each byte adds to a shape: the bit of the letter or digit that it is read as.
+constexpr uint64_t kLetters = (uint64_t{1} << 26) - 1;
+constexpr uint64_t kNotAscii = uint64_t{1} << 63;
+
+constexpr std::array<uint64_t, 256> kShapeBits = [] {
+    std::array<uint64_t, 256> bits = {};
+    for (size_t byte = 0; byte < bits.size(); ++byte) {
+        const char c = letterLike(inSmallLetters(static_cast<char>(byte)));
+        bits[byte] = byte >= 0x80           ? kNotAscii
+                     : c >= 'a' && c <= 'z' ? uint64_t{1} << (c - 'a')
+                     : isDigit(c)           ? uint64_t{1} << (26 + c - '0')
+                                            : 0;
+    }
+    return bits;
+}();
+
 }  // namespace
 
 std::string readAs(std::string_view name) {
@@ -214,24 +225,28 @@ std::string readAs(std::string_view name) {
     return text;
 }
 
+NearNames::Reading::Reading(std::string_view name) {
+    const std::string read = readAs(name);
+    letters = squashed(read);
+    words = split(read, '_');
+    sortedWords = words;
+    std::sort(sortedWords.begin(), sortedWords.end());
+}
+
 NearNames::Shape NearNames::shapeOf(std::string_view name) {
-    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-    if (!std::all_of(name.begin(), name.end(), isAscii)) {
-        return shapeOf(readAs(name));
-    }
     Shape shape;
-    for (char c : name) {
-        c = letterLike(inSmallLetters(c));
-        if (c >= 'a' && c <= 'z') {
-            shape.letters |= uint32_t{1} << (c - 'a');
-        } else if (isDigit(c)) {
-            shape.digits |= uint32_t{1} << (c - '0');
-        } else {
-            continue;
-        }
-        ++shape.characters;
+    for (const char c : name) {
+        const uint64_t bit = kShapeBits[static_cast<unsigned char>(c)];
+        shape.bits |= bit;
+        shape.characters += bit != 0 ? 1 : 0;
     }
-    return shape;
+    return (shape.bits & kNotAscii) == 0 ? shape : shapeOf(readAs(name));
+}
+
+bool NearNames::isNear(const Shape& a, const Shape& b) {
+    constexpr int kMostBits = 2 * kMostMistakes;
+    const uint64_t difference = a.bits ^ b.bits;
+    return (difference & ~kLetters) == 0 && std::popcount(difference) <= kMostBits;
 }
 
 void NearNames::addShape(const Shape& shape, size_t entry) {
@@ -241,99 +256,92 @@ void NearNames::addShape(const Shape& shape, size_t entry) {
 }
 
 void NearNames::add(Entry entry) {
-    const size_t index = mEntries.size();
-    const std::string read = readAs(entry.name);
+    const size_t index = mKnown.size();
     addShape(shapeOf(entry.name), index);
+    const Known& known = mKnown.emplace_back(std::move(entry));
     // Also where whole words are left out.
-    const std::vector<std::string_view> words = split(read, '_');
-    const auto without = [&](size_t from, size_t count) {
+    const std::vector<std::string>& words = known.reading.words;
+    const auto addWithout = [&](size_t from, size_t count) {
         std::string text;
         for (size_t i = 0; i < words.size(); ++i) {
-            text += i < from || i >= from + count ? std::string(words[i]) : "";
+            text += i < from || i >= from + count ? words[i] : "";
         }
         addShape(shapeOf(text), index);
     };
     if (mKind == Kind::Component) {
-        without(0, 1);
-        without(1, 1);
+        addWithout(0, 1);
+        addWithout(1, 1);
     } else {
-        without(0, prefixWords(words));
-        addShape(shapeOf("debug" + read), index);
+        addWithout(0, prefixWords(words));
+        addShape(shapeOf("debug" + known.reading.letters), index);
     }
-    for (const std::string_view word : words) {
-        mWords.emplace(word);
-    }
-    mEntries.push_back(std::move(entry));
+    mWords.insert(words.begin(), words.end());
 }
 
-int NearNames::mistakesInWords(const std::vector<std::string_view>& words,
-                               const std::vector<std::string_view>& known) const {
+int NearNames::mistakesInWords(const Reading& read, const Reading& known) const {
     const bool isComponent = mKind == Kind::Component;
-    if (hasSameWords(words, known) ||
-        (isComponent ? isSameWithoutPart(words, known) : isSameWithoutPrefix(words, known))) {
+    if (read.sortedWords == known.sortedWords ||
+        (isComponent ? isSameWithoutPart(read.words, known.words)
+                     : isSameWithoutPrefix(read.words, known.words))) {
         return 1;
     }
-    if (words.size() != known.size()) {
+    if (read.words.size() != known.words.size()) {
         return kUnlike;
     }
     constexpr size_t kFormat = 2;  // Formats of one letter's difference exist.
     int mistakes = 0;
-    for (size_t i = 0; i < words.size() && mistakes <= kMostMistakes; ++i) {
-        if (words[i] == known[i]) {
+    for (size_t i = 0; i < read.words.size() && mistakes <= kMostMistakes; ++i) {
+        const std::string& word = read.words[i];
+        if (word == known.words[i]) {
             continue;
         }
-        const bool isOther =
-                mWords.count(std::string(words[i])) != 0 ||
-                (isComponent ? isOneOf(words[i], kOtherFormats) : isOneOf(words[i], kOtherWords));
-        const int inWord = isOther ? kUnlike : wordMistakes(words[i], known[i]);
+        const bool isOther = mWords.count(word) != 0 || (isComponent ? isOneOf(word, kOtherFormats)
+                                                                     : isOneOf(word, kOtherWords));
+        const int inWord = isOther ? kUnlike : wordMistakes(word, known.words[i]);
         mistakes += isComponent && i == kFormat && inWord > 1 ? kUnlike : inWord;
     }
     return mistakes <= kMostMistakes ? mistakes : kUnlike;
 }
 
 // 0 for what only looks the same, kUnlike for what is another name.
-int NearNames::mistakesIn(std::string_view name, const std::string& known) const {
-    const std::string read = readAs(name);
-    const std::string readKnown = readAs(known);
-    const std::string letters = squashed(read);
-    const std::string knownLetters = squashed(readKnown);
-    if (letters == knownLetters) {
+int NearNames::mistakesIn(const Reading& read, const Reading& known) const {
+    if (read.letters == known.letters) {
         return 0;
     }
-    const std::vector<std::string_view> words = split(read, '_');
-    const std::vector<std::string_view> knownWords = split(readKnown, '_');
-    const int mistakes = mistakesInWords(words, knownWords);
+    const int mistakes = mistakesInWords(read, known);
     // A separator may be missing, too; with known words only, it is another name.
-    const bool hasOtherWord = std::any_of(words.begin(), words.end(), [&](std::string_view word) {
-        return mWords.count(std::string(word)) == 0;
-    });
-    const bool isJoined = words.size() < knownWords.size() && hasOtherWord &&
-                          hasSameDigits(letters, knownLetters) &&
-                          letterMistakes(letters, knownLetters) <= 1;
+    const bool hasOtherWord =
+            std::any_of(read.words.begin(), read.words.end(),
+                        [&](const std::string& word) { return mWords.count(word) == 0; });
+    const bool isJoined = read.words.size() < known.words.size() && hasOtherWord &&
+                          hasSameDigits(read.letters, known.letters) &&
+                          letterMistakes(read.letters, known.letters) <= 1;
     return std::min(mistakes, isJoined ? 1 : kUnlike);
 }
 
 NearNames::Match NearNames::find(std::string_view name, std::string_view group) const {
-    constexpr int kMostBits = 2 * kMostMistakes;
     Match best;
     auto bestRank = std::pair(kUnlike, size_t{0});
+    std::optional<Reading> read;  // Most names are near none.
     const Shape shape = shapeOf(name);
     const size_t first = shape.characters - std::min<size_t>(shape.characters, kMostMistakes);
     const size_t limit = std::min(shape.characters + kMostMistakes + 1, mByCharacters.size());
     for (size_t characters = first; characters < limit; ++characters) {
         for (const Candidate& candidate : mByCharacters[characters]) {
-            if (candidate.shape.digits != shape.digits ||
-                std::popcount(candidate.shape.letters ^ shape.letters) > kMostBits) {
+            if (!isNear(candidate.shape, shape)) {
                 continue;
             }
-            const Entry& entry = mEntries[candidate.entry];
+            const auto& [entry, reading] = mKnown[candidate.entry];
             if (entry.name == name) {
                 return {&entry, true};
             }
-            const int mistakes = mistakesIn(name, entry.name);
+            const int mistakes = mistakesIn(read ? *read : read.emplace(name), reading);
+            if (mistakes >= kUnlike) {
+                continue;
+            }
             const auto rank = std::pair(mistakes + (entry.group == group ? 0 : kUnlike / 2),
                                         leftOver(name, entry.name));
-            if (mistakes < kUnlike && rank < bestRank) {
+            if (rank < bestRank) {
                 best.entry = &entry;
                 bestRank = rank;
             }

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace kc2::tool {
@@ -42,8 +43,23 @@ private:
     // What is left of a name when order and separators are not looked at.
     struct Shape {
         size_t characters = 0;
-        uint32_t letters = 0;
-        uint32_t digits = 0;
+        uint64_t bits = 0;  // Of the letters and digits that it has.
+    };
+
+    // A name as it is compared.
+    struct Reading {
+        explicit Reading(std::string_view name);
+
+        std::string letters;  // And digits, one behind the other.
+        std::vector<std::string> words;
+        std::vector<std::string> sortedWords;
+    };
+
+    struct Known {
+        explicit Known(Entry from) : entry(std::move(from)), reading(entry.name) {}
+
+        Entry entry;
+        Reading reading;
     };
 
     struct Candidate {
@@ -54,13 +70,13 @@ private:
     static constexpr size_t kMostCharacters = 80;
 
     static Shape shapeOf(std::string_view name);
+    static bool isNear(const Shape& a, const Shape& b);
     void addShape(const Shape& shape, size_t entry);
-    int mistakesIn(std::string_view name, const std::string& known) const;
-    int mistakesInWords(const std::vector<std::string_view>& words,
-                        const std::vector<std::string_view>& known) const;
+    int mistakesIn(const Reading& read, const Reading& known) const;
+    int mistakesInWords(const Reading& read, const Reading& known) const;
 
     Kind mKind;
-    std::vector<Entry> mEntries;
+    std::vector<Known> mKnown;
     std::unordered_set<std::string> mWords;  // That known names are made of.
     std::array<std::vector<Candidate>, kMostCharacters> mByCharacters;
 };

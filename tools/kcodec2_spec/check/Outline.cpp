@@ -14,6 +14,20 @@ namespace kc2::tool {
 
 namespace {
 
+constexpr bool endsScalar(char c) {
+    return c == ',' || c == ']' || c == '}' || isJsonBlank(c);
+}
+
+// The string that the text between two quotes, with them and with escapes in it, says.
+std::string withoutEscapes(std::string_view quoted) {
+    Json::Value array;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    Json::Reader().parse("[" + std::string(quoted) + "]", array, false);
+#pragma GCC diagnostic pop
+    return array.isArray() && array.size() == 1 ? array[0].asString() : std::string(quoted);
+}
+
 // Reads on past whatever it does not expect: the parser has accepted the text, so that is nothing
 // that counts.
 class Outliner {
@@ -22,39 +36,46 @@ public:
 
     Outline outline() {
         skipBlanks();
-        OutlineNode root = value();
+        OutlineNode root = {};
+        value(&root);
         skipBlanks();
-        return {std::move(root), mAt};
+        return {std::move(root), mAt, std::move(mDecoded)};
     }
 
 private:
     char peek() const { return mAt < mText.size() ? mText[mAt] : '\0'; }
 
-    void skipBlanks() { mAt = std::min(mText.find_first_not_of(kJsonBlanks, mAt), mText.size()); }
-
-    Span string() {
-        const size_t start = mAt++;
-        while (mAt < mText.size() && mText[mAt] != '"') {
-            mAt += mText[mAt] == '\\' ? 2 : 1;
+    void skipBlanks() {
+        while (mAt < mText.size() && isJsonBlank(mText[mAt])) {
+            ++mAt;
         }
-        mAt = std::min(mAt + 1, mText.size());
-        return {start, mAt};
     }
 
-    OutlineNode value() {
-        OutlineNode node = {};
-        node.kind = peek();
-        node.value.start = mAt;
-        if (node.kind == '{' || node.kind == '[') {
-            ++mAt;
-            children(&node);
-        } else if (node.kind == '"') {
-            string();
-        } else {
-            mAt = std::min(mText.find_first_of(",]} \t\r\n", mAt), mText.size());
+    // Reads on behind the string that is next and returns what it says.
+    std::string_view string() {
+        const size_t start = mAt;
+        mAt = std::min(endOfString(mText, start), mText.size());
+        const std::string_view quoted = mText.substr(start, mAt - start);
+        if (quoted.find('\\') != std::string_view::npos) {
+            return mDecoded.emplace_front(withoutEscapes(quoted));
         }
-        node.value.limit = mAt;
-        return node;
+        return quoted.size() < 2 ? std::string_view() : quoted.substr(1, quoted.size() - 2);
+    }
+
+    void value(OutlineNode* node) {
+        node->kind = peek();
+        node->value.start = mAt;
+        if (node->kind == '{' || node->kind == '[') {
+            ++mAt;
+            children(node);
+        } else if (node->kind == '"') {
+            node->string = string();
+        } else {
+            while (mAt < mText.size() && !endsScalar(mText[mAt])) {
+                ++mAt;
+            }
+        }
+        node->value.limit = mAt;
     }
 
     void children(OutlineNode* parent) {
@@ -70,44 +91,37 @@ private:
                 continue;
             }
             const size_t before = mAt;
-            parent->children.push_back(end == '}' ? member() : value());
+            OutlineNode& child = parent->children.emplace_back();
+            if (end == '}') {
+                name(&child);
+            }
+            value(&child);
             if (mAt == before) {
                 ++mAt;
             }
         }
     }
 
-    OutlineNode member() {
-        const Span name = peek() == '"' ? string() : Span{mAt, mAt};
+    // Reads a member's name and the colon behind it.
+    void name(OutlineNode* member) {
+        member->name.start = mAt;
+        if (peek() == '"') {
+            member->key = string();
+        }
+        member->name.limit = mAt;
         skipBlanks();
         if (peek() == ':') {
             ++mAt;
         }
         skipBlanks();
-        OutlineNode node = value();
-        node.name = name;
-        node.key = decodedString(mText.substr(name.start, name.limit - name.start));
-        return node;
     }
 
     std::string_view mText;
     size_t mAt = 0;
+    std::forward_list<std::string> mDecoded;
 };
 
 }  // namespace
-
-std::string decodedString(std::string_view quoted) {
-    if (quoted.find('\\') == std::string_view::npos) {
-        return std::string(quoted.substr(std::min<size_t>(1, quoted.size()),
-                                         quoted.size() < 2 ? 0 : quoted.size() - 2));
-    }
-    Json::Value array;
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    Json::Reader().parse("[" + std::string(quoted) + "]", array, false);
-#pragma GCC diagnostic pop
-    return array.isArray() && array.size() == 1 ? array[0].asString() : std::string(quoted);
-}
 
 Outline outlineOf(std::string_view text) {
     return Outliner(text).outline();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <forward_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,10 +12,12 @@
 
 namespace kc2::tool {
 
+// Keys and strings are views: a document may hold a hundred thousand, and hardly one has escapes.
 struct OutlineNode {
     Span value;
     Span name;                          // Of a member, with its quotes.
-    std::string key;                    // Of a member, decoded.
+    std::string_view key;               // Of a member, decoded.
+    std::string_view string;            // Of a value that is a string, decoded.
     char kind;                          // The value's first character: '{', '[', '"', 't', '1' ...
     std::vector<OutlineNode> children;  // In the order of the text.
 
@@ -24,13 +27,12 @@ struct OutlineNode {
 struct Outline {
     OutlineNode root;
     size_t limit;  // Where the document ends: after the root value and the blanks behind it.
+    std::forward_list<std::string> decoded;  // What has escapes in the text; nodes point to it.
 };
 
-// Outlines a text that the JSON parser has accepted, as makeFitForParser() leaves it.
+// Outlines a text that the JSON parser has accepted, as makeFitForParser() leaves it. The outline
+// points into it.
 Outline outlineOf(std::string_view text);
-
-// The string that the text between two quotes, with them, says.
-std::string decodedString(std::string_view quoted);
 
 // The last member of that name, which is the one that counts; null when there is none.
 const OutlineNode* findMember(const OutlineNode& object, std::string_view key);

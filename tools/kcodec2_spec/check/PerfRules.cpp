@@ -16,22 +16,33 @@ namespace kc2::tool {
 
 namespace {
 
-// Calls visit(member, list of words) for each use case whose words the device takes.
-template <typename Visit>
-void forEachUseCase(const CheckedDocument& checked, Visit visit) {
-    const OutlineNode* const section = checked.section(targetSpecPerfResourceValues);
-    if (section == nullptr || section->kind != '{') {
-        return;
-    }
-    const auto& values = checked.document.content.perfResourceValues;
-    for (const OutlineNode& member : section->children) {
-        const auto words = member.kind == '[' ? values.find(member.key) : values.end();
-        // Else an earlier member of the same name, which does not count.
-        if (words != values.end() && words->second.size() == member.children.size()) {
-            visit(member, words->second);
+// A list of words that the device takes, where it is in the text and what it says.
+struct UseCase {
+    const OutlineNode& member;
+    const std::vector<uint32_t>& words;
+};
+
+// Those of a document, which all rules look at.
+struct UseCases {
+    explicit UseCases(const CheckedDocument& checkedDocument) : checked(checkedDocument) {
+        const OutlineNode* const section = checked.section(targetSpecPerfResourceValues);
+        if (section == nullptr || section->kind != '{') {
+            return;
+        }
+        const auto& values = checked.document.content.perfResourceValues;
+        for (const OutlineNode& member : section->children) {
+            const auto words =
+                    member.kind == '[' ? values.find(std::string(member.key)) : values.end();
+            // Else an earlier member of the same name, which does not count.
+            if (words != values.end() && words->second.size() == member.children.size()) {
+                all.push_back({member, words->second});
+            }
         }
     }
-}
+
+    const CheckedDocument& checked;
+    std::vector<UseCase> all;
+};
 
 bool hasPrefix(std::string_view quoted) {
     return quoted.find("0x") != std::string_view::npos ||
@@ -47,43 +58,40 @@ bool isBareWord(std::string_view quoted) {
     return word.size() >= kFewest && word.find_first_not_of(kDigits) == std::string_view::npos;
 }
 
-void checkPrefixes(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                   const Emit& emit) {
-    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+void checkPrefixes(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+    for (const auto& [member, words] : cases.all) {
         const auto& nodes = member.children;
         const bool isAnyPrefixed =
                 std::any_of(nodes.begin(), nodes.end(), [&](const OutlineNode& node) {
-                    return node.kind == '"' && hasPrefix(checked.source.textAt(node.value));
+                    return node.kind == '"' && hasPrefix(cases.checked.source.textAt(node.value));
                 });
         for (size_t i = 0; isAnyPrefixed && i < nodes.size(); ++i) {
-            const std::string_view text = checked.source.textAt(nodes[i].value);
+            const std::string_view text = cases.checked.source.textAt(nodes[i].value);
             if (nodes[i].kind == '"' && isBareWord(text)) {
-                emit(checked, nodes[i].value,
+                emit(cases.checked, nodes[i].value,
                      fmt::format("{} is read as hexadecimal, as {}: write 0x, as in the words "
                                  "beside it",
                                  text, hexadecimal(words[i])));
             }
         }
-    });
+    }
 }
 
-void checkRepeatedCodes(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                        const Emit& emit) {
+void checkRepeatedCodes(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
     constexpr size_t kTwoPairs = 4;
-    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+    for (const auto& [member, words] : cases.all) {
         std::unordered_set<uint32_t> codes;
         for (size_t i = 0; words.size() >= kTwoPairs && i + 1 < words.size(); i += 2) {
             if (!codes.insert(words[i]).second) {
-                emit(checked, member.children[i].value,
+                emit(cases.checked, member.children[i].value,
                      fmt::format("the resource code {} is in \"{}\" already", hexadecimal(words[i]),
                                  member.key));
             }
         }
-    });
+    }
 }
 
-void checkSwappedPairs(const CheckedDocument& checked, const KnownSettings& known,
-                       const Emit& emit) {
+void checkSwappedPairs(const UseCases& cases, const KnownSettings& known, const Emit& emit) {
     // Codes of one platform have their first byte in common; values are small.
     const auto isLikeCode = [&](uint32_t word) {
         const auto& codes = known.catalogue.codes();
@@ -91,41 +99,39 @@ void checkSwappedPairs(const CheckedDocument& checked, const KnownSettings& know
             return code.code >> 24 == word >> 24 && word >> 24 != 0;
         });
     };
-    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+    for (const auto& [member, words] : cases.all) {
         for (size_t i = 0; words.size() % 2 == 0 && i < words.size(); i += 2) {
             if (!isLikeCode(words[i]) && isLikeCode(words[i + 1])) {
-                emit(checked, member.children[i].value,
+                emit(cases.checked, member.children[i].value,
                      fmt::format("{} and {} look swapped: a resource code comes before its value",
                                  hexadecimal(words[i]), hexadecimal(words[i + 1])));
-                return;  // The others are swapped as well.
+                break;  // The others are swapped as well.
             }
         }
-    });
+    }
 }
 
-void checkEmptyUseCases(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                        const Emit& emit) {
-    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+void checkEmptyUseCases(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+    for (const auto& [member, words] : cases.all) {
         if (words.empty()) {
-            emit(checked, member.name,
+            emit(cases.checked, member.name,
                  fmt::format("\"{}\" has no words, and no later document can set them any more",
                              member.key));
         }
-    });
+    }
 }
 
-void checkOddLengths(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                     const Emit& emit) {
-    forEachUseCase(checked, [&](const OutlineNode& member, const std::vector<uint32_t>& words) {
+void checkOddLengths(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+    for (const auto& [member, words] : cases.all) {
         if (words.size() % 2 != 0) {
-            emit(checked, member.value,
+            emit(cases.checked, member.value,
                  fmt::format("{} holds {} words: a resource code lacks its value", member.key,
                              words.size()));
         }
-    });
+    }
 }
 
-constexpr DocumentRule kPerfRules[] = {
+constexpr RuleRow<UseCases, KnownSettings> kPerfRules[] = {
         {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
          checkOddLengths},
         {{"perf-word-prefix", Severity::Warning, "a perf word without 0x among words with it"},
@@ -140,7 +146,7 @@ constexpr DocumentRule kPerfRules[] = {
 }  // namespace
 
 void applyPerfRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    applyRows(kPerfRules, report, document, known);
+    applyRows(kPerfRules, report, UseCases(document), known);
 }
 
 std::vector<const Rule*> perfRules() {

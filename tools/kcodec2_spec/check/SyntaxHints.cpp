@@ -565,20 +565,18 @@ SyntaxHint syntaxHint(const Source& source, std::string_view parserText, size_t 
 }
 
 std::vector<Span> rawControlCharacters(std::string_view parserText) {
+    const auto isRaw = [](unsigned char c) { return c < ' '; };
     std::vector<Span> found;
-    bool isInString = false;
-    bool isReported = false;
-    for (size_t at = 0; at < parserText.size(); ++at) {
-        const char c = parserText[at];
-        if (c == '"') {
-            isInString = !isInString;
-            isReported = false;
-        } else if (c == '\\' && isInString) {
-            ++at;
-        } else if (isInString && !isReported && static_cast<unsigned char>(c) < ' ') {
+    size_t quote = parserText.find('"');
+    while (quote != kNowhere) {
+        const size_t end = std::min(endOfString(parserText, quote), parserText.size());
+        const std::string_view quoted = parserText.substr(quote, end - quote);
+        const auto raw = std::find_if(quoted.begin(), quoted.end(), isRaw);
+        if (raw != quoted.end()) {
+            const size_t at = quote + static_cast<size_t>(raw - quoted.begin());
             found.push_back({at, at + 1});
-            isReported = true;
         }
+        quote = parserText.find('"', end);
     }
     return found;
 }

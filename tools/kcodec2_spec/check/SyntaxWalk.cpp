@@ -39,7 +39,7 @@ public:
 
 private:
     Token next() {
-        while (mAt < mText.size() && kJsonBlanks.find(mText[mAt]) != kNowhere) {
+        while (mAt < mText.size() && isJsonBlank(mText[mAt])) {
             if (mText[mAt++] == '\n') {
                 mLineStart = mAt;
                 mIsFirstInLine = true;
@@ -208,7 +208,7 @@ bool isWordOfJson(std::string_view word) {
 }
 
 bool endsWord(char c) {
-    return c == '"' || kJsonBlanks.find(c) != kNowhere || kMarks.find(c) != kNowhere;
+    return c == '"' || isJsonBlank(c) || kMarks.find(c) != kNowhere;
 }
 
 }  // namespace kc2::tool
