@@ -14,6 +14,7 @@
 
 #include "RunTool.h"
 #include "platform/FormatRows.h"
+#include "targetspec/reading/Limits.h"
 
 namespace kc2::test {
 
@@ -195,10 +196,41 @@ TEST(ToolTest, TheHeaderNamesThePlanesOfEachFormat) {
     }
 }
 
-// docs/checks.md explains every check of the list, by its id.
-TEST(ToolTest, EveryCheckIsDocumented) {
+// A document that is too large is rejected at the place where it became so.
+TEST(ToolTest, ADocumentBeyondTheLimitsIsRejectedAtItsPlace) {
+    const ScratchDirectory scratch;
+    std::string values = "{\"Video\": {\"a\": [0";
+    for (size_t value = 4; value < kMaxValues; ++value) {  // Four are there already.
+        values += ",0";
+    }
+    const struct {
+        std::string text;
+        const char* report;
+    } rows[] = {
+            {std::string(kMaxTextBytes + 1, ' '), ":1:33554433: error: "},
+            {values + ",0]}}", ":1:2097163: error: "},
+    };
+    for (const auto& row : rows) {
+        const Result result = run("check " + scratch.write("large.json", row.text));
+        EXPECT_EQ(1, result.exitCode);
+        EXPECT_NE(std::string::npos, result.output.find(row.report)) << result.output;
+        const bool isLong = row.text[0] == ' ';
+        EXPECT_NE(std::string::npos,
+                  result.output.find(isLong ? "[document-too-long]" : "[too-many-values]"));
+    }
+    const Result most = run("check " + scratch.write("most.json", values + "]}}"));
+    EXPECT_EQ(0, most.exitCode) << most.output;
+}
+
+// docs/checks.md explains every check of the list, by its id, and a test here reaches each.
+TEST(ToolTest, EveryCheckIsDocumentedAndTested) {
     std::istringstream list(run("check --list").output);
     const std::string page = readFile(KC2_SOURCE_DIR "/docs/checks.md");
+    std::string tests;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(KC2_SOURCE_DIR "/tests/unit")) {
+        tests += entry.is_regular_file() ? readFile(entry.path()) : "";
+    }
     size_t checks = 0;
     for (std::string line; std::getline(list, line);) {
         std::istringstream words(line);
@@ -206,6 +238,7 @@ TEST(ToolTest, EveryCheckIsDocumented) {
         std::string severity;
         if (line.rfind("  ", 0) == 0 && words >> id >> severity) {
             EXPECT_NE(std::string::npos, page.find("| `" + id + "` | " + severity + " |")) << id;
+            EXPECT_NE(std::string::npos, tests.find(id)) << id;
             ++checks;
         }
     }
