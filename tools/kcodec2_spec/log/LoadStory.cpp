@@ -201,37 +201,37 @@ StoryCollector::Process* StoryCollector::processOf(const LogEntry& entry, uint64
     return &mProcesses.emplace(entry.process, std::move(process)).first->second;
 }
 
+namespace {
+
 // A store is loaded once per process, so a line that cannot come after what is there belongs to
 // another process that was given the same number later.
-void StoryCollector::splitIfNewLoad(LineId id, std::string_view path, const LogEntry& entry,
-                                    uint64_t lineNumber, Process* process) {
-    const LoadStory& story = mStories[process->story];
+bool beginsNewLoad(LineId id, std::string_view path, const LoadStory& story) {
     const bool isAfterFindings = std::any_of(story.events.begin(), story.events.end(), isFinding) ||
                                  story.noCodecsCalls != 0;
     const bool isAfterOpening = story.failedLine != 0 || story.fallbackLine != 0 ||
                                 story.nothingOpenedLine != 0 || isAfterFindings;
-    bool isNew = false;
+    const bool isVariantMissingAgain = path == defaultPath() && story.count(LineId::NoVariant) > 1;
     switch (id) {
         case LineId::Parsing:
-            isNew = story.parsingLine != 0 || isAfterOpening ||
-                    (path == defaultPath() && story.count(LineId::NoVariant) > 1);
-            break;
+            return story.parsingLine != 0 || isAfterOpening || isVariantMissingAgain;
         case LineId::OpenFailed:
-            isNew = isAfterOpening || (path == defaultPath() && story.count(LineId::NoVariant) > 1);
-            break;
+            return isAfterOpening || isVariantMissingAgain;
         case LineId::FallingBack:
-            isNew = story.fallbackLine != 0 || story.nothingOpenedLine != 0 || isAfterFindings;
-            break;
+            return story.fallbackLine != 0 || story.nothingOpenedLine != 0 || isAfterFindings;
         case LineId::NothingOpened:
-            isNew = story.nothingOpenedLine != 0 || isAfterFindings;
-            break;
+            return story.nothingOpenedLine != 0 || isAfterFindings;
         case LineId::StreamRejected:
-            isNew = story.count(id) + (story.nothingOpenedLine != 0 ? 1 : 0) >= 2;
-            break;
+            return story.count(id) + (story.nothingOpenedLine != 0 ? 1 : 0) >= 2;
         default:
-            break;
+            return false;
     }
-    if (!isNew) {
+}
+
+}  // namespace
+
+void StoryCollector::splitIfNewLoad(LineId id, std::string_view path, const LogEntry& entry,
+                                    uint64_t lineNumber, Process* process) {
+    if (!beginsNewLoad(id, path, mStories[process->story])) {
         return;
     }
     const size_t old = process->story;
@@ -308,31 +308,21 @@ void StoryCollector::takeDumpEntry(std::string_view text, uint64_t lineNumber, P
     };
     switch (process->section) {
         case Section::None:
-            if (named && named->width == 25) {
-                addNamed(&dump.features);
-            } else if (named && named->width == 35) {
-                addNamed(&dump.presets);
-            } else {
-                addName(&dump.unplaced);
-            }
-            break;
+            return named && named->width == 25   ? addNamed(&dump.features)
+                   : named && named->width == 35 ? addNamed(&dump.presets)
+                                                 : addName(&dump.unplaced);
         case Section::Features:
-            addNamed(&dump.features);
-            break;
+            return addNamed(&dump.features);
         case Section::Presets:
-            addNamed(&dump.presets);
-            break;
+            return addNamed(&dump.presets);
         case Section::Filters:
-            addName(&dump.filters);
-            break;
+            return addName(&dump.filters);
         case Section::Plugins:
-            addName(&dump.plugins);
-            break;
+            return addName(&dump.plugins);
         case Section::Codecs:
-            addName(&dump.codecs);
-            break;
+            return addName(&dump.codecs);
         case Section::Later:
-            break;
+            return;
     }
 }
 

@@ -112,6 +112,45 @@ void printConclusions(const Told& told) {
     std::printf("\n");
 }
 
+Json::Value toJson(const Conclusion& conclusion) {
+    Json::Value json;
+    json["severity"] = nameOf(conclusion.severity);
+    json["topic"] = conclusion.topic;
+    json["text"] = escapedLines(conclusion.text);
+    json["advice"] = escapedLines(conclusion.advice);
+    json["lines"] = Json::arrayValue;
+    for (const uint64_t line : conclusion.lines) {
+        json["lines"].append(Json::UInt64(line));
+    }
+    return json;
+}
+
+Json::Value toJson(const PlacedLine& line) {
+    Json::Value json;
+    json["line"] = Json::UInt64(line.line);
+    json["text"] = escaped(line.text);
+    json["place"] = escaped(line.place);
+    return json;
+}
+
+Json::Value toJson(const OverlayOutcome& outcome) {
+    Json::Value json;
+    json["testTool"] = outcome.hasTestTool;
+    json["privateFile"] = outcome.privateFile;
+    json["result"] = outcome.result;
+    json["isPossible"] = outcome.isPossible;
+    return json;
+}
+
+template <typename Items>
+Json::Value listOf(const Items& items) {
+    Json::Value list = Json::arrayValue;
+    for (const auto& item : items) {
+        list.append(toJson(item));
+    }
+    return list;
+}
+
 Json::Value toJson(const Told& told) {
     const LoadStory& story = *told.story;
     Json::Value json;
@@ -121,38 +160,10 @@ Json::Value toJson(const Told& told) {
     json["lastLine"] = Json::UInt64(story.lastLine);
     json["isLoad"] = story.hasLoad();
     json["firstPath"] = escaped(story.firstPath());
-    json["conclusions"] = Json::arrayValue;
-    for (const Conclusion& conclusion : told.conclusions) {
-        Json::Value item;
-        item["severity"] = nameOf(conclusion.severity);
-        item["topic"] = conclusion.topic;
-        item["text"] = escapedLines(conclusion.text);
-        item["advice"] = escapedLines(conclusion.advice);
-        item["lines"] = Json::arrayValue;
-        for (const uint64_t line : conclusion.lines) {
-            item["lines"].append(Json::UInt64(line));
-        }
-        json["conclusions"].append(std::move(item));
-    }
-    json["places"] = Json::arrayValue;
-    for (const PlacedLine& line : told.places) {
-        Json::Value item;
-        item["line"] = Json::UInt64(line.line);
-        item["text"] = escaped(line.text);
-        item["place"] = escaped(line.place);
-        json["places"].append(std::move(item));
-    }
-    json["outcomes"] = Json::arrayValue;
-    if (story.hasLoad()) {
-        for (const OverlayOutcome& outcome : overlayOutcomes(story, attribute(story))) {
-            Json::Value item;
-            item["testTool"] = outcome.hasTestTool;
-            item["privateFile"] = outcome.privateFile;
-            item["result"] = outcome.result;
-            item["isPossible"] = outcome.isPossible;
-            json["outcomes"].append(std::move(item));
-        }
-    }
+    json["conclusions"] = listOf(told.conclusions);
+    json["places"] = listOf(told.places);
+    json["outcomes"] = story.hasLoad() ? listOf(overlayOutcomes(story, attribute(story)))
+                                       : Json::Value(Json::arrayValue);
     return json;
 }
 
