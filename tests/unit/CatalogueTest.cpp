@@ -1,12 +1,10 @@
 // The settings catalogue against the built-in documents, both ways, and what a vendor may add.
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
 
 #include <algorithm>
-#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -16,15 +14,6 @@
 namespace kc2::test {
 
 namespace {
-
-Json::Value parsed(const std::string& text) {
-    Json::Value root;
-    std::string errors;
-    const auto reader =
-            std::unique_ptr<Json::CharReader>(Json::CharReaderBuilder().newCharReader());
-    EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &root, &errors)) << errors;
-    return root;
-}
 
 Json::Value catalogue() {
     return parsed(readFile(KC2_SOURCE_DIR "/tools/kcodec2_spec/catalogue/settings.json"));

@@ -1,7 +1,6 @@
 // What the check command's options and comments make of a report, in each of its formats.
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
 #include <sys/stat.h>
@@ -17,15 +16,6 @@
 namespace kc2::test {
 
 namespace {
-
-Json::Value parsed(const std::string& text) {
-    Json::Value json;
-    std::istringstream stream(text);
-    std::string errors;
-    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &json, &errors))
-            << errors << text;
-    return json;
-}
 
 // "id@line:column" of each finding, in order.
 std::string placesIn(const Json::Value& report) {

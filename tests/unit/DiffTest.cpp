@@ -1,11 +1,9 @@
 // kcodec2_spec diff: what it says of two loads.
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 
 #include <algorithm>
-#include <memory>
 #include <string>
 
 #include "RunTool.h"
@@ -30,13 +28,6 @@ constexpr char kNewDocument[] = R"({"Video": {
     "DolbyVision": {"profiles": [10], "max_main_tier_level": 3},
     "perf-resource-values": {"p": ["0x1", "0x3"]},
     "OptionalCodecs": ["c2.x", "c2.y"]}})";
-
-Json::Value parsed(const std::string& text) {
-    Json::Value root;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    reader->parse(text.data(), text.data() + text.size(), &root, nullptr);
-    return root;
-}
 
 TEST(DiffTest, TellsEachChangeOnce) {
     const ScratchDirectory directory;

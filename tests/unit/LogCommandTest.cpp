@@ -2,7 +2,6 @@
 // library itself has written, in each form of logcat, and of hostile ones.
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 
 #include <filesystem>
@@ -104,10 +103,7 @@ protected:
     }
 
     Json::Value told(const std::string& log, const std::string& arguments = "") {
-        const std::string path = mScratch.write("log", log);
-        Json::Value json;
-        Json::Reader().parse(run("log --json " + path + " " + arguments).output, json);
-        return json;
+        return parsed(run("log --json " + mScratch.write("log", log) + " " + arguments).output);
     }
 
     // The topics and texts of the first load, a line each.

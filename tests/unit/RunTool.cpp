@@ -3,6 +3,7 @@
 #include "RunTool.h"
 
 #include <gtest/gtest.h>
+#include <json/reader.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace kc2::test {
 
@@ -64,6 +66,15 @@ Result runOnTerminal(const std::string& arguments, unsigned short columns,
     waitpid(child, &status, 0);
     std::erase(output, '\r');  // The terminal puts one before each line end.
     return {output, WEXITSTATUS(status)};
+}
+
+Json::Value parsed(const std::string& text) {
+    Json::Value json;
+    std::istringstream stream(text);
+    std::string errors;
+    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &json, &errors))
+            << errors << text;
+    return json;
 }
 
 std::string readFile(const std::filesystem::path& path) {

@@ -1,6 +1,8 @@
 // Runs the host tool as its users do.
 #pragma once
 
+#include <json/value.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -32,6 +34,9 @@ void expectAnswers(const std::string& command, const std::vector<Answer>& rows,
 // On a terminal of that many columns, with these variables in front: "TERM=xterm".
 Result runOnTerminal(const std::string& arguments, unsigned short columns,
                      const std::string& environment, const std::string& directory = ".");
+
+// The JSON that a command has printed; the test fails where it is none.
+Json::Value parsed(const std::string& text);
 
 std::string readFile(const std::filesystem::path& path);
 

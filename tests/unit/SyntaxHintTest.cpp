@@ -1,10 +1,8 @@
 // What the checker says of texts that are not JSON.
 
 #include <gtest/gtest.h>
-#include <json/reader.h>
 #include <json/value.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -105,10 +103,7 @@ TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
     for (size_t i = 0; i < kRows.size(); ++i) {
         command += " " + scratch.write(std::to_string(i) + ".json", kRows[i].text);
     }
-    Json::Value report;
-    std::istringstream stream(run(command).output);
-    std::string errors;
-    ASSERT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &report, &errors));
+    const Json::Value report = parsed(run(command).output);
     std::vector<int> findings(kRows.size());
     for (const Json::Value& finding : report["findings"]) {
         const std::string path = finding["path"].asString();

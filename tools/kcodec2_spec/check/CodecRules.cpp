@@ -92,22 +92,29 @@ void checkCodecForm(const CheckedDocument& checked, const KnownSettings& known, 
     });
 }
 
+bool isAmongDecoders(const DocumentName& name) {
+    return name.list == targetSpecAvailableDecoders;
+}
+
+// Whether an entry of one of the two lists is a component for the other one.
+bool belongsInOtherList(const DocumentName& name, const KnownSettings& known) {
+    if (*name.list == '\0') {
+        return false;
+    }
+    const ComponentName component(name.text);
+    const CodecComponent* const listed =
+            component.hasForm() ? nullptr : known.catalogue.component(name.text);
+    return listed != nullptr       ? listed->list != name.list
+           : isAmongDecoders(name) ? component.isEncoder()
+                                   : component.isDecoder();
+}
+
 void checkWrongLists(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
     forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
-        if (*name.list == '\0') {
-            return;
-        }
-        const ComponentName component(name.text);
-        const bool isAmongDecoders = name.list == targetSpecAvailableDecoders;
-        const CodecComponent* const listed =
-                component.hasForm() ? nullptr : known.catalogue.component(name.text);
-        const bool isOther = listed != nullptr ? listed->list != name.list
-                             : isAmongDecoders ? component.isEncoder()
-                                               : component.isDecoder();
-        if (isOther) {
+        if (belongsInOtherList(name, known)) {
             emit(checked, name.span,
                  fmt::format("\"{}\" is {}, but it is listed in \"{}\"", name.text,
-                             isAmongDecoders ? "an encoder" : "a decoder", name.list));
+                             isAmongDecoders(name) ? "an encoder" : "a decoder", name.list));
         }
     });
 }
@@ -215,8 +222,15 @@ void checkVariantsWithoutBase(const MergedDocuments& documents, const KnownSetti
 }
 
 // Whether a list may be empty because of something that is reported already.
-bool hasUnreadCodecs(const MergedDocuments& documents) {
+bool hasLostCodecs(const MergedDocuments& documents, const KnownSettings& known) {
     for (const auto& document : documents) {
+        bool isMisplaced = false;
+        forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
+            isMisplaced = isMisplaced || belongsInOtherList(name, known);
+        });
+        if (isMisplaced) {
+            return true;
+        }
         for (const KeptFinding& finding : document->document.findings) {
             const Effect effect = rowOf(finding.kind).effect;
             const bool isOfVideo = finding.section.empty();
@@ -231,8 +245,22 @@ bool hasUnreadCodecs(const MergedDocuments& documents) {
     return false;
 }
 
-void checkOneKind(const MergedDocuments& documents, const KnownSettings& /*known*/,
-                  const Emit& emit) {
+// Of a load it is a separate rule: there the other document may name some.
+void checkNoCodecs(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
+    const CheckedDocument& alone = *documents.front();
+    if (documents.size() != 1 || !alone.document.content.supportedCodecs.empty() ||
+        hasLostCodecs(documents, known)) {
+        return;
+    }
+    for (const char* key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
+        if (const OutlineNode* const section = alone.section(key)) {
+            emit(alone, section->name, "no codec component is named: that enables every component");
+            return;
+        }
+    }
+}
+
+void checkOneKind(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
     size_t decoders = 0;
     size_t encoders = 0;
     for (const auto& document : documents) {
@@ -244,7 +272,7 @@ void checkOneKind(const MergedDocuments& documents, const KnownSettings& /*known
     }
     const bool isOneKind = (decoders == 0) != (encoders == 0);
     if (!isOneKind || (documents.size() == 1 && isAddition(*documents.front())) ||
-        hasUnreadCodecs(documents)) {
+        hasLostCodecs(documents, known)) {
         return;
     }
     for (const auto& document : documents) {
@@ -260,6 +288,8 @@ void checkOneKind(const MergedDocuments& documents, const KnownSettings& /*known
 }
 
 constexpr DocumentsRule kCodecMergeRules[] = {
+        {{"no-codecs", Severity::Warning, "codec sections that name no component: all are enabled"},
+         checkNoCodecs},
         {{"variant-without-base", Severity::Warning,
           "a secure or low-latency component without the one that it is a variant of"},
          checkVariantsWithoutBase},

@@ -44,20 +44,6 @@ void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
     }
 }
 
-// Of a load it is a separate rule: there the other document may name some.
-void checkNoCodecs(const MergedDocuments& documents, const Emit& emit) {
-    const CheckedDocument& alone = *documents.front();
-    if (documents.size() != 1 || !alone.document.content.supportedCodecs.empty()) {
-        return;
-    }
-    for (const char* key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
-        if (const OutlineNode* const section = alone.section(key)) {
-            emit(alone, section->name, "no codec component is named: that enables every component");
-            return;
-        }
-    }
-}
-
 // Calls visit(overlay, taken, the value that wins, whether the values differ) for every name of the
 // overlay that the system spec document has set.
 template <typename Visit>
@@ -136,8 +122,6 @@ void checkResetLevels(const MergedDocuments& documents, const Emit& emit) {
 constexpr RuleRow<MergedDocuments> kMergeRules[] = {
         {{"listed-twice", Severity::Warning, "an entry that ends up twice in a list"},
          checkListedTwice},
-        {{"no-codecs", Severity::Warning, "codec sections that name no component: all are enabled"},
-         checkNoCodecs},
         {{"name-without-effect", Severity::Warning, "a private name that the spec sets otherwise"},
          checkShadowedNames},
         {{"name-repeated", Severity::Note, "a private name that the spec sets to the same value"},

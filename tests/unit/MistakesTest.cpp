@@ -1,0 +1,210 @@
+// The mistakes that people make in documents: each is reported once, at its place.
+
+#include <gtest/gtest.h>
+#include <json/value.h>
+
+#include <map>
+#include <string>
+
+#include "RunTool.h"
+
+namespace kc2::test {
+
+namespace {
+
+enum class Form { InVideo, Whole };
+
+struct Mistake {
+    const char* text;
+    const char* found;  // The id and the column of each finding.
+    Form form = Form::InVideo;
+};
+
+constexpr Mistake kMistakes[] = {
+        // Names.
+        {R"("Presets": {"private_enc_cvp_enable": true})", "setting-misplaced@24"},
+        {R"("Features": {"private_complexity": 50})", "setting-misplaced@25"},
+        {R"("Features": {"private_enc_cvp_enabel": true})", "name-misspelt@25"},
+        {R"("Features": {"Private_Enc_Cvp_Enable": true})", "name-misspelt@25"},
+        {R"("Features": {"private-enc-cvp-enable": true})", "name-misspelt@25"},
+        {R"("Features": {"private_enc_cvp_enable ": true})", "name-misspelt@25"},
+        {R"("Features": {"private_enc_\u0441vp_enable": true})", "name-misspelt@25"},
+        {R"("Features": {"enc_private_cvp_enable": true})", "name-misspelt@25"},
+        {R"("Features": {"": true})", "name-empty@25"},
+        {R"("Features": {"vendor_a": true, "Vendor_A": true})", "name-case@43"},
+        {R"("Features": {"vendor_x": true}, "Presets": {"vendor_x": 1})",
+         "name-in-two-sections@56"},
+        {R"("KC2PostProcessingFilters": ["a"])", "unknown-member@12"},
+        {R"("features": {"vendor_a": true})", "unknown-member@12"},
+        {R"("Featurse": {"vendor_a": true})", "unknown-member@12"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.encoder"], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "codec-in-wrong-list@46"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder.secure"], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "variant-without-base@46"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"]})", "codecs-of-one-kind@12"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder", ""], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "name-empty@68"},
+        {R"("codecs-available": {"decoder": ["c2.kvx.avc.decoder"], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "unknown-member@33"},
+        {R"("codecs-available": {"decoders": "c2.kvx.avc.decoder", "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "list-not-array@45"},
+        {R"("codecs-available": ["c2.kvx.avc.decoder"])", "section-not-object@32"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.acv.decoder"], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "codec-misspelt@46"},
+        {R"("codecs-available": {"decoders": ["C2.kvx.avc.decoder"], "encoders": )"
+         R"(["c2.kvx.hevc.encoder"]})",
+         "codec-misspelt@46"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder ", "c2.kvx.avc.decoder"], )"
+         R"("encoders": ["c2.kvx.hevc.encoder"]})",
+         "codec-misspelt@46"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder", "c2.kvx.avc.decoder"], )"
+         R"("encoders": ["c2.kvx.hevc.encoder"]})",
+         "codec-repeated@68"},
+        {R"("OptionalCodecs": {"decoders": ["c2.kvx.avc.decoder"]})",
+         "object-as-array@30 element-not-string@43"},
+        {R"("KC2CodecPlugins": ["liba.so", "liba.so"])", "listed-twice@43"},
+        {R"("KC2CodecPlugins": "liba.so")", "list-not-array@31"},
+        {R"("KC2CodecPlugins": ["liba.so", 5])", "element-not-string@43"},
+        {R"("KC2PreProcessingFilters": [{"codec_name": "a", "lib_name": "b"}])",
+         "filter-description@40"},
+        {R"("Features": {"vendor\u202e_a": true})", "name-characters@25"},
+        // Values of settings.
+        {R"("Features": {"private_enc_cvp_enable": 1})", "number-as-boolean@51"},
+        {R"("Features": {"private_enc_cvp_enable": "true"})", "feature-not-boolean@51"},
+        {R"("Features": {"private_enc_cvp_enable": null})", "null-as-false@51"},
+        {R"("Features": {"private_enc_cvp_enable": {"value": true}})", "feature-not-boolean@51"},
+        {R"("Presets": {"private_complexity": "50"})", "preset-not-integer@46"},
+        {R"("Presets": {"private_complexity": 50.5})", "real-truncated@46"},
+        {R"("Presets": {"private_complexity": 5e1})", "real-number@46"},
+        {R"("Presets": {"private_complexity": 4294967295})", "preset-not-integer@46"},
+        {R"("Presets": {"private_complexity": true})", "boolean-as-integer@46"},
+        {R"("Presets": {"private_complexity": null})", "null-as-zero@46"},
+        {R"("Presets": {"private_complexity": -1})", "value-range@46"},
+        {R"("Presets": {"private_complexity": 050})", "leading-zero@46"},
+        {R"("Presets": {"private_min_slice_size_MB_Mode": 40000, )"
+         R"("private_max_slice_size_MB_Mode": 30000})",
+         "above-other@58"},
+        {R"("Presets": {"private_outbuf_fence": 2})", "value-unsupported@48"},
+        {R"("Presets": {"private_outbuf_fence": 9})", "value-unknown@48"},
+        {R"("Presets": {"private_transcode_metadata_stat": 8})", "value-unknown@59"},
+        {R"("Presets": {"private_cpuaffinity_set": 15})", "feature-needed@51"},
+        {R"("Presets": {"debug_private_outbuf_tx_fence_codecs": 64})", "value-unknown@64"},
+        {R"("Presets": {"vendor_a": [1]})", "preset-not-integer@36"},
+        {R"("Presets": [{"vendor_a": 1}])", "section-not-object@23"},
+        {R"("Presets": null)", "section-null@12"},
+        {R"("Presets": {})", "section-empty@12"},
+        // Bit-rate rows.
+        {R"("NimbraModeBitrateTable": [[0, 100, 5], [101, 200, 6]])", "row-gap@52"},
+        {R"("NimbraModeBitrateTable": [[100, 200, 6], [0, 100, 5]])", "rows-unsorted@54"},
+        {R"("NimbraModeBitrateTable": [[0, 100, 6], [100, 200, 5]])", "rate-falls@52"},
+        {R"("NimbraModeBitrateTable": [[0, 100, 0]])", "rate-zero@39"},
+        {R"("NimbraModeBitrateTable": [])", "section-empty@12"},
+        {R"("NimbraModeBitrateTable": [0, 100, 5])", "row-size@39"},
+        {R"("NimbraModeBitrateTable": [[0, 100]])", "row-size@39"},
+        {R"("NimbraModeBitrateTable": [["0", "100", "5"]])", "row-value-not-integer@40"},
+        {R"("NimbraModeBitrateTable": [[100, 0, 5]])", "row-matches-nothing@39"},
+        {R"("NimbraModeBitrateTable": [[100, 100, 5]])", "row-matches-nothing@39"},
+        {R"("NimbraModeBitrateTable": [[0, 150, 5], [100, 200, 6]])", "row-overlaps@52"},
+        {R"("NimbraModeBitrateTable": [[0, 100, 5], [0, 100, 6]])", "row-hidden@52"},
+        {R"("NimbraModeBitrateTable": [[0, -1, 5]])", "row-without-bound@43"},
+        {R"("NimbraModeBitrateTable": [[0, 100, 2.5]])", "real-truncated@48"},
+        {R"("NimbraModeBitrateTable": {"low": 0, "high": 100, "rate": 5})",
+         "object-as-array@38 row-size@57"},
+        // Dolby Vision.
+        {R"("DolbyVision": {"profiles": [5]})", "tier-level-absent@27"},
+        {R"("DolbyVision": {"profiles": ["5"], "max_main_tier_level": 9, )"
+         R"("max_high_tier_level": 9})",
+         "profile-not-unsigned@41"},
+        {R"("DolbyVision": {"profiles": 5, "max_main_tier_level": 9, "max_high_tier_level": 9})",
+         "list-not-array@40"},
+        {R"("DolbyVision": {"profile": [5], "max_main_tier_level": 9, "max_high_tier_level": 9})",
+         "unknown-member@28"},
+        // Perf words.
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"(["40800000", "0x1"]})",
+         "perf-word-prefix@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": ["0x40800000"]})",
+         "perf-odd-length@82"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"(["0x40800000", "0x1", "0x40800000", "0x2"]})",
+         "perf-code-repeated@104"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": ["0x1", )"
+         R"("0x40800000"]})",
+         "perf-pair-swapped@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"({"0x40800000": "0x1"}})",
+         "object-as-array@82"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"([1082130432, 1]})",
+         "perf-word-not-hexadecimal@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"(["0x4080000g", "0x1"]})",
+         "perf-word-tail@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"(["0x408000000", "0x1"]})",
+         "perf-word-not-hexadecimal@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"("0x40800000, 0x1"})",
+         "list-not-array@82"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": []})",
+         "perf-empty@37"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encod": )"
+         R"(["0x40800000", "0x1"]})",
+         "name-misspelt@37"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"([["0x40800000", "0x1"]]})",
+         "perf-word-not-hexadecimal@83"},
+        {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
+         R"(["ox40800000", "0x1"]})",
+         "perf-word-not-hexadecimal@83"},
+        // The whole document.
+        {R"({"Features": {"private_enc_cvp_enable": true}})", "no-video@1 unknown-member@2",
+         Form::Whole},
+        {R"({"video": {"Features": {"private_enc_cvp_enable": true}}})",
+         "no-video@1 unknown-member@2", Form::Whole},
+        {R"({"Video": []})", "video-not-object@11", Form::Whole},
+        {R"([])", "root-not-object@1", Form::Whole},
+        {R"(null)", "no-video@1", Form::Whole},
+        {R"({})", "no-video@1", Form::Whole},
+        {R"()", "syntax@1", Form::Whole},
+        {R"({"Video": {"Features": {"vendor_a": true}}} x)", "trailing-text@45", Form::Whole},
+        {R"({"Video": {"Features": {"vendor_a": true, "vendor_a": false}}})", "duplicate-member@43",
+         Form::Whole},
+        {R"({"Video": {"Features": {"vendor_a": true}}, "Video": {}})",
+         "duplicate-member@45 video-empty@45", Form::Whole},
+        {R"({"$schema": "x", "Video": {"Features": {"vendor_a": true}}})", "", Form::Whole},
+};
+
+TEST(MistakesTest, EachIsReportedOnceAtItsPlace) {
+    const ScratchDirectory scratch;
+    std::map<std::string, const Mistake*> mistakes;
+    std::string command = "check --format json";
+    for (const Mistake& mistake : kMistakes) {
+        const bool isWhole = mistake.form == Form::Whole;
+        const std::string path = scratch.write(
+                std::to_string(mistakes.size()) + ".json",
+                isWhole ? mistake.text : std::string("{\"Video\": {") + mistake.text + "}}");
+        mistakes[path] = &mistake;
+        command += " " + path;
+    }
+    const Json::Value report = parsed(run(command).output);
+    std::map<std::string, std::string> found;
+    for (const Json::Value& finding : report["findings"]) {
+        std::string& ofDocument = found[finding["path"].asString()];
+        ofDocument += (ofDocument.empty() ? "" : " ") + finding["id"].asString() + "@" +
+                      finding["column"].asString();
+    }
+    for (const auto& [path, mistake] : mistakes) {
+        EXPECT_EQ(mistake->found, found[path]) << mistake->text;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
