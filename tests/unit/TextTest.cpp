@@ -1,0 +1,209 @@
+// The tool's small pieces: texts, widths on a terminal, where things are in a document.
+
+#include "Text.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Terminal.h"
+#include "check/Outline.h"
+#include "targetspec/reading/ParserText.h"
+
+namespace kc2::test {
+
+namespace {
+
+using namespace tool;
+
+TEST(TextTest, WordsAreReadAsALogOrAPersonWritesThem) {
+    const std::pair<const char*, std::optional<uint32_t>> rows[] = {
+            {"0x7FA30C04", 0x7FA30C04},
+            {"0X10", 0x10},
+            {"010", 10},
+            {"-1040187392", 0xC2000000},
+            {"4294967295", UINT32_MAX},
+            {"0xFFFFFFFF", UINT32_MAX},
+            {"4294967296", {}},
+            {"-2147483649", {}},
+            {"", {}},
+            {"0x", {}},
+            {"12 ", {}},
+            {"1e3", {}},
+            {"0x1g", {}},
+            {"99999999999999999999", {}},
+    };
+    for (const auto& [text, word] : rows) {
+        EXPECT_EQ(word, toWord(text)) << text;
+    }
+    EXPECT_EQ("0x0", hexadecimal(0));
+    EXPECT_EQ("0xC2000001", hexadecimal(0xC2000001));
+}
+
+TEST(TextTest, NothingIsCutInTheMiddleOfACharacter) {
+    const std::string text = "a\u00e4\u4e16\U0001f600";  // Of 1, 2, 3 and 4 bytes.
+    const size_t whole[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 10};
+    for (size_t bytes = 0; bytes < std::size(whole); ++bytes) {
+        EXPECT_EQ(text.substr(0, whole[bytes]), clipped(text, bytes)) << bytes;
+    }
+    const std::pair<const char*, char32_t> characters[] = {{"a", U'a'},
+                                                           {"\u00e4", U'\u00e4'},
+                                                           {"\u4e16", U'\u4e16'},
+                                                           {"\U0001f600", U'\U0001f600'}};
+    for (const auto& [character, code] : characters) {
+        EXPECT_EQ(code, codePointOf(character));
+    }
+}
+
+TEST(TextTest, WidthsAreThoseOfATerminal) {
+    const std::pair<const char*, size_t> rows[] = {{"", 0},       {"a", 1},      {"\u00e4", 1},
+                                                   {"\u4e16", 2}, {"\uff01", 2}, {"\u0301", 0}};
+    for (const auto& [character, columns] : rows) {
+        EXPECT_EQ(columns, columnsOf(character)) << character;
+    }
+}
+
+TEST(TextTest, DistancesCountMistakesButNotCase) {
+    const struct {
+        const char* a;
+        const char* b;
+        size_t distance;
+    } rows[] = {
+            {"", "", 0},
+            {"Presets", "presets", 0},
+            {"Presets", "Preset", 1},
+            {"abc", "acb", 2},
+            {"abc", "abd", 1},
+            {"abc", "xyz", 3},
+            {"kitten", "sitting", 3},
+            {"", "abc", 3},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.distance, editDistance(row.a, row.b, 5)) << row.a << " " << row.b;
+        EXPECT_EQ(row.distance, editDistance(row.b, row.a, 5)) << row.b << " " << row.a;
+        // Beyond the limit any number does, as long as it is above.
+        for (size_t limit = 0; limit < row.distance; ++limit) {
+            EXPECT_LT(limit, editDistance(row.a, row.b, limit)) << row.a << " " << row.b;
+        }
+    }
+    // Longer ones are the same or not.
+    const std::string longName(101, 'a');
+    EXPECT_EQ(0U, editDistance(longName, longName, 3));
+    EXPECT_LT(3U, editDistance(longName, longName + "b", 3));
+}
+
+TEST(TextTest, TheNearestNameIsTheOneWithMostOfTheWord) {
+    const std::vector<std::string> names = {"decoders", "encoders", "diff", "check", "show"};
+    const std::pair<const char*, const char*> rows[] = {
+            {"decoder", "decoders"},
+            {"encoder", "encoders"},
+            {"ecoders", "decoders"},
+            {"dif", "diff"},
+            {"chek", "check"},
+            {"Check", "check"},
+            {"xyz", ""},
+            {"", ""},
+            {"sh", ""},
+    };
+    for (const auto& [word, name] : rows) {
+        EXPECT_EQ(name, nearest(word, names)) << word;
+    }
+}
+
+// Blanks stand where a comment was, so that every offset and line stays.
+TEST(TextTest, CommentsBecomeBlanksAndTheirPlacesAreKnown) {
+    const struct {
+        const char* text;
+        const char* blanked;
+        const char* comments;  // "start-limit" of each.
+    } rows[] = {
+            {"1//a", "1   ", "1-4"},
+            {"1//a\n2", "1   \n2", "1-4"},
+            {"1//a\r\n2", "1   \r\n2", "1-4"},
+            {"1//a\r2//b", "1   \r2   ", "1-4 6-9"},
+            {"/**/1", "    1", "0-4"},
+            {"/***/1", "     1", "0-5"},
+            {"/*/1*/2", "      2", "0-6"},
+            {"/*a\n\r*/1", "   \n\r  1", "0-7"},
+            {"/*//*/1", "      1", "0-6"},
+            {"//*a\n1*/", "    \n1*/", "0-4"},
+            {"\"//\"", "\"//\"", ""},
+            {"\"\\\"//\"", "\"\\\"//\"", ""},
+            {"\"\\\\\"//", "\"\\\\\"  ", "4-6"},
+            {"\"/*\"/*\"*/\"", "\"/*\"     \"", "4-9"},
+            // What is not whole stays, and is a syntax error at its place.
+            {"1/*a", "1/*a", ""},
+            {"/*/", "/*/", ""},
+            {"1/2//a", "1/2//a", ""},
+            {"\"a//", "\"a//", ""},
+            {"/", "/", ""},
+            {"//a\n/*", "   \n/*", "0-3"},
+    };
+    for (const auto& row : rows) {
+        std::string text = row.text;
+        std::vector<TextRange> comments;
+        EXPECT_FALSE(makeFitForParser(text, &comments)) << row.text;
+        std::string places;
+        for (const TextRange& comment : comments) {
+            places += (places.empty() ? "" : " ") + std::to_string(comment.start) + "-" +
+                      std::to_string(comment.limit);
+        }
+        EXPECT_EQ(row.blanked, text) << row.text;
+        EXPECT_EQ(row.comments, places) << row.text;
+    }
+}
+
+TEST(TextTest, TheOutlineKnowsWhereEverythingIs) {
+    const std::string text =
+            R"( {"a\u0062": [1, -2.5e3 ,"x\"]"], "a" : {"b": null, "b": true}, "": {} } x)";
+    const Outline outline = outlineOf(text);
+    EXPECT_EQ(text.size() - 1, outline.limit);
+    const auto at = [&](const Span& span) {
+        return text.substr(span.start, span.limit - span.start);
+    };
+    ASSERT_EQ(3U, outline.root.children.size());
+    const OutlineNode& list = outline.root.children[0];
+    EXPECT_EQ("ab", list.key);
+    EXPECT_EQ(R"("a\u0062")", at(list.name));
+    ASSERT_EQ(3U, list.children.size());
+    EXPECT_EQ("-2.5e3", at(list.children[1].value));
+    EXPECT_TRUE(list.children[1].isNumber());
+    EXPECT_EQ("x\"]", list.children[2].string);
+    EXPECT_EQ(R"("x\"]")", at(list.children[2].value));
+    EXPECT_FALSE(list.children[2].isNumber());
+
+    // The last member of a name counts.
+    const OutlineNode* const object = findMember(outline.root, "a");
+    ASSERT_NE(nullptr, object);
+    ASSERT_NE(nullptr, findMember(*object, "b"));
+    EXPECT_EQ("true", at(findMember(*object, "b")->value));
+    EXPECT_NE(nullptr, findMember(outline.root, ""));
+    EXPECT_EQ(nullptr, findMember(outline.root, "b"));
+    EXPECT_EQ(nullptr, findMember(list, ""));
+
+    for (const OutlineNode& child : list.children) {
+        EXPECT_EQ(&child, findValueAt(outline.root, child.value.start));
+        EXPECT_EQ(nullptr, findValueAt(outline.root, child.value.start + 1));
+    }
+    EXPECT_EQ(nullptr, findValueAt(outline.root, text.size()));
+}
+
+// What is no JSON has an outline, too: the parser may take less of it than there is.
+TEST(TextTest, AnOutlineOfTornTextsComesToItsEnd) {
+    const std::string whole = R"({"a": [1, {"b\\": "c"}], "d": "e"})";
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        const Outline outline = outlineOf(std::string_view(whole).substr(0, size));
+        EXPECT_LE(outline.limit, size);
+        EXPECT_LE(outline.root.value.limit, size);
+    }
+    for (const char* const text : {"]", "}", ":", ",", "{]", "[}", "{:", "{\"", "[\"\\", "{,,1}"}) {
+        EXPECT_LE(outlineOf(text).limit, std::string_view(text).size()) << text;
+    }
+}
+
+}  // namespace
+
+}  // namespace kc2::test
