@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <utility>
 
 namespace kc2 {
 
@@ -31,12 +33,31 @@ size_t utf8Length(std::string_view text) {
     return length;
 }
 
+namespace {
+
+// A control character, a line end of Unicode, or a mark that itself is not seen: it has no width,
+// or changes the direction of the text around it, so that a name reads as another one.
+bool isUnseen(std::string_view character) {
+    constexpr std::pair<std::string_view, std::string_view> kRanges[] = {
+            {std::string_view("\0", 1), "\x1F"},
+            {"\x7F", "\x7F"},
+            {"\xC2\x80", "\xC2\x9F"},
+            {"\xD8\x9C", "\xD8\x9C"},
+            {"\xE2\x80\x8B", "\xE2\x80\x8F"},
+            {"\xE2\x80\xA8", "\xE2\x80\xAE"},
+            {"\xE2\x81\xA0", "\xE2\x81\xAF"},
+            {"\xEF\xBB\xBF", "\xEF\xBB\xBF"},
+    };
+    return std::any_of(std::begin(kRanges), std::end(kRanges), [character](const auto& range) {
+        return range.first <= character && character <= range.second;
+    });
+}
+
+}  // namespace
+
 size_t plainLength(std::string_view text) {
     const size_t length = utf8Length(text);
-    const auto byte = [text](size_t at) { return static_cast<unsigned char>(text[at]); };
-    const bool isControl = (length == 1 && (byte(0) < ' ' || byte(0) == 0x7F)) ||
-                           (length == 2 && byte(0) == 0xC2 && byte(1) < 0xA0);  // Of ISO 8859.
-    return isControl ? 0 : length;
+    return isUnseen(text.substr(0, length)) ? 0 : length;
 }
 
 std::string escaped(std::string_view text) {

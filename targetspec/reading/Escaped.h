@@ -10,7 +10,8 @@ namespace kc2 {
 // How many bytes the character takes that `text` begins with; 0 when it is empty or not UTF-8.
 size_t utf8Length(std::string_view text);
 
-// The same, and 0 for a control character, too: what must not be shown as it is.
+// The same, and 0 for what must not be shown as it is, too: control characters, and marks that are
+// not seen, or that turn the text around them.
 size_t plainLength(std::string_view text);
 
 // `text` with such bytes written as \xNN: a document, a path or a property may hold any, and a line

@@ -48,11 +48,10 @@ Cell firstCell(std::string_view text, size_t column) {
         const size_t columns = kTabColumns - column % kTabColumns;
         return {text.substr(0, 1), kBlanks.substr(0, columns), columns};
     }
-    const size_t length = plainLength(text);
-    if (length == 0) {
-        return {text.substr(0, 1), kBlanks.substr(0, 1), 1};
+    const std::string_view character = text.substr(0, std::max<size_t>(utf8Length(text), 1));
+    if (plainLength(text) == 0) {
+        return {character, kBlanks.substr(0, 1), 1};
     }
-    const std::string_view character = text.substr(0, length);
     return {character, character, columnsOf(character)};
 }
 
