@@ -66,8 +66,7 @@ constexpr Mistake kMistakes[] = {
         {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder", "c2.kvx.avc.decoder"], )"
          R"("encoders": ["c2.kvx.hevc.encoder"]})",
          "codec-repeated@68"},
-        {R"("OptionalCodecs": {"decoders": ["c2.kvx.avc.decoder"]})",
-         "object-as-array@30 element-not-string@43"},
+        {R"("OptionalCodecs": {"decoders": ["c2.kvx.avc.decoder"]})", "object-not-array@30"},
         {R"("KC2CodecPlugins": ["liba.so", "liba.so"])", "listed-twice@43"},
         {R"("KC2CodecPlugins": "liba.so")", "list-not-array@31"},
         {R"("KC2CodecPlugins": ["liba.so", 5])", "element-not-string@43"},
@@ -114,8 +113,7 @@ constexpr Mistake kMistakes[] = {
         {R"("NimbraModeBitrateTable": [[0, 100, 5], [0, 100, 6]])", "row-hidden@52"},
         {R"("NimbraModeBitrateTable": [[0, -1, 5]])", "row-without-bound@43"},
         {R"("NimbraModeBitrateTable": [[0, 100, 2.5]])", "real-truncated@48"},
-        {R"("NimbraModeBitrateTable": {"low": 0, "high": 100, "rate": 5})",
-         "object-as-array@38 row-size@57"},
+        {R"("NimbraModeBitrateTable": {"low": 0, "high": 100, "rate": 5})", "object-not-array@38"},
         // Dolby Vision.
         {R"("DolbyVision": {"profiles": [5]})", "tier-level-absent@27"},
         {R"("DolbyVision": {"profiles": ["5"], "max_main_tier_level": 9, )"

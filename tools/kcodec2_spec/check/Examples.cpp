@@ -126,6 +126,9 @@ constexpr CheckExample kExamples[] = {
          "{\"Video\": {\"DolbyVision\": {\"profiles\": [8], \"max_main_tier_level\": 9}}}",
          "{\"Video\": {\"DolbyVision\": {\"profiles\": [8], \"max_main_tier_level\": 9, "
          "\"max_high_tier_level\": 9}}}"},
+        {"object-not-array", "Write an array of the values.",
+         "{\"Video\": {\"OptionalCodecs\": {\"decoders\": [\"c2.kvx.avc.decoder\"]}}}",
+         "{\"Video\": {\"OptionalCodecs\": [\"c2.kvx.avc.decoder\"]}}"},
         {"row-without-bound",
          "Leave it where no upper bound is meant, or write the highest value and one more.",
          "{\"Video\": {\"NimbraModeBitrateTable\": [[0, -1, 500]]}}",

@@ -58,6 +58,14 @@ bool isScalar(const KeptFinding& finding, const CheckedDocument& checked) {
     return first != '[' && first != '{';
 }
 
+// Whether a finding is about a skipped value of an object that stands in place of an array.
+bool isSkippedIn(const KeptFinding& object, const KeptFinding& finding) {
+    const Effect effect = rowOf(finding.kind).effect;
+    return object.kind == FindingKind::ObjectAsArray && finding.start >= object.start &&
+           finding.limit <= object.limit &&
+           (effect == Effect::SkipsAndLogs || effect == Effect::SkipsSilently);
+}
+
 // Whether a finding is the same mistake as the one before it: the values of a table without rows,
 // the second one of two levels that are not there.
 bool isSameMistake(const KeptFinding& finding, const KeptFinding& before,
@@ -147,7 +155,22 @@ bool isFilterDescription(const KeptFinding& finding, const CheckedDocument& chec
     return false;
 }
 
+// Whether an object in place of an array holds something else than the array would: the first value
+// that it holds is skipped.
+bool isNoArrayAtAll(const KeptFinding& finding, const CheckedDocument& checked) {
+    const auto& findings = checked.document.findings;
+    const auto next = static_cast<size_t>(&finding - findings.data()) + 1;
+    return next < findings.size() && isSkippedIn(finding, findings[next]);
+}
+
 constexpr Exception kExceptions[] = {
+        {FindingKind::ObjectAsArray,
+         isNoArrayAtAll,
+         {"object-not-array", Severity::Error, "an object in place of an array of other values"},
+         [](const About& about) {
+             return fmt::format("{} must be an array [...]: values of this object are skipped",
+                                about.place());
+         }},
         {FindingKind::NegativeAsUnsigned,
          isOpenUpperBound,
          {"row-without-bound", Severity::Note, "an upper bound of -1, which is a large one"},
@@ -396,12 +419,17 @@ void addSyntaxError(const KeptFinding& finding, const CheckedDocument& checked, 
 
 void applyReaderRules(const CheckedDocument& checked, const KnownSettings& known, Report* report) {
     const KeptFinding* before = nullptr;
+    const KeptFinding* noArray = nullptr;  // What is skipped in it is the same mistake.
     for (const KeptFinding& finding : checked.document.findings) {
         const KeptFinding* const previous = std::exchange(before, &finding);
         const ReaderRule* const row = ruleFor(finding.kind);
         if (row == nullptr || isMisplaced(finding, known) ||
+            (noArray != nullptr && isSkippedIn(*noArray, finding)) ||
             (previous != nullptr && isSameMistake(finding, *previous, checked))) {
             continue;
+        }
+        if (finding.kind == FindingKind::ObjectAsArray && isNoArrayAtAll(finding, checked)) {
+            noArray = &finding;
         }
         if (finding.kind == FindingKind::SyntaxError) {
             addSyntaxError(finding, checked, row->rule, report);
