@@ -61,7 +61,10 @@ TargetSpec* TargetSpec::Get() {
 
 TargetSpec* TargetSpec::load() {
     while (mLock.exchange(1, std::memory_order_acquire) != 0) {
-        // Another thread is loading; it needs milliseconds, once per process.
+        while (mLock.load(std::memory_order_relaxed) != 0) {
+            // Another thread is loading; it needs milliseconds, once per process. Many that write
+            // the lock while they wait would keep it from the one that lets go.
+        }
     }
     if (!mIsInitialized.load(std::memory_order_acquire)) {
         updateLogLevel();

@@ -48,7 +48,9 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
 
     Store* load(unsigned thread) {
         while (mLock.exchange(1, weaken(LockAcquire, rl::mo_acquire), $) != 0) {
-            rl::yield(1, $);
+            while (mLock.load(rl::mo_relaxed, $) != 0) {
+                rl::yield(1, $);
+            }
         }
         if (!mIsInitialized.load(rl::mo_acquire, $)) {
             VAR(mInstance) = &mStores[thread];
