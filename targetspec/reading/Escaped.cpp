@@ -61,8 +61,7 @@ size_t plainLength(std::string_view text) {
 }
 
 std::string escaped(std::string_view text) {
-    const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
-    if (std::all_of(text.begin(), text.end(), isPrintable)) {  // As almost every text is.
+    if (std::all_of(text.begin(), text.end(), isPrintableAscii)) {  // As almost every text is.
         return std::string(text);
     }
     std::string result;

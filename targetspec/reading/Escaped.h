@@ -7,6 +7,11 @@
 
 namespace kc2 {
 
+// Whether the byte is a character that is shown as it is, as almost all are.
+constexpr bool isPrintableAscii(char c) {
+    return c >= ' ' && c <= '~';
+}
+
 // How many bytes the character takes that `text` begins with; 0 when it is empty or not UTF-8.
 size_t utf8Length(std::string_view text);
 

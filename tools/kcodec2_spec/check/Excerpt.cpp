@@ -18,15 +18,10 @@ constexpr size_t kTabColumns = 8;
 // Marks that take no column must not make a line endless.
 constexpr size_t kMostBytesPerColumn = 8;
 
-// Whether the byte is a character that takes a column and is shown as it is, as almost all are: a
-// line may be shown for each of a million findings.
-bool isPlainByte(char c) {
-    return c >= ' ' && c <= '~';
-}
-
-// How many such bytes `text` begins with.
+// How many printable characters of a byte and a column `text` begins with: a line may be shown for
+// each of a million findings.
 size_t plainBytes(std::string_view text) {
-    const auto end = std::find_if_not(text.begin(), text.end(), isPlainByte);
+    const auto end = std::find_if_not(text.begin(), text.end(), isPrintableAscii);
     return static_cast<size_t>(end - text.begin());
 }
 
@@ -41,7 +36,7 @@ struct Cell {
 Cell firstCell(std::string_view text, size_t column) {
     constexpr std::string_view kBlanks = "        ";
     static_assert(kBlanks.size() == kTabColumns);
-    if (isPlainByte(text[0])) {
+    if (isPrintableAscii(text[0])) {
         return {text.substr(0, 1), text.substr(0, 1), 1};
     }
     if (text[0] == '\t') {
