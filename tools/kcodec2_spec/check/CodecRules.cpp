@@ -245,6 +245,18 @@ bool hasLostCodecs(const MergedDocuments& documents, const KnownSettings& known)
     return false;
 }
 
+// At the first section of components that there is.
+void emitAtCodecs(const MergedDocuments& documents, const std::string& message, const Emit& emit) {
+    for (const auto& document : documents) {
+        for (const char* const key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
+            if (const OutlineNode* const section = document->section(key)) {
+                emit(*document, section->name, message);
+                return;
+            }
+        }
+    }
+}
+
 // Of a load it is a separate rule: there the other document may name some.
 void checkNoCodecs(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
     const CheckedDocument& alone = *documents.front();
@@ -252,12 +264,7 @@ void checkNoCodecs(const MergedDocuments& documents, const KnownSettings& known,
         hasLostCodecs(documents, known)) {
         return;
     }
-    for (const char* key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
-        if (const OutlineNode* const section = alone.section(key)) {
-            emit(alone, section->name, "no codec component is named: that enables every component");
-            return;
-        }
-    }
+    emitAtCodecs(documents, "no codec component is named: that enables every component", emit);
 }
 
 void checkOneKind(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
@@ -275,16 +282,10 @@ void checkOneKind(const MergedDocuments& documents, const KnownSettings& known, 
         hasLostCodecs(documents, known)) {
         return;
     }
-    for (const auto& document : documents) {
-        for (const char* const key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
-            if (const OutlineNode* const section = document->section(key)) {
-                emit(*document, section->name,
-                     fmt::format("only {}coders are listed, and not one {}coder",
-                                 encoders == 0 ? "de" : "en", encoders == 0 ? "en" : "de"));
-                return;
-            }
-        }
-    }
+    emitAtCodecs(documents,
+                 fmt::format("only {}coders are listed, and not one {}coder",
+                             encoders == 0 ? "de" : "en", encoders == 0 ? "en" : "de"),
+                 emit);
 }
 
 constexpr DocumentsRule kCodecMergeRules[] = {

@@ -58,6 +58,12 @@ bool isScalar(const KeptFinding& finding, const CheckedDocument& checked) {
     return first != '[' && first != '{';
 }
 
+// The finding behind this one; null when it is the last.
+const KeptFinding* nextOf(const KeptFinding& finding, const CheckedDocument& checked) {
+    const auto& findings = checked.document.findings;
+    return &finding == &findings.back() ? nullptr : &finding + 1;
+}
+
 // Whether a finding is about a skipped value of an object that stands in place of an array.
 bool isSkippedIn(const KeptFinding& object, const KeptFinding& finding) {
     const Effect effect = rowOf(finding.kind).effect;
@@ -95,9 +101,8 @@ public:
 
     // Whether the next finding is the same mistake.
     bool isRepeated() const {
-        const auto& findings = mChecked.document.findings;
-        const auto next = static_cast<size_t>(&mFinding - findings.data()) + 1;
-        return next < findings.size() && isSameMistake(findings[next], mFinding, mChecked);
+        const KeptFinding* const next = nextOf(mFinding, mChecked);
+        return next != nullptr && isSameMistake(*next, mFinding, mChecked);
     }
 
 private:
@@ -158,9 +163,8 @@ bool isFilterDescription(const KeptFinding& finding, const CheckedDocument& chec
 // Whether an object in place of an array holds something else than the array would: the first value
 // that it holds is skipped.
 bool isNoArrayAtAll(const KeptFinding& finding, const CheckedDocument& checked) {
-    const auto& findings = checked.document.findings;
-    const auto next = static_cast<size_t>(&finding - findings.data()) + 1;
-    return next < findings.size() && isSkippedIn(finding, findings[next]);
+    const KeptFinding* const next = nextOf(finding, checked);
+    return next != nullptr && isSkippedIn(finding, *next);
 }
 
 constexpr Exception kExceptions[] = {
@@ -428,14 +432,14 @@ void applyReaderRules(const CheckedDocument& checked, const KnownSettings& known
             (previous != nullptr && isSameMistake(finding, *previous, checked))) {
             continue;
         }
-        if (finding.kind == FindingKind::ObjectAsArray && isNoArrayAtAll(finding, checked)) {
-            noArray = &finding;
-        }
         if (finding.kind == FindingKind::SyntaxError) {
             addSyntaxError(finding, checked, row->rule, report);
             continue;
         }
         const Exception* const exception = exceptionFor(finding, checked);
+        if (finding.kind == FindingKind::ObjectAsArray && exception != nullptr) {
+            noArray = &finding;
+        }
         const Message message = exception != nullptr ? exception->message : row->message;
         report->add(exception != nullptr ? exception->rule : row->rule, checked.source,
                     {finding.start, finding.limit}, message(About(finding, checked)),
