@@ -8,6 +8,10 @@ std::string localPath(const std::string& devicePath) {
     return devicePath;
 }
 
+bool examine(const std::string& devicePath, struct stat* status) {
+    return stat(devicePath.c_str(), status) == 0;
+}
+
 std::string localPathForWriting(const std::string& devicePath) {
     return devicePath;
 }

@@ -9,6 +9,10 @@ std::string localPath(const std::string& devicePath) {
     return host::hostPath(devicePath);
 }
 
+bool examine(const std::string& devicePath, struct stat* status) {
+    return stat(host::hostPath(devicePath).c_str(), status) == 0;
+}
+
 std::string localPathForWriting(const std::string& devicePath) {
     return host::isReadOnly() ? std::string() : host::hostPath(devicePath);
 }

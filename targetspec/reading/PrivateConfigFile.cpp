@@ -2,8 +2,6 @@
 
 #include "targetspec/reading/PrivateConfigFile.h"
 
-#include <sys/stat.h>
-
 #include <cstring>
 #include <string>
 
@@ -13,10 +11,6 @@
 namespace kc2 {
 
 namespace {
-
-bool examine(const char* devicePath, struct stat* status) {
-    return stat(localPath(devicePath).c_str(), status) == 0;
-}
 
 // A file that fails while it is read is neither missing nor empty. Some standard libraries report
 // that as end of file, too, so the file's size has the last word.

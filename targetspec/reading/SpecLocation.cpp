@@ -2,8 +2,6 @@
 
 #include "targetspec/reading/SpecLocation.h"
 
-#include <sys/stat.h>
-
 #include <cstring>
 
 #include "device/BaseLibrary.h"
@@ -27,7 +25,7 @@ std::string locateSystemSpec() {
     // A query that fails for another reason than absence answers false too: a document that cannot
     // be examined would hardly open, and the vendor document then gets its chance.
     struct stat ignored = {};
-    if (stat(localPath(path).c_str(), &ignored) != 0) {
+    if (!examine(path, &ignored)) {
         path.replace(0, std::strlen(kOdmSpecDirectory), kVendorSpecDirectory);
     }
     return path;
