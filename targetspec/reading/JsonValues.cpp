@@ -3,7 +3,6 @@
 #include "targetspec/reading/JsonValues.h"
 
 #include <charconv>
-#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -47,22 +46,14 @@ std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
 
 // The parser's own isInt() and asInt() take five times as many instructions.
 template <typename Integer>
-Converted<int32_t> toIntegerFrom(Integer value) {
-    if (std::in_range<int32_t>(value)) {
-        return {static_cast<int32_t>(value)};
-    }
-    return {};
+std::optional<int32_t> inRange(Integer value) {
+    return std::in_range<int32_t>(value) ? std::optional(static_cast<int32_t>(value))
+                                         : std::nullopt;
 }
 
-Converted<int32_t> toIntegerFromReal(double real) {
-    if (!(real >= kLowest && real <= kHighest)) {
-        return {};
-    }
-    Converted<int32_t> integer = {static_cast<int32_t>(real)};
-    if (real != std::trunc(real)) {
-        integer.changes.add(FindingKind::RealTruncated, *integer.value);
-    }
-    return integer;
+std::optional<int32_t> truncated(double real) {
+    return real >= kLowest && real <= kHighest ? std::optional(static_cast<int32_t>(real))
+                                               : std::nullopt;
 }
 
 Converted<uint32_t> toPattern(int32_t value, const Changes& changes) {
@@ -101,11 +92,17 @@ Converted<int32_t> toInteger(const Json::Value& value) {
     Converted<int32_t> integer;
     switch (value.type()) {
         case Json::intValue:
-            return toIntegerFrom(value.asLargestInt());
+            integer.value = inRange(value.asLargestInt());
+            break;
         case Json::uintValue:
-            return toIntegerFrom(value.asLargestUInt());
+            integer.value = inRange(value.asLargestUInt());
+            break;
         case Json::realValue:
-            return toIntegerFromReal(value.asDouble());
+            integer.value = truncated(value.asDouble());
+            if (integer.value && *integer.value != value.asDouble()) {
+                integer.changes.add(FindingKind::RealTruncated, *integer.value);
+            }
+            break;
         case Json::booleanValue:
             integer.value = value.asBool() ? 1 : 0;
             integer.changes.add(FindingKind::BooleanAsInteger, *integer.value);
@@ -152,16 +149,6 @@ std::optional<std::string_view> toText(const Json::Value& value) {
         return std::nullopt;
     }
     return std::string_view(text, static_cast<size_t>(limit - text));
-}
-
-bool isObjectOrNull(const Json::Value& value) {
-    return value.type() == Json::objectValue || value.type() == Json::nullValue;
-}
-
-std::string_view nameOf(const Json::Value::const_iterator& member) {
-    const char* end = nullptr;
-    const char* const name = member.memberName(&end);
-    return {name, static_cast<size_t>(end - name)};
 }
 
 }  // namespace kc2

@@ -25,6 +25,8 @@ public:
         int64_t result;  // What the value counts as.
     };
 
+    Changes() {}  // Leaves the array as it is: hardly any value is changed.
+
     void add(FindingKind kind, int64_t result) { mChanges[mCount++] = {kind, result}; }
 
     const Change* begin() const { return mChanges.data(); }
@@ -57,9 +59,15 @@ Converted<uint32_t> toPerfWord(const Json::Value& value);
 
 std::optional<std::string_view> toText(const Json::Value& value);
 
-bool isObjectOrNull(const Json::Value& value);
+inline bool isObjectOrNull(const Json::Value& value) {
+    return value.type() == Json::objectValue || value.type() == Json::nullValue;
+}
 
 // The name of the member that an iterator over an object is at.
-std::string_view nameOf(const Json::Value::const_iterator& member);
+inline std::string_view nameOf(const Json::Value::const_iterator& member) {
+    const char* end = nullptr;
+    const char* const name = member.memberName(&end);
+    return {name, static_cast<size_t>(end - name)};
+}
 
 }  // namespace kc2

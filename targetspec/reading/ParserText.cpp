@@ -22,8 +22,8 @@ public:
         : mBytes(bytes), mText(bytes.data(), bytes.size()), mComments(comments) {}
 
     void run() {
-        size_t quote = mText.find('"');
         size_t slash = mText.find('/');
+        size_t quote = slash != kNone ? mText.find('"') : kNone;
         while (slash != kNone) {
             const size_t end = quote < slash ? endOfString(mText, quote) : blankComment(slash);
             if (end == kNone) {

@@ -26,8 +26,8 @@ Finding findingAbout(FindingKind kind, const Json::Value& value) {
 
 // The member of an object that a key names.
 struct Member {
-    std::string_view key;
     const Json::Value* value = nullptr;  // Null when the object has no such member.
+    std::string_view key;
 
     Member() = default;
     // A null key names no member, not even the one whose name is empty.
@@ -35,6 +35,19 @@ struct Member {
 
     bool isNamed(std::string_view name) const { return name == key && key.data() != nullptr; }
 };
+
+// Calls visit(iterator) for each member of an object or element of an array. Counting them takes
+// less than comparing with the parser's end(), and so does not stepping behind the last.
+template <typename Visit>
+void forEachValue(const Json::Value& container, Visit visit) {
+    auto value = container.begin();
+    for (Json::ArrayIndex left = container.size(); left > 0; --left) {
+        visit(value);
+        if (left > 1) {
+            ++value;
+        }
+    }
+}
 
 void add(std::list<std::string>& names, std::string_view name) {
     names.emplace_back(name);
@@ -112,20 +125,20 @@ private:
     template <size_t kCount>
     void findMembers(std::string_view section, const Json::Value& object,
                      std::array<Member, kCount>* members) {
-        const auto limit = object.end();
-        for (auto entry = object.begin(); entry != limit; ++entry) {
+        forEachValue(object, [&](const auto& entry) {
             const std::string_view name = nameOf(entry);
+            const Json::Value& value = *entry;
             bool isKnown = false;
             for (Member& member : *members) {
                 if (member.isNamed(name)) {
-                    member.value = &*entry;
+                    member.value = &value;
                     isKnown = true;
                 }
             }
             if (!isKnown) {
-                report(FindingKind::UnknownMember, {.section = section, .name = name}, *entry);
+                report(FindingKind::UnknownMember, {.section = section, .name = name}, value);
             }
-        }
+        });
     }
 
     // The same for a section whose members have fixed names.
@@ -155,10 +168,9 @@ private:
         if (!isObjectSection(section)) {
             return;
         }
-        const auto limit = section.value->end();
-        for (auto member = section.value->begin(); member != limit; ++member) {
+        forEachValue(*section.value, [&](const auto& member) {
             visit(Place{.section = section.key, .name = nameOf(member)}, *member);
-        }
+        });
     }
 
     // Calls visit(place, value) for each element of an array. An object is walked over its member
@@ -177,10 +189,10 @@ private:
                 report(FindingKind::ListNotArray, place, list);
                 return;
         }
-        for (const Json::Value& element : list) {
+        forEachValue(list, [&](const auto& element) {
             ++place.index;
-            visit(place, element);
-        }
+            visit(place, *element);
+        });
     }
 
     // Adds the strings of an array to `names`, a list or a set.
@@ -200,11 +212,12 @@ private:
     template <typename Map, typename Convert>
     void readMap(const Member& section, Map* values, Convert convert, FindingKind ifNot) {
         forEachMember(section, [&](const Place& place, const Json::Value& value) {
-            const auto converted = take(convert(value), place, value);
-            if (converted) {
+            if (const auto converted = take(convert(value), place, value)) {
                 values->emplace_hint(values->end(), place.name, *converted);
+                report(FindingKind::Taken, place, value);
+            } else {
+                report(ifNot, place, value);
             }
-            report(converted ? FindingKind::Taken : ifNot, place, value);
         });
     }
 
@@ -347,8 +360,7 @@ bool parse(std::string_view text, Json::Value* root, FindingSink& findings) {
 const Json::Value* findVideo(const Json::Value& root, FindingSink& findings) {
     const Member video(targetSpecRoot);
     const Json::Value* found = nullptr;
-    const auto limit = root.end();
-    for (auto member = root.begin(); member != limit; ++member) {
+    forEachValue(root, [&](const auto& member) {
         if (video.isNamed(nameOf(member))) {
             found = &*member;
         } else if (findings.wants(Effect::Ignores)) {
@@ -356,7 +368,7 @@ const Json::Value* findVideo(const Json::Value& root, FindingSink& findings) {
             finding.place.name = nameOf(member);
             findings.report(finding);
         }
-    }
+    });
     if (found == nullptr && findings.wants(Effect::SkipsSilently)) {
         findings.report(findingAbout(FindingKind::NoVideo, root));
     }
