@@ -42,6 +42,7 @@ bool isUnseen(std::string_view character) {
             {std::string_view("\0", 1), "\x1F"},
             {"\x7F", "\x7F"},
             {"\xC2\x80", "\xC2\x9F"},
+            {"\xC2\xAD", "\xC2\xAD"},
             {"\xD8\x9C", "\xD8\x9C"},
             {"\xE2\x80\x8B", "\xE2\x80\x8F"},
             {"\xE2\x80\xA8", "\xE2\x80\xAE"},

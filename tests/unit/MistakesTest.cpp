@@ -73,6 +73,7 @@ constexpr Mistake kMistakes[] = {
         {R"("KC2PreProcessingFilters": [{"codec_name": "a", "lib_name": "b"}])",
          "filter-description@40"},
         {R"("Features": {"vendor\u202e_a": true})", "name-characters@25"},
+        {R"("Features": {"vendor\u3000a": true})", "name-characters@25"},
         // Values of settings.
         {R"("Features": {"private_enc_cvp_enable": 1})", "number-as-boolean@51"},
         {R"("Features": {"private_enc_cvp_enable": "true"})", "feature-not-boolean@51"},

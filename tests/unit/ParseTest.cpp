@@ -178,7 +178,7 @@ TEST_F(ParseTest, TheLogShowsANameSafely) {
     } rows[] = {
             {"\xC2\x80", "\\xC2\\x80"},
             {"\xC2\x9F", "\\xC2\\x9F"},
-            {"\xC2\xA0", "\xC2\xA0"},
+            {"\xC2\xA0\xC2\xAD", "\xC2\xA0\\xC2\\xAD"},
             {"\xC1\xBF", "\\xC1\\xBF"},
             {"\xC3\xBF\x7F", "\xC3\xBF\\x7F"},
             {"\xC3(", "\\xC3("},

@@ -13,6 +13,7 @@
 #include "Text.h"
 #include "check/DocumentNames.h"
 #include "check/Misspellings.h"
+#include "check/OddCharacters.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -214,26 +215,6 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-struct OddCharacters {
-    char32_t first;
-    char32_t last;
-    const char* what;
-};
-
-constexpr OddCharacters kOddCharacters[] = {
-        {0x00, 0x1F, "a control character"},
-        {0x7F, 0x9F, "a control character"},
-        {0x00A0, 0x00A0, "a no-break space"},
-        {0x00AD, 0x00AD, "an invisible character"},
-        {0x061C, 0x061C, "a character that changes the direction of the text"},
-        {0x200B, 0x200D, "an invisible character"},
-        {0x200E, 0x200F, "a character that changes the direction of the text"},
-        {0x202A, 0x202E, "a character that changes the direction of the text"},
-        {0x2060, 0x2064, "an invisible character"},
-        {0x2066, 0x2069, "a character that changes the direction of the text"},
-        {0xFEFF, 0xFEFF, "an invisible character"},
-};
-
 // What is odd in a name; empty when nothing is.
 std::string oddIn(std::string_view name) {
     const bool isPlain =
@@ -244,12 +225,12 @@ std::string oddIn(std::string_view name) {
             return "bytes that are not UTF-8";
         }
         const char32_t character = codePointOf(name.substr(at, length));
-        at += length;
-        for (const OddCharacters& row : kOddCharacters) {
-            if (character >= row.first && character <= row.last) {
-                return fmt::format("{} (U+{:04X})", row.what, static_cast<uint32_t>(character));
-            }
+        const OddCharacter* const odd = oddCharacter(character);
+        if (plainLength(name.substr(at)) == 0 || (odd != nullptr && odd->isBlank)) {
+            return fmt::format("{} (U+{:04X})", odd != nullptr ? odd->name : "a control character",
+                               static_cast<uint32_t>(character));
         }
+        at += length;
     }
     const bool hasBlank = !name.empty() && (isBlank(name.front()) || isBlank(name.back()));
     return hasBlank ? "a blank at its start or end" : "";

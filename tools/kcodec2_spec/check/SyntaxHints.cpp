@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "Text.h"
+#include "check/OddCharacters.h"
 #include "check/SyntaxWalk.h"
 
 namespace kc2::tool {
@@ -37,50 +38,6 @@ constexpr StartRow kStarts[] = {
          "this is a Git LFS pointer, not the document: fetch it with \"git lfs pull\""},
         {"<?xml"sv, "this is XML: a system spec document is JSON"},
         {"<!"sv, "this is XML: a system spec document is JSON"},
-};
-
-// --- Characters that look like those of JSON ---
-
-struct CharacterRow {
-    uint32_t first;
-    uint32_t last;
-    const char* name;
-    const char* remedy;
-};
-
-constexpr char kQuote[] = "write the plain quote \"";
-constexpr char kBlank[] = "write a plain blank";
-constexpr char kMinus[] = "write the plain minus sign -";
-
-constexpr CharacterRow kCharacters[] = {
-        {0x0085, 0x0085, "next-line character", "end the line plainly"},
-        {0x00A0, 0x00A0, "no-break space", kBlank},
-        {0x00AB, 0x00AB, "left angle quote", kQuote},
-        {0x00AD, 0x00AD, "soft hyphen", "remove it"},
-        {0x00B4, 0x00B4, "acute accent", kQuote},
-        {0x00BB, 0x00BB, "right angle quote", kQuote},
-        {0x061B, 0x061B, "Arabic semicolon", "write a plain ','"},
-        {0x060C, 0x060C, "Arabic comma", "write a plain ','"},
-        {0x2000, 0x200A, "typographic space", kBlank},
-        {0x200B, 0x200F, "invisible character", "remove it"},
-        {0x2010, 0x2015, "typographic dash", kMinus},
-        {0x2018, 0x2018, "left single smart quote", kQuote},
-        {0x2019, 0x2019, "right single smart quote", kQuote},
-        {0x201A, 0x201B, "single smart quote", kQuote},
-        {0x201C, 0x201C, "left smart quote", kQuote},
-        {0x201D, 0x201D, "right smart quote", kQuote},
-        {0x201E, 0x201F, "smart quote", kQuote},
-        {0x2026, 0x2026, "ellipsis", "write out what it stands for, or remove it"},
-        {0x2028, 0x2029, "Unicode line separator", "end the line plainly"},
-        {0x202A, 0x202E, "direction-changing character", "remove it"},
-        {0x202F, 0x202F, "narrow no-break space", kBlank},
-        {0x2032, 0x2033, "prime", kQuote},
-        {0x205F, 0x205F, "typographic space", kBlank},
-        {0x2060, 0x2069, "invisible character", "remove it"},
-        {0x2212, 0x2212, "mathematical minus sign", kMinus},
-        {0x3000, 0x3000, "full-width space", kBlank},
-        {0x3001, 0x3001, "ideographic comma", "write a plain ','"},
-        {0xFEFF, 0xFEFF, "byte order mark", "remove it"},
 };
 
 // --- Beginnings of tokens ---
@@ -272,11 +229,8 @@ MaybeHint lookAlike(const Context& context) {
         return atToken(context, std::string("a full-width '") + plain + "' (" + number +
                                         "): write the plain one");
     }
-    for (const CharacterRow& row : kCharacters) {
-        if (code >= row.first && code <= row.last) {
-            return atToken(context,
-                           std::string("a ") + row.name + " (" + number + "): " + row.remedy);
-        }
+    if (const OddCharacter* const odd = oddCharacter(code)) {
+        return atToken(context, std::string(odd->name) + " (" + number + "): " + odd->remedy);
     }
     return std::nullopt;
 }
