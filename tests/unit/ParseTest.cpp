@@ -58,6 +58,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "Features": {"on": true, "off": false, "one": 1, "zero": 0.0, "null": null, "Case": 2.5,
                          "twice": true, "twice": false},
             "Presets": {"leading": 0101, "cut": -3.9, "top": 2147483647, "low": -2147483648,
+                        "real top": 2147483647.0, "real low": -2147483648.0,
                         "true": true, "null": null, "whole": 7.0},
             "NimbraModeBitrateTable": [[0, 10, 100], [1, 2], [10, 20, -1], [1, 2, 3, 4],
                                        [2.9, true, null], 5, null, "abc"],
@@ -79,6 +80,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
             "feature Case 1\nfeature null 0\nfeature off 0\nfeature on 1\nfeature one 1\n"
             "feature twice 0\nfeature zero 0\n"
             "preset cut -3\npreset leading 101\npreset low -2147483648\npreset null 0\n"
+            "preset real low -2147483648\npreset real top 2147483647\n"
             "preset top 2147483647\npreset true 1\npreset whole 7\n"
             "perf edges 2147483648 0 0 0 1 2 3\nperf empty\nperf null\nperf object 1 2\nperf "
             "scalar\n"
