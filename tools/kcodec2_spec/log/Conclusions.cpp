@@ -88,9 +88,9 @@ void narrowByEvents(const LoadStory& story, Boundary* boundary) {
     size_t previous = kNone;
     for (size_t i = 0; i < events.size(); ++i) {
         const LogEvent& event = events[i];
-        if (event.id == LineId::FeaturesHeading) {
+        if (event.id == LineId::FeaturesHeading) {  // Between the steps, and of neither.
             boundary->notBefore(i);
-            boundary->notAfter(i);
+            boundary->notAfter(i + 1);
         }
         if (!isOfDocument(event)) {
             continue;
@@ -192,14 +192,6 @@ std::string quoted(const std::string& text) {
 
 std::string times(uint64_t count) {
     return count == 1 ? "once" : count == 2 ? "twice" : std::to_string(count) + " times";
-}
-
-std::string names(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : ", ") + word;
-    }
-    return text;
 }
 
 constexpr char kGetProperty[] = "adb shell getprop vendor.media.target_variant";
@@ -414,7 +406,7 @@ private:
             words.push_back(value.value.empty() ? value.name : value.name + "=" + value.value);
         }
         return std::string("\n") + title + " (" + std::to_string(values.size()) +
-               "): " + (words.empty() ? "none" : names(words));
+               "): " + (words.empty() ? "none" : joined(words, ", "));
     }
 
     void tellDump() {
@@ -508,7 +500,7 @@ private:
         for (const Platform::TamraBufferLayout::PlaneID plane : row.planes) {
             planes.emplace_back(Platform::planeName(plane));
         }
-        return names(planes);
+        return joined(planes, ", ");
     }
 
     void tellFormats() {
@@ -524,9 +516,9 @@ private:
             const auto& [format, plane] = asked;
             const Platform::FormatRow* const row = formatNamed(format);
             std::string text = "a component asked " + times(call.second) + " for plane " + plane +
-                               " of " + format + "; it got 0. ";
-            text += plane == "?" ? "\"?\" is a value above 5, which is not a plane. " : "";
-            text += row != nullptr ? "Buffers of " + std::string(row->name) +
+                               " of " + format + "; it got 0.";
+            text += plane == "?" ? " \"?\" is a value above 5, which is not a plane." : "";
+            text += row != nullptr ? " Buffers of " + std::string(row->name) +
                                              " have: " + planesOf(*row) + "."
                                    : "";
             add(Severity::Error, "plane", text,
@@ -549,8 +541,9 @@ private:
 
     void tellGaps() {
         if (mStory.strangeCount != 0) {
-            std::string text = std::to_string(mStory.strangeCount) +
-                               " lines under the library's tags are none that it writes:";
+            std::string text = "the library does not write " +
+                               counted(mStory.strangeCount, "line") +
+                               " that the log has under its tags:";
             std::vector<uint64_t> lines;
             for (const auto& [line, number] : mStory.strangeLines) {
                 text += "\n  " + line;
@@ -561,9 +554,9 @@ private:
         }
         if (mStory.cutLines != 0 || mStory.droppedLines != 0) {
             add(Severity::Note, "gaps",
-                std::to_string(mStory.cutLines) + " lines are cut and " +
-                        std::to_string(mStory.droppedLines) +
-                        " were dropped by the device: what is not in the log proves nothing here",
+                counted(mStory.cutLines, "cut line") + ", and " +
+                        counted(mStory.droppedLines, "line") +
+                        " that the device dropped: what is not in the log proves nothing here",
                 "Take the log again with a larger buffer: \"adb logcat -G 16M\".");
         }
         if (mStory.laterDumps != 0) {

@@ -52,10 +52,6 @@ std::optional<LogEvent> matchSkipped(std::string_view text, uint64_t lineNumber)
     return event;
 }
 
-bool isDumpEntry(LineId id) {
-    return id == LineId::Feature || id == LineId::Preset || id == LineId::Entry;
-}
-
 // Which row a text belongs to. Texts without placeholder come before those that might hold them,
 // and of two that match the longer one is meant ("... Exit!").
 const LogLine* rowOf(std::string_view tag, std::string_view text) {
@@ -436,7 +432,7 @@ void StoryCollector::takeOurs(const LogEntry& entry, uint64_t lineNumber, uint64
         const auto known = mProcesses.find(entry.process);
         const bool isInDump = known != mProcesses.end() && known->second.section != Section::None &&
                               known->second.section != Section::Later;
-        if (row == nullptr || (isDumpEntry(row->id) && !isInDump)) {
+        if (row == nullptr || (row->id == LineId::Entry && !isInDump)) {
             return;
         }
     }
@@ -489,7 +485,6 @@ void StoryCollector::takeChatty(const LogEntry& entry, uint64_t lineNumber) {
 }
 
 void StoryCollector::take(const LogEntry& entry, uint64_t lineNumber) {
-    ++mEntries;
     if (entry.tag == "chatty") {
         takeChatty(entry, lineNumber);
     } else if (entry.tag.empty() || isOurTag(entry.tag)) {

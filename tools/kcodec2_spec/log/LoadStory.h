@@ -80,7 +80,6 @@ struct LoadStory {
 
     uint64_t count(LineId id) const;
     bool hasLoad() const;  // Whether a line of a load is among them.
-    bool hasInfoLines() const { return !parsingPath.empty() || dump.isStarted; }
 
     // The path that the variant selected; empty when no line tells.
     std::string firstPath() const;
@@ -93,7 +92,6 @@ public:
 
     const std::vector<LoadStory>& stories() const { return mStories; }
     bool isTooLong() const { return mIsTooLong; }
-    uint64_t entries() const { return mEntries; }
 
 private:
     enum class Section { None, Features, Presets, Filters, Plugins, Codecs, Later };
@@ -128,7 +126,6 @@ private:
     std::vector<LoadStory> mStories;
     std::map<int, Process> mProcesses;
     size_t mKeptBytes = 0;
-    uint64_t mEntries = 0;
     bool mIsTooLong = false;
 };
 

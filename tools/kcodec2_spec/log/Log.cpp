@@ -55,7 +55,9 @@ std::string lineList(const std::vector<uint64_t>& lines) {
     for (size_t i = 0; i < std::min(lines.size(), kMost); ++i) {
         text += (i == 0 ? "" : ", ") + std::to_string(lines[i]);
     }
-    return lines.empty() ? "" : " [line " + text + (lines.size() > kMost ? ", ..." : "") + "]";
+    return lines.empty() ? ""
+                         : (lines.size() == 1 ? " [line " : " [lines ") + text +
+                                   (lines.size() > kMost ? ", ..." : "") + "]";
 }
 
 // `text` escaped, with its own line ends: what comes out of a log holds none.

@@ -359,7 +359,7 @@ private:
     void tellMissing(size_t dumped, size_t stored, const char* section) {
         if (mStory.dump.isWhole && dumped < stored && mStory.droppedLines == 0 &&
             !mStory.isTooLong) {
-            contradict("the dump shows " + std::to_string(dumped) + " entries of " + section +
+            contradict("the dump shows " + std::to_string(dumped) + " of " + section +
                                ", but the tree's system spec document has " +
                                std::to_string(stored) + kOtherDocument,
                        {});

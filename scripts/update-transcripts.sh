@@ -1,0 +1,13 @@
+#!/bin/sh
+# Writes the transcripts of tests/unit/transcripts/ anew, with the tool of a build: review what
+# changes. A new one starts as a file with its first line, "$ kcodec2_spec" and the arguments.
+# usage: scripts/update-transcripts.sh [BUILD-DIRECTORY]
+set -u
+cd "$(dirname "$0")/.." || exit 1
+tool=$(realpath "${1:-build/dev}")/kcodec2_spec
+cd tests/unit/transcripts || exit 1
+for file in *.txt; do
+    arguments=$(sed -n '1s/^\$ kcodec2_spec //p' "$file")
+    output=$(eval "$tool $arguments" 2>&1; echo "[exit code $?]")
+    printf '$ kcodec2_spec %s\n%s\n' "$arguments" "$output" > "$file"
+done
