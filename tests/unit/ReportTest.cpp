@@ -169,8 +169,9 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
     chmod(kept.c_str(), 0640);
     fs::create_symlink(kept, directory.path() + "/link.html");
     const std::string report = "report --rootdir examples/device --output ";
+    fs::create_symlink("later.html", directory.path() + "/dangling.html");
     const Result printed = run(report + "-");
-    for (const char* name : {"/link.html", "/new.html"}) {
+    for (const char* name : {"/link.html", "/new.html", "/dangling.html", "/later.html"}) {
         EXPECT_EQ(0, run(report + directory.path() + name).exitCode);
         EXPECT_EQ(printed.output, readFile(directory.path() + name));
     }
@@ -178,6 +179,7 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
     EXPECT_EQ(0, stat(kept.c_str(), &status));
     EXPECT_EQ(0640U, status.st_mode & 07777U);
     EXPECT_TRUE(fs::is_symlink(directory.path() + "/link.html"));
+    EXPECT_TRUE(fs::is_symlink(directory.path() + "/dangling.html"));
 
     const struct {
         std::string arguments;
@@ -198,7 +200,7 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
     }
     EXPECT_EQ(0, run("report --rootdir examples/device --output /dev/null").exitCode);
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_EQ(3, std::distance(fs::directory_iterator(directory.path()), {}));  // Nothing beside.
+    EXPECT_EQ(5, std::distance(fs::directory_iterator(directory.path()), {}));  // Nothing beside.
 }
 
 // A page that no browser opens helps nobody, so it is cut, and says so.

@@ -62,6 +62,8 @@ const std::vector<Row> kRows = {
         {"{\"a\"：1}", "1:5", "a full-width ':' (U+FF1A)"},
         {"{\"a\": 1，\"b\": 2}", "1:8", "a full-width ',' (U+FF0C)"},
         {"{\"a\": −1}", "1:7", "mathematical minus sign (U+2212)"},
+        {"{\"a\": [B4]}", "1:8", "B4"},
+        {"{\"a\": [BT, XL]}", "1:8", "BT"},
         {"{\"a\":\u200B 1}", "1:6", "an invisible character (U+200B)"},
         {"{\"a\": 1,\0}"s, "1:9", "a control character"},
         // What is not a document of UTF-8 JSON at all.

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "RunTool.h"
 
@@ -34,6 +36,7 @@ public:
         mkfifo((mScratch.path() + path).c_str(), 0644);
     }
     void forbid(const std::string& path) const { chmod((mScratch.path() + path).c_str(), 0750); }
+    std::string path() const { return mScratch.path(); }
     Result check(const std::string& options) const {
         return run("check --rootdir " + mScratch.path() + " " + options);
     }
@@ -105,13 +108,27 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
                 {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
                 {"_d", "(/vendor/etc/media_d does not exist)"},
                 {"_p",
-                 "/odm/etc/media_p/video_system_specs.json:1:1: error: the file opens, but cannot "
-                 "be read (it is a pipe"},
+                 "/odm/etc/media_p/video_system_specs.json:1:1: error: it is a pipe: a load waits"},
                 {"_" + std::string(300, 'e'), "(the path is too long)"}};
     for (const auto& row : rows) {
         const std::string output =
                 tree.check("--property vendor.media.target_variant=" + row.variant).output;
         EXPECT_NE(std::string::npos, output.find(row.reason)) << row.reason << "\n" << output;
+    }
+}
+
+// A load waits there; the tool must not.
+TEST(TreeCheckTest, NoCommandWaitsAtAPipe) {
+    const Tree tree;
+    tree.pipe("/vendor/etc/media/video_system_specs.json");
+    for (const auto& [command, answer] : std::vector<std::pair<std::string, const char*>>{
+                 {"check --rootdir ", "it is a pipe: a load waits here"},
+                 {"show --rootdir ", "(a pipe: a load waits here until"},
+                 {"explain private_complexity --rootdir ", "set by the built-in document 3"},
+                 {"diff --variant-b _orvelle ", "(a pipe: a load waits here until"},
+                 {"report --output - --rootdir ", "it is a pipe: a load waits here"}}) {
+        const std::string output = run(command + tree.path()).output;
+        EXPECT_NE(std::string::npos, output.find(answer)) << command << "\n" << output;
     }
 }
 

@@ -21,7 +21,7 @@ std::vector<std::string> choicesOf(const std::string& type) {
     return words.size() > 1 ? words : std::vector<std::string>();
 }
 
-// Lets the words of --help out: the library keeps the functions that make them from others.
+// Makes the words of --help, with functions that CLI::Formatter has for derived classes only.
 class HelpWords final : public CLI::Formatter {
 public:
     OptionText optionText(const CLI::Option& option) const {

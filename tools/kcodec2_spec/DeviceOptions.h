@@ -31,14 +31,14 @@ void addLogOption(CLI::App& command, DeviceOptions* options);
 void addVariantsOption(CLI::App& command, DeviceOptions* options);
 
 // Sets the device up, in place of one that an earlier call has set up. Call it before the library
-// is first used for that device. On a development machine nothing
-// is written to a tree that the tool is shown; on a device the library may seed the private file.
+// is first used for that device. On a development machine the library writes nothing to a tree that
+// the tool is shown; on a device it may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 
 // Sets the target variant of the device that the tool plays; on a device it is the device's own.
 void playVariant(const std::string& variant);
-// Whether it can be set.
-bool canPlayVariants();
+// Whether the tool plays devices, their files and variants; on a device it is that device alone.
+bool canPlayDevices();
 
 // Keeps what the library logs out of the tool's output, and lets it in again. On a device the log
 // is the device's own.

@@ -17,7 +17,7 @@ void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
 void playVariant(const std::string& /*variant*/) {}
 
-bool canPlayVariants() {
+bool canPlayDevices() {
     return false;
 }
 

@@ -164,7 +164,7 @@ void playVariant(const std::string& variant) {
     host::setProperty(kVariantProperty, variant);
 }
 
-bool canPlayVariants() {
+bool canPlayDevices() {
     return true;
 }
 

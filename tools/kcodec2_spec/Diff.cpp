@@ -76,13 +76,6 @@ private:
     int mDescriptor;
 };
 
-std::vector<SnapshotSection> loadedSections(const LoadSteps& steps) {
-    TargetSpec store;
-    steps.systemSpec(store);
-    steps.overlay(store);
-    return sectionsOf(store, steps);
-}
-
 Loaded loadTree(const Side& side) {
     DeviceOptions device = side.device;
     device.rootDirectory = side.path;
@@ -122,7 +115,16 @@ std::optional<Loaded> loadDocument(const Side& side) {
 }
 
 std::optional<Loaded> loadSide(const Side& side) {
-    return std::filesystem::is_directory(side.path) ? loadTree(side) : loadDocument(side);
+    if (!std::filesystem::is_directory(side.path)) {
+        return loadDocument(side);
+    }
+    if (!canPlayDevices()) {
+        std::fprintf(stderr,
+                     "kcodec2_spec: %s is a directory: on a device, diff compares documents only\n",
+                     escaped(side.path).c_str());
+        return std::nullopt;
+    }
+    return loadTree(side);
 }
 
 void printSide(const char* name, const Loaded& side, const Colours& colours) {

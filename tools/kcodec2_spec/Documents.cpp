@@ -75,8 +75,9 @@ std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
 
 Document openedSystemSpec(const std::string& firstPath) {
     if (std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
-        return unreadable("system spec", *std::move(path),
-                          "it is a pipe: a load waits until somebody writes into it");
+        Document document = unreadable("system spec", *std::move(path), "it is a pipe");
+        document.isPipe = true;
+        return document;
     }
     std::ifstream stream;
     const std::optional<std::string> path = openSystemSpec(stream);

@@ -31,6 +31,7 @@ struct Document {
     std::string parserText;           // The same, fit for the parser: comments are blanks.
     std::vector<TextRange> comments;  // Where they are.
     bool isReadable = true;           // The text was read to its end.
+    bool isPipe = false;              // Not read: a load waits there until somebody writes into it.
     std::string whyNotReadable;       // In words.
     bool isAccepted = false;
     SpecDocument content;  // Empty unless accepted.

@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -152,8 +151,8 @@ std::vector<const LogLine*> linesWith(std::string_view text) {
     return lines;
 }
 
-// The line that `text` ends with, behind time, process and tag; of several the one with the most
-// words in common. Null when there is none.
+// The line that `text` ends with, behind time, process and tag; of several the one with the longest
+// text. Null when there is none.
 const LogLine* lineAtEndOf(std::string_view text) {
     const LogLine* best = nullptr;
     for (const LogLine& line : logLines()) {
@@ -224,7 +223,7 @@ std::string shownOrigin(const Document& document) {
 
 // Where the store has `name` from; empty when it does not have it.
 std::string winnerOf(const Load& load, const std::string& name) {
-    for (const SnapshotSection& section : sectionsOf(*TargetSpec::Get(), deviceSteps(load))) {
+    for (const SnapshotSection& section : loadedSections(deviceSteps(load))) {
         for (const SnapshotEntry& entry : section.entries) {
             if (entry.name == name && section.form != SectionForm::List) {
                 return entry.origin;
@@ -281,10 +280,7 @@ std::vector<std::string> allNames(const Catalogue& catalogue) {
 
 // Case does not count in what somebody types.
 bool holds(const std::string& name, const std::string& part) {
-    const auto isSame = [](unsigned char a, unsigned char b) {
-        return std::tolower(a) == std::tolower(b);
-    };
-    return std::search(name.begin(), name.end(), part.begin(), part.end(), isSame) != name.end();
+    return inSmallLetters(name).find(inSmallLetters(part)) != std::string::npos;
 }
 
 int printUnknown(const Catalogue& catalogue, const std::string& wanted) {

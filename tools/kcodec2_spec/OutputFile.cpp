@@ -36,7 +36,7 @@ std::string errorText() {
 }
 
 std::string writeTo(const std::string& path, const std::string& text) {
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     if (descriptor < 0) {
         return errorText();
     }
@@ -56,8 +56,8 @@ mode_t usualMode() {
 std::string writeOutputFile(const std::string& path, const std::string& text) {
     struct stat status = {};
     const bool isThere = stat(path.c_str(), &status) == 0;
-    if (isThere && !S_ISREG(status.st_mode)) {
-        return writeTo(path, text);
+    if (isThere ? !S_ISREG(status.st_mode) : fs::is_symlink(path)) {
+        return writeTo(path, text);  // A link to no file yet, too: it stays a link.
     }
     std::error_code error;
     const fs::path real = isThere ? fs::canonical(path, error) : fs::path(path);

@@ -78,9 +78,11 @@ int show(bool asJson) {
     muteLog();
     const Load load = walkLoad();
     unmuteLog();
-    const TargetSpec& spec = *TargetSpec::Get();
+    const TargetSpec* const spec = load.systemSpec.isPipe ? nullptr : TargetSpec::Get();
     muteLog();
-    const std::vector<SnapshotSection> sections = sectionsOf(spec, deviceSteps(load));
+    const LoadSteps steps = deviceSteps(load);
+    const std::vector<SnapshotSection> sections =
+            spec != nullptr ? sectionsOf(*spec, steps) : loadedSections(steps);
     unmuteLog();
     (asJson ? printSectionsJson : printSections)(load, sections);
     return kExitOk;

@@ -230,13 +230,26 @@ private:
 }  // namespace
 
 LoadSteps deviceSteps(const Load& load) {
-    return {[](TargetSpec& store) { store.extractSpecData(); },
+    // The tool does not wait at a pipe, as a load does.
+    const bool isPipe = load.systemSpec.isPipe;
+    return {[isPipe](TargetSpec& store) {
+                if (!isPipe) {
+                    store.extractSpecData();
+                }
+            },
             [](TargetSpec& store) { store.extractPrivateData(); }, load.systemSpec.origin,
             load.overlay.origin};
 }
 
 std::vector<SnapshotSection> sectionsOf(const TargetSpec& whole, const LoadSteps& steps) {
     return Comparison(whole, steps).sections();
+}
+
+std::vector<SnapshotSection> loadedSections(const LoadSteps& steps) {
+    TargetSpec store;
+    steps.systemSpec(store);
+    steps.overlay(store);
+    return sectionsOf(store, steps);
 }
 
 std::string systemSpecStory(const Load& load) {
@@ -246,6 +259,9 @@ std::string systemSpecStory(const Load& load) {
     std::string story = load.systemSpec.path;
     if (load.systemSpec.path != load.firstPath) {
         story += " (fallback: " + load.firstPath + " does not open)";
+    }
+    if (load.systemSpec.isPipe) {
+        return story + " (a pipe: a load waits here until something is written into it)";
     }
     return load.systemSpec.isAccepted ? story : story + " (rejected)";
 }

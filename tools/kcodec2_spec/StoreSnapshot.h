@@ -49,6 +49,9 @@ LoadSteps deviceSteps(const Load& load);
 // so a step may log, and on a device it may seed the private file.
 std::vector<SnapshotSection> sectionsOf(const TargetSpec& whole, const LoadSteps& steps);
 
+// The same for a store that these steps load.
+std::vector<SnapshotSection> loadedSections(const LoadSteps& steps);
+
 // What a load found, in words: which documents, and why these.
 std::string systemSpecStory(const Load& load);
 std::string overlayStory(const Load& load);

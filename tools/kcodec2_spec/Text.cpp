@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
@@ -65,6 +64,19 @@ std::string_view withoutTrailing(std::string_view text, char c) {
     return text;
 }
 
+std::string digitsOf(std::string_view text) {
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isDigit);
+    return digits;
+}
+
+std::string inSmallLetters(std::string_view text) {
+    std::string small(text);
+    std::transform(text.begin(), text.end(), small.begin(),
+                   [](char c) { return inSmallLetters(c); });
+    return small;
+}
+
 std::string counted(size_t number, std::string_view what) {
     return std::to_string(number).append(" ").append(what).append(number == 1 ? "" : "s");
 }
@@ -85,8 +97,7 @@ std::string_view clipped(std::string_view text, size_t bytes) {
 size_t editDistance(std::string_view a, std::string_view b, size_t limit) {
     constexpr size_t kLongest = 100;  // The cost is the product of the lengths.
     const auto isSame = [](char left, char right) {
-        return std::tolower(static_cast<unsigned char>(left)) ==
-               std::tolower(static_cast<unsigned char>(right));
+        return inSmallLetters(left) == inSmallLetters(right);
     };
     if (std::max(a.size(), b.size()) > kLongest ||
         std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > limit) {

@@ -56,6 +56,14 @@ constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+std::string digitsOf(std::string_view text);
+
+// ASCII letters only.
+constexpr char inSmallLetters(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+std::string inSmallLetters(std::string_view text);
+
 // "1 place", "2 places".
 std::string counted(size_t number, std::string_view what);
 

@@ -24,8 +24,7 @@ constexpr char kDescription[] =
 constexpr char kExitCodes[] =
         "Exit codes: 0 fine; 1 check found errors (with --werror: or warnings), log told an error, "
         "diff found differences, or formats or explain knows no such name; 2 wrong usage, a FILE "
-        "that cannot be read, or output that cannot be "
-        "written.";
+        "that cannot be read or mended, or output that cannot be written.";
 
 int run(int argc, char** argv) {
     CLI::App app(kDescription, "kcodec2_spec");

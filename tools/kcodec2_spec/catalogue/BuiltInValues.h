@@ -31,7 +31,7 @@ std::vector<BuiltInValue> builtInValuesOf(const Setting& setting);
 // A value as a document writes it, on one line.
 std::string writtenValue(const Json::Value& value);
 
-// In one line for people: "brel, mirt: 1; other chips: none", or the one value of all chips.
+// In one line for people: "brel, mirt: 1; other chips: not set", or the one value of all chips.
 std::string builtInText(const Setting& setting);
 
 // What a bit mask or a list of values may hold, with the meaning of each; empty for other settings.

@@ -32,7 +32,7 @@ constexpr char kCheckFooter[] =
         "behind or above a place allows a finding there.\n"
         "\n"
         "Exit codes: 0 fine; 1 errors (with --werror: or warnings) found; 2 wrong usage, a FILE "
-        "that cannot be read, or output that cannot be written.";
+        "that cannot be read or mended, or output that cannot be written.";
 
 constexpr char kReporting[] = "The report";
 

@@ -275,7 +275,7 @@ constexpr CheckExample kExamples[] = {
         {"rate-falls", "Correct the rate, or leave it where it is meant to fall.",
          "{\"Video\": {\"NimbraModeBitrateTable\": [[0, 100, 50], [100, 200, 7]]}}",
          "{\"Video\": {\"NimbraModeBitrateTable\": [[0, 100, 50], [100, 200, 70]]}}"},
-        {"rate-zero", "Write the rate, or remove the row: both answer 0.",
+        {"rate-zero", "Write the rate, or remove the row where there is none.",
          "{\"Video\": {\"NimbraModeBitrateTable\": [[0, 100, 0]]}}",
          "{\"Video\": {\"NimbraModeBitrateTable\": [[0, 100, 5]]}}"},
         {"listed-twice", "List it once.",

@@ -1,4 +1,4 @@
-// A report for scripts and editors. docs/report-format.md describes it.
+// A report for scripts and editors. docs/tool.md describes it.
 
 #include <json/value.h>
 #include <json/writer.h>

@@ -84,9 +84,12 @@ void checkMissingSpec(const CheckedLoad& checked, const AddForSource& add) {
 void checkUnreadable(const CheckedLoad& checked, const AddForSource& add) {
     for (const auto& document : checked.documents) {
         if (!document->document.isReadable) {
-            add(document->source, "the file opens, but cannot be read (" +
-                                          document->document.whyNotReadable +
-                                          "): the device takes nothing of it");
+            add(document->source,
+                document->document.isPipe
+                        ? "it is a pipe: a load waits here until something is written into it"
+                        : "the file opens, but cannot be read (" +
+                                  document->document.whyNotReadable +
+                                  "): the device takes nothing of it");
         }
     }
 }
@@ -106,7 +109,7 @@ std::string lettersAndDigitsOf(std::string_view text) {
     std::string result;
     for (const char c : text) {
         if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
-            result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            result += inSmallLetters(c);
         }
     }
     return result;

@@ -202,12 +202,6 @@ std::vector<Fix> syntaxMends(std::string_view text) {
     return fixes;
 }
 
-std::string digitsOf(std::string_view text) {
-    std::string digits;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isDigit);
-    return digits;
-}
-
 }  // namespace
 
 std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view parserText) {

@@ -1,11 +1,11 @@
 // What the documents of a load come to when they are merged. One document alone is a merge of one.
 
-#include <list>
 #include <string>
 #include <unordered_map>
 
 #include "check/Emit.h"
 #include "kc2/TargetSpecKeys.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -18,15 +18,14 @@ Span spanOf(const KeptFinding& finding) {
 // --- Lists and names ---
 
 void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
-    const std::pair<const char*, std::list<std::string> SpecDocument::*> lists[] = {
-            {targetSpecCodecPlugins, &SpecDocument::codecPlugins},
-            {targetSpecPreProcessingFilters, &SpecDocument::preprocessingFilters},
-            {targetSpecSupportedEncPostProcessingFilters, &SpecDocument::encPostProcessingFilters},
-    };
-    for (const auto& [section, member] : lists) {
+    for (const Section& row : kSections) {
+        if (row.type != SectionType::Names) {
+            continue;
+        }
+        const char* const section = *row.key;
         std::unordered_map<std::string_view, RelatedPlace> places;
         for (const auto& document : documents) {
-            auto name = (document->document.content.*member).begin();
+            auto name = (document->document.content.*row.names).begin();
             for (const KeptFinding* const taken : document->takenIn(section)) {
                 const auto [first, isNew] =
                         places.emplace(*name, RelatedPlace{&document->source, spanOf(*taken), ""});

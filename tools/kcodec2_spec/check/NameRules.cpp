@@ -82,14 +82,6 @@ bool hasCapital(std::string_view name) {
     return std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
-std::string inSmallLetters(std::string_view name) {
-    std::string text(name);
-    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
-}
-
 // Names of one kind, in the order of the text; only those with a capital letter are remembered, and
 // then those that they may be taken for: most documents have few.
 class CaseTwins {

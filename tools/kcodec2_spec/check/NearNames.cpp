@@ -89,10 +89,6 @@ std::vector<std::string> split(std::string_view text, char separator) {
     return parts;
 }
 
-constexpr char inSmallLetters(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // Digits are the letters that they look like.
 constexpr char letterLike(char c) {
     return c == '0' ? 'o' : c == '1' || c == 'i' || c == '|' ? 'l' : c;
@@ -134,11 +130,6 @@ int letterMistakes(std::string_view a, std::string_view b) {
 }
 
 bool hasSameDigits(std::string_view a, std::string_view b) {
-    const auto digitsOf = [](std::string_view text) {
-        std::string digits;
-        std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isDigit);
-        return digits;
-    };
     return digitsOf(a) == digitsOf(b);
 }
 

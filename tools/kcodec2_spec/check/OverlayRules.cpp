@@ -42,8 +42,8 @@ void checkAddedCodecs(const CheckedLoad& checked, const Emit& emit) {
     section = section != nullptr ? section : spec.section(targetSpecOptionalCodecs);
     if (!added.empty() && section != nullptr) {
         emit(spec, section->name,
-             fmt::format("{} adds {} components that this document does not list: {}",
-                         load.overlay.origin, added.size(), listOf(added, added.size())));
+             fmt::format("{} adds {} that this document does not list: {}", load.overlay.origin,
+                         counted(added.size(), "component"), listOf(added, added.size())));
     }
 }
 
@@ -96,10 +96,12 @@ void tellLoss(const CheckedLoad& checked, const Emit& emit) {
     const std::set<std::string> components = lostComponents(load);
     std::string lost;
     if (!settings.empty()) {
-        lost = fmt::format("{} settings ({})", settings.size(), listOf(settings, kMostNames));
+        lost = fmt::format("{} ({})", counted(settings.size(), "setting"),
+                           listOf(settings, kMostNames));
     }
     if (!components.empty()) {
-        lost += fmt::format("{}{} components ({})", lost.empty() ? "" : " and ", components.size(),
+        lost += fmt::format("{}{} ({})", lost.empty() ? "" : " and ",
+                            counted(components.size(), "component"),
                             listOf(components, kMostNames));
     }
     if (!lost.empty()) {

@@ -125,8 +125,8 @@ void checkOddLengths(const UseCases& cases, const KnownSettings& /*known*/, cons
     for (const auto& [member, words] : cases.all) {
         if (words.size() % 2 != 0) {
             emit(cases.checked, member.value,
-                 fmt::format("{} holds {} words: a resource code lacks its value", member.key,
-                             words.size()));
+                 fmt::format("\"{}\" holds {}: a resource code lacks its value", member.key,
+                             counted(words.size(), "word")));
         }
     }
 }

@@ -123,8 +123,8 @@ struct ReaderRule {
     Message message;  // Null: syntaxError() has the words.
 };
 
-// A finding that is less than others of its kind.
-struct Exception {
+// A finding that has a check of its own, apart from others of its kind.
+struct SpecialCase {
     FindingKind kind;
     bool (*applies)(const KeptFinding& finding, const CheckedDocument& checked);
     Rule rule;
@@ -167,7 +167,7 @@ bool isNoArrayAtAll(const KeptFinding& finding, const CheckedDocument& checked) 
     return next != nullptr && isSkippedIn(finding, *next);
 }
 
-constexpr Exception kExceptions[] = {
+constexpr SpecialCase kSpecialCases[] = {
         {FindingKind::ObjectAsArray,
          isNoArrayAtAll,
          {"object-not-array", Severity::Error, "an object in place of an array of other values"},
@@ -392,8 +392,8 @@ const ReaderRule* ruleFor(FindingKind kind) {
     return found != std::end(kReaderRules) ? found : nullptr;
 }
 
-const Exception* exceptionFor(const KeptFinding& finding, const CheckedDocument& checked) {
-    for (const Exception& row : kExceptions) {
+const SpecialCase* specialCaseOf(const KeptFinding& finding, const CheckedDocument& checked) {
+    for (const SpecialCase& row : kSpecialCases) {
         if (row.kind == finding.kind && row.applies(finding, checked)) {
             return &row;
         }
@@ -436,12 +436,12 @@ void applyReaderRules(const CheckedDocument& checked, const KnownSettings& known
             addSyntaxError(finding, checked, row->rule, report);
             continue;
         }
-        const Exception* const exception = exceptionFor(finding, checked);
-        if (finding.kind == FindingKind::ObjectAsArray && exception != nullptr) {
+        const SpecialCase* const special = specialCaseOf(finding, checked);
+        if (finding.kind == FindingKind::ObjectAsArray && special != nullptr) {
             noArray = &finding;
         }
-        const Message message = exception != nullptr ? exception->message : row->message;
-        report->add(exception != nullptr ? exception->rule : row->rule, checked.source,
+        const Message message = special != nullptr ? special->message : row->message;
+        report->add(special != nullptr ? special->rule : row->rule, checked.source,
                     {finding.start, finding.limit}, message(About(finding, checked)),
                     {.related = {}, .fixes = mendsOf(finding, checked.document.parserText)});
     }
@@ -449,8 +449,8 @@ void applyReaderRules(const CheckedDocument& checked, const KnownSettings& known
 
 std::vector<const Rule*> readerRules() {
     std::vector<const Rule*> rules = rulesOf(kReaderRules);
-    const std::vector<const Rule*> exceptions = rulesOf(kExceptions);
-    rules.insert(rules.end(), exceptions.begin(), exceptions.end());
+    const std::vector<const Rule*> special = rulesOf(kSpecialCases);
+    rules.insert(rules.end(), special.begin(), special.end());
     return rules;
 }
 

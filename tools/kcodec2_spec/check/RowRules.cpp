@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Text.h"
 #include "check/Emit.h"
 #include "kc2/TargetSpecKeys.h"
 
@@ -171,8 +172,8 @@ void emitOnce(const std::vector<Neighbours>& found, std::string message, const E
     }
     const auto& [before, after] = found.front();
     if (found.size() > 1) {
-        message += fmt::format(". So at {} more {}, the next one at {}", found.size() - 1,
-                               found.size() == 2 ? "row" : "rows", found[1].after->place());
+        message += fmt::format(". The same at {}, the next one at {}",
+                               counted(found.size() - 1, "more row"), found[1].after->place());
     }
     emit(*after->document, after->span, std::move(message),
          RelatedPlace{&before->document->source, before->span, ""});
@@ -254,7 +255,8 @@ void checkOverlappingRows(const Table& table, const Emit& emit) {
 void checkCatchAlls(const Table& table, const Emit& emit) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.left == Left::Part && placed.isCatchAll()) {
-            emitBesideEarlier(placed, "the last row answers for every value that no row has", emit);
+            emitBesideEarlier(placed,
+                              "the last row answers for every value that no earlier row has", emit);
         }
     }
 }
@@ -263,7 +265,9 @@ void checkZeroRates(const Table& table, const Emit& emit) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.row.bitRate == 0 && !placed.matchesNothing()) {
             emit(*placed.document, placed.span,
-                 "the bit rate is 0, as if there were no row for these values");
+                 "the bit rate is 0, and a component takes that for a rate: without the row it is "
+                 "told that "
+                 "there is none");
         }
     }
 }

@@ -13,6 +13,7 @@
 #include "Text.h"
 #include "check/OddCharacters.h"
 #include "check/SyntaxWalk.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
@@ -221,7 +222,7 @@ MaybeHint lookAlike(const Context& context) {
         return std::nullopt;
     }
     const std::string_view token = context.token();
-    const uint32_t code = token.size() >= 2 && token.size() <= 4 ? codePointOf(token) : 0;
+    const uint32_t code = utf8Length(token) == token.size() ? codePointOf(token) : 0;
     char number[16];
     std::snprintf(number, sizeof(number), "U+%04X", code);
     if (code >= kFullWidthFirst && code <= kFullWidthLast) {
@@ -319,7 +320,7 @@ std::string numberHint(std::string_view number) {
     }
     const size_t end = std::min(magnitude.find_first_not_of("0123456789."), magnitude.size());
     if (end < magnitude.size() && consistsOf(magnitude.substr(end), std::isalpha) &&
-        std::tolower(static_cast<unsigned char>(magnitude[end])) != 'e') {
+        inSmallLetters(magnitude[end]) != 'e') {
         return "a number has no unit or suffix: write " + shown(number.substr(0, digits + end)) +
                ", or a string in double quotes";
     }
@@ -357,9 +358,8 @@ MaybeHint numberForm(const Context& context) {
 }
 
 std::optional<std::string> wordHint(std::string_view word) {
-    std::string small(word.substr(word.find_first_not_of("+-") == 1 ? 1 : 0));
-    std::transform(small.begin(), small.end(), small.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string small =
+            inSmallLetters(word.substr(word.find_first_not_of("+-") == 1 ? 1 : 0));
     for (const WordRow& row : kWords) {
         if (small == row.word) {
             return std::string(word) + " is not a value of JSON: " + row.remedy;

@@ -72,10 +72,9 @@ void visitFiles(const std::string& directory, int depth,
 }
 
 std::set<std::string> variantsInTree() {
-    constexpr int kDepth = 3;
     std::set<std::string> variants;
     for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        visitFiles(directory.substr(0, directory.rfind('/')), kDepth,
+        visitFiles(directory.substr(0, directory.rfind('/')), kTreeDepth,
                    [&](const std::string& path) { variants.insert(variantIn(path)); });
     }
     variants.erase("");  // Of what is not a variant's document.

@@ -7,12 +7,16 @@
 
 namespace kc2::tool {
 
+// "/odm/etc", then "media_x", then "sub": the deepest that documents are looked for. A tree may
+// have links that lead to directories above them.
+inline constexpr int kTreeDepth = 3;
+
 // Calls visit(path) for every file in a directory of the device and `depth` - 1 levels below it,
 // links followed as the device would, in the order of their names.
 void visitFiles(const std::string& directory, int depth,
                 const std::function<void(const std::string& path)>& visit);
 
-// Every variant that the tree has a document for.
+// Every variant that the tree has a document for, as deep as kTreeDepth.
 std::set<std::string> variantsInTree();
 
 // Why a path of the device does not open, in words: "it does not exist".

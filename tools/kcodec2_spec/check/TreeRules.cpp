@@ -50,11 +50,10 @@ bool isSelectable(const std::string& path) {
 }
 
 void checkUnselectable(const CheckedLoad& /*checked*/, const AddForFile& add) {
-    constexpr int kDepth = 3;
     const std::string_view wanted = std::string_view(kSystemSpecName).substr(1);
     for (const char* const directory :
          {"/odm/etc", "/vendor/etc", "/product/etc", "/system/etc", "/system_ext/etc"}) {
-        visitFiles(directory, kDepth, [&](const std::string& path) {
+        visitFiles(directory, kTreeDepth, [&](const std::string& path) {
             const std::string name = path.substr(path.rfind('/') + 1);
             if (name != wanted && isNear(name, wanted)) {
                 add(path, "nothing reads this file: a system spec document is called " +
@@ -105,10 +104,7 @@ bool isMisspelt(std::string_view word, std::string_view chip) {
     if (chip.size() > kShort) {
         return editDistance(word, chip, 1) <= 1;
     }
-    std::string letters;
-    for (const char c : word) {
-        letters += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
+    const std::string letters = inSmallLetters(word);
     return std::is_permutation(letters.begin(), letters.end(), chip.begin(), chip.end());
 }
 

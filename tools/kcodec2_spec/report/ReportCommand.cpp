@@ -47,7 +47,7 @@ struct ReportArguments {
 // Without a variant first: what the others differ from.
 std::vector<std::string> variantsToShow() {
     const std::string own = walkLoad().variant;
-    if (!canPlayVariants()) {
+    if (!canPlayDevices()) {
         return {own};
     }
     std::set<std::string> named = variantsInTree();
