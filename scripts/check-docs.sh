@@ -1,6 +1,7 @@
 #!/bin/sh
-# Builds the API reference of the exported headers; a warning is an error. Checks that the documents
-# under docs/ link only to files that exist: check-docs.sh [OUTPUT-DIRECTORY]
+# Builds the API reference of the exported headers; a warning is an error. Checks that the pages quote
+# the limits as they are, link only to files that exist, and are all in docs/README.md:
+# check-docs.sh [OUTPUT-DIRECTORY]
 #
 # The reference is left in OUTPUT-DIRECTORY/html when one is given. Needs doxygen. Takes a second.
 set -eu
@@ -26,12 +27,13 @@ for page in namespacekc2 namespacekc2_1_1Platform classkc2_1_1TargetSpec structk
     [ -f "$output/html/$page.html" ] || { echo "check-docs: no page $page" >&2; exit 1; }
 done
 
-echo "Limits, where a page quotes one"
+echo "Limits, where a page or an example quotes one"
 # limit NAME UNIT DIVISOR: every number before UNIT must be the constant, and some page must quote it.
 limit() {
     expression=$(sed -n "s/.* $1 = \(.*\);/\1/p" targetspec/reading/Limits.h | sed 's/size_t{\([0-9]*\)}/\1/')
     value=$((($expression) / $3))
-    quoted=$(grep -rhoE "[0-9][0-9,]* $2" README.md docs include --include=*.md --include=*.h |
+    quoted=$(grep -rhoE "[0-9][0-9,]* $2" README.md docs include tools/kcodec2_spec/check/Examples.cpp \
+        --include=*.md --include=*.h --include=*.cpp |
         tr -d , | sort -u)
     [ "$quoted" = "$value $2" ] || {
         echo "check-docs: $1 is $value $2, but the pages say: $quoted" >&2
@@ -44,7 +46,7 @@ limit kMaxValues values 1
 
 echo "Links between the documents"
 broken=0
-for document in docs/*.md README.md; do
+for document in docs/*.md ./*.md; do
     [ -f "$document" ] || continue
     # Relative targets, without the part behind "#".
     targets=$(grep -o '](\([^)#:]*\)[^):]*)' "$document" | sed 's/^](//; s/[#)].*//') || true

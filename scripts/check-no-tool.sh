@@ -9,6 +9,7 @@ fail() {
     exit 1
 }
 
+mkdir -p build
 for package in CLI11 fmt; do
     build=build/no-$package
     cmake --preset dev -B "$build" -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_$package=ON \

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what is missing, builds the library and the tool, and shows the store that a device would
-# load: first a bare device, then the example device tree; at last it writes a page about all of the
+# load: first a bare device, then the example device tree; finally it writes a page about all of the
 # example's variants. Needs root or sudo for the packages. What it prints can be repeated.
 set -eu
 cd "$(dirname "$0")/.."
