@@ -28,21 +28,29 @@ for page in namespacekc2 namespacekc2_1_1Platform classkc2_1_1TargetSpec structk
 done
 
 echo "Limits, where a page or an example quotes one"
-# limit NAME UNIT DIVISOR: every number before UNIT must be the constant, and some page must quote it.
+# limit SOURCE NAME UNIT DIVISOR PAGE...: every number before UNIT must be the constant, and some page
+# must quote it.
 limit() {
-    expression=$(sed -n "s/.* $1 = \(.*\);/\1/p" targetspec/reading/Limits.h | sed 's/size_t{\([0-9]*\)}/\1/')
-    value=$((($expression) / $3))
-    quoted=$(grep -rhoE "[0-9][0-9,]* $2" README.md docs include tools/kcodec2_spec/check/Examples.cpp \
-        --include=*.md --include=*.h --include=*.cpp |
+    source=$1 name=$2 unit=$3 divisor=$4
+    shift 4
+    expression=$(sed -n "s/.* $name = \(.*\);/\1/p" "$source" |
+        sed "s/size_t{\([0-9]*\)}/\1/; s/'//g")
+    value=$((($expression) / $divisor))
+    quoted=$(grep -rhoE "[0-9][0-9,]* $unit" "$@" --include=*.md --include=*.h --include=*.cpp |
         tr -d , | sort -u)
-    [ "$quoted" = "$value $2" ] || {
-        echo "check-docs: $1 is $value $2, but the pages say: $quoted" >&2
+    [ "$quoted" = "$value $unit" ] || {
+        echo "check-docs: $name is $value $unit, but the pages say: $quoted" >&2
         exit 1
     }
 }
-limit kMaxNesting levels 1
-limit kMaxTextBytes MiB 1048576
-limit kMaxValues values 1
+of_documents="README.md docs include tools/kcodec2_spec/check/Examples.cpp"
+limit targetspec/reading/Limits.h kMaxNesting levels 1 $of_documents
+limit targetspec/reading/Limits.h kMaxTextBytes MiB 1048576 $of_documents
+limit targetspec/reading/Limits.h kMaxValues values 1 $of_documents
+limit tools/kcodec2_spec/report/Page.cpp kMostCells cells 1 docs/tool.md
+limit tools/kcodec2_spec/report/Page.cpp kMostFindings "worst findings" 1 docs/tool.md
+limit tools/kcodec2_spec/report/Page.cpp kMostCharts charts 1 docs/tool.md
+limit tools/kcodec2_spec/report/StepChart.cpp kMostRows rows 1 docs/tool.md
 
 echo "Links between the documents"
 broken=0

@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <map>
+#include <regex>
+#include <sstream>
 #include <string>
 
 #include "Device.h"
+#include "RunTool.h"
 #include "StoreSnapshot.h"
 #include "targetspec/reading/Sections.h"
 
@@ -127,6 +131,81 @@ TEST(SnapshotTest, ShowsEverySection) {
                 document("\"" + std::string(*section.key) + "\": " + contentOf(section.type));
         EXPECT_NE(empty, shownOf(text, "{}")) << *section.key;
         EXPECT_NE(empty, shownOf("{}", text)) << *section.key;
+    }
+}
+
+struct Merge {
+    SectionType type;
+    const char* first;   // The section in one document,
+    const char* second;  // and in a later one.
+    const char* shown;
+    // What people are told of it.
+    const char* onThePage;
+    const char* explained;
+};
+
+constexpr Merge kMerges[] = {
+        {SectionType::Features, R"({"a": true})", R"({"a": false})", "a:on:1 ",
+         "keeps its first value", "keeps its value"},
+        {SectionType::Presets, R"({"a": 1})", R"({"a": 2})", "a:1:1 ", "keeps its first value",
+         "keeps its value"},
+        {SectionType::PerfResourceValues, R"({"a": ["1"]})", R"({"a": ["2"]})", "a:0x1:1 ",
+         "keeps its first value", "keeps its value"},
+        {SectionType::BitRateRows, "[[0, 1, 2]]", "[[0, 1, 2]]", "[0, 1):2:1 [0, 1):2:2 ",
+         "appends rows", "appends rows"},
+        {SectionType::Names, R"(["a"])", R"(["a"])", "a::1 a::2 ", "appends", "appends"},
+        {SectionType::DolbyVision, R"({"max_main_tier_level": 1, "max_high_tier_level": 1})",
+         R"({"max_main_tier_level": 2})", "max_main_tier_level:2:2 max_high_tier_level:0:2 ",
+         "replaces both", "replaces both levels"},
+        {SectionType::DolbyVision, R"({"profiles": [1]})", R"({"profiles": [1, 2]})", "1::1 2::2 ",
+         "adds to the set", "adds profiles"},
+        {SectionType::CodecLists, R"({"decoders": ["a"]})", R"({"encoders": ["a", "b"]})",
+         "a::1 b::2 ", "adds component names to one set", "make one set"},
+        {SectionType::CodecNames, R"(["a"])", R"(["a", "b"])", "a::1 b::2 ",
+         "adds component names to one set", "make one set"},
+};
+
+// Whoever changes a merge rule finds here which words are to follow.
+TEST(SnapshotTest, ThePagesSayHowEachSectionMerges) {
+    const std::string page = readFile(KC2_SOURCE_DIR "/docs/documents.md");
+    const size_t start = page.find("## What merges how");
+    const std::string table = page.substr(start, page.find("\n> ", start) - start);
+    for (const Section& section : kSections) {
+        const std::string key = *section.key;
+        const std::string explained = run("explain " + key).output;
+        int count = 0;
+        for (const Merge& merge : kMerges) {
+            if (merge.type != section.type) {
+                continue;
+            }
+            const auto inSection = [&](const char* content) {
+                return document("\"" + key + "\": " + content);
+            };
+            bool isShown = false;
+            for (const auto& [name, entries] :
+                 shownOf(inSection(merge.first), inSection(merge.second))) {
+                isShown |= entries == merge.shown;
+            }
+            EXPECT_TRUE(isShown) << key << " must show " << merge.shown;
+            bool isOnThePage = false;
+            std::istringstream rows(table);
+            for (std::string row; std::getline(rows, row);) {
+                isOnThePage |= row.find("`" + key + "`") != std::string::npos &&
+                               row.find(merge.onThePage) != std::string::npos;
+            }
+            EXPECT_TRUE(isOnThePage) << key << ": " << merge.onThePage;
+            EXPECT_NE(std::string::npos, explained.find(merge.explained)) << key << explained;
+            ++count;
+        }
+        EXPECT_LT(0, count) << key;
+    }
+    // Each chip is named where the page says which built-in document is whose.
+    const std::string numbers = run("defaults 99").output;  // "... 1 (brel, mirt), 2 (..."
+    const std::regex chip("[(,] ?([a-z]+)(?=[,)])");
+    const std::sregex_iterator first(numbers.begin(), numbers.end(), chip);
+    EXPECT_LT(2, std::distance(first, {}));
+    for (auto found = first; found != std::sregex_iterator(); ++found) {
+        EXPECT_NE(std::string::npos, page.find("`" + (*found)[1].str() + "`")) << (*found)[1];
     }
 }
 

@@ -75,10 +75,10 @@ bool isUsed(const std::string& mapping) {
     const size_t colon = mapping.find(':');
     const std::string prefix = std::string(withoutTrailing(mapping.substr(0, colon), '/'));
     const std::string directory = std::string(withoutTrailing(mapping.substr(colon + 1), '/'));
-    for (const std::string path :
-         {"/odm/etc", "/vendor/etc", "/vendor/bin", "/data/vendor/media"}) {
-        if (isPrefixOfPath(prefix, path) || isPrefixOfPath(path, prefix) ||
-            prefix.starts_with(kOdmSpecDirectory) || prefix.starts_with(kVendorSpecDirectory) ||
+    for (const std::string path : {kOdmSpecDirectory, kVendorSpecDirectory, kFallbackSystemSpec,
+                                   kPrivateConfig, kCodecTestTool}) {
+        if (isPrefixOfPath(prefix, path) || prefix.starts_with(kOdmSpecDirectory) ||
+            prefix.starts_with(kVendorSpecDirectory) ||
             isPrefixOfPath(directory, host::hostPath(path))) {
             return true;
         }

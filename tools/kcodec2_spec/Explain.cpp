@@ -19,6 +19,7 @@
 #include "Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/SectionTexts.h"
 #include "catalogue/SettingText.h"
 #include "catalogue/SettingsPage.h"
 #include "check/Examples.h"

@@ -15,6 +15,7 @@
 #include "Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/SectionTexts.h"
 #include "catalogue/SettingText.h"
 #include "targetspec/reading/Sections.h"
 

@@ -1,12 +1,10 @@
-// What the built-in documents set, chip by chip, and what each section is for.
+// What the built-in documents set, chip by chip.
 
 #include "catalogue/BuiltInValues.h"
 
 #include <json/writer.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <iterator>
 #include <utility>
 
 #include "Documents.h"
@@ -61,89 +59,6 @@ Json::Value wordsIn(const SpecDocument& document, const std::string& name) {
     return words;
 }
 
-std::string meaningOfBits(const std::vector<CatalogueValue>& bits, size_t chosen) {
-    std::string meaning;
-    for (size_t i = 0; i < bits.size(); ++i) {
-        if ((chosen >> i & 1) != 0) {
-            meaning += (meaning.empty() ? "" : ", ") + bits[i].meaning;
-        }
-    }
-    return meaning.empty() ? "none of them" : meaning;
-}
-
-bool isEachNeededBitThere(const std::vector<CatalogueValue>& bits, size_t chosen, int64_t mask) {
-    for (size_t i = 0; i < bits.size(); ++i) {
-        if ((chosen >> i & 1) != 0 &&
-            (mask & bits[i].neededBit.value_or(0)) != bits[i].neededBit.value_or(0)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// Every mask that the bits make; more than four bits would make too many.
-std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
-    constexpr size_t kMostBits = 4;
-    std::vector<CatalogueValue> masks;
-    for (size_t chosen = 0; bits.size() <= kMostBits && chosen < size_t{1} << bits.size();
-         ++chosen) {
-        CatalogueValue mask;
-        for (size_t i = 0; i < bits.size(); ++i) {
-            mask.value |= (chosen >> i & 1) != 0 ? bits[i].value : 0;
-        }
-        mask.meaning = meaningOfBits(bits, chosen);
-        if (isEachNeededBitThere(bits, chosen, mask.value)) {
-            masks.push_back(std::move(mask));
-        }
-    }
-    return masks;
-}
-
-struct SectionText {
-    const char* const* key;
-    const char* text;
-};
-
-constexpr SectionText kSectionTexts[] = {
-        {&targetSpecRoot, "Holds every section of the document."},
-        {&targetSpecFeatures,
-         "Switches: each name is true or false. A name that an earlier document sets keeps its "
-         "value."},
-        {&targetSpecPresets,
-         "Numbers: each name is a 32-bit integer. A name that an earlier document sets keeps its "
-         "value."},
-        {&targetSpecNimbraModeBitRate,
-         "Rows [low, high, bit rate]. A row answers for the values from low up to, but not "
-         "including, high; the first row that holds a value answers. A later document appends "
-         "rows."},
-        {&targetSpecDV,
-         "Dolby Vision profiles and the highest levels of the main and the high tier. A later "
-         "document adds profiles and replaces both levels; a level that it leaves out becomes 0."},
-        {&targetSpecDVProfiles, "Numbers of the Dolby Vision profiles."},
-        {&targetSpecDVMaxMainTierLevel,
-         "Highest level of the main tier. 0 where a document with \"DolbyVision\" leaves it out."},
-        {&targetSpecDVMaxHighTierLevel,
-         "Highest level of the high tier. 0 where a document with \"DolbyVision\" leaves it out."},
-        {&targetSpecCodecPlugins,
-         "Names of codec plug-ins, in order. A later document appends, duplicates too."},
-        {&targetSpecPreProcessingFilters,
-         "Entries of encoder pre-processing filters, in order. A later document appends, "
-         "duplicates too."},
-        {&targetSpecSupportedEncPostProcessingFilters,
-         "Names of encoder post-processing filters, in order. A later document appends, "
-         "duplicates too."},
-        {&targetSpecPerfResourceValues,
-         "CPU performance-lock words by use case: hexadecimal strings in pairs, a resource code, "
-         "then its value. A name that an earlier document sets keeps its words."},
-        {&targetSpecSupportedCodecs,
-         "Components that are enabled. All documents together make one set; when it is empty, "
-         "every component is enabled."},
-        {&targetSpecAvailableDecoders, "Names of decoder components."},
-        {&targetSpecAvailableEncoders, "Names of encoder components."},
-        {&targetSpecOptionalCodecs,
-         "Further components that are enabled, in the same set as those of \"codecs-available\"."},
-};
-
 }  // namespace
 
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
@@ -189,17 +104,6 @@ std::string builtInText(const Setting& setting) {
         text += (text.empty() ? "" : "; ") + one.chips + ": " + writtenValue(one.value);
     }
     return text;
-}
-
-std::vector<CatalogueValue> choicesOf(const Setting& setting) {
-    return setting.bits.empty() ? setting.values : masksOf(setting.bits);
-}
-
-std::string meaningOfSection(const std::string& key) {
-    const auto row = std::find_if(
-            std::begin(kSectionTexts), std::end(kSectionTexts),
-            [&](const SectionText& one) { return *one.key != nullptr && key == *one.key; });
-    return row != std::end(kSectionTexts) ? row->text : "";
 }
 
 }  // namespace kc2::tool

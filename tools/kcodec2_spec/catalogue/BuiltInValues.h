@@ -1,4 +1,4 @@
-// What the built-in documents set, chip by chip, and what each section is for.
+// What the built-in documents set, chip by chip.
 #pragma once
 
 #include <json/value.h>
@@ -33,12 +33,5 @@ std::string writtenValue(const Json::Value& value);
 
 // In one line for people: "brel, mirt: 1; other chips: not set", or the one value of all chips.
 std::string builtInText(const Setting& setting);
-
-// What a bit mask or a list of values may hold, with the meaning of each; empty for other settings.
-std::vector<CatalogueValue> choicesOf(const Setting& setting);
-
-// What the section of this key holds, and what becomes of it in the merge; empty when there is
-// none.
-std::string meaningOfSection(const std::string& key);
 
 }  // namespace kc2::tool

@@ -4,9 +4,55 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
 #include "Text.h"
 
 namespace kc2::tool {
+
+namespace {
+
+std::string meaningOfBits(const std::vector<CatalogueValue>& bits, size_t chosen) {
+    std::string meaning;
+    for (size_t i = 0; i < bits.size(); ++i) {
+        if ((chosen >> i & 1) != 0) {
+            meaning += (meaning.empty() ? "" : ", ") + bits[i].meaning;
+        }
+    }
+    return meaning.empty() ? "none of them" : meaning;
+}
+
+bool isEachNeededBitThere(const std::vector<CatalogueValue>& bits, size_t chosen, int64_t mask) {
+    for (size_t i = 0; i < bits.size(); ++i) {
+        if ((chosen >> i & 1) != 0 &&
+            (mask & bits[i].neededBit.value_or(0)) != bits[i].neededBit.value_or(0)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Every mask that the bits make; more than four bits would make too many.
+std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
+    constexpr size_t kMostBits = 4;
+    std::vector<CatalogueValue> masks;
+    for (size_t chosen = 0; bits.size() <= kMostBits && chosen < size_t{1} << bits.size();
+         ++chosen) {
+        CatalogueValue mask;
+        for (size_t i = 0; i < bits.size(); ++i) {
+            mask.value |= (chosen >> i & 1) != 0 ? bits[i].value : 0;
+        }
+        mask.meaning = meaningOfBits(bits, chosen);
+        if (isEachNeededBitThere(bits, chosen, mask.value)) {
+            masks.push_back(std::move(mask));
+        }
+    }
+    return masks;
+}
+
+}  // namespace
 
 std::string rangeOf(const Setting& setting) {
     if (setting.minimum && setting.maximum) {
@@ -25,6 +71,10 @@ std::string meaningOf(const CatalogueValue& value) {
 
 std::string chipsOf(const std::vector<std::string>& chips) {
     return chips.empty() ? "all" : joined(chips, ", ");
+}
+
+std::vector<CatalogueValue> choicesOf(const Setting& setting) {
+    return setting.bits.empty() ? setting.values : masksOf(setting.bits);
 }
 
 }  // namespace kc2::tool

@@ -17,4 +17,7 @@ std::string meaningOf(const CatalogueValue& value);
 // "brel, mirt", or "all".
 std::string chipsOf(const std::vector<std::string>& chips);
 
+// What a bit mask or a list of values may hold, with the meaning of each; empty for other settings.
+std::vector<CatalogueValue> choicesOf(const Setting& setting);
+
 }  // namespace kc2::tool
