@@ -4,6 +4,7 @@
 #include <json/value.h>
 
 #include <map>
+#include <regex>
 #include <string>
 
 #include "RunTool.h"
@@ -222,14 +223,23 @@ TEST(MistakesTest, EachIsReportedOnceAtItsPlace) {
     }
     const Json::Value report = parsed(run(command).output);
     std::map<std::string, std::string> found;
+    std::map<std::string, std::string> messages;
     for (const Json::Value& finding : report["findings"]) {
         std::string& ofDocument = found[finding["path"].asString()];
         ofDocument += (ofDocument.empty() ? "" : " ") + finding["id"].asString() + "@" +
                       finding["column"].asString();
+        messages[finding["path"].asString()] += "    " + finding["message"].asString() + "\n";
     }
+    std::map<const Mistake*, std::string> inOrder;
     for (const auto& [path, mistake] : mistakes) {
         EXPECT_EQ(mistake->found, found[path]) << mistake->text;
+        inOrder[mistake] = mistake->text + ("\n" + messages[path]);
     }
+    std::string text;
+    for (const auto& [mistake, lines] : inOrder) {
+        text += lines;
+    }
+    expectFile("mistakes.txt", std::regex_replace(text, std::regex(scratch.path() + "/\\d+"), "N"));
 }
 
 }  // namespace

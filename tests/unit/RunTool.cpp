@@ -82,6 +82,15 @@ std::string readFile(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+void expectFile(const std::string& name, const std::string& text) {
+    const std::filesystem::path path = KC2_SOURCE_DIR "/tests/unit/check/expected/" + name;
+    const std::filesystem::path kept = std::filesystem::temp_directory_path() / name;
+    if (readFile(path) != text) {
+        std::ofstream(kept) << text;
+    }
+    EXPECT_EQ(readFile(path), text) << "the new text is in " << kept;
+}
+
 ScratchDirectory::ScratchDirectory() : mPath(::testing::TempDir() + "kcodec2-tool-XXXXXX") {
     EXPECT_NE(nullptr, mkdtemp(mPath.data()));
 }

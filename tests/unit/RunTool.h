@@ -40,6 +40,10 @@ Json::Value parsed(const std::string& text);
 
 std::string readFile(const std::filesystem::path& path);
 
+// Compares `text` with tests/unit/check/expected/`name`; where they differ, the failure names a
+// file with `text`, for whoever wants it to be the new one.
+void expectFile(const std::string& name, const std::string& text);
+
 // A directory that is removed again.
 class ScratchDirectory {
 public:

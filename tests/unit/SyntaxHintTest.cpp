@@ -107,6 +107,7 @@ TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
     }
     const Json::Value report = parsed(run(command).output);
     std::vector<int> findings(kRows.size());
+    std::vector<std::string> messages(kRows.size());
     for (const Json::Value& finding : report["findings"]) {
         const std::string path = finding["path"].asString();
         const size_t i = std::stoul(path.substr(path.rfind('/') + 1));
@@ -115,11 +116,15 @@ TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
         EXPECT_EQ("syntax", finding["id"].asString()) << row.text;
         EXPECT_EQ(row.position, finding["line"].asString() + ":" + finding["column"].asString())
                 << row.text;
-        EXPECT_NE(std::string::npos, finding["message"].asString().find(row.hint))
-                << row.text << "\n"
-                << finding["message"].asString();
+        messages[i] = finding["message"].asString();
+        EXPECT_NE(std::string::npos, messages[i].find(row.hint)) << row.text << "\n" << messages[i];
     }
     EXPECT_EQ(std::vector<int>(kRows.size(), 1), findings);  // One mistake, one finding.
+    std::string text;
+    for (size_t i = 0; i < kRows.size(); ++i) {
+        text += kRows[i].text + "\n    " + messages[i] + "\n";
+    }
+    expectFile("syntax-hints.txt", text);
 }
 
 // A parser of this machine takes these; the next one may not.
