@@ -28,7 +28,7 @@ bool takesDirectory(const OptionText& option) {
 
 // An argument without a name is a file unless --help says what else it is.
 bool takesFile(const OptionText& option) {
-    constexpr std::string_view kFiles[] = {"FILE", "A", "B"};
+    constexpr std::string_view kFiles[] = {"FILE", "FILE.html", "A", "B"};
     return std::find(std::begin(kFiles), std::end(kFiles), option.value) != std::end(kFiles);
 }
 
