@@ -89,9 +89,10 @@ void printConclusions(const Told& told) {
         heading += ", " + story.firstTime;
     }
     heading += story.hasLoad() ? ": one load of the store" : ": no load, but calls";
-    std::printf("%s (lines %llu to %llu)\n", escaped(heading).c_str(),
-                static_cast<unsigned long long>(story.firstLine),
-                static_cast<unsigned long long>(story.lastLine));
+    const std::string first = std::to_string(story.firstLine);
+    const std::string last = std::to_string(story.lastLine);
+    std::printf("%s (%s)\n", escaped(heading).c_str(),
+                (first == last ? "line " + first : "lines " + first + " to " + last).c_str());
     for (const Conclusion& conclusion : told.conclusions) {
         const std::string text = std::string(nameOf(conclusion.severity)) + ": " + conclusion.text;
         const size_t end = text.find('\n');
