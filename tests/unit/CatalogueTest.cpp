@@ -155,6 +155,77 @@ TEST(CatalogueTest, AVendorsFileAddsNamesAndMustNotContradict) {
             "tests/unit/catalogue");
 }
 
+// A vendor's file with one mistake: in a setting, whose other members are right, or in the whole.
+struct VendorMistake {
+    const char* members;
+    const char* position;
+    const char* message;
+    bool isWhole = false;
+};
+
+constexpr VendorMistake kVendorMistakes[] = {
+        {R"("type": "integer", "meaning": "m")", "1:15", "\"section\" must be a text"},
+        {R"("section": "Presents", "type": "integer", "meaning": "m")", "1:40",
+         R"("section" must be one of "Features", "Presets", "perf-resource-values")"},
+        {R"("section": "Presets", "type": "int", "meaning": "m")", "1:59",
+         R"("type" must be one of "boolean", "integer", "words")"},
+        {R"("section": "Presets", "type": "boolean", "meaning": "m")", "1:59",
+         R"(the type in "Presets" must be "integer")"},
+        {R"("section": "Features", "type": "boolean")", "1:15",
+         "\"meaning\" must be a text that is not empty"},
+        {R"("section": "Features", "type": "boolean", "meaning": "")", "1:82",
+         "\"meaning\" must be a text that is not empty"},
+        {R"("section": "Features", "type": "boolean", "meaning": "m", "unit": 5)", "1:95",
+         "\"unit\" must be a text that is not empty"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "minimum": 1.5)", "1:97",
+         "\"minimum\" must be a whole number"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "only-values": 1)", "1:101",
+         "\"only-values\" must be true or false"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "values": 1)", "1:96",
+         "\"values\" must be a list"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "values": [1])", "1:97",
+         "this must be an object"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "values": [{"meaning": "m"}])",
+         "1:97", "\"value\" is missing"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "chips": [1])", "1:96",
+         "a chip must be a text"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "minimum": 5, "maximum": 4)",
+         "1:97", "\"minimum\" is above \"maximum\""},
+        {"[]", "1:1", "this must be an object", true},
+        {R"({"setings": []})", "1:13", "the catalogue has no member \"setings\" here", true},
+        {R"({"settings": {}})", "1:14", "\"settings\" must be a list", true},
+        {R"({"codec-components": [{"name": "c2.x", "list": "decoder"}]})", "1:48",
+         R"("list" must be one of "decoders", "encoders")", true},
+        {R"({"codec-components": [{"list": "decoders"}]})", "1:23", "\"name\" must be a text",
+         true},
+        {R"({"perf-resource-codes": [{"code": "0x1FFFFFFFF", "meaning": "m"}]})", "1:26",
+         R"("code" must be a 32-bit word such as "0x40800000")", true},
+        {R"({"perf-resource-codes": [{"code": "0x40C00000", "meaning": "m"}]})", "1:26",
+         "0x40C00000 is defined already, at built-in settings:", true},
+        {R"({"settings": [] "codec-components": []})", "1:17", "Missing ',' or '}' in object",
+         true},
+};
+
+TEST(CatalogueTest, EachMistakeOfAVendorIsToldAtItsPlace) {
+    const ScratchDirectory scratch;
+    for (const VendorMistake& mistake : kVendorMistakes) {
+        const std::string file = scratch.write(
+                "v.json", mistake.isWhole ? mistake.members
+                                          : std::string("{\"settings\": [{\"name\": \"n\", ") +
+                                                    mistake.members + "}]}");
+        const Result result = run("explain n --settings " + file);
+        EXPECT_EQ(2, result.exitCode) << mistake.members;
+        EXPECT_NE(std::string::npos, result.output.find(std::string("v.json:") + mistake.position +
+                                                        ": " + mistake.message))
+                << mistake.members << "\n"
+                << result.output;
+    }
+    const std::string equal =
+            scratch.write("v.json", R"({"settings": [{"name": "n", "section": "Presets",
+                "type": "integer", "meaning": "m", "minimum": 4, "maximum": 4}]})");
+    EXPECT_NE(std::string::npos, run("explain n --settings " + equal).output.find("4 to 4"));
+}
+
 }  // namespace
 
 }  // namespace kc2::test

@@ -49,13 +49,12 @@ public:
         return number;
     }
 
-    char takePriority() {
+    bool takePriority() {
         if (mRest.empty() || kPriorities.find(mRest.front()) == std::string_view::npos) {
-            return '\0';
+            return false;
         }
-        const char priority = mRest.front();
         mRest.remove_prefix(1);
-        return priority;
+        return true;
     }
 
 private:
@@ -137,8 +136,7 @@ bool takeColon(Scanner* scanner) {
 // brief and time: "E/Tag     (  123): text"; tag: "E/Tag     : text".
 std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
     LogEntry entry = {.time = time};
-    entry.priority = scanner.takePriority();
-    if (entry.priority == '\0' || !scanner.take('/')) {
+    if (!scanner.takePriority() || !scanner.take('/')) {
         return std::nullopt;
     }
     entry.tag = withoutTrailing(scanner.takeUntil("(:"), ' ');
@@ -155,8 +153,7 @@ std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
 // process and thread: "E(  123) text  (Tag)", "E(  123:  124) text".
 std::optional<LogEntry> parseProcess(Scanner scanner) {
     LogEntry entry;
-    entry.priority = scanner.takePriority();
-    if (entry.priority == '\0' || !scanner.take('(')) {
+    if (!scanner.takePriority() || !scanner.take('(')) {
         return std::nullopt;
     }
     scanner.skipBlanks();
@@ -201,8 +198,7 @@ std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) 
     LogEntry entry = {.time = time};
     const std::optional<int> process = Scanner(words[count - 2]).takeNumber();
     scanner.skipBlanks();
-    entry.priority = scanner.takePriority();
-    if (!process || !isDigits(words[count - 1]) || entry.priority == '\0' || !scanner.take(' ')) {
+    if (!process || !isDigits(words[count - 1]) || !scanner.takePriority() || !scanner.take(' ')) {
         return std::nullopt;
     }
     entry.process = *process;
@@ -277,7 +273,6 @@ bool LogcatParser::takeLongHead(std::string_view line) {
     Scanner process(ids.substr(start, colon - start));
     process.skipBlanks();
     mLongProcess = process.takeNumber().value_or(-1);
-    mLongPriority = scanner.rest()[slash - 1];
     mLongTag = withoutTrailing(scanner.rest().substr(slash + 1), ' ');
     mLongTime = time;
     return true;
@@ -294,7 +289,7 @@ std::optional<LogEntry> LogcatParser::parse(std::string_view line) {
         return std::nullopt;
     }
     if (mIsInLong) {
-        return LogEntry{mLongTime, mLongProcess, mLongPriority, mLongTag, line};
+        return LogEntry{mLongTime, mLongProcess, mLongTag, line};
     }
     Scanner scanner(line);
     const std::string_view time = takeTime(&scanner);

@@ -35,7 +35,6 @@ private:
 struct LogEntry {
     std::string_view time = {};  // As the log has it; empty when the format has none.
     int process = -1;            // -1 when the format has none.
-    char priority = '\0';        // 0 when the format has none.
     std::string_view tag = {};   // Empty when the format has none.
     std::string_view text = {};
 };
@@ -53,7 +52,6 @@ private:
     std::string mLongTime;
     std::string mLongTag;
     int mLongProcess = -1;
-    char mLongPriority = '\0';
 };
 
 }  // namespace kc2::tool
