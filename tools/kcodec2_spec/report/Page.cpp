@@ -59,7 +59,9 @@ public:
         writeFindings();
         add("</main>\n<footer>Written by kcodec2_spec {}.</footer>\n<script>{}</script>\n</body>\n"
             "</html>\n",
-            KC2_VERSION, kPageScript);
+            // The policy has the hash of the file, which an embedded text puts a newline in front
+            // of.
+            KC2_VERSION, std::string_view(kPageScript).substr(1));
         return std::move(mPage);
     }
 
