@@ -133,6 +133,15 @@ Attribution attribute(const LoadStory& story) {
     return attribution;
 }
 
+namespace {
+
+bool isOfBuiltIn(const LogEvent& event) {
+    return event.id == LineId::BuiltInRejected ||
+           event.document.find("built-in") != std::string::npos;
+}
+
+}  // namespace
+
 std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
                                             const Attribution& attribution) {
     static constexpr char kBuiltIn[] = "the built-in document is merged";
@@ -161,8 +170,7 @@ std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
         if (event.id == LineId::StreamRejected) {
             isRejectedForSure |= isOverlay;
             isRejectedPerhaps |= attribution.of[i] == Which::Either;
-        } else if (event.id == LineId::BuiltInRejected ||
-                   event.document.find("built-in") != std::string::npos) {
+        } else if (isOfBuiltIn(event)) {
             isBuiltInForSure = true;
         } else if (isOfDocument(event) && isOverlay) {
             isPrivateForSure = true;  // The built-in documents have nothing to skip, and no filter.
@@ -195,6 +203,7 @@ std::string times(uint64_t count) {
 }
 
 constexpr char kGetProperty[] = "adb shell getprop vendor.media.target_variant";
+constexpr char kDamaged[] = "The library is damaged: install it again.";
 constexpr char kInfoLines[] =
         "Turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel; 0x4 and 0x8 add the "
         "debug lines) and start the process again.";
@@ -275,24 +284,24 @@ private:
         const std::string& failed =
                 mStory.failedPath.empty() ? mStory.parsingPath : mStory.failedPath;
         const std::string where = failed.empty() ? "the variant's document" : failed;
+        const std::string advice =
+                "Run " + (failed.empty() ? "" : "\"adb shell ls -lZ " + failed + "\" and ") +
+                quoted(kGetProperty) +
+                ": install the document there, or correct the variant, which follows \"media\" "
+                "without a \"/\" between.";
         if (mStory.nothingOpenedLine != 0) {
             add(Severity::Error, "system-spec",
                 "there is no system spec document: neither " + where + " nor " +
                         mStory.fallbackPath +
                         " opens. \"Exit!\" ends nothing: the load goes on, and only the second "
                         "document fills the store.",
-                "Run \"adb shell ls -lZ " + where + "\" and \"" + kGetProperty +
-                        "\": install the document there, or correct the variant, which follows "
-                        "\"media\" without a \"/\" between.",
+                advice,
                 linesThatAre({mStory.failedLine, mStory.fallbackLine, mStory.nothingOpenedLine}));
         } else if (mStory.fallbackLine != 0 || mStory.failedLine != 0) {
             add(Severity::Warning, "system-spec",
                 where + " does not open, so the fallback " + kFallbackSystemSpec +
                         " is read; no line says that it does not open",
-                "Run \"adb shell ls -lZ " + where + "\" and \"" + kGetProperty +
-                        "\": install the document there, or correct the variant, which follows "
-                        "\"media\" without a \"/\" between.",
-                linesThatAre({mStory.failedLine, mStory.fallbackLine}));
+                advice, linesThatAre({mStory.failedLine, mStory.fallbackLine}));
         } else if (!mStory.firstPath().empty()) {
             add(Severity::Note, "system-spec",
                 "the system spec document is " + mStory.firstPath() +
@@ -324,7 +333,7 @@ private:
     }
 
     std::string documentOf(size_t event) const {
-        if (mStory.events[event].id == LineId::BuiltInRejected) {
+        if (isOfBuiltIn(mStory.events[event])) {
             return "the built-in document";
         }
         switch (mAttribution.of[event]) {
@@ -352,8 +361,8 @@ private:
     void tellRejection(size_t i) {
         const LogEvent& event = mStory.events[i];
         if (event.id == LineId::BuiltInRejected) {
-            add(Severity::Error, "rejected", "the built-in document was rejected",
-                "The library is damaged: install it again.", {event.line});
+            add(Severity::Error, "rejected", "the built-in document was rejected", kDamaged,
+                {event.line});
             return;
         }
         add(Severity::Error, "rejected",
@@ -379,8 +388,10 @@ private:
             } else if (event.id == LineId::Skipped) {
                 add(Severity::Error, "skipped",
                     documentOf(i) + ": " + event.place + " was skipped: " + event.reason,
-                    "Correct the value there; " + pullOf(i) +
-                            " and \"kcodec2_spec check\" show its line and column.",
+                    isOfBuiltIn(event) ? kDamaged
+                                       : "Correct the value there; " + pullOf(i) +
+                                                 " and \"kcodec2_spec check\" show its line and "
+                                                 "column.",
                     {event.line});
             } else if (event.id == LineId::RowSkipped) {
                 add(Severity::Error, "skipped",
