@@ -36,8 +36,8 @@ struct Member {
     bool isNamed(std::string_view name) const { return name == key && key.data() != nullptr; }
 };
 
-// Calls visit(iterator) for each member of an object or element of an array. Counting them takes
-// less than comparing with the parser's end(), and so does not stepping behind the last.
+// Calls visit(iterator) for each member of an object or element of an array. Counting them is
+// cheaper than comparing with the parser's end(), and stepping behind the last one is left out.
 template <typename Visit>
 void forEachValue(const Json::Value& container, Visit visit) {
     auto value = container.begin();
