@@ -117,6 +117,16 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     }
 }
 
+// It is followed as deep as documents are looked for, and no deeper.
+TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheWalk) {
+    const Tree tree;
+    tree.add("/vendor/etc/media/video_system_specs.json");
+    tree.link("/vendor/etc/loop", ".");
+    const std::string output = tree.check("--all-variants").output;
+    EXPECT_EQ(1U, countOf("[document-unselectable]", output)) << output;
+    EXPECT_EQ(1U, countOf("[system-spec]", output)) << output;
+}
+
 // A load waits there; the tool must not.
 TEST(TreeCheckTest, NoCommandWaitsAtAPipe) {
     const Tree tree;

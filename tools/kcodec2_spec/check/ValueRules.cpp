@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -132,12 +133,28 @@ bool isWholeReal(std::string_view number) {
     return !number.empty() && number.find_first_of(".eE") != std::string_view::npos;
 }
 
+// Where the values are that the reader leaves out.
+std::unordered_set<size_t> leftOut(const CheckedDocument& checked) {
+    std::unordered_set<size_t> starts;
+    for (const KeptFinding& finding : checked.document.findings) {
+        const Effect effect = rowOf(finding.kind).effect;
+        if (effect != Effect::Takes && effect != Effect::Changes) {
+            starts.insert(finding.start);
+        }
+    }
+    return starts;
+}
+
 // JsonCpp keeps a number with a point or an exponent as a real; a whole one converts without loss.
 void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*known*/,
                      const Emit& emit) {
+    const std::unordered_set<size_t> skipped = leftOut(checked);
+    const auto isSkipped = [&](const OutlineNode& node) {
+        return skipped.count(node.value.start) != 0;
+    };
     const auto checkNode = [&](const OutlineNode& node) {
         const std::string_view text = checked.source.textAt(node.value);
-        if (node.isNumber() && isWholeReal(text)) {
+        if (node.isNumber() && isWholeReal(text) && !isSkipped(node)) {
             const double value = std::strtod(std::string(text).c_str(), nullptr);
             constexpr double kMost = 4294967295.0;
             if (value >= -kMost && value <= kMost &&
@@ -149,13 +166,17 @@ void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*know
         }
     };
     forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
-        if (row.type == SectionType::Presets || row.type == SectionType::DolbyVision ||
-            row.type == SectionType::BitRateRows) {
-            for (const OutlineNode& child : section.children) {
-                checkNode(child);
-                for (const OutlineNode& element : child.children) {
-                    checkNode(element);
-                }
+        if (row.type != SectionType::Presets && row.type != SectionType::DolbyVision &&
+            row.type != SectionType::BitRateRows) {
+            return;
+        }
+        for (const OutlineNode& child : section.children) {
+            checkNode(child);
+            const auto& elements = child.children;
+            const bool isRowSkipped = row.type == SectionType::BitRateRows &&
+                                      std::any_of(elements.begin(), elements.end(), isSkipped);
+            if (!isRowSkipped && !isSkipped(child)) {
+                std::for_each(elements.begin(), elements.end(), checkNode);
             }
         }
     });
