@@ -5,6 +5,7 @@
 set -u
 cd "$(dirname "$0")/.." || exit 1
 tool=$(realpath "${1:-build/dev}")/kcodec2_spec
+[ -x "$tool" ] || { echo "update-transcripts.sh: no tool in ${1:-build/dev}" >&2; exit 1; }
 cd tests/unit/transcripts || exit 1
 for file in *.txt; do
     arguments=$(sed -n '1s/^\$ kcodec2_spec //p' "$file")

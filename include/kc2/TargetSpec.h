@@ -62,9 +62,9 @@ struct DVConfigs {
  * larger than 32 MiB or 1,048,576 values is rejected whole: one error line, and the store stays as
  * it was. Below that a bad value costs only its own section, named entry or table row, with one
  * warning line that names the place (a row of the wrong size has its own line), or only its own
- * list entry or Dolby Vision profile, without a line; a perf-resource name with one bad element is
- * skipped whole, so that resource codes and their values never slip out of step. Nothing here
- * throws. A document nested to the limit needs about 512 KiB of the calling thread's stack.
+ * list, list entry or Dolby Vision profile, without a line; a perf-resource name with one bad
+ * element is skipped whole, so that resource codes and their values never slip out of step. Nothing
+ * here throws. A document nested to the limit needs about 512 KiB of the calling thread's stack.
  *
  * Tools and tests may default-construct a store of their own and merge documents into it. Only the
  * queries and printSpecifications() are safe to call concurrently, and only on a store that no

@@ -25,15 +25,13 @@ public:
         int64_t result;  // What the value counts as.
     };
 
-    Changes() {}  // Leaves the array as it is: hardly any value is changed.
-
     void add(FindingKind kind, int64_t result) { mChanges[mCount++] = {kind, result}; }
 
     const Change* begin() const { return mChanges.data(); }
     const Change* end() const { return mChanges.data() + mCount; }
 
 private:
-    std::array<Change, 3> mChanges;  // A perf word: unquoted, with a tail, negative.
+    std::array<Change, 3> mChanges = {};  // A perf word: unquoted, with a tail, negative.
     size_t mCount = 0;
 };
 

@@ -271,7 +271,7 @@ TEST_F(LogOfTreeTest, WhatIsProvedIsToldAndWhatIsNotIsLeftOpen) {
              {"plane of 0x127, which is not"}},
             {{"E KC2Platform: NOTE9: Failed to fstat(-1)"}, {"descriptor -1"}},
             {{e + "Couldn't parse js", e + "\x1b[31mnew line"},
-             {"1 cut line, and 0 lines", "\\x1B[31mnew line"}},
+             {"1 cut line: what", "\\x1B[31mnew line"}},
             {{"I KC2TargetSpec: Codec plugins:", "E KC2Platform: NOTE9: Failed to fstat(7)",
               "I KC2TargetSpec:        a"},
              {"codec plug-ins, then codec components (1): a", "bit 0x8", "dump is cut off"}},

@@ -239,7 +239,10 @@ TEST(MistakesTest, EachIsReportedOnceAtItsPlace) {
     for (const auto& [mistake, lines] : inOrder) {
         text += lines;
     }
-    expectFile("mistakes.txt", std::regex_replace(text, std::regex(scratch.path() + "/\\d+"), "N"));
+    for (size_t at = 0; (at = text.find(scratch.path(), at)) != std::string::npos;) {
+        text.replace(at, text.find('.', at + scratch.path().size()) - at, "N");
+    }
+    expectFile("mistakes.txt", text);
 }
 
 }  // namespace

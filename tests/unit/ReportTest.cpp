@@ -189,6 +189,7 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
             {"report --rootdir none --output x.html", "Directory does not exist: none"},
             {report + "'" + directory.path() + "/no\033ne/x.html'", "/no\\x1Bne/x.html cannot be"},
             {report + directory.path(), "cannot be written: Is a directory"},
+            {report + directory.path() + "/" + std::string(300, 'n'), "File name too long"},
             {report + "/dev/full", "/dev/full cannot be written: No space left"},
             {report + "- > /dev/full", ""},
             {report + kept + " extra", "extra"},

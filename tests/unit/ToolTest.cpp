@@ -108,7 +108,7 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
     for (const auto& [arguments, name] : checks) {
         const std::string report = readFile(directory / "expected" / (name + ".txt"));
         EXPECT_NE("", report) << name;
-        const Result result = run("check " + arguments, "tests/unit/check");
+        const Result result = run("check --disable mode " + arguments, "tests/unit/check");
         EXPECT_EQ(report, result.output) << arguments;
         EXPECT_EQ(report.find(": error: ") != std::string::npos ? 1 : 0, result.exitCode) << name;
     }

@@ -117,12 +117,15 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     }
 }
 
-// It is followed as deep as documents are looked for, and no deeper.
+// It is followed as deep as documents are looked for, and no deeper; what is read is told once.
 TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheWalk) {
     const Tree tree;
     tree.add("/vendor/etc/media/video_system_specs.json");
+    tree.add("/vendor/etc/other/video_system_specs.json");
     tree.link("/vendor/etc/loop", ".");
     const std::string output = tree.check("--all-variants").output;
+    EXPECT_EQ(1U, countOf("/other/video_system_specs.json:1:1: warning: no variant", output))
+            << output;
     EXPECT_EQ(1U, countOf("[document-unselectable]", output)) << output;
     EXPECT_EQ(1U, countOf("[system-spec]", output)) << output;
 }

@@ -12,9 +12,8 @@ namespace kc2::tool {
 
 // Exit codes, the same for every command.
 inline constexpr int kExitOk = 0;
-inline constexpr int kExitFindings =
-        1;  // The command has found what it looks for; main.cpp lists what.
-inline constexpr int kExitUsage = 2;  // Wrong usage, a file not read, output not written.
+inline constexpr int kExitFindings = 1;  // What a script should notice; main.cpp lists it for each.
+inline constexpr int kExitUsage = 2;     // Wrong usage, a file not read, output not written.
 
 // Each adds its command, which sets the exit code when it is the one that is asked for.
 void addShowCommand(CLI::App* app, int* exitCode);

@@ -47,8 +47,9 @@ std::string checkProperty(const std::string& property) {
 }
 
 void addTreeOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options) {
-    command.add_option("--dirmap" + suffix, options->mappings,
-                       "Where one directory of the device lies; goes before --rootdir; repeatable")
+    command.add_option(
+                   "--dirmap" + suffix, options->mappings,
+                   "Where one directory of the device lies, in place of the tree's own; repeatable")
             ->type_name("/PREFIX:DIR")
             ->allow_extra_args(false)
             ->check(CLI::Validator(checkMapping, ""))

@@ -338,7 +338,8 @@ int explain(const ExplainArguments& arguments) {
 
 constexpr char kExplainFooter[] =
         "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
-        "the id of a check, or a line of the log or a part of one. With --rootdir it also tells "
+        "the id of a check, or a whole line of the log, or words of one "
+        "without its values. With --rootdir it also tells "
         "which document of that device sets the name, and which one loses.\n"
         "\n"
         "Exit codes: 0 known; 1 nothing is known about NAME; 2 wrong usage, or a FILE that cannot "

@@ -56,10 +56,11 @@ mode_t usualMode() {
 std::string writeOutputFile(const std::string& path, const std::string& text) {
     struct stat status = {};
     const bool isThere = stat(path.c_str(), &status) == 0;
-    if (isThere ? !S_ISREG(status.st_mode) : fs::is_symlink(path)) {
+    std::error_code error;
+    if (isThere ? !S_ISREG(status.st_mode) : fs::is_symlink(path, error)) {
         return writeTo(path, text);  // A link to no file yet, too: it stays a link.
     }
-    std::error_code error;
+    error.clear();
     const fs::path real = isThere ? fs::canonical(path, error) : fs::path(path);
     if (error) {
         return std::strerror(error.value());

@@ -33,11 +33,13 @@ void tellSystemSpec(const CheckedLoad& checked, const AddForSource& add) {
     if (isVariantSet(load)) {
         why = "the variant \"" + load.variant + "\" selects " + load.firstPath;
         if (load.firstPath.rfind(kVendorSpecDirectory, 0) == 0) {
-            why += std::string(", since the same under ") + kOdmSpecDirectory + " does not exist";
+            why += std::string(", since ") + kOdmSpecDirectory +
+                   load.firstPath.substr(std::string_view(kVendorSpecDirectory).size()) +
+                   " does not exist";
         }
     }
     if (load.systemSpec.path == load.firstPath) {
-        why += ", and that opens";
+        why += load.systemSpec.isPipe ? "" : ", and that opens";
     }
     add(checked.place, "system spec document: " + why);
 }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "Text.h"
@@ -211,8 +213,12 @@ std::vector<Fix> mendsOf(const KeptFinding& finding, std::string_view parserText
         case FindingKind::SyntaxError:
             return syntaxMends(parserText);
         case FindingKind::PerfWordUnquoted: {
+            // Between quotes the text itself is read, not the parser's text of the number.
+            uint32_t word = 0;
+            const auto read = std::from_chars(value.data(), value.data() + value.size(), word, 16);
             const bool isPlain = std::all_of(value.begin(), value.end(), isDigit) &&
-                                 (value.size() == 1 || value[0] != '0');
+                                 (value.size() == 1 || value[0] != '0') && read.ec == std::errc() &&
+                                 word == finding.converted;
             return isPlain ? std::vector<Fix>{{{finding.start, finding.limit},
                                                '"' + std::string(value) + '"',
                                                "add the quotes"}}

@@ -259,7 +259,7 @@ constexpr DocumentRule kNameRules[] = {
         {{"name-empty", Severity::Warning, "an empty name, or an empty entry in a list"},
          checkEmptyNames},
         {{"name-characters", Severity::Warning,
-          "a name with blanks around it, control characters or bytes that are not UTF-8"},
+          "a name with odd blanks, control or invisible characters, or bytes that are not UTF-8"},
          checkOddNames},
 };
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -30,11 +31,17 @@ struct UseCases {
             return;
         }
         const auto& values = checked.document.content.perfResourceValues;
+        std::unordered_map<std::string_view, const OutlineNode*> last;  // The one that counts.
         for (const OutlineNode& member : section->children) {
-            const auto words =
-                    member.kind == '[' ? values.find(std::string(member.key)) : values.end();
-            // Else an earlier member of the same name, which does not count.
-            if (words != values.end() && words->second.size() == member.children.size()) {
+            last[member.key] = &member;
+        }
+        for (const OutlineNode& member : section->children) {
+            const bool isList = member.kind == '[' || member.kind == 'n' ||
+                                (member.kind == '{' && member.children.empty());
+            const auto words = isList && last[member.key] == &member
+                                       ? values.find(std::string(member.key))
+                                       : values.end();
+            if (words != values.end()) {
                 all.push_back({member, words->second});
             }
         }

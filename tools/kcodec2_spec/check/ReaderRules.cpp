@@ -172,8 +172,9 @@ constexpr SpecialCase kSpecialCases[] = {
          isNoArrayAtAll,
          {"object-not-array", Severity::Error, "an object in place of an array of other values"},
          [](const About& about) {
-             return fmt::format("{} must be an array [...]: values of this object are skipped",
-                                about.place());
+             return fmt::format(
+                     "{} must be an array [...]: of this object only the values that fit are taken",
+                     about.place());
          }},
         {FindingKind::NegativeAsUnsigned,
          isOpenUpperBound,
@@ -289,7 +290,15 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::ListNotArray,
          {"list-not-array", Severity::Error, "a list that is a single value"},
          [](const About& about) {
-             return fmt::format("{} must be an array: nothing of it is read", about.place());
+             return about.isIn(targetSpecPerfResourceValues)
+                            ? fmt::format(
+                                      "{} must be an array: the name is taken without words, "
+                                      "and no later document can set them",
+                                      about.place())
+                            : fmt::format(
+                                      "{} must be an array: nothing of it is read, and the "
+                                      "device does not log it",
+                                      about.place());
          }},
         {FindingKind::ElementNotString,
          {"element-not-string", Severity::Error,

@@ -263,11 +263,10 @@ void checkCatchAlls(const Table& table, const Emit& emit) {
 
 void checkZeroRates(const Table& table, const Emit& emit) {
     for (const PlacedRow& placed : table.rows) {
-        if (placed.row.bitRate == 0 && !placed.matchesNothing()) {
+        if (placed.row.bitRate == 0 && !placed.matchesNothing() && placed.left != Left::Nothing) {
             emit(*placed.document, placed.span,
-                 "the bit rate is 0, and a component takes that for a rate: without the row it is "
-                 "told that "
-                 "there is none");
+                 "the bit rate is 0, and a component takes that for a rate: a value without a row "
+                 "gets 0xFFFFFFFF");
         }
     }
 }

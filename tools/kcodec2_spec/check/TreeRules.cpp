@@ -6,6 +6,7 @@
 #include <cctype>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -51,6 +52,8 @@ bool isSelectable(const std::string& path) {
 
 void checkUnselectable(const CheckedLoad& /*checked*/, const AddForFile& add) {
     const std::string_view wanted = std::string_view(kSystemSpecName).substr(1);
+    std::set<std::string> selectable;  // Where they lie: a link may lead to one.
+    std::vector<std::string> others;
     for (const char* const directory :
          {"/odm/etc", "/vendor/etc", "/product/etc", "/system/etc", "/system_ext/etc"}) {
         visitFiles(directory, kTreeDepth, [&](const std::string& path) {
@@ -58,12 +61,19 @@ void checkUnselectable(const CheckedLoad& /*checked*/, const AddForFile& add) {
             if (name != wanted && isNear(name, wanted)) {
                 add(path, "nothing reads this file: a system spec document is called " +
                                   std::string(wanted));
-            } else if (name == wanted && !isSelectable(path)) {
-                add(path, std::string("no variant selects this document: it must be in ") +
-                                  kOdmSpecDirectory + "<variant> or " + kVendorSpecDirectory +
-                                  "<variant>, or without a variant in " + kVendorSpecDirectory);
+            } else if (name == wanted && isSelectable(path)) {
+                selectable.insert(localPath(path));
+            } else if (name == wanted) {
+                others.push_back(path);
             }
         });
+    }
+    for (const std::string& path : others) {
+        if (selectable.count(localPath(path)) == 0) {
+            add(path, std::string("no variant selects this document: it must be in ") +
+                              kOdmSpecDirectory + "<variant> or " + kVendorSpecDirectory +
+                              "<variant>, or without a variant in " + kVendorSpecDirectory);
+        }
     }
 }
 

@@ -57,7 +57,8 @@ void checkRanges(const CheckedDocument& checked, const KnownSettings& known, con
                         fmt::format("{} is {} {}, the {} of \"{}\" ({})", value,
                                     isBelow ? "below" : "above",
                                     isBelow ? *setting.minimum : *setting.maximum,
-                                    isBelow ? "least" : "most", setting.name, setting.meaning),
+                                    isBelow ? "lowest value" : "highest value", setting.name,
+                                    setting.meaning),
                         emit);
         }
     });
@@ -92,8 +93,8 @@ void checkListedValues(const CheckedDocument& checked, const KnownSettings& know
         }
         if (!setting.bits.empty() && rest != 0) {
             emitAtValue(checked, setting,
-                        fmt::format("{} sets bits that \"{}\" does not have ({}): its bits are {}",
-                                    value, setting.name, setting.meaning, listOf(setting.bits)),
+                        fmt::format("{} has other bits than \"{}\" ({}): its bits are {}", value,
+                                    setting.name, setting.meaning, listOf(setting.bits)),
                         emit);
         }
     });
@@ -133,50 +134,46 @@ bool isWholeReal(std::string_view number) {
     return !number.empty() && number.find_first_of(".eE") != std::string_view::npos;
 }
 
-// Where the values are that the reader leaves out.
-std::unordered_set<size_t> leftOut(const CheckedDocument& checked) {
-    std::unordered_set<size_t> starts;
-    for (const KeptFinding& finding : checked.document.findings) {
-        const Effect effect = rowOf(finding.kind).effect;
-        if (effect != Effect::Takes && effect != Effect::Changes) {
-            starts.insert(finding.start);
+// Where the values are that the reader has taken, and where those are that it has more to say of.
+struct Reported {
+    explicit Reported(const CheckedDocument& checked) {
+        for (const KeptFinding& finding : checked.document.findings) {
+            (finding.kind == FindingKind::Taken ? taken : others).insert(finding.start);
         }
     }
-    return starts;
-}
+
+    bool isTaken(const OutlineNode& node) const { return taken.count(node.value.start) != 0; }
+    bool hasOther(const OutlineNode& node) const { return others.count(node.value.start) != 0; }
+
+    std::unordered_set<size_t> taken;
+    std::unordered_set<size_t> others;
+};
 
 // JsonCpp keeps a number with a point or an exponent as a real; a whole one converts without loss.
 void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*known*/,
                      const Emit& emit) {
-    const std::unordered_set<size_t> skipped = leftOut(checked);
-    const auto isSkipped = [&](const OutlineNode& node) {
-        return skipped.count(node.value.start) != 0;
-    };
-    const auto checkNode = [&](const OutlineNode& node) {
+    const Reported reported(checked);
+    const auto checkTaken = [&](const OutlineNode& node) {
         const std::string_view text = checked.source.textAt(node.value);
-        if (node.isNumber() && isWholeReal(text) && !isSkipped(node)) {
-            const double value = std::strtod(std::string(text).c_str(), nullptr);
-            constexpr double kMost = 4294967295.0;
-            if (value >= -kMost && value <= kMost &&
-                value == static_cast<double>(static_cast<int64_t>(value))) {
-                emit(checked, node.value,
-                     fmt::format("{} is a real number; the device takes it as {}", text,
-                                 static_cast<int64_t>(value)));
-            }
+        if (node.isNumber() && isWholeReal(text) && !reported.hasOther(node)) {
+            emit(checked, node.value,
+                 fmt::format("{} is a real number; the device takes it as {:.0f}", text,
+                             std::strtod(std::string(text).c_str(), nullptr)));
         }
     };
     forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
-        if (row.type != SectionType::Presets && row.type != SectionType::DolbyVision &&
-            row.type != SectionType::BitRateRows) {
+        const bool isTable = row.type == SectionType::BitRateRows;
+        if (!isTable && row.type != SectionType::Presets && row.type != SectionType::DolbyVision) {
             return;
         }
         for (const OutlineNode& child : section.children) {
-            checkNode(child);
-            const auto& elements = child.children;
-            const bool isRowSkipped = row.type == SectionType::BitRateRows &&
-                                      std::any_of(elements.begin(), elements.end(), isSkipped);
-            if (!isRowSkipped && !isSkipped(child)) {
-                std::for_each(elements.begin(), elements.end(), checkNode);
+            if (reported.isTaken(child)) {
+                checkTaken(child);
+            }
+            for (const OutlineNode& element : child.children) {
+                if (reported.isTaken(isTable ? child : element)) {
+                    checkTaken(element);
+                }
             }
         }
     });
@@ -225,11 +222,12 @@ void checkNullSections(const CheckedDocument& checked, const KnownSettings& /*kn
 
 void checkEmptySections(const CheckedDocument& checked, const KnownSettings& /*known*/,
                         const Emit& emit) {
+    const Reported reported(checked);
     forEachSectionWithoutLevels(checked, [&](const Section& row, const OutlineNode& section) {
         // Codec sections that name no component have a finding that says what it comes to.
         const bool isEveryCodec =
                 isOfCodecs(row.type) && checked.document.content.supportedCodecs.empty();
-        if (isEmptyContainer(section) && !isEveryCodec) {
+        if (isEmptyContainer(section) && !isEveryCodec && !reported.hasOther(section)) {
             emit(checked, section.name, fmt::format("\"{}\" is empty", *row.key));
         }
     });

@@ -179,6 +179,9 @@ std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
     // Lines that are lost prove nothing by their absence.
     const bool isWhole = story.droppedLines == 0 && !story.isTooLong;
     for (OverlayOutcome& outcome : outcomes) {
+        if (isBuiltInForSure && (isRejectedForSure || isPrivateForSure)) {
+            continue;  // These lines are not of one load.
+        }
         if (isRejectedForSure) {
             outcome.isPossible = outcome.isRejected;
         } else if (isPrivateForSure) {
@@ -332,11 +335,19 @@ private:
         return "the system spec document" + (path.empty() ? "" : " (" + path + ")");
     }
 
+    // The line's own word, where it names its document.
+    Which whichOf(size_t event) const {
+        const std::string& named = mStory.events[event].document;
+        return named.find("system spec") != std::string::npos    ? Which::SystemSpec
+               : named.find("private file") != std::string::npos ? Which::Overlay
+                                                                 : mAttribution.of[event];
+    }
+
     std::string documentOf(size_t event) const {
         if (isOfBuiltIn(mStory.events[event])) {
             return "the built-in document";
         }
-        switch (mAttribution.of[event]) {
+        switch (whichOf(event)) {
             case Which::SystemSpec:
                 return specName();
             case Which::Overlay:
@@ -348,7 +359,7 @@ private:
 
     std::string pullOf(size_t event) const {
         const std::string spec = specPath().empty() ? "the system spec document" : specPath();
-        switch (mAttribution.of[event]) {
+        switch (whichOf(event)) {
             case Which::SystemSpec:
                 return "\"adb pull " + spec + "\"";
             case Which::Overlay:
@@ -369,8 +380,7 @@ private:
             documentOf(i) +
                     " was rejected whole: it is empty, not valid JSON, beyond the limits or not "
                     "readable to its end. Nothing of it is in the store." +
-                    (mAttribution.of[i] == Which::Either ? " The log does not say which of them."
-                                                         : ""),
+                    (whichOf(i) == Which::Either ? " The log does not say which of them." : ""),
             "Run " + pullOf(i) + ", then \"kcodec2_spec check\" on the file.", {event.line});
     }
 
@@ -552,9 +562,8 @@ private:
 
     void tellGaps() {
         if (mStory.strangeCount != 0) {
-            std::string text = "the library does not write " +
-                               counted(mStory.strangeCount, "line") +
-                               " that the log has under its tags:";
+            std::string text = counted(mStory.strangeCount, "line") +
+                               " under the library's tags that it does not write:";
             std::vector<uint64_t> lines;
             for (const auto& [line, number] : mStory.strangeLines) {
                 text += "\n  " + line;
@@ -565,9 +574,12 @@ private:
         }
         if (mStory.cutLines != 0 || mStory.droppedLines != 0) {
             add(Severity::Note, "gaps",
-                counted(mStory.cutLines, "cut line") + ", and " +
-                        counted(mStory.droppedLines, "line") +
-                        " that the device dropped: what is not in the log proves nothing here",
+                (mStory.cutLines == 0 ? "" : counted(mStory.cutLines, "cut line")) +
+                        (mStory.cutLines == 0 || mStory.droppedLines == 0 ? "" : ", and ") +
+                        (mStory.droppedLines == 0 ? ""
+                                                  : counted(mStory.droppedLines, "line") +
+                                                            " that the device dropped") +
+                        ": what is not in the log proves nothing here",
                 "Take the log again with a larger buffer: \"adb logcat -G 16M\".");
         }
         if (mStory.laterDumps != 0) {

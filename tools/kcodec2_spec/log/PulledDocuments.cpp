@@ -170,7 +170,9 @@ private:
         const std::string spec =
                 mSystemSpec == nullptr
                         ? "none opens"
-                        : mSystemSpec->path() + (mLoad.systemSpec.isAccepted ? "" : ", rejected");
+                        : mSystemSpec->path() + (mLoad.systemSpec.isPipe       ? ", a pipe"
+                                                 : mLoad.systemSpec.isAccepted ? ""
+                                                                               : ", rejected");
         mConclusions.push_back(
                 {Severity::Note,
                  "tree",
