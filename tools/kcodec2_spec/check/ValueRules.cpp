@@ -152,10 +152,17 @@ struct Reported {
 // JsonCpp keeps a number with a point or an exponent as a real; a whole one converts without loss.
 void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*known*/,
                      const Emit& emit) {
-    const Reported reported(checked);
-    const auto checkTaken = [&](const OutlineNode& node) {
+    std::optional<Reported> reported;  // Hardly any document has a real number.
+    // `whole` is what the device takes whole: the number itself, or its row.
+    const auto checkNumber = [&](const OutlineNode& node, const OutlineNode& whole) {
         const std::string_view text = checked.source.textAt(node.value);
-        if (node.isNumber() && isWholeReal(text) && !reported.hasOther(node)) {
+        if (!node.isNumber() || !isWholeReal(text)) {
+            return;
+        }
+        if (!reported) {
+            reported.emplace(checked);
+        }
+        if (reported->isTaken(whole) && !reported->hasOther(node)) {
             emit(checked, node.value,
                  fmt::format("{} is a real number; the device takes it as {:.0f}", text,
                              std::strtod(std::string(text).c_str(), nullptr)));
@@ -167,13 +174,9 @@ void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*know
             return;
         }
         for (const OutlineNode& child : section.children) {
-            if (reported.isTaken(child)) {
-                checkTaken(child);
-            }
+            checkNumber(child, child);
             for (const OutlineNode& element : child.children) {
-                if (reported.isTaken(isTable ? child : element)) {
-                    checkTaken(element);
-                }
+                checkNumber(element, isTable ? child : element);
             }
         }
     });
@@ -222,12 +225,17 @@ void checkNullSections(const CheckedDocument& checked, const KnownSettings& /*kn
 
 void checkEmptySections(const CheckedDocument& checked, const KnownSettings& /*known*/,
                         const Emit& emit) {
-    const Reported reported(checked);
+    const auto isReported = [&checked](const OutlineNode& section) {
+        const auto& findings = checked.document.findings;
+        return std::any_of(findings.begin(), findings.end(), [&](const KeptFinding& finding) {
+            return finding.start == section.value.start;
+        });
+    };
     forEachSectionWithoutLevels(checked, [&](const Section& row, const OutlineNode& section) {
         // Codec sections that name no component have a finding that says what it comes to.
         const bool isEveryCodec =
                 isOfCodecs(row.type) && checked.document.content.supportedCodecs.empty();
-        if (isEmptyContainer(section) && !isEveryCodec && !reported.hasOther(section)) {
+        if (isEmptyContainer(section) && !isEveryCodec && !isReported(section)) {
             emit(checked, section.name, fmt::format("\"{}\" is empty", *row.key));
         }
     });
