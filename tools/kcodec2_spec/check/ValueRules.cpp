@@ -164,8 +164,9 @@ void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*know
         }
         if (reported->isTaken(whole) && !reported->hasOther(node)) {
             emit(checked, node.value,
-                 fmt::format("{} is a real number; the device takes it as {:.0f}", text,
-                             std::strtod(std::string(text).c_str(), nullptr)));
+                 fmt::format(
+                         "{} is a real number; the device takes it as {}", text,
+                         static_cast<int64_t>(std::strtod(std::string(text).c_str(), nullptr))));
         }
     };
     forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
