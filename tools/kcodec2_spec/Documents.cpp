@@ -75,7 +75,9 @@ std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
 
 Document openedSystemSpec(const std::string& firstPath) {
     if (std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
-        Document document = unreadable("system spec", *std::move(path), "it is a pipe");
+        Document document =
+                unreadable("system spec", *std::move(path),
+                           "a pipe: a load waits here until something is written into it");
         document.isPipe = true;
         return document;
     }

@@ -261,7 +261,7 @@ std::string systemSpecStory(const Load& load) {
         story += " (fallback: " + load.firstPath + " does not open)";
     }
     if (load.systemSpec.isPipe) {
-        return story + " (a pipe: a load waits here until something is written into it)";
+        return story + " (" + load.systemSpec.whyNotReadable + ")";
     }
     return load.systemSpec.isAccepted ? story : story + " (rejected)";
 }

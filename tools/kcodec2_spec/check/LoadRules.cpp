@@ -86,12 +86,11 @@ void checkMissingSpec(const CheckedLoad& checked, const AddForSource& add) {
 void checkUnreadable(const CheckedLoad& checked, const AddForSource& add) {
     for (const auto& document : checked.documents) {
         if (!document->document.isReadable) {
-            add(document->source,
-                document->document.isPipe
-                        ? "it is a pipe: a load waits here until something is written into it"
-                        : "the file opens, but cannot be read (" +
-                                  document->document.whyNotReadable +
-                                  "): the device takes nothing of it");
+            const std::string& why = document->document.whyNotReadable;
+            add(document->source, document->document.isPipe
+                                          ? "it is " + why
+                                          : "the file opens, but cannot be read (" + why +
+                                                    "): the device takes nothing of it");
         }
     }
 }

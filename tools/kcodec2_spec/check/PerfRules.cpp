@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -31,14 +30,14 @@ struct UseCases {
             return;
         }
         const auto& values = checked.document.content.perfResourceValues;
-        std::unordered_map<std::string_view, const OutlineNode*> last;  // The one that counts.
-        for (const OutlineNode& member : section->children) {
-            last[member.key] = &member;
+        std::unordered_set<size_t> taken;  // Where: an earlier member of the same name is not.
+        for (const KeptFinding* const finding : checked.takenIn(targetSpecPerfResourceValues)) {
+            taken.insert(finding->start);
         }
         for (const OutlineNode& member : section->children) {
             const bool isList = member.kind == '[' || member.kind == 'n' ||
                                 (member.kind == '{' && member.children.empty());
-            const auto words = isList && last[member.key] == &member
+            const auto words = isList && taken.count(member.value.start) != 0
                                        ? values.find(std::string(member.key))
                                        : values.end();
             if (words != values.end()) {

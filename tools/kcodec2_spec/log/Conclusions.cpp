@@ -573,13 +573,16 @@ private:
                 "The library on the device may be of another version than this tool.", lines);
         }
         if (mStory.cutLines != 0 || mStory.droppedLines != 0) {
+            std::vector<std::string> missing;
+            if (mStory.cutLines != 0) {
+                missing.push_back(counted(mStory.cutLines, "cut line"));
+            }
+            if (mStory.droppedLines != 0) {
+                missing.push_back(counted(mStory.droppedLines, "line") +
+                                  " that the device dropped");
+            }
             add(Severity::Note, "gaps",
-                (mStory.cutLines == 0 ? "" : counted(mStory.cutLines, "cut line")) +
-                        (mStory.cutLines == 0 || mStory.droppedLines == 0 ? "" : ", and ") +
-                        (mStory.droppedLines == 0 ? ""
-                                                  : counted(mStory.droppedLines, "line") +
-                                                            " that the device dropped") +
-                        ": what is not in the log proves nothing here",
+                joined(missing, ", and ") + ": what is not in the log proves nothing here",
                 "Take the log again with a larger buffer: \"adb logcat -G 16M\".");
         }
         if (mStory.laterDumps != 0) {
