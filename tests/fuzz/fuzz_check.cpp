@@ -10,11 +10,11 @@
 #include <set>
 #include <string>
 
-#include "Documents.h"
-#include "check/KnownSettings.h"
-#include "check/Rules.h"
+#include "catalogue/KnownSettings.h"
+#include "check/rules/Rules.h"
 #include "hostplatform/HostPlatform.h"
 #include "kc2/TargetSpecKeys.h"
+#include "store/Load.h"
 #include "tests/fuzz/Require.h"
 #include "tests/fuzz/StoreContent.h"
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include "DeviceOptions.h"
-#include "log/LogCommand.h"
+#include "base/DeviceOptions.h"
+#include "log/Log.h"
 #include "tests/fuzz/Printed.h"
 #include "tests/fuzz/Require.h"
 #include "tests/fuzz/ScratchTree.h"

@@ -24,7 +24,7 @@
 #include <utility>
 #include <vector>
 
-#include "DeviceOptions.h"
+#include "base/DeviceOptions.h"
 #include "check/CheckOptions.h"
 #include "device/DevicePaths.h"
 #include "tests/fuzz/Printed.h"

@@ -10,7 +10,7 @@
 
 #include "Device.h"
 #include "RunTool.h"
-#include "StoreSnapshot.h"
+#include "store/StoreSnapshot.h"
 #include "targetspec/reading/Sections.h"
 
 namespace kc2::test {

@@ -1,6 +1,6 @@
 // The tool's small pieces: texts, widths on a terminal, where things are in a document.
 
-#include "Text.h"
+#include "base/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "Terminal.h"
-#include "check/Outline.h"
+#include "base/Terminal.h"
+#include "document/Outline.h"
 #include "targetspec/reading/ParserText.h"
 
 namespace kc2::test {

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "Documents.h"
-#include "Text.h"
+#include "base/Text.h"
+#include "document/Document.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/BuiltInDocuments.h"
 

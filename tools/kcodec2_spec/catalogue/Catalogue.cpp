@@ -10,9 +10,9 @@
 #include <initializer_list>
 #include <utility>
 
-#include "Documents.h"
-#include "Text.h"
-#include "check/Source.h"
+#include "base/Text.h"
+#include "document/Document.h"
+#include "document/Source.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
 

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "Text.h"
+#include "base/Text.h"
 
 namespace kc2::tool {
 

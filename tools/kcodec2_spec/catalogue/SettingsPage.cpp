@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Text.h"
+#include "base/Text.h"
 #include "catalogue/SettingText.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "Text.h"
+#include "base/Text.h"
 
 namespace kc2::tool {
 

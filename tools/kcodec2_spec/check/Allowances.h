@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "check/Rule.h"
-#include "check/Source.h"
+#include "document/Source.h"
 
 namespace kc2::tool {
 

@@ -9,18 +9,18 @@
 #include <system_error>
 #include <vector>
 
-#include "Commands.h"
-#include "DeviceOptions.h"
-#include "Documents.h"
+#include "base/DeviceOptions.h"
+#include "base/ExitCodes.h"
 #include "check/CheckOptions.h"
 #include "check/FixFiles.h"
-#include "check/Mends.h"
-#include "check/Rules.h"
-#include "check/TreeFiles.h"
 #include "check/VariantReports.h"
+#include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
+#include "document/Mends.h"
 #include "kc2/TargetSpecKeys.h"
+#include "store/Load.h"
+#include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {

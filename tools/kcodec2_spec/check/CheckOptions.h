@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "check/KnownSettings.h"
+#include "catalogue/KnownSettings.h"
 #include "check/Levels.h"
-#include "check/Output.h"
+#include "check/output/Output.h"
 
 namespace kc2::tool {
 

@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Documents.h"
-#include "OutputFile.h"
+#include "base/OutputFile.h"
+#include "document/Document.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {

@@ -9,23 +9,10 @@
 #include "check/Allowances.h"
 #include "check/Levels.h"
 #include "check/Rule.h"
-#include "check/Source.h"
+#include "document/Fix.h"
+#include "document/Source.h"
 
 namespace kc2::tool {
-
-// A second place that a finding is about: where the earlier value is, which bracket is open.
-struct RelatedPlace {
-    const Source* source;
-    Span span;
-    std::string message;  // What is there.
-};
-
-// A change of the text that mends a finding, where only one can be meant.
-struct Fix {
-    Span span;
-    std::string replacement;
-    std::string what;  // What the change does, as in "remove the comma".
-};
 
 // What goes with a finding beside its place and message. Most have nothing.
 struct FindingDetails {

@@ -5,10 +5,10 @@
 #include <string>
 #include <unordered_map>
 
-#include "Commands.h"
-#include "Text.h"
+#include "base/ExitCodes.h"
+#include "base/Text.h"
 #include "check/CheckOptions.h"
-#include "check/Rules.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 

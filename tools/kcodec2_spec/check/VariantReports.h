@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "check/Report.h"
-#include "check/Rules.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 

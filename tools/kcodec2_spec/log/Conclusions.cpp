@@ -8,11 +8,11 @@
 #include <set>
 #include <utility>
 
-#include "Documents.h"
-#include "Text.h"
+#include "base/Text.h"
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
 #include "platform/FormatRows.h"
+#include "store/Load.h"
 #include "targetspec/reading/BuiltInDocuments.h"
 #include "targetspec/reading/Sections.h"
 

@@ -6,7 +6,7 @@
 #include <charconv>
 #include <optional>
 
-#include "Text.h"
+#include "base/Text.h"
 #include "device/DevicePaths.h"
 
 namespace kc2::tool {

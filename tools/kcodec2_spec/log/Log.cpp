@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "Commands.h"
-#include "Text.h"
+#include "base/ExitCodes.h"
+#include "base/Text.h"
 #include "check/Report.h"
 #include "log/Conclusions.h"
 #include "log/LoadStory.h"
-#include "log/LogCommand.h"
+#include "log/Log.h"
 #include "log/LogLines.h"
 #include "log/Logcat.h"
 #include "log/PulledDocuments.h"

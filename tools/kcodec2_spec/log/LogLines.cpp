@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "Text.h"
+#include "base/Text.h"
 
 namespace kc2::tool {
 

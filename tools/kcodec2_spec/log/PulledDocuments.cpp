@@ -8,12 +8,12 @@
 #include <optional>
 #include <utility>
 
-#include "DeviceOptions.h"
-#include "Documents.h"
-#include "check/Rules.h"
+#include "base/DeviceOptions.h"
+#include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
+#include "store/Load.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
 

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "SnapshotDiff.h"
+#include "store/SnapshotDiff.h"
 
 namespace kc2::tool {
 

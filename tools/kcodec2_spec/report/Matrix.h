@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "StoreSnapshot.h"
+#include "store/StoreSnapshot.h"
 
 namespace kc2::tool {
 

@@ -10,14 +10,14 @@
 #include <unordered_map>
 #include <utility>
 
-#include "Documents.h"
-#include "Text.h"
-#include "check/Excerpt.h"
-#include "check/Output.h"
+#include "base/Text.h"
+#include "check/output/Excerpt.h"
+#include "check/output/Output.h"
 #include "device/DevicePaths.h"
 #include "platform/Version.h"
 #include "report/Html.h"
 #include "report/PageParts.h"
+#include "store/Load.h"
 
 namespace kc2::tool {
 

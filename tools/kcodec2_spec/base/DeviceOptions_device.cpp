@@ -1,0 +1,28 @@
+// On a device the tool looks at that device: nothing to set, and its log is the device's.
+
+#include "base/DeviceOptions.h"
+
+namespace kc2::tool {
+
+void addDeviceOptions(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
+void addSideOptions(CLI::App& /*command*/, const std::string& /*suffix*/,
+                    DeviceOptions* /*options*/) {}
+
+void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
+void addVariantsOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
+void applyDeviceOptions(const DeviceOptions& /*options*/) {}
+
+void playVariant(const std::string& /*variant*/) {}
+
+bool canPlayDevices() {
+    return false;
+}
+
+void muteLog() {}
+
+void unmuteLog() {}
+
+}  // namespace kc2::tool

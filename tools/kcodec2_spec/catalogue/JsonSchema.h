@@ -1,0 +1,13 @@
+// The JSON Schema by which an editor knows the documents.
+#pragma once
+
+#include <json/value.h>
+
+#include "catalogue/Catalogue.h"
+
+namespace kc2::tool {
+
+// A schema (draft-07) of system spec documents, with the catalogue's settings and components.
+Json::Value schemaOf(const Catalogue& catalogue);
+
+}  // namespace kc2::tool

@@ -1,0 +1,17 @@
+// What the checker knows of settings: the catalogue, and its names ready for a search.
+#pragma once
+
+#include "base/NearNames.h"
+#include "catalogue/Catalogue.h"
+
+namespace kc2::tool {
+
+struct KnownSettings {
+    explicit KnownSettings(Catalogue from);
+
+    Catalogue catalogue;
+    NearNames settings{NearNames::Kind::Setting};
+    NearNames components{NearNames::Kind::Component};
+};
+
+}  // namespace kc2::tool

@@ -1,0 +1,73 @@
+// A report for scripts and editors. docs/tool.md describes it.
+
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "base/Text.h"
+#include "check/output/Output.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr int kFormatVersion = 1;  // A change that a reader must know of makes it another one.
+
+Json::Value toJson(const Source& source, Span span) {
+    const Source::Position start = source.positionOf(span.start);
+    const Source::Position end = source.positionOf(std::max(span.start, span.limit));
+    Json::Value json;
+    json["path"] = reversible(source.path());
+    json["line"] = Json::UInt64(start.line);
+    json["column"] = Json::UInt64(start.column);
+    json["endLine"] = Json::UInt64(end.line);
+    json["endColumn"] = Json::UInt64(end.column);
+    return json;
+}
+
+Json::Value toJson(const ReportEntry& entry) {
+    Json::Value json = toJson(*entry.source, entry.span);
+    json["severity"] = nameOf(entry.severity);
+    json["id"] = entry.rule->id;
+    json["message"] = reversible(entry.message);
+    if (entry.details == nullptr) {
+        return json;
+    }
+    for (const RelatedPlace& related : entry.details->related) {
+        Json::Value& place = json["related"].append(toJson(*related.source, related.span));
+        if (!related.message.empty()) {
+            place["message"] = reversible(related.message);
+        }
+    }
+    for (const Fix& fix : entry.details->fixes) {
+        Json::Value& change = json["fixes"].append(toJson(*entry.source, fix.span));
+        change["replacement"] = reversible(fix.replacement);
+        change["what"] = reversible(fix.what);
+    }
+    return json;
+}
+
+}  // namespace
+
+void printJson(const Report& report, const OutputOptions& options) {
+    const std::vector<const ReportEntry*> shown = shownEntries(report, options);
+    Json::Value counts;
+    for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+        counts[nameOf(severity)] = Json::UInt64(report.count(severity));
+    }
+    const JsonPrinter printer;
+    std::printf("{\"version\": %d, \"counts\": ", kFormatVersion);
+    printer.print(counts);
+    std::printf(", \"notShown\": %zu,\n \"findings\": [", report.count() - shown.size());
+    const char* separator = "\n  ";
+    for (const ReportEntry* const entry : shown) {  // One by one: there may be a million.
+        std::fputs(separator, stdout);
+        printer.print(toJson(*entry));
+        separator = ",\n  ";
+    }
+    std::puts(shown.empty() ? "]}" : "\n]}");
+}
+
+}  // namespace kc2::tool

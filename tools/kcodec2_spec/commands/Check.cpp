@@ -1,0 +1,178 @@
+// The check command's options.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/DeviceOptions.h"
+#include "check/CheckOptions.h"
+#include "commands/Commands.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr char kCheckFooter[] =
+        "Without FILE it does the whole load of the device and checks across its documents.\n"
+        "\n"
+        "Examples:\n"
+        "  kcodec2_spec check video_system_specs.json\n"
+        "  kcodec2_spec check --rootdir examples/device --property "
+        "vendor.media.target_variant=_orvelle\n"
+        "\n"
+        "Each finding ends with the id of its check in brackets; --list lists them all with their "
+        "groups. Of several options on one check, the last one wins. What makes a device reject a "
+        "document is always an error. In a document, the comment \"// kcodec2_spec: allow ID\" "
+        "behind or above a place allows a finding there.\n"
+        "\n"
+        "Exit codes: 0 fine; 1 errors (with --werror: or warnings) found; 2 wrong usage, a FILE "
+        "that cannot be read or mended, or output that cannot be written.";
+
+constexpr char kReporting[] = "The report";
+
+struct CheckArguments {
+    std::vector<std::string> files;
+    std::vector<std::string> settingsFiles;
+    CheckOptions check;
+    DeviceOptions device;
+    bool isListWanted = false;
+    bool isFixWanted = false;
+    bool isDryRun = false;
+};
+
+void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
+                    std::optional<Severity> severity, const char* description) {
+    command->add_option_function<std::string>(
+                   name,
+                   [options, severity, name](const std::string& id) {
+                       const std::string wrong = options->levels.set(id, severity);
+                       if (!wrong.empty()) {
+                           throw CLI::ValidationError(name, wrong);
+                       }
+                   },
+                   description)
+            ->type_name("ID")
+            ->allow_extra_args(false)
+            ->trigger_on_parse()  // In the order of the command line: the last one wins.
+            ->group(kReporting);
+}
+
+void addReportOptions(CLI::App* command, CheckArguments* arguments) {
+    CheckOptions& options = arguments->check;
+    static const std::map<std::string, ReportFormat> formats = {{"text", ReportFormat::Text},
+                                                                {"json", ReportFormat::Json},
+                                                                {"sarif", ReportFormat::Sarif}};
+    command->add_option("--format", options.format,
+                        "How to report: text (the default), json for scripts and editors, or sarif "
+                        "(2.1.0) for code scanners")
+            ->transform(CLI::CheckedTransformer(formats).description(""))
+            ->type_name("text|json|sarif")
+            ->group(kReporting);
+    addLevelOption(command, &options, "--error", Severity::Error,
+                   "Make a check, or a group of checks, an error; repeatable");
+    addLevelOption(command, &options, "--warning", Severity::Warning,
+                   "Make it a warning; repeatable");
+    addLevelOption(command, &options, "--note", Severity::Note, "Make it a note; repeatable");
+    addLevelOption(command, &options, "--disable", std::nullopt, "Leave it out; repeatable");
+    static const std::map<std::string, Severity> severities = {
+            {"note", Severity::Note}, {"warning", Severity::Warning}, {"error", Severity::Error}};
+    command->add_option_function<Severity>(
+                   "--min-severity",
+                   [&options](Severity severity) { options.levels.setLeast(severity); },
+                   "Leave out what is less severe")
+            ->transform(CLI::CheckedTransformer(severities).description(""))
+            ->type_name("note|warning|error")
+            ->group(kReporting);
+    command->add_option("--max-findings", options.output.mostFindings,
+                        "Show at most N findings, the most severe ones (default: 0, all)")
+            ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
+            ->type_name("N")
+            ->group(kReporting);
+    command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")
+            ->group(kReporting);
+    command->add_flag("--list", arguments->isListWanted,
+                      "List the checks, with what the other options make of them")
+            ->group(kReporting);
+}
+
+void addFixOptions(CLI::App* command, CheckArguments* arguments) {
+    CLI::Option* const fix = command->add_flag(
+            "--fix", arguments->isFixWanted,
+            "Mend what has one certain mend: a comma missing or left over, a byte order mark, a "
+            "leading plus, a misspelt known name, a perf word without quotes. Needs FILE or "
+            "--rootdir, and changes nothing outside of it");
+    command->add_flag("--dry-run", arguments->isDryRun, "With --fix: show the changes as a diff")
+            ->needs(fix);
+}
+
+// Sets what --fix is to do. Returns what is wrong; empty when nothing is.
+std::string prepareFix(CheckArguments* arguments) {
+    if (!arguments->isFixWanted) {
+        return std::string();
+    }
+    const std::vector<std::string>& files = arguments->files;
+    if (std::find(files.begin(), files.end(), "-") != files.end()) {
+        return "--fix cannot mend standard input";
+    }
+    if (arguments->device.isEachVariant) {
+        return "--fix does not go together with --all-variants";
+    }
+    if (files.empty() && arguments->device.rootDirectory.empty()) {
+        return "--fix needs FILE or --rootdir";
+    }
+    arguments->check.fix = arguments->isDryRun ? FixMode::Show : FixMode::Write;
+    arguments->check.rootDirectory = arguments->device.rootDirectory;
+    return std::string();
+}
+
+int runCheck(CheckArguments* arguments) {
+    if (arguments->isListWanted) {
+        return listChecks(arguments->check);
+    }
+    const std::string wrong = prepareFix(arguments);
+    if (!wrong.empty()) {
+        std::fprintf(stderr, "%s\n", wrong.c_str());
+        return kExitUsage;
+    }
+    std::optional<Catalogue> catalogue = loadCatalogue(arguments->settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    arguments->check.known = std::make_shared<KnownSettings>(*std::move(catalogue));
+    applyDeviceOptions(arguments->device);
+    muteLog();
+    if (arguments->device.isEachVariant) {
+        return checkEachVariant(arguments->check);
+    }
+    return arguments->files.empty() ? checkDevice(arguments->check)
+                                    : checkFiles(arguments->files, arguments->check);
+}
+
+}  // namespace
+
+void addCheckCommand(CLI::App* app, int* exitCode) {
+    const auto arguments = std::make_shared<CheckArguments>();
+    CLI::App* const command = app->add_subcommand(
+            "check", "Report every mistake in documents, or in the whole load of a device");
+    command->footer(kCheckFooter);
+    CLI::Option* const files =
+            command->add_option("FILE", arguments->files, "Documents to check, each by itself");
+    addSettingsOption(command, &arguments->settingsFiles);
+    addReportOptions(command, arguments.get());
+    addFixOptions(command, arguments.get());
+    addDeviceOptions(*command, &arguments->device);
+    addVariantsOption(*command, &arguments->device);
+    for (CLI::Option* const option : command->get_options(
+                 [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
+        files->excludes(option);  // Documents are files of this machine.
+    }
+    command->callback([arguments, exitCode] { *exitCode = runCheck(arguments.get()); });
+}
+
+}  // namespace kc2::tool

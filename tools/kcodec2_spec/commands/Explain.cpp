@@ -1,0 +1,381 @@
+// kcodec2_spec explain: what a name or a log text is.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/DeviceOptions.h"
+#include "base/Text.h"
+#include "catalogue/BuiltInValues.h"
+#include "catalogue/Catalogue.h"
+#include "catalogue/SectionTexts.h"
+#include "catalogue/SettingText.h"
+#include "catalogue/SettingsPage.h"
+#include "check/Examples.h"
+#include "check/Rule.h"
+#include "commands/Commands.h"
+#include "kc2/TargetSpec.h"
+#include "log/LogLines.h"
+#include "platform/FormatRows.h"
+#include "store/Load.h"
+#include "store/StoreSnapshot.h"
+#include "targetspec/reading/Escaped.h"
+#include "targetspec/reading/Sections.h"
+
+namespace kc2::tool {
+
+namespace {
+
+void printTitle(std::string_view name) {
+    std::printf("%s\n", escaped(name).c_str());
+}
+
+void printLine(const char* title, std::string_view text) {
+    if (!text.empty()) {
+        std::printf("  %-9s %s\n", title, escaped(text).c_str());
+    }
+}
+
+void printValues(const char* title, const std::vector<CatalogueValue>& values) {
+    for (const CatalogueValue& value : values) {
+        printLine(title, fmt::format("{}  {}", value.value, meaningOf(value)));
+    }
+}
+
+// --- Each kind of thing: prints what `name` is when it is one of them ---------------------------
+
+bool explainSetting(const Catalogue& catalogue, const std::string& name) {
+    const Setting* const setting = catalogue.setting(name);
+    if (setting == nullptr) {
+        return false;
+    }
+    printTitle(setting->name);
+    printLine("meaning", setting->meaning);
+    printLine("section", setting->section);
+    printLine("type", setting->type);
+    printLine("unit", setting->unit);
+    printLine("range", rangeOf(*setting));
+    printValues("value", setting->values);
+    printValues("bit", setting->bits);
+    printLine("chips", chipsOf(setting->chips));
+    for (const BuiltInValue& one : builtInValuesOf(*setting)) {
+        printLine("built-in", fmt::format("{} ({}, document {})", writtenValue(one.value),
+                                          one.chips, one.number));
+    }
+    printLine("needs", setting->neededFeature);
+    printLine("at most", setting->atMost);
+    return true;
+}
+
+bool explainSection(const Catalogue& catalogue, const std::string& name) {
+    const std::string meaning = meaningOfSection(name);
+    if (meaning.empty()) {
+        return false;
+    }
+    printTitle(name);
+    printLine("meaning", meaning);
+    for (const Setting& setting : catalogue.settings()) {
+        printLine("setting", setting.section == name ? setting.name : "");
+    }
+    return true;
+}
+
+bool explainComponent(const Catalogue& catalogue, const std::string& name) {
+    const CodecComponent* const component = catalogue.component(name);
+    if (component == nullptr) {
+        return false;
+    }
+    printTitle(component->name);
+    printLine("list", component->list);
+    printLine("chips", chipsOf(component->chips));
+    return true;
+}
+
+bool explainCode(const Catalogue& catalogue, const std::string& name) {
+    const std::optional<uint32_t> word = toWord(name);
+    const auto& codes = catalogue.codes();
+    const auto code = std::find_if(codes.begin(), codes.end(), [&](const PerfResourceCode& one) {
+        return word && one.code == *word;
+    });
+    if (code == codes.end()) {
+        return false;
+    }
+    printTitle(hexadecimal(code->code));
+    printLine("meaning", code->meaning);
+    return true;
+}
+
+bool explainFormat(const Catalogue&, const std::string& name) {
+    return isFormat(name) && printFormats(name) == kExitOk;
+}
+
+bool explainCheck(const Catalogue&, const std::string& name) {
+    const Rule* const rule = findRule(name);
+    if (rule == nullptr) {
+        return false;
+    }
+    printTitle(rule->id);
+    printLine("finds", rule->summary);
+    printLine("severity",
+              fmt::format("{}{}", nameOf(rule->severity), rule->isRejection ? ", always" : ""));
+    for (const RuleGroup& group : ruleGroups()) {
+        if (std::find(group.rules.begin(), group.rules.end(), rule) != group.rules.end()) {
+            printLine("group", fmt::format("{}: {}", group.name, group.title));
+        }
+    }
+    if (const CheckExample* const example = exampleOf(rule->id)) {
+        printLine("mend", example->mend);
+        printLine("example", *example->mistake != '\0' ? example->mistake : example->whyNone);
+        printLine("mended", example->mended);
+    }
+    return true;
+}
+
+// The lines of which `text` is a part.
+std::vector<const LogLine*> linesWith(std::string_view text) {
+    constexpr size_t kEnough = 4;  // Fewer letters are in many lines.
+    std::vector<const LogLine*> lines;
+    for (const LogLine& line : logLines()) {
+        if (text.size() >= kEnough &&
+            std::string_view(line.text).find(text) != std::string_view::npos) {
+            lines.push_back(&line);
+        }
+    }
+    return lines;
+}
+
+// The line that `text` ends with, behind time, process and tag; of several the one with the longest
+// text. Null when there is none.
+const LogLine* lineAtEndOf(std::string_view text) {
+    const LogLine* best = nullptr;
+    for (const LogLine& line : logLines()) {
+        const std::string_view first = literalsOf(line.text).front();
+        const size_t start = text.find(first);
+        if (first.find_first_not_of(' ') == std::string_view::npos ||
+            start == std::string_view::npos || !match(line.text, text.substr(start))) {
+            continue;  // Where a line begins with a value, any text might be it.
+        }
+        if (best == nullptr ||
+            std::string_view(best->text).size() < std::string_view(line.text).size()) {
+            best = &line;
+        }
+    }
+    return best;
+}
+
+void printLogLine(const LogLine& line) {
+    printTitle(line.text);
+    printLine("log", fmt::format("{} {}, {}", letterOf(line.priority), line.tag, line.step));
+    printLine("written", line.gate == 0 ? "always"
+                                        : fmt::format("with a bit of {} in the level word",
+                                                      hexadecimal(line.gate)));
+    printLine("meaning", line.meaning);
+    printLine("to do", std::string_view(line.advice) == "-" ? "" : line.advice);
+}
+
+bool explainLogText(const Catalogue&, const std::string& text) {
+    std::vector<const LogLine*> lines = linesWith(text);
+    if (const LogLine* const line = lineAtEndOf(text); line != nullptr && lines.empty()) {
+        lines.push_back(line);
+    }
+    for (const LogLine* const line : lines) {
+        printLogLine(*line);
+    }
+    return !lines.empty();
+}
+
+constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {
+        explainSetting, explainSection, explainComponent, explainCode,
+        explainFormat,  explainCheck,   explainLogText};
+
+// --- One device ---------------------------------------------------------------------------------
+
+std::string valueIn(const SpecDocument& document, const std::string& section,
+                    const std::string& name) {
+    const Json::Value value = settingIn(document, section, name);
+    return value.isNull() ? "" : writtenValue(value);
+}
+
+// What one document of the load says of `name`; empty when it says nothing.
+std::string saidBy(const Document& document, const std::string& name) {
+    for (const char* const section :
+         {targetSpecFeatures, targetSpecPresets, targetSpecPerfResourceValues}) {
+        const std::string value =
+                section != nullptr ? valueIn(document.content, section, name) : "";
+        if (!value.empty()) {
+            return fmt::format("{}: {}", section, value);
+        }
+    }
+    return document.content.supportedCodecs.count(name) != 0 ? "lists it" : "";
+}
+
+std::string shownOrigin(const Document& document) {
+    return document.path.empty() ? document.origin
+                                 : fmt::format("{}, {}", document.origin, document.path);
+}
+
+// Where the store has `name` from; empty when it does not have it.
+std::string winnerOf(const Load& load, const std::string& name) {
+    for (const SnapshotSection& section : loadedSections(deviceSteps(load))) {
+        for (const SnapshotEntry& entry : section.entries) {
+            if (entry.name == name && section.form != SectionForm::List) {
+                return entry.origin;
+            }
+        }
+    }
+    return "";
+}
+
+// Who sets `name` on this device, and who loses.
+bool explainOnDevice(const std::string& name) {
+    muteLog();
+    const Load load = walkLoad();
+    const std::string winner = winnerOf(load, name);
+    unmuteLog();
+    printLine("device",
+              winner.empty() ? "no document sets it" : fmt::format("set by the {}", winner));
+    for (const Document* const document : {&load.systemSpec, &load.overlay}) {
+        const std::string said = saidBy(*document, name);
+        const bool isLoser = winner.find(document->origin) == std::string::npos;
+        printLine("", said.empty() ? ""
+                                   : fmt::format("{}: {}{}", shownOrigin(*document), said,
+                                                 isLoser ? " (has no effect)" : ""));
+    }
+    return !winner.empty();
+}
+
+// --- Near misses --------------------------------------------------------------------------------
+
+std::vector<std::string> allNames(const Catalogue& catalogue) {
+    std::vector<std::string> names;
+    for (const Setting& setting : catalogue.settings()) {
+        names.push_back(setting.name);
+    }
+    for (const CodecComponent& component : catalogue.components()) {
+        names.push_back(component.name);
+    }
+    for (const Section& section : kSections) {
+        names.emplace_back(*section.key != nullptr ? *section.key : "");
+    }
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        names.emplace_back(row.name);
+    }
+    for (const RuleGroup& group : ruleGroups()) {
+        for (const Rule* const rule : group.rules) {
+            names.emplace_back(rule->id);
+        }
+    }
+    for (const LogLine& line : logLines()) {
+        names.emplace_back(line.text);
+    }
+    return names;
+}
+
+// Case does not count in what somebody types.
+bool holds(const std::string& name, const std::string& part) {
+    return inSmallLetters(name).find(inSmallLetters(part)) != std::string::npos;
+}
+
+int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
+    const std::vector<std::string> names = allNames(catalogue);
+    std::string near = nearest(wanted, names);
+    constexpr size_t kEnough = 3;                    // Fewer letters are in many names.
+    if (near.empty() && wanted.size() >= kEnough) {  // A part of a name, such as nv12?
+        const auto whole = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+            return holds(name, wanted);
+        });
+        near = whole != names.end() ? *whole : "";
+    }
+    std::fprintf(stderr, "kcodec2_spec: nothing is known about \"%s\".%s\n",
+                 escaped(wanted).c_str(),
+                 near.empty() ? "" : (" Did you mean " + escaped(near) + "?").c_str());
+    return kExitFindings;
+}
+
+struct ExplainArguments {
+    std::string name;
+    bool asPage = false;
+    std::vector<std::string> settingsFiles;
+    DeviceOptions device;
+};
+
+int printSettings(const std::vector<std::string>& settingsFiles) {
+    const std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    std::fputs(settingsPage(*catalogue).c_str(), stdout);
+    return kExitOk;
+}
+
+int explain(const ExplainArguments& arguments) {
+    const std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    const bool isKnown =
+            std::any_of(std::begin(kTopics), std::end(kTopics),
+                        [&](const auto& topic) { return topic(*catalogue, arguments.name); });
+    bool isOnDevice = false;
+    const DeviceOptions& device = arguments.device;
+    if (!device.rootDirectory.empty() || !device.mappings.empty()) {
+        if (!isKnown) {
+            printTitle(arguments.name);
+        }
+        applyDeviceOptions(device);
+        isOnDevice = explainOnDevice(arguments.name);
+    }
+    return isKnown || isOnDevice ? kExitOk : printUnknown(*catalogue, arguments.name);
+}
+
+constexpr char kExplainFooter[] =
+        "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
+        "the id of a check, or a whole line of the log, or words of one "
+        "without its values. With --rootdir it also tells "
+        "which document of that device sets the name, and which one loses.\n"
+        "\n"
+        "Exit codes: 0 known; 1 nothing is known about NAME; 2 wrong usage, or a FILE that cannot "
+        "be read.\n"
+        "\n"
+        "Examples:\n"
+        "  kcodec2_spec explain private_outbuf_fence --rootdir examples/device\n"
+        "  kcodec2_spec explain real-truncated\n"
+        "  kcodec2_spec explain \"Couldn't parse json from file stream\"";
+
+}  // namespace
+
+void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
+    command->add_option("--settings", *files,
+                        "A file in the form of the settings catalogue that adds to it; repeatable")
+            ->type_name("FILE")
+            ->allow_extra_args(false);
+}
+
+void addExplainCommand(CLI::App* app, int* exitCode) {
+    const auto arguments = std::make_shared<ExplainArguments>();
+    CLI::App* const command = app->add_subcommand(
+            "explain", "Tell what a setting, a component, a format, a check or a log line is");
+    command->footer(kExplainFooter);
+    CLI::Option* const name = command->add_option("NAME", arguments->name, "What to explain");
+    command->add_flag("--markdown", arguments->asPage, "Instead of NAME: the catalogue as a page")
+            ->excludes(name);
+    addSettingsOption(command, &arguments->settingsFiles);
+    addDeviceOptions(*command, &arguments->device);
+    command->callback([=] {
+        if (arguments->name.empty() && !arguments->asPage) {
+            throw CLI::RequiredError("NAME");
+        }
+        *exitCode =
+                arguments->asPage ? printSettings(arguments->settingsFiles) : explain(*arguments);
+    });
+}
+
+}  // namespace kc2::tool

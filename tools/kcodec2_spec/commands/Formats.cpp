@@ -1,0 +1,96 @@
+// kcodec2_spec formats: the pixel formats of the video core.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+#include "commands/Commands.h"
+#include "platform/FormatRows.h"
+#include "targetspec/reading/Escaped.h"
+
+namespace kc2::tool {
+
+namespace {
+
+std::string planesOf(const Platform::FormatRow& row) {
+    std::string text;
+    for (const Platform::TamraBufferLayout::PlaneID plane : row.planes) {
+        text += (text.empty() ? "" : " ") + std::string(Platform::planeName(plane));
+    }
+    return text;
+}
+
+void printHeading() {
+    std::printf("%-25s %-10s  %10s  %-6s  %s\n", "NAME", "VALUE", "DECIMAL", "NUMBER", "PLANES");
+}
+
+void printRow(const Platform::FormatRow& row) {
+    std::printf("%-25s 0x%-8X  %10u  %-6u  %s\n", row.name, *row.format, *row.format,
+                row.colorFormat, planesOf(row).c_str());
+}
+
+int printUnknown(const std::string& wanted) {
+    std::vector<std::string_view> names;
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        names.emplace_back(row.name);
+    }
+    std::string near = nearest(wanted, names);
+    if (near.empty() && !toWord(wanted)) {  // A part of a name, such as nv12?
+        std::string part = wanted;
+        std::transform(part.begin(), part.end(), part.begin(),
+                       [](unsigned char c) { return std::toupper(c); });
+        const auto whole = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
+            return name.find(part) != std::string_view::npos;
+        });
+        near = whole != names.end() ? *whole : near;
+    }
+    std::fprintf(stderr, "kcodec2_spec: %s is not a pixel format of the video core.%s\n",
+                 escaped(wanted).c_str(),
+                 near.empty() ? " \"kcodec2_spec formats\" lists them."
+                              : (" Did you mean " + near + "?").c_str());
+    return kExitFindings;
+}
+
+// Case does not count in a name that somebody types.
+bool isMeant(const Platform::FormatRow& row, const std::string& wanted) {
+    return editDistance(wanted, row.name, 0) == 0 || toWord(wanted) == *row.format;
+}
+
+}  // namespace
+
+bool isFormat(const std::string& wanted) {
+    return std::any_of(std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
+                       [&](const Platform::FormatRow& row) { return isMeant(row, wanted); });
+}
+
+int printFormats(const std::string& wanted) {
+    bool isFound = false;
+    for (const Platform::FormatRow& row : Platform::kFormatRows) {
+        if (wanted.empty() || isMeant(row, wanted)) {
+            if (!isFound) {
+                printHeading();
+            }
+            printRow(row);
+            isFound = true;
+        }
+    }
+    return isFound ? kExitOk : printUnknown(wanted);
+}
+
+void addFormatsCommand(CLI::App* app, int* exitCode) {
+    const auto format = std::make_shared<std::string>();
+    CLI::App* const command = app->add_subcommand(
+            "formats", "Print the pixel formats: name, value, colour-format number, planes");
+    command->add_option("FORMAT", *format,
+                        "Only this one: its name, or its value in hexadecimal (0x...) or decimal, "
+                        "as a log line shows it");
+    command->callback([=] { *exitCode = printFormats(*format); });
+}
+
+}  // namespace kc2::tool

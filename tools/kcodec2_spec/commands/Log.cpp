@@ -1,0 +1,69 @@
+// The options of the command "log".
+
+#include "log/Log.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "base/DeviceOptions.h"
+#include "device/DevicePaths.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr char kLogFooter[] =
+        "Reads what logcat prints, in any of its formats, and tells for each load of each process: "
+        "the variant, the documents and why these, what was rejected or skipped, what the store "
+        "then held, what components asked wrongly, and what to do. Where the log proves nothing "
+        "it says what is possible. With --rootdir it reads the documents that were pulled from "
+        "the device, names the place in them of each line, and says where they contradict the "
+        "log; the variant is then the log's own unless --property sets it.\n"
+        "\n"
+        "Exit codes: 0 no error told; 1 an error told; 2 wrong usage, or a FILE that cannot be "
+        "read.\n"
+        "\n"
+        "Examples:\n"
+        "  adb logcat -d | kcodec2_spec log\n"
+        "  kcodec2_spec log logcat.txt --rootdir pulled";
+
+struct LogArguments {
+    std::string file = "-";
+    bool isTable = false;
+    DeviceOptions device;
+    LogOptions options;
+};
+
+}  // namespace
+
+void addLogCommand(CLI::App* app, int* exitCode) {
+    const auto arguments = std::make_shared<LogArguments>();
+    CLI::App* const command = app->add_subcommand(
+            "log", "Tell what a device's log shows of its loads, and what to do");
+    command->footer(kLogFooter);
+    command->add_option("FILE", arguments->file, "The log; - is standard input, the default");
+    command->add_flag("--json", arguments->options.asJson, "Print JSON, for scripts");
+    command->add_flag("--lines", arguments->isTable,
+                      "Print every line that the library writes, as a table, and what it means");
+    addDeviceOptions(*command, &arguments->device);
+    command->callback([arguments, exitCode] {
+        if (arguments->isTable) {
+            *exitCode = printLogLines();
+            return;
+        }
+        const DeviceOptions& device = arguments->device;
+        applyDeviceOptions(device);
+        muteLog();
+        arguments->options.hasTree = !device.rootDirectory.empty() || !device.mappings.empty();
+        arguments->options.isVariantGiven =
+                std::any_of(device.properties.begin(), device.properties.end(),
+                            [](const std::string& property) {
+                                return property.starts_with(std::string(kVariantProperty) + "=");
+                            });
+        *exitCode = tellLog(arguments->file, arguments->options);
+    });
+}
+
+}  // namespace kc2::tool

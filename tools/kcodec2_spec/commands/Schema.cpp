@@ -1,0 +1,42 @@
+// kcodec2_spec schema: the JSON Schema by which an editor knows the documents.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+#include "catalogue/Catalogue.h"
+#include "catalogue/JsonSchema.h"
+#include "commands/Commands.h"
+
+namespace kc2::tool {
+
+namespace {
+
+int printSchema(const std::vector<std::string>& settingsFiles) {
+    const std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    print(schemaOf(*catalogue));
+    return kExitOk;
+}
+
+}  // namespace
+
+void addSchemaCommand(CLI::App* app, int* exitCode) {
+    CLI::App* const command = app->add_subcommand(
+            "schema", "Print a JSON Schema of the documents, for editors (draft-07)");
+    command->footer(
+            "An editor underlines only what check reports as a warning or an error.\n"
+            "\n"
+            "Example:\n"
+            "  kcodec2_spec schema > .vscode/kcodec2_spec.schema.json");
+    auto settingsFiles = std::make_shared<std::vector<std::string>>();
+    addSettingsOption(command, settingsFiles.get());
+    command->callback([=] { *exitCode = printSchema(*settingsFiles); });
+}
+
+}  // namespace kc2::tool

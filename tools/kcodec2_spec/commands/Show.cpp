@@ -1,0 +1,108 @@
+// kcodec2_spec show: the store that TargetSpec::Get() built, and where each value came from.
+
+#include <json/value.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/DeviceOptions.h"
+#include "base/Text.h"
+#include "commands/Commands.h"
+#include "kc2/TargetSpec.h"
+#include "store/Load.h"
+#include "store/StoreSnapshot.h"
+#include "targetspec/reading/Escaped.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr char kShowExample[] =
+        "A document that the device rejects is shown as rejected, and the exit code is 0: it is "
+        "for check to fail.\n"
+        "\n"
+        "Example:\n"
+        "  kcodec2_spec show --rootdir examples/device --property "
+        "vendor.media.target_variant=_orvelle";
+
+void printSections(const Load& load, const std::vector<SnapshotSection>& sections) {
+    std::printf("System spec document  %s\n", escaped(systemSpecStory(load)).c_str());
+    std::printf("Private overlay       %s\n", escaped(overlayStory(load)).c_str());
+    for (const SnapshotSection& section : sections) {
+        std::printf("\n%s (%zu)%s\n", section.title.c_str(), section.entries.size(),
+                    section.entries.empty() ? section.whenEmpty : "");
+        size_t nameWidth = 0;
+        size_t textWidth = 0;
+        for (const SnapshotEntry& entry : section.entries) {
+            nameWidth = std::max(nameWidth, escaped(entry.name).size());
+            textWidth = std::max(textWidth, entry.text.size());
+        }
+        for (const SnapshotEntry& entry : section.entries) {
+            std::printf("  %s  %s%s%s\n", padded(escaped(entry.name), nameWidth).c_str(),
+                        padded(entry.text, textWidth).c_str(), textWidth == 0 ? "" : "  ",
+                        entry.origin.c_str());
+        }
+    }
+}
+
+void printSectionsJson(const Load& load, const std::vector<SnapshotSection>& sections) {
+    Json::Value root;
+    root["systemSpec"]["firstPath"] = load.firstPath;
+    root["systemSpec"]["path"] =
+            load.hasSystemSpec() ? Json::Value(load.systemSpec.path) : Json::Value();
+    root["systemSpec"]["isAccepted"] = load.systemSpec.isAccepted;
+    root["overlay"]["origin"] = load.overlay.origin;
+    root["overlay"]["path"] =
+            load.overlay.path.empty() ? Json::Value() : Json::Value(load.overlay.path);
+    root["overlay"]["isAccepted"] = load.overlay.isAccepted;
+    for (const SnapshotSection& section : sections) {
+        const bool isNamed = section.form == SectionForm::Named;
+        Json::Value& values = root[section.key];
+        values = isNamed ? Json::objectValue : Json::arrayValue;
+        for (const SnapshotEntry& entry : section.entries) {
+            Json::Value item;
+            item["value"] = entry.value;
+            item["from"] = entry.origin;
+            (isNamed ? values[entry.name] : values.append(Json::Value())) = item;
+        }
+    }
+    print(root);
+}
+
+int show(bool asJson) {
+    // Before the load that is shown: on a device that one may seed the private file.
+    muteLog();
+    const Load load = walkLoad();
+    unmuteLog();
+    const TargetSpec* const spec = load.systemSpec.isPipe ? nullptr : TargetSpec::Get();
+    muteLog();
+    const LoadSteps steps = deviceSteps(load);
+    const std::vector<SnapshotSection> sections =
+            spec != nullptr ? sectionsOf(*spec, steps) : loadedSections(steps);
+    unmuteLog();
+    (asJson ? printSectionsJson : printSections)(load, sections);
+    return kExitOk;
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App* app, int* exitCode) {
+    const auto device = std::make_shared<DeviceOptions>();
+    const auto asJson = std::make_shared<bool>(false);
+    CLI::App* const command = app->add_subcommand(
+            "show", "Print the store as a codec component sees it, and where each value came from");
+    command->footer(kShowExample);
+    addDeviceOptions(*command, device.get());
+    addLogOption(*command, device.get());
+    command->add_flag("--json", *asJson, "Print JSON, for scripts");
+    command->callback([=] {
+        applyDeviceOptions(*device);
+        *exitCode = show(*asJson);
+    });
+}
+
+}  // namespace kc2::tool
