@@ -2,9 +2,9 @@
 """Runs each command line that README.md, docs/ and try.sh show: check-commands.py [TOOL]
 
 TOOL is kcodec2_spec of a host build (default: build/dev/kcodec2_spec). Lines of kcodec2_spec, adb and
-mkdir run in a scratch directory that holds what they name; a stand-in plays adb. Of scripts, presets
-and tests, which have their own steps in scripts/test.sh, it looks whether they exist. A line that
-nothing here knows is a mistake. Takes two seconds.
+mkdir run in a scratch directory that contains the files they name; a stand-in replaces adb. What
+README.md shows below a command must be in its output. Scripts, presets and tests, which have their own
+steps in scripts/test.sh, must exist. Any other line is an error. Takes two seconds.
 """
 
 import json
@@ -21,19 +21,19 @@ PAGES = [ROOT / 'README.md', ROOT / 'CONTRIBUTING.md', *sorted((ROOT / 'docs').g
 TOOL = (Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / 'build/dev/kcodec2_spec').resolve()
 FIRST_WORDS = ('kcodec2_spec', 'adb', 'mkdir', 'cmake', 'ctest', 'cpack', 'c++', 'export')
 
-# What a page shows in capitals, and what stands there when it runs.
+# What a page shows in capitals, and what replaces it in the command that runs.
 PLACES = (
     (r'/PREFIX:DIR\b', '/vendor:DIR/vendor'), (r'\bDIR\b', 'device'), (r'=NAME\b', '=_orvelle'),
     (r'--variant NAME\b', '--variant _orvelle'), (r'explain NAME\b', 'explain private_complexity'),
     (r'\bOLD\b', 'old.json'), (r'\bNEW\b', 'new.json'), (r'diff A \[B\]', 'diff old.json new.json'),
     (r'\bFILE\.\.\.', 'new.json'), (r'\[FILE\|-\]', 'logcat.txt'), (r'SHELL\b', 'bash'),
 )
-# Where scripts/try.sh builds the tool, and README.md calls it there.
+# Where scripts/try.sh builds the tool; README.md names it so.
 TRY = 'scripts/try.sh'
 TRIED_TOOL = 'build/run/kcodec2_spec'
-# Run word for word by other checks.
+# Another check runs its commands word for word.
 PACKAGE_PAGE = 'docs/packages.md'
-# In a cross build the placeholders name what only its owner has.
+# The placeholders of a cross build name what only its owner has.
 DEVICE_BUILD = re.compile(r'(cmake -S \. -B build/device|-DCMAKE_TOOLCHAIN_FILE=|cmake --(build|install) build/device)')
 
 ADB = r'''#!/bin/sh
@@ -67,15 +67,27 @@ def shown_in(page):
                 yield number, command
 
 
+def output_shown_in(page):
+    """(line number, command, line of its output) of each line below a command that begins with "$ "."""
+    command = None
+    for number, line in enumerate(page.read_text().split('\n'), 1):
+        if line.startswith('    $ '):
+            command = line.removeprefix('    $ ')
+        elif not line.startswith('    '):
+            command = None
+        elif command and line.strip() != '...':
+            yield number, command, line
+
+
 def shown_by_try():
-    """The same of what scripts/try.sh prints, which its readers repeat."""
+    """The same for what scripts/try.sh prints, which its readers repeat."""
     for number, line in enumerate((ROOT / TRY).read_text().split('\n'), 1):
         if line.startswith('demo '):
             yield number, line.removeprefix('demo ').replace('$tool', TRIED_TOOL)
 
 
 def sandbox(directory):
-    (directory / 'build/bare-device').mkdir(parents=True)  # As try.sh makes and leaves it.
+    (directory / 'build/bare-device').mkdir(parents=True)  # As try.sh leaves it.
     shutil.copytree(ROOT / 'examples/device', directory / 'device')
     for name in ('private_x', 'private_y'):
         document = {'Video': {'Features': {name: True}, 'codecs-available': {'decoders': ['c2.a.b.decoder']}}}
@@ -92,14 +104,18 @@ def sandbox(directory):
     (programs / 'adb').chmod(0o755)
 
 
-def run(command, directory):
-    """What is wrong with a command of the tool or of adb; None when it does what it should."""
+def result_of(command, directory):
     for pattern, place in PLACES:
         command = re.sub(pattern, place, command)
     environment = {**os.environ, 'PATH': f'{directory}/bin:{os.environ["PATH"]}'}
-    result = subprocess.run(['bash', '-o', 'pipefail', '-c', command], cwd=directory, env=environment, text=True,
-                            capture_output=True, stdin=subprocess.DEVNULL, check=False)
-    # 1 is an answer: findings, differences.
+    return subprocess.run(['bash', '-o', 'pipefail', '-c', command], cwd=directory, env=environment, text=True,
+                          capture_output=True, stdin=subprocess.DEVNULL, check=False)
+
+
+def run(command, directory):
+    """What is wrong with a command of the tool or of adb; None when nothing is."""
+    result = result_of(command, directory)
+    # 1 is not a failure: there are findings, or differences.
     return None if result.returncode in (0, 1) else f'exit {result.returncode}: {result.stderr.strip()}'
 
 
@@ -118,9 +134,9 @@ def what_is_wrong(command, directory):
     word = command.split()[0]
     if word.startswith('scripts/'):
         return None if os.access(ROOT / word.rstrip('.,'), os.X_OK) else 'no such script'
-    if command == 'adb' or command.startswith('kcodec2_spec: '):  # A name, and a comment in a document.
+    if command == 'adb' or command.startswith('kcodec2_spec: '):  # A name; a comment in a document.
         return None
-    if re.fullmatch(r'kcodec2_spec( [a-z]+)?', command):  # A command is named, not given in full.
+    if re.fullmatch(r'kcodec2_spec( [a-z]+)?', command):  # The name of a command.
         return run(f'{command} --help', directory)
     if word in ('kcodec2_spec', 'adb', 'mkdir'):
         return run(command, directory)
@@ -134,6 +150,18 @@ def what_is_wrong(command, directory):
             return f'no preset {unknown[0]}'
         return None if not pattern or tests_named(pattern.group(1)) else f'no test {pattern.group(1)}'
     return 'nothing runs this line'
+
+
+def wrong_output(page, directory):
+    """The lines of output that the page shows and the tool does not print, and how many it shows."""
+    wrong = []
+    count = 0
+    for number, command, line in output_shown_in(page):
+        count += 1
+        output = result_of(command.replace(TRIED_TOOL, 'kcodec2_spec'), directory).stdout
+        if line.removeprefix('    ') not in output.split('\n'):
+            wrong.append(f'{page.name}:{number}: the tool does not print this line: {line.strip()}')
+    return wrong, count
 
 
 def main():
@@ -151,6 +179,12 @@ def main():
                 problem = what_is_wrong(command, directory)
                 if problem:
                     wrong.append(f'{page.relative_to(ROOT)}:{number}: {command}: {problem}')
+        wrong_lines, shown = wrong_output(ROOT / 'README.md', directory)
+        wrong += wrong_lines if shown else ['README.md shows no output']
+        planted = directory / 'planted.md'
+        planted.write_text('    $ kcodec2_spec --version\n    no such line\n')
+        if wrong_output(planted, directory)[0] == []:
+            wrong.append('planted, and not noticed: a line that is not in the output')
         for fault in ('kcodec2_spec chek DIR', 'kcodec2_spec show --rotdir DIR', 'scripts/check-nothing.sh',
                       'ctest --preset none', 'ctest --preset dev -R NoSuchTest', 'cmake --instal x'):
             if not what_is_wrong(fault, directory):
@@ -158,7 +192,7 @@ def main():
     for line in wrong:
         print(f'check-commands: {line}', file=sys.stderr)
     if not wrong and count > 50:
-        print(f'check-commands: {count} command lines are as the pages show them')
+        print(f'check-commands: {count} command lines and {shown} lines of output are as the pages show them')
     sys.exit(1 if wrong or count <= 50 else 0)
 
 

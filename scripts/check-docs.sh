@@ -1,9 +1,9 @@
 #!/bin/sh
 # Builds the API reference of the exported headers; a warning is an error. Checks that the pages quote
-# the limits as they are, link only to files that exist, and are all in docs/README.md:
+# the limits correctly and link only to files that exist, and that README.md lists every page:
 # check-docs.sh [OUTPUT-DIRECTORY]
 #
-# The reference is left in OUTPUT-DIRECTORY/html when one is given. Needs doxygen. Takes a second.
+# With OUTPUT-DIRECTORY, the reference stays in OUTPUT-DIRECTORY/html. Needs doxygen. Takes a second.
 set -eu
 
 cd "$(dirname "$0")/.."
@@ -56,7 +56,7 @@ echo "Links between the documents"
 broken=0
 for document in docs/*.md ./*.md; do
     [ -f "$document" ] || continue
-    # Relative targets, without the part behind "#".
+    # Relative targets, without "#" and what follows.
     targets=$(grep -o '](\([^)#:]*\)[^):]*)' "$document" | sed 's/^](//; s/[#)].*//') || true
     for target in $targets; do
         if [ ! -e "$(dirname "$document")/$target" ]; then
@@ -67,8 +67,8 @@ for document in docs/*.md ./*.md; do
 done
 for document in docs/*.md; do
     name=$(basename "$document")
-    [ "$name" = README.md ] || grep -q "]($name)" docs/README.md || {
-        echo "check-docs: docs/README.md does not list $name" >&2
+    [ "$name" = README.md ] || grep -q "](docs/$name)" README.md || {
+        echo "check-docs: README.md does not list docs/$name" >&2
         broken=1
     }
 done
