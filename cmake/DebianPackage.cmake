@@ -1,5 +1,5 @@
-# What `cpack` packs for Debian: the library, the files to develop against it, and the tool, each as a
-# package, with what they need found by dpkg's own means.
+# What `cpack` packs for Debian: the library, the development files and the tool, each as a package.
+# dpkg's own programs find the dependencies.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kcodec2-platform)
@@ -11,7 +11,7 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE gzip)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The components share no directory of their own, so that dpkg-shlibdeps must be told of the library.
+# Each component is packed from a separate directory, so dpkg-shlibdeps needs the library's.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_BINARY_DIR} ${CMAKE_BINARY_DIR}/hostplatform)
 set(CPACK_COMPONENTS_ALL library development tool)
 
@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION devel)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The platform library, and its stand-ins for a device")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, and files for CMake and pkg-config")
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "Shows and checks system spec documents")
-# The three are of one build: none works with another version of the library.
+# All three are from one build: none works with another version of the library.
 set(same_library "libkcodec2-platform (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${same_library}")
 # The targets that CMake finds name the tool, too.

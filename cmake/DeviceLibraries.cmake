@@ -1,12 +1,12 @@
 # What a device build links: the device's liblog and libkcodec2_base. Sets KC2_LIBLOG,
-# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (where <android/log.h> lies), and KC2_HAS_LIBLOG where the
-# first is the real one.
+# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (the directory of <android/log.h>), and KC2_HAS_LIBLOG when
+# the first is the real one.
 #
-# Where a library is not at hand, an empty one of the same name is built to link against, as the NDK
+# When a library is not installed, an empty one of the same name is built to link against, as the NDK
 # does for the platform's libraries: the result is the device's binary, but runs only on a device.
 
-# Debian's package of liblog (android-liblog-dev) has directories to itself. It is built on libstdc++,
-# which must not come into a process with libc++.
+# Debian's liblog (android-liblog-dev) is in separate directories. It uses libstdc++, which must not be
+# loaded into a process with libc++.
 include(CheckCXXSymbolExists)
 check_cxx_symbol_exists(_LIBCPP_VERSION version KC2_USES_LIBCXX)
 if(NOT KC2_USES_LIBCXX AND NOT KC2_PHONE_JSONCPP)
@@ -30,7 +30,7 @@ function(kc2_link_stub variable name)
         target_include_directories(kcodec2_stub_${name} SYSTEM PRIVATE ${KC2_ANDROID_INCLUDE})
         set_target_properties(kcodec2_stub_${name} PROPERTIES
             OUTPUT_NAME ${name} LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/linkstubs)
-        # By its file: the installed package must not ask for the empty library.
+        # By file: the installed package must not require the empty library.
         add_dependencies(kcodec2_platform kcodec2_stub_${name})
         set(${variable} $<TARGET_FILE:kcodec2_stub_${name}> PARENT_SCOPE)
     endif()

@@ -1,5 +1,5 @@
-# What `cmake --install` lays out: the library and its headers, the stand-ins and the tool where the
-# build has them, and the files by which CMake and pkg-config find them.
+# What `cmake --install` installs: the library and its headers, the stand-ins and the tool if the build
+# has them, and the files with which CMake and pkg-config find them.
 
 include(CMakePackageConfigHelpers)
 
@@ -12,7 +12,7 @@ install(DIRECTORY include/kc2 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT 
 set_target_properties(kcodec2_platform PROPERTIES EXPORT_NAME platform)
 
 if(KC2_PLATFORM STREQUAL "host")
-    # A separate directory: nothing that runs on a device may find this header by accident.
+    # In a separate directory: nothing that is built for a device may find this header by accident.
     set(hostplatform_include ${CMAKE_INSTALL_INCLUDEDIR}/kcodec2-hostplatform)
     install(FILES hostplatform/HostPlatform.h DESTINATION ${hostplatform_include}/hostplatform
         COMPONENT development)
@@ -20,7 +20,7 @@ if(KC2_PLATFORM STREQUAL "host")
         INTERFACE $<INSTALL_INTERFACE:${hostplatform_include}>)
     target_compile_features(kcodec2_hostplatform INTERFACE cxx_std_17)
     set_target_properties(kcodec2_hostplatform PROPERTIES EXPORT_NAME hostplatform)
-    # The library finds the stand-ins beside it, wherever the package is put.
+    # The library finds the stand-ins in its own directory, wherever the package is moved.
     set_target_properties(kcodec2_platform PROPERTIES INSTALL_RPATH "$ORIGIN")
     list(APPEND exported_targets kcodec2_hostplatform)
     if(TARGET kcodec2_spec)
@@ -64,7 +64,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${PROJECT_NAME}-config.cmake
 
 # --- pkg-config -----------------------------------------------------------------------------------
 
-# Relative to the file, so that the package may be moved.
+# Relative to the file, so that the package can be moved.
 file(RELATIVE_PATH pkgconfig_to_prefix
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" pkgconfig_to_prefix ${pkgconfig_to_prefix})

@@ -1,5 +1,5 @@
 # How a phone's build compiles and links: Clang, libc++, the platform's code-generation flags, and a
-# JsonCpp for libc++. For everything in the tree, since one process has one C++ library.
+# JsonCpp for libc++. It applies to the whole tree, since a process can have only one C++ library.
 
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     message(FATAL_ERROR "KC2_PHONE_JSONCPP needs Clang, not ${CMAKE_CXX_COMPILER_ID}")
@@ -10,18 +10,18 @@ execute_process(COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/scripts/build-phone-librarie
 set(phone_libraries ${CMAKE_CURRENT_SOURCE_DIR}/build/phone-libraries)
 list(PREPEND CMAKE_PREFIX_PATH ${phone_libraries}/${KC2_PHONE_JSONCPP}
                                ${phone_libraries}/googletest)
-# The transitive kind of run path: the device's own library has none, and without this one the
-# loader would take Debian's JsonCpp for it.
+# The transitive kind of run path: the device's own library has none, and without it the loader would
+# load Debian's JsonCpp.
 list(APPEND CMAKE_BUILD_RPATH ${phone_libraries}/${KC2_PHONE_JSONCPP}/lib)
 add_link_options(-Wl,--disable-new-dtags)
 
-# Questions about the compiler are asked with the same C++ library.
+# CMake's checks of the compiler use the same C++ library.
 set(CMAKE_REQUIRED_FLAGS -stdlib=libc++)
 
 add_compile_options(
     -stdlib=libc++ -ftrivial-auto-var-init=zero -fstack-protector-strong -fno-strict-aliasing
     -ffunction-sections -fdata-sections -flto=thin)
-if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 16)  # Which take it for an experiment.
+if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 16)  # There it is experimental.
     add_compile_options(
         -enable-trivial-auto-var-init-zero-knowing-it-will-be-removed-from-clang)
 endif()

@@ -1,10 +1,10 @@
 #!/bin/sh
-# Builds for libc++ what the presets "phone*" link, under build/phone-libraries; once, takes half a
-# minute. CMake runs it for these presets.
+# Builds the libraries that the presets "phone*" link, for libc++, under build/phone-libraries. CMake
+# runs it for these presets. Takes half a minute, the first time only.
 #
-# Debian's JsonCpp and GoogleTest are built for libstdc++. A phone has a JsonCpp without exceptions,
-# whose file name has no version, and whose later releases stop at 256 nested containers. Two are
-# built from Debian's sources:
+# Debian's JsonCpp and GoogleTest are built for libstdc++. A phone's JsonCpp has no exceptions and no
+# version in its file name, and its later releases stop at 256 nested containers. Two are built from
+# Debian's sources:
 # - no-exceptions: beyond that limit it ends the process;
 # - exceptions: beyond that limit it throws. Json::Reader is deprecated, as in later releases.
 # Needs clang, libc++-dev, libc++abi-dev, googletest, cmake, ninja-build.

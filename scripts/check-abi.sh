@@ -1,9 +1,9 @@
 #!/bin/sh
-# Compares the device binary's interface with the reference dump in tests/binary, as a component that
-# is compiled already would meet it: exports, types, layout. check-abi.sh [--update]
+# Compares the device binary's interface with the reference dump in tests/binary, so that compiled
+# components keep working: exports, types, layout. check-abi.sh [--update]
 #
-# Builds the library with debug information and libc++, as a phone has it. JsonCpp stays open in it:
-# the packaged one has libstdc++'s types. --update writes the dump anew. Needs abidw and abidiff
+# Builds the library with debug information and libc++, as on a phone, and without linking JsonCpp,
+# since Debian's has libstdc++'s types. --update rewrites the dump. Needs abidw and abidiff
 # (abigail-tools), Clang with libc++, lld, cmake and ninja.
 set -eu
 cd "$(dirname "$0")/.."
@@ -19,8 +19,8 @@ esac
 
 echo "Building the device's library with debug information"
 mkdir -p "$build"
-# With link-time optimisation a class is described once. Otherwise abidw knows a class as the first
-# source file has it, and not the functions that later ones define.
+# With link-time optimisation, a class is described once. Without it, abidw knows a class as the first
+# source file has it, without the functions that later files define.
 {
     cmake -S . -B "$build" -G Ninja -DKC2_PLATFORM=device -DBUILD_TESTING=OFF \
         -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
@@ -29,8 +29,8 @@ mkdir -p "$build"
         cmake --build "$build" --target kcodec2_platform
 } > "$build/log" 2>&1 || { cat "$build/log"; exit 1; }
 
-# Types from outside the exported headers are kept by name alone: another release of the C++ library
-# may call its own members otherwise. Their sizes show in the offsets around them.
+# Of types from outside the exported headers, only the name is kept: the names of their members change
+# between releases of the C++ library. Their sizes show in the offsets around them.
 cat > "$build/suppressions" << 'SUPPRESSIONS'
 [suppress_type]
   name_regexp = ^std::
@@ -40,7 +40,7 @@ abidw --suppressions "$build/suppressions" --headers-dir include --drop-private-
     --drop-undefined-syms --no-elf-needed --no-comp-dir-path --no-corpus-path --no-show-locs \
     --type-id-style hash --out-file "$current" "$build/libkcodec2_platform.so"
 
-# An export without a type would pass as unchanged whatever became of it.
+# An export without a type would always pass as unchanged.
 for symbol in $(sed -n "s/.*<elf-symbol name='\([^']*\)'.*is-defined='yes'.*/\1/p" "$current"); do
     grep -q "mangled-name='$symbol'" "$current" || {
         echo "check-abi: the dump has no type for $symbol" >&2
@@ -49,14 +49,14 @@ for symbol in $(sed -n "s/.*<elf-symbol name='\([^']*\)'.*is-defined='yes'.*/\1/
 done
 
 if [ $# -eq 1 ]; then
-    sed "s#path='$PWD/#path='#" "$current" > "$dump"  # Wherever the tree lies.
-    echo "check-abi: $dump is written; say in CHANGELOG.md, in the same commit, what changed for" \
+    sed "s#path='$PWD/#path='#" "$current" > "$dump"  # The same in every directory.
+    echo "check-abi: $dump is written; say in CHANGELOG.md, in the same commit, what changes for" \
         "components that are compiled already"
     exit 0
 fi
 
 if ! abidiff --harmless "$dump" "$current"; then
-    echo "check-abi: components that are compiled already would notice the changes above." \
+    echo "check-abi: compiled components would notice the changes above." \
         "If they are wanted: scripts/check-abi.sh --update, and a line in CHANGELOG.md in the" \
         "same commit" >&2
     exit 1

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Checks what Soong cannot know of the Android.bp files: their layout, and that they build the
+"""Checks what Soong does not check in the Android.bp files: their format, and that they build the
 sources that CMake builds.
 
-Asks Soong for its sources (scripts/soong/platform_tree.py) and CMake for its own, without building
-either. Needs bpfmt (blueprint-tools), too. Prints a line for each check, ends with 1 when one fails.
+Gets the sources from Soong (scripts/soong/platform_tree.py) and from CMake, and builds nothing. Also
+needs bpfmt (blueprint-tools). Prints a line for each check, and exits with 1 when one fails.
 """
 
 import json
@@ -15,7 +15,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parent / "soong"))
 from platform_tree import BOTH, BUILD, OURS, ROOT, PlatformTree, fail, run  # noqa: E402
 
 GENERATED = "EmbeddedDocuments.cpp"
-# A title, modules of Soong, CMake targets. A new target needs a line.
+# A title, Soong modules, CMake targets. A new target needs a line.
 LIBRARY = ("kcodec2_reading", "kcodec2_objects")
 GROUPS = (
     ("the library", ("libkcodec2_platform", "libkcodec2_reading"), (*LIBRARY, "kcodec2_platform")),
@@ -38,7 +38,7 @@ def soong_sources(tree, modules):
 
 
 def cmake_sources():
-    """The sources of each target of a device build, as CMake's file API tells them."""
+    """The sources of each target of a device build, from CMake's file API."""
     build = BUILD / "cmake"
     query = build / ".cmake/api/v1/query/codemodel-v2"
     query.parent.mkdir(parents=True, exist_ok=True)

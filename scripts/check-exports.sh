@@ -39,7 +39,7 @@ nm=${3:-nm}
     END {
         for (i = 1; i <= patterns; ++i) {
             if (matches[i] != 1) {
-                print map ": " pattern[i] " matches " matches[i] + 0 " exported symbols, not one"
+                print map ": " pattern[i] " matches " matches[i] + 0 " exported symbols instead of one"
                 failed = 1
             }
         }

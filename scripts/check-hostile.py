@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Hostile documents for the library and the tool: check-hostile.py BUILD-DIRECTORY
 
-Puts every hostile value into every place of a complete document, tears the document off at every
-byte, flips each byte, and nests deeper than anything allows. None may stop a process, hang it, or
-put a control character on a terminal; the tool must reject what the library rejects, with a reason.
+Puts every hostile value into every place of a complete document, cuts the document off at every byte,
+flips each byte, and nests deeper than any limit. None may stop a process, hang it, or print a control
+character; the tool must reject what the library rejects, with a reason.
 """
 
 import json
@@ -52,7 +52,7 @@ def places(value, path=()):
 
 
 def with_hole(path, is_name):
-    """The complete document as text, around the place that the path names."""
+    """The complete document as text, cut in two at the place that the path names."""
     document = json.loads(json.dumps(COMPLETE))
     container = document
     for key in path[:-1]:
@@ -106,7 +106,7 @@ def check_with_tool(tool, files):
     run = subprocess.run([tool, "check", *files], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                          timeout=300)
     if run.returncode not in (0, 1):
-        if len(files) > 1:  # Which one is it?
+        if len(files) > 1:  # Find the one.
             return set().union(*(check_with_tool(tool, [file]) for file in files))
         fail(f"{tool} check ended with {run.returncode} on {shown(files[0])}:\n{run.stdout!r}")
     control = re.search(rb"[\x00-\x09\x0b-\x1f\x7f]|\xc2[\x80-\x9f]", run.stdout)
@@ -139,7 +139,7 @@ def main():
                 rejected |= check_with_tool(build / "kcodec2_spec", files[start:start + 200])
         for file, verdict in zip(files, verdicts):
             if with_tool and (file in rejected) != (verdict == "rejected"):
-                fail(f"the library {verdict} what the tool calls otherwise: {shown(file)}")
+                fail(f"the library {verdict} this document, and the tool does not agree: {shown(file)}")
     count = verdicts.count("rejected")
     if not 0 < count < len(files):
         fail("the documents are all rejected, or all accepted")

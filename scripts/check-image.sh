@@ -1,5 +1,5 @@
 #!/bin/sh
-# Builds examples/image with CMake on an installed package: good documents are laid out, a broken
+# Builds examples/image with CMake and an installed package: good documents are installed, and a broken
 # one fails the build: check-image.sh [BUILD-DIRECTORY], of a host build (default: build/dev).
 set -eu
 

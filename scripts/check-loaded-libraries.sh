@@ -2,8 +2,8 @@
 # Checks that programs of a phone's build load libc++ and the JsonCpp that was built for it, and
 # neither libstdc++ nor Debian's JsonCpp: check-loaded-libraries.sh JSONCPP-DIRECTORY PROGRAM...
 #
-# When a file name differs by a little, the loader takes Debian's without a word; the program then
-# mostly works, and proves nothing about a phone.
+# When a file name is slightly wrong, the loader silently uses Debian's library. The program then mostly
+# works, but proves nothing about a phone.
 set -eu
 
 expected=$1
@@ -12,7 +12,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 for program in "$@"; do
-    # The loader's own account, which has what the program loads later, too.
+    # From the loader itself, so that what the program loads later is included.
     LD_DEBUG=files LD_DEBUG_OUTPUT="$work/loader" "$program" --help > /dev/null 2>&1 < /dev/null || {
         echo "check-loaded-libraries.sh: $program --help failed" >&2
         exit 1
@@ -30,5 +30,5 @@ for program in "$@"; do
             exit 1
         }
     done
-    echo "$program loads what a phone's would"
+    echo "$program loads the libraries of a phone"
 done

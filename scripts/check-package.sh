@@ -1,12 +1,12 @@
 #!/bin/sh
-# Installs a build into a scratch directory, moves it, and lets a consumer outside the tree stand on
-# it, through CMake and through pkg-config: check-package.sh [BUILD-DIRECTORY]
+# Installs a build into a scratch directory, moves it, and builds a consumer outside the tree against
+# it, with CMake and with pkg-config: check-package.sh [BUILD-DIRECTORY]
 #
 # The build directory is one of a host build (default: build/dev). Needs cmake, ninja, pkg-config
 # and a C++ compiler. Takes ten seconds.
 set -eu
 
-export CMAKE_GENERATOR=Ninja  # Which the packages for the tests bring; make need not be there.
+export CMAKE_GENERATOR=Ninja  # Installed for the tests; make may be missing.
 source=$(cd "$(dirname "$0")/.." && pwd)
 build=$(realpath "${1:-$source/build/dev}")
 scratch=$(mktemp -d)
@@ -21,13 +21,13 @@ quietly() {
     "$@" > "$scratch/log" 2>&1 || { cat "$scratch/log" >&2; fail "failed: $*"; }
 }
 
-# run_consumer PROGRAM: it runs, and prints what it must.
+# run_consumer PROGRAM: it must run and print the expected text.
 run_consumer() {
     "$1" 2> "$scratch/log" > "$scratch/output" || fail "decoder_setup failed"
-    diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "other output"
+    diff "$scratch/consumer/decoder_setup.expected" "$scratch/output" || fail "the output differs"
 }
 
-# program_in DOCUMENT: the C++ program that it shows.
+# program_in PAGE: the C++ program that it shows.
 program_in() {
     sed -n '/^```cpp$/,/^```$/p' "$source/$1" | sed '/^```/d'
 }
@@ -39,7 +39,7 @@ mv "$scratch/first-place" "$prefix"
 
 echo "Headers: the seven of the library, and the stand-ins' one in a separate directory"
 (cd "$prefix/include" && find . -type f | LC_ALL=C sort) > "$scratch/headers"
-diff - "$scratch/headers" << HEADERS || fail "other headers are installed than these"
+diff - "$scratch/headers" << HEADERS || fail "the installed headers are not these"
 ./kc2/FileDescriptor.h
 ./kc2/IonInfo.h
 ./kc2/KC2PlatformVersion.h
@@ -59,14 +59,14 @@ if readelf -d "$libraries"/*.so | grep -E '(RPATH|RUNPATH).*\[[^]]*/'; then
     fail "a library looks for others in a directory of this machine"
 fi
 
-echo "A consumer outside the tree, through CMake"
+echo "A consumer outside the tree, with CMake"
 cp -r "$source/examples/consumer" "$scratch/consumer"
 quietly cmake -S "$scratch/consumer" -B "$scratch/consumer-build" -DCMAKE_PREFIX_PATH="$prefix"
 quietly cmake --build "$scratch/consumer-build"
 run_consumer "$scratch/consumer-build/decoder_setup"
 (cd "$scratch/consumer-build" && quietly ctest --output-on-failure --no-tests=error)
 
-echo "The same consumer, through pkg-config"
+echo "The same consumer, with pkg-config"
 PKG_CONFIG_PATH=$libraries/pkgconfig
 export PKG_CONFIG_PATH
 for program in decoder_setup decoder_setup_test; do
@@ -79,7 +79,7 @@ LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consu
 
 echo "The program in docs/components.md is the consumer's"
 program_in docs/components.md | diff - "$source/examples/consumer/decoder_setup.cpp" ||
-    fail "another program"
+    fail "the programs differ"
 
 echo "The program of the README"
 program_in README.md > "$scratch/readme.cpp"
@@ -88,7 +88,7 @@ quietly "${CXX:-c++}" -std=c++17 "$scratch/readme.cpp" -o "$scratch/readme" \
     $(pkg-config --cflags --libs kcodec2_platform)
 LD_LIBRARY_PATH=$libraries quietly "$scratch/readme"
 
-echo "One version everywhere, and a consumer that asks for another one is told"
+echo "One version everywhere, and a consumer that requires another one does not configure"
 version=$(sed -n 's/^#define KC2_VERSION "\(.*\)"/\1/p' "$source/platform/Version.h")
 for module in kcodec2_platform kcodec2_hostplatform; do
     found=$(pkg-config --modversion $module)
@@ -102,24 +102,24 @@ if cmake -S "$scratch/consumer" -B "$scratch/other-build" -DCMAKE_PREFIX_PATH="$
 fi
 grep -q "version: $version" "$scratch/log" || fail "the message does not name version $version"
 
-# check_tool PREFIX: the tool runs, and what it tells of itself is beside it and in order.
+# check_tool PREFIX: the tool runs, and its manual page, schema and completions are installed and valid.
 check_tool() {
     tool=$1/bin/kcodec2_spec
     quietly "$tool" --help
     page=$1/share/man/man1/kcodec2_spec.1
-    "$tool" man | cmp - "$page" || fail "the manual page is another one than the tool prints"
+    "$tool" man | cmp - "$page" || fail "the manual page is not what the tool prints"
     groff -man -Tascii -P-cbou -ww "$page" > "$scratch/page" 2> "$scratch/log"
     [ ! -s "$scratch/log" ] || { cat "$scratch/log" >&2; fail "the manual page has mistakes"; }
-    "$tool" schema | cmp - "$1/share/kcodec2/kcodec2_spec.schema.json" || fail "another schema"
+    "$tool" schema | cmp - "$1/share/kcodec2/kcodec2_spec.schema.json" || fail "the schema is not what the tool prints"
     [ -s "$1/share/kcodec2/vscode-settings.json" ] || fail "no settings for the editor"
     for option in $("$tool" check --help | grep -o '^ *--[a-z-]*'); do
         grep -q -e "$option" "$scratch/page" || fail "the manual page lacks $option"
     done
     check_bash "$1/share/bash-completion/completions/kcodec2_spec"
-    zsh -n "$1/share/zsh/site-functions/_kcodec2_spec" || fail "zsh does not read the completions"
+    zsh -n "$1/share/zsh/site-functions/_kcodec2_spec" || fail "zsh cannot read the completions"
 }
 
-# check_bash FILE: what it offers at the end of a command line, a line each.
+# check_bash FILE: what it offers at the end of each command line.
 check_bash() {
     bash -u -c '
         cd "$2"; . "$1"; wrong=0
@@ -135,7 +135,7 @@ check_bash() {
         offers "kcodec2_spec check decoder_setup.c" "decoder_setup.cpp"
         offers "kcodec2_spec show --rootdir d" "device"
         offers "kcodec2_spec completion z" "zsh"
-        exit $wrong' bash "$1" "$source/examples/consumer" || fail "bash offers other words"
+        exit $wrong' bash "$1" "$source/examples/consumer" || fail "bash does not offer the expected words"
 }
 
 if [ -x "$prefix/bin/kcodec2_spec" ]; then
@@ -155,7 +155,7 @@ ln -s "$build" "$scratch/tree/build/run"
 [ "$(grep -c '^decoder_setup$\|^c2.kvx.hevc.decoder: on' "$scratch/log")" -ge 2 ] ||
     fail "the consumer did not run twice"
 
-echo "Debian packages: unpacked, used"
+echo "The Debian packages, unpacked and used"
 for package in "$scratch"/tree/build/debian/*.deb; do
     quietly dpkg-deb --extract "$package" "$scratch/unpacked"
     dpkg-deb --field "$package" Package Depends

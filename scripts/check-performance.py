@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Counts what the library costs, beside the floor of each operation, and fails above a limit.
+"""Counts the instructions of each operation and of its floor, and fails above a limit.
 
-Prints the tables of docs/performance.md. The counts repeat to a few per mille, however busy the
-machine is. Needs valgrind and binutils, and the preset "bench" built. Takes some minutes.
+Prints the tables of docs/performance.md. The counts vary by a few per mille, however busy the machine
+is. Needs valgrind and binutils, and the preset "bench" built. Takes some minutes.
 
 usage: check-performance.py [BUILD-DIRECTORY [DIRECTORY-FOR-DUMPS]]
 """
@@ -18,20 +18,20 @@ ROOT = Path(__file__).resolve().parent.parent
 LIBRARIES = ("libkcodec2_platform.so", "libkcodec2_floors.so", "libkcodec2_hostplatform.so")
 
 # The limits, as multiples of the floor. A load's floor is the parse of the same bytes; the first
-# limit whose pattern is in the document's name holds. "first Get" also reads its files.
+# limit whose pattern is in the document's name applies. "first Get" also reads its files.
 QUERY_LIMIT = 1.10
 GET_LIMIT = 4  # Instructions that Get() and getDVConfigs() may add to reading a pointer.
 LOAD_LIMITS = (("defaults/", 1.25), ("device/vendor/etc/media/", 1.36), ("device/", 1.31),
                ("100000 ", 1.40), ("10000 ", 1.40), ("", 1.33))
 FIRST_GET_LIMIT = 1.18
 LINEAR_LIMIT = 1.20  # Rise of the cost per entry from 1,000 entries on: the maps get deeper.
-CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, beside the parse.
+CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
 FINDINGS = 20000
-ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
-FINDING_LIMIT = 1024  # Bytes that the process has on the heap, for each of them.
+ONE_LINE_LIMIT = 1.5  # Findings in one line, compared with as many on separate lines.
+FINDING_LIMIT = 1024  # Bytes of heap for each finding.
 
-# The sections of a generated document: which entries of ten go there, about as a real document
-# spreads them, and how one reads.
+# The sections of a generated document: which of ten entries are in each, about as in a real document,
+# and the form of an entry.
 SECTIONS = (
     ("Features", "{}", "01", '"private_enc_feature_%d": true'),
     ("Presets", "{}", "2345", '"private_max_supported_preset_%d": %d00'),
@@ -163,7 +163,7 @@ def report_operations(instructions, allocations):
 
 def report_loads(names, instructions, scratch):
     rows = []
-    # The one path of a load is the same for every document.
+    # The path of a load is the same for every document.
     walks = count_walks(f"load {names[0]}", scratch)
     for name in names:
         cost, parse = instructions[f"load {name}"] - walks, instructions[f"load {name}/floor"]
@@ -277,7 +277,7 @@ def main():
                 scratch / file)
         run("objcopy", "--strip-all", build / LIBRARIES[0], scratch / "stripped.so")
         names = write_documents(scratch / "documents")
-        # As bench/Bench.h asks for: the largest document of a person first.
+        # As bench/Bench.h requires: the largest hand-written document first.
         first = ("defaults/built_in_document_3.json", names[0], "100 entries")
         command = (scratch / "kcodec2_bench", scratch / "device", *first,
                    *(name for name in names if name not in first))

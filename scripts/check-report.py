@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Opens the page of "kcodec2_spec report" in a browser: check-report.py [BUILD-DIRECTORY]
 
-Nothing on its console, no request, no name of a document that runs; filter and "Only differences"
-do what they say, and the page can be read without a script, in the dark, on paper, by keyboard and
-by a screen reader. Then faults are planted, which these checks must find. Needs chromium. Takes a
-few seconds. With --picture FILE.png it takes the README's picture instead.
+The console must be empty, nothing may be requested, and no name from a document may run. The filter
+and "Only differences" must work, and the page must be readable without scripts, in dark mode, on
+paper, by keyboard and with a screen reader. Then faults are planted, which these checks must find.
+Needs chromium. Takes a few seconds. With --picture FILE.png it takes the README's picture instead.
 """
 
 import base64
@@ -31,7 +31,7 @@ HOSTILE_NAMES = (
     f"javascript:{RUN}", "]]><!DOCTYPE x>", "a\nb\r\n\tc",
 )
 
-# What the page is made of. A name that became an element is none of these, or one too many.
+# The elements of the page. A name that became an element is of another kind, or one too many.
 PROBE = """(() => {
     const count = (what) => document.querySelectorAll(what).length;
     const faults = [];
@@ -67,13 +67,13 @@ PROBE = """(() => {
     return faults;
 })()"""
 
-# The least contrast of a text and what is behind it.
+# The lowest contrast of a text with its background.
 CONTRAST = """(() => {
     const channels = (colour) => colour.match(/[0-9.]+/g).map(Number);
     const light = (colour) => channels(colour).slice(0, 3).map((c) => c / 255)
         .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
         .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
-    const behind = (element) => {
+    const backgroundOf = (element) => {
         for (; element; element = element.parentElement) {
             const colour = getComputedStyle(element).backgroundColor;
             if (channels(colour)[3] !== 0) return colour;
@@ -84,7 +84,7 @@ CONTRAST = """(() => {
     for (const element of document.querySelectorAll("body *:not(svg *):not(script):not(.skip)")) {
         const hasText = [...element.childNodes].some((n) => n.nodeType === 3 && n.data.trim());
         if (hasText && element.checkVisibility()) {
-            const pair = [light(getComputedStyle(element).color), light(behind(element))];
+            const pair = [light(getComputedStyle(element).color), light(backgroundOf(element))];
             const ratio = (Math.max(...pair) + 0.05) / (Math.min(...pair) + 0.05);
             if (ratio < least[0]) least = [ratio, element.outerHTML.slice(0, 80)];
         }
@@ -97,7 +97,7 @@ SHOWN_ROWS = """[...document.querySelectorAll(".matrix .row")]
 
 
 class Browser:
-    """Chromium, by its debugging pipe: messages of JSON, each ended by a zero byte."""
+    """Chromium, through its debugging pipe: JSON messages, each ended by a zero byte."""
 
     def __init__(self, scratch):
         to_read, self.to_write = os.pipe()
@@ -155,7 +155,7 @@ class Browser:
         self.call("Page.navigate", url=self.page)
         while not any(event["method"] == "Page.loadEventFired" for event in self.events):
             self.events.append(self.receive())
-        self.value("0")  # What the page's own script has caused is known by then.
+        self.value("0")  # By then the page's own script has run.
 
     def value(self, expression):
         answer = self.call("Runtime.evaluate", expression=expression, returnByValue=True)
@@ -170,7 +170,7 @@ class Browser:
         self.call("Input.dispatchKeyEvent", type="keyUp", key=name, code=name,
                   windowsVirtualKeyCode=codes[name])
 
-    def told(self):
+    def problems(self):
         """What the console shows, and every request but the one for the page."""
         faults = []
         for event in self.events:
@@ -195,7 +195,7 @@ def expect(is_right, what):
 
 def faults_of(browser, page):
     browser.open(page)
-    return browser.value(PROBE) + browser.told()
+    return browser.value(PROBE) + browser.problems()
 
 
 def report(tool, root, output):
@@ -204,7 +204,7 @@ def report(tool, root, output):
 
 
 def write_hostile_tree(root):
-    """Names that a browser would take for something else, wherever a document may have one."""
+    """Names that a browser could read as markup or code, wherever a document may have a name."""
     video = {
         "Features": {name: True for name in HOSTILE_NAMES},
         "Presets": {name: 1 for name in HOSTILE_NAMES},
@@ -232,7 +232,7 @@ def check_controls(browser, page):
     differing = browser.value('document.querySelectorAll(".matrix .row:has(i)").length')
     expect(0 < differing < len(rows), "the example has equal and differing rows")
 
-    # By keyboard alone: past the link to the matrix and the four of the parts.
+    # By keyboard alone: past the link to the matrix and the four links to the parts.
     for _ in range(6):
         browser.key("Tab")
     expect(browser.value("document.activeElement.id") == "filter", "Tab does not reach the filter")
@@ -243,15 +243,15 @@ def check_controls(browser, page):
     expect(filtered == [row for row in rows if "hevc" in row and "encoder" in row] and filtered,
            f"the filter leaves {filtered}")
     expect(browser.value('document.getElementById("shown").textContent')
-           == f"{len(filtered)} of {len(rows)} rows", "the filter tells another count")
+           == f"{len(filtered)} of {len(rows)} rows", "the filter shows a wrong count")
     browser.value('document.getElementById("filter").value = "";'
                   'document.getElementById("filter").dispatchEvent(new Event("input"))')
     browser.key("Tab")
     browser.key(" ", " ")
     expect(len(browser.value(SHOWN_ROWS)) == differing, "\"Only differences\" by keyboard")
     expect(browser.value('document.getElementById("shown").textContent')
-           == f"{differing} of {len(rows)} rows", "\"Only differences\" tells another count")
-    failures.extend(browser.told())
+           == f"{differing} of {len(rows)} rows", "\"Only differences\" shows a wrong count")
+    failures.extend(browser.problems())
     return rows, differing
 
 
@@ -290,11 +290,11 @@ def check_looks(browser, page):
 
 
 def check_plants(browser, page, scratch):
-    """Each fault must be found, or the checks above prove nothing."""
+    """Each fault must be found; otherwise the checks above prove nothing."""
     text = page.read_text()
     escaped = "&lt;img src=x onerror=&#39;window.ran = 1&#39;&gt;"
     assert escaped in text
-    # Still in the policy's place, so that only the policy is missing.
+    # In the place of the policy, so that nothing else changes.
     lawless = re.sub(r"default-src [^\"]*", "default-src * 'unsafe-inline'", text)
     plants = {
         "a text of a document ran":
@@ -310,7 +310,7 @@ def check_plants(browser, page, scratch):
         path = scratch / "planted.html"
         path.write_text(planted)
         found = faults_of(browser, path)
-        expect(any(told.startswith(fault) for told in found),
+        expect(any(problem.startswith(fault) for problem in found),
                f"planted, but not found: {fault}; found {found}")
 
 

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Holds the tool's SARIF against a public validator, and shows that the validator finds faults.
+"""Checks the tool's SARIF with a public validator, and that the validator finds faults.
 
-Reports on all documents and trees of tests/unit/check must be without an error of the validator; the
-same report with a fault planted in its version, in a region and in a fix must not. The validator
-ends with 0 on an invalid file, so its own report is read.
+The validator must find no errors in the reports on all documents and trees of tests/unit/check, and
+must find the faults planted in a version, a region and a fix. It exits with 0 on an invalid file, so
+its own report is read.
 
 Needs npm, and kcodec2_spec built in the build directory. The validator is kept in
 build/sarif/node_modules.
@@ -22,7 +22,7 @@ WORK = ROOT / 'build/sarif'
 PACKAGE = '@microsoft/sarif-multitool-linux'
 VALIDATOR = WORK / 'node_modules' / PACKAGE / 'Sarif.Multitool'
 
-# The tool has no page on the web that a report could point to.
+# The tool has no web page that a report could link to.
 ACCEPTED = {'SARIF2005'}
 
 
@@ -35,7 +35,7 @@ def install():
 
 
 def complaints(logs):
-    """What the validator has against each log, by its name, as (rule, level) pairs."""
+    """The validator's findings in each log, by its name, as (rule, level) pairs."""
     directory = WORK / 'logs'
     shutil.rmtree(directory, ignore_errors=True)
     directory.mkdir()
@@ -53,7 +53,7 @@ def complaints(logs):
             found[pathlib.PurePath(uri).stem].add((result['ruleId'],
                                                    result.get('level', 'warning')))
     if not all(invocation['executionSuccessful'] for invocation in run['invocations']):
-        sys.exit('check-sarif: the validator did not come to its end')
+        sys.exit('check-sarif: the validator did not finish')
     return found
 
 
@@ -98,7 +98,7 @@ def main():
 
     documents = sorted(path.name for path in (ROOT / 'tests/unit/check').glob('*.json'))
     log = report(tool, *documents)
-    first_with(log, 'relatedLocations')  # Nothing is proved of what is not there.
+    first_with(log, 'relatedLocations')  # Without one, nothing is proved.
     trees = {tree.name: report(tool, '--rootdir', tree.name, '--property',
                                'vendor.media.target_variant=_test')
              for tree in sorted((ROOT / 'tests/unit/check').glob('load-*'))}

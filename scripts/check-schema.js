@@ -14,12 +14,12 @@ const CASES = 'tests/unit/check';
 const SCRATCH = fs.mkdtempSync(path.join(os.tmpdir(), 'check-schema-'));
 process.on('exit', () => fs.rmSync(SCRATCH, { recursive: true }));
 
-// A line comment of the snippet, which the plain parser does not take.
+// A line comment in the snippet, which the plain parser does not accept.
 const withoutComments = (text) => text.replace(/^\s*\/\/.*$/gm, '');
 const settings = JSON.parse(withoutComments(fs.readFileSync(SNIPPET, 'utf8')));
 const association = settings['json.schemas'][0];
 
-// The engine as the editor sets it up: schema and file names are those of the snippet.
+// The engine as the editor sets it up, with schema and file names from the snippet.
 class Editor {
     constructor(schema) {
         this.service = getLanguageService({});
@@ -34,7 +34,7 @@ class Editor {
         return { document, json: this.service.parseJSONDocument(document) };
     }
 
-    // [{from, to, text}], lines counted from 1.
+    // [{from, to, text}], with lines from 1.
     async problems(text, name) {
         const { document, json } = this.open(text, name);
         const found = await this.service.doValidation(document, json);
@@ -46,14 +46,14 @@ class Editor {
         }));
     }
 
-    // What is shown over the "|" of `text`.
+    // What is shown when the pointer is at the "|" in `text`.
     async hover(text) {
         const { document, json } = this.open(text.replace('|', ''));
         const shown = await this.service.doHover(document, document.positionAt(text.indexOf('|')), json);
         return shown ? [].concat(shown.contents).map((one) => one.value || one).join('\n') : '';
     }
 
-    // What is offered at the "|" of `text`, as "label: description".
+    // What is offered at the "|" in `text`, as "label: description".
     async completions(text) {
         const { document, json } = this.open(text.replace('|', ''));
         const offered = await this.service.doComplete(document, document.positionAt(text.indexOf('|')), json);
@@ -74,7 +74,7 @@ function documentsUnder(directory) {
         .map((name) => path.join(directory, name));
 }
 
-// What the checker reports of a text.
+// What the checker reports about a text.
 const known = new Map();
 function reports(text) {
     if (!known.has(text)) {
@@ -86,13 +86,13 @@ function reports(text) {
     return known.get(text);
 }
 
-// The checks of the reader: of these the editor must underline all.
+// The checks of the reader: the editor must underline all their findings.
 function readerChecks() {
     const group = /^reader: .*\n((?: .*\n)*)/m.exec(run('check', '--list'));
     return new Set(group[1].trim().split('\n').map((line) => line.trim().split(' ')[0]));
 }
 
-// Where the value is underlined: exactly these pieces of text.
+// What is underlined: exactly these pieces of text.
 const UNDERLINED = [
     ['a misspelt section', '{"Video": {"Feature": {}}}', ['"Feature"']],
     ['a misspelt root', '{"video": {}}', ['"video"', '{']],
@@ -121,12 +121,12 @@ const UNDERLINED = [
     ['sections that are null', '{"Video": {"Features": null, "OptionalCodecs": null}}', []],
 ];
 
-// What a checker must know the catalogue for: compared with one that has the check.
+// Findings that need the catalogue: compared with a checker that has it.
 const BY_CATALOGUE = ['a preset above its range', 'a value that is not in the list',
     'a bit that a mask does not have'];
 const KNOWS_CATALOGUE = run('check', '--list').includes('value-range');
 
-// What is shown, and must be among it.
+// What is shown, and a text that must be part of it.
 const SHOWN = [
     ['hover', '{"Video": {"Presets": {"private_out|buf_fence": 1}}}', [/fences/, /transmit/, /Built\\-in value\W* 1/]],
     ['hover', '{"Video": {"Presets": {"private_max_supported_render_rate": 1|20}}}', [/frames\/s/]],
@@ -141,12 +141,12 @@ const SHOWN = [
     ['completions', '{"Video": {"codecs-available": {"encoders": [|]}}}', [/c2\.kvx\.hevc\.encoder/]],
 ];
 
-// The engine takes no number with a leading zero, whatever a schema says; the checker has a note.
+// The engine accepts no leading zeros, whatever the schema says; the checker reports a note.
 const ENGINES_OWN = ['leading-zero'];
 // An upper bound of -1 is in use, so the schema allows it; the checker says what it becomes.
 const isUpperBound = (one) => one.id === 'row-without-bound';
 
-// The editor underlines what the checker reports, and only that, line by line.
+// Line by line, the editor underlines what the checker reports, and nothing else.
 function compare(what, text, problems, expect) {
     const isAt = (one, other) => other.line <= one.to && (other.endLine || other.line) >= one.from;
     const found = reports(text);
@@ -188,20 +188,20 @@ async function failuresOf(schema) {
         expect(found.length === 0, `${file}: ${JSON.stringify(found)}`);
     }
     for (const number of ['1', '2', '3']) {
-        // The engine takes no leading zero, whatever a schema says.
+        // The engine accepts no leading zeros, whatever the schema says.
         const text = run('defaults', number).replace(/: 0101,/, ': 101,');
         const found = await editor.problems(text);
         expect(found.length === 0, `built-in document ${number}: ${JSON.stringify(found)}`);
     }
     for (const [what, whole] of TEXTS) {
-        // A document that names a schema of its own would be held against that one.
+        // A document that names a schema would be checked with that one.
         const text = whole.replace(/("\$schema": *)"[^"]*"/, '$11');
         compare(what, text, await editor.problems(text), expect);
     }
     return failures;
 }
 
-// A fault in the schema, each of which something above must notice.
+// Faults in the schema: something above must notice each.
 const FAULTS = {
     'any section passes': (schema) => delete schema.properties.Video.additionalProperties,
     'any root passes': (schema) => delete schema.required,

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Opens documents in an editor's own engine with the schema that the tool prints: check-schema.sh
+# Opens documents in an editor's engine with the schema that the tool prints: check-schema.sh
 # [TOOL], kcodec2_spec of a host build (default: build/dev/kcodec2_spec)
 #
 # Needs node and npm. The engine is kept in build/editor/node_modules. Takes two seconds.

@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 """Lets Soong read the Android.bp files, in a small platform tree around ours.
 
-check-soong.py [--graph]. Resolves the modules for several products and looks which variants come
-out, plants faults to see that each would be found, and runs what Soong would run on the build
-machine: it generates the built-in documents and compiles every source of the host's modules, tests
-included, with Soong's flags, as far as errors and warnings go. --graph leaves the compiler out.
+check-soong.py [--graph]. Resolves the modules for several products, compares the resulting variants
+with the expected ones, and plants faults, each of which Soong must report. Then it runs what Soong
+would run on the build machine: it generates the built-in documents and compiles every source of the
+host's modules and tests with Soong's flags, for errors and warnings only. --graph compiles nothing.
 
-scripts/soong/platform_tree.py says what it needs. Takes two minutes on two cores, a few seconds
-without the compiler.
+scripts/soong/platform_tree.py lists what it needs. Takes two minutes on two cores, with --graph a few
+seconds.
 """
 
 import os
@@ -22,7 +22,7 @@ from platform_tree import (ARM, ARM64, BOTH, BUILD, HERE, IMAGE, OURS, VENDOR,  
 TOOL = f"{OURS}/tools/kcodec2_spec"
 HOST = "linux_glibc_x86_64"
 
-# What may come out of a module, by the beginning of its variants' names and its kind of output.
+# What a module may produce, by the beginning of its variants' names and its kind of output.
 # "vendor" is a vendor's library of a product whose vendor partition is a separate release.
 VARIANTS = {
     "vendor arm64": "android_vendor.S_arm64_armv8-a",
@@ -54,7 +54,7 @@ PRODUCTS = (
         "kcodec2_platform_test": ("arm64", "arm", "host")}),
 )
 
-# A fault: its name, the file, what is there, what is put there, what Soong must say.
+# A fault: its name, the file, the text there, what replaces it, what Soong must report.
 FAULTS = (
     ("a misspelt property", f"{OURS}/Android.bp", "version_script:", "version_scrpt:",
      'unrecognized property "version_scrpt"'),
@@ -95,7 +95,7 @@ SANITIZERS = """
         misc_undefined: ["bounds"],
     },
 """
-# What the commands of the library must hold when they are on. Soong has no CFI for 32-bit arm.
+# What the library's commands must contain when they are on. Soong has no CFI for 32-bit arm.
 SANITIZER_FLAGS = {"vendor arm64": ("cfi", "unsigned-integer-overflow", "bounds"),
                    "vendor arm": ("unsigned-integer-overflow", "bounds")}
 
@@ -109,7 +109,7 @@ def report(title, wrong):
 
 
 class Changed:
-    """A file of the tree with one place changed, for as long as it lasts."""
+    """A file of the tree with one place changed, within a "with" block."""
 
     def __init__(self, tree, file, old, new):
         self._tree, self._file = tree, file
@@ -165,7 +165,7 @@ def check_sanitizers(tree):
 
 
 def check_without_tool(tree):
-    """As a platform's tree does it: a file that ends Soong's search, and no CLI11."""
+    """As in a platform's tree without CLI11, with the file that ends Soong's search."""
     kept = tree.read("external/tool/Android.bp")
     tree.write(f"{TOOL}/.find-ignore", "")
     tree.write(f"{IMAGE}/.find-ignore", "")

@@ -2,10 +2,9 @@
 # Checks every source file against .clang-format, and the library's against .clang-tidy, with --all
 # everything's: check-style.sh [--all]. Needs the preset phone to be built, for its libraries.
 #
-# Each release of the two tools formats and judges a little differently, so that only the one that
-# the tree is written for can judge it; with another one this check is skipped. The static analyzer
-# looks at the product alone: in the tests it would spend most of its time on the macros of their
-# library. scripts/test.sh looks at the library alone: the rest would take a third of its half hour.
+# Each release of the two tools differs a little, so this check is skipped with any release other than
+# the one below. The static analyzer skips the tests, where it would spend most of its time on
+# GoogleTest's macros. scripts/test.sh checks the library only: the rest would take a third of its time.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -24,7 +23,7 @@ fi
 git ls-files '*.h' '*.cpp' | xargs clang-format-$version --dry-run -Werror
 echo "clang-format: clean"
 
-# configure PRESET: for its compile commands, file by file, where the preset compiles in batches.
+# configure PRESET: for compile commands of single files; the preset compiles in batches.
 configure() {
     cmake --preset "$1" -B "build/style/$1" -DCMAKE_UNITY_BUILD=OFF > /dev/null
 }

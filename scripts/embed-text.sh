@@ -1,8 +1,7 @@
 #!/bin/sh
 # Turns texts into constants: embed-text.sh OUTPUT.cpp HEADER NAMESPACE NAME TEXT... HEADER declares
 # NAME, or NAME1, NAME2 and so on when there are several texts. Each constant is a newline, then the
-# file as it is. CMake and Soong both run this script, so it asks for nothing beyond a POSIX shell
-# and cat.
+# file as it is. CMake and Soong both run this script, so it uses only a POSIX shell and cat.
 set -eu
 
 output=$1

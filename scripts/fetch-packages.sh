@@ -1,10 +1,10 @@
 #!/bin/sh
 # Fetches packages of the machine's Debian release and unpacks them, without installing anything:
-# fetch-packages.sh source DIRECTORY PACKAGE         (what its authors publish, without Debian's part)
+# fetch-packages.sh source DIRECTORY PACKAGE         (the authors' source, without Debian's changes)
 # fetch-packages.sh ARCHITECTURE DIRECTORY PACKAGE...  (binary packages, also of foreign processors)
 #
-# The package lists lie under build/, so the machine's own configuration stays as it is. Needs no
-# root. Does nothing when DIRECTORY already holds these packages.
+# The package lists are under build/, so the machine's configuration does not change. Needs no root.
+# Does nothing when DIRECTORY already contains these packages.
 set -eu
 
 [ $# -ge 3 ] || { echo "usage: fetch-packages.sh source|ARCHITECTURE DIRECTORY PACKAGE..." >&2; exit 2; }
@@ -19,7 +19,7 @@ rm -rf "$directory"
 mkdir -p "$state/lists/partial" "$state/cache/archives/partial" "$state/none" "$directory"
 : > "$state/status"
 
-# The same place as the machine's own packages, so that a mirror that it is set up for serves here.
+# From where the machine gets its own packages, so that its mirror is used.
 # shellcheck source=/dev/null
 codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
 mirror=$(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' |
@@ -53,7 +53,7 @@ echo "Fetching for $what: $*"
 apt update
 cd "$directory"
 if [ "$what" = source ]; then
-    # The description of a package is replaced with each upload, and a mirror may be between two.
+    # A source package's description changes with each upload, and a mirror may be updating.
     apt source --tar-only --download-only "$1"
     mkdir source
     tar -x --strip-components=1 -C source -f ./*.orig.tar.*

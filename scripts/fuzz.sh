@@ -1,7 +1,7 @@
 #!/bin/sh
 # Runs each fuzz target for a bounded time, with ASan and UBSan, on the device's object code:
-# fuzz.sh [SECONDS] (20 for each target by default). What is found is kept in build/asan/fuzz-found.
-# Then the inputs that it kept run once more in a phone's build, with libc++ and its JsonCpp.
+# fuzz.sh [SECONDS] (20 for each target by default). Inputs that fail are kept in build/asan/fuzz-found.
+# Then the inputs that the targets kept run once more in a phone's build, with libc++ and its JsonCpp.
 set -eu
 
 seconds=${1:-20}
@@ -19,14 +19,14 @@ found=$build/fuzz-found
 cmake --preset asan > /dev/null
 cmake --build --preset asan --target fuzz_document fuzz_values fuzz_check fuzz_tree fuzz_log
 
-# Seeds: the built-in documents, the examples, and hand-written ones, under names of their own.
+# Seeds: the built-in documents, the examples, and hand-written ones, under different names.
 rm -rf "$work/seeds"
 mkdir -p "$work/seeds" "$found"
 find targetspec/defaults tests/fuzz/corpus examples -name '*.json' | while read -r document; do
     cp "$document" "$work/seeds/$(echo "$document" | tr / _)"
 done
 
-# run TARGET OPTION...: shows libFuzzer's own account when it finds something, else its figures.
+# run TARGET OPTION...: shows libFuzzer's output when it finds something, otherwise its figures.
 run() {
     target=$1
     shift
@@ -42,8 +42,8 @@ run() {
     grep -E "executed_units|exec_per_sec" "$work/$target.log"
 }
 
-# Short stacks with each allocation: half of the time would go into recording them. Less freed memory
-# held back, so that a long run stays far from its limit.
+# Short stacks for allocations: recording full ones would take half of the time. A small quarantine for
+# freed memory, so that a long run stays far from its limit.
 export ASAN_OPTIONS=malloc_context_size=5:quarantine_size_mb=64
 
 run fuzz_document -dict=tests/fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Writes the transcripts of tests/unit/transcripts/ anew, with the tool of a build: review what
-# changes. A new one starts as a file with its first line, "$ kcodec2_spec" and the arguments.
+# Rewrites the transcripts in tests/unit/transcripts/ with the tool of a build: review what changes. For
+# a new one, make a file with its first line only: "$ kcodec2_spec" and the arguments.
 # usage: scripts/update-transcripts.sh [BUILD-DIRECTORY]
 set -u
 cd "$(dirname "$0")/.." || exit 1

@@ -8,7 +8,7 @@ endif()
 set(CMAKE_CXX_COMPILER_TARGET ${triplet})
 set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
 
-# The libraries' packages have numbers in their names; they are those that this machine has, too.
+# The libraries' packages have numbers in their names: the same as on this machine.
 foreach(name jsoncpp fmt)
     execute_process(COMMAND dpkg-query -W -f "\${Depends}" lib${name}-dev
                     OUTPUT_VARIABLE depends COMMAND_ERROR_IS_FATAL ANY)
@@ -22,7 +22,7 @@ execute_process(
             ${packages} libcli11-dev libgtest-dev
     COMMAND_ERROR_IS_FATAL ANY)
 
-# Nothing of this machine's own libraries may be found.
+# This machine's own libraries must not be found.
 set(CMAKE_FIND_ROOT_PATH ${root})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 foreach(kind LIBRARY INCLUDE PACKAGE)
@@ -33,5 +33,5 @@ find_program(KC2_EMULATOR NAMES ${emulator}-static ${emulator} REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR
     ${KC2_EMULATOR} -L /usr/${triplet} -E LD_LIBRARY_PATH=${root}/usr/lib/${triplet})
 
-# A program that links the device's library, which has no run path, needs its libraries to be found.
+# The device's library has no run path, so a program that links it must find that library's libraries.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${root}/usr/lib/${triplet}")

@@ -1,5 +1,5 @@
-// A component's test on a development machine: it lets the library play its own device.
-// decoder_setup_test DIRECTORY, where DIRECTORY holds the device's files.
+// A component's test on a development machine, with a device that it sets up itself:
+// decoder_setup_test DIRECTORY, where DIRECTORY contains the device's files.
 
 #include <hostplatform/HostPlatform.h>
 #include <kc2/TargetSpec.h>

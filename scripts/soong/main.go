@@ -1,9 +1,9 @@
-// Takes the steps of Soong's own build program in a tree: reads the Android.bp files, resolves the
-// modules, writes the commands of the build.
+// Does what Soong's build program does in a tree: reads the Android.bp files, resolves the modules,
+// writes the commands of the build.
 //
 // resolve FILE...: reads these Android.bp files, with the product's variables in
 // out/soong.variables, and writes out/build.ninja. Runs in the tree's root, and from the tree's
-// out/, as Soong expects of its builder. Says on standard error what is wrong, and ends with 1.
+// out/, as Soong expects of its builder. Prints errors to standard error, and exits with 1.
 //
 // resolve --runtime: prints the modules of the C and C++ runtime that every other one needs.
 package main

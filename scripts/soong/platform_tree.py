@@ -1,7 +1,7 @@
 """A small platform tree around ours, in which Soong resolves the modules of our Android.bp files.
 
 Needs Go and Debian's Soong (golang-go, golang-android-soong-dev), ninja and the headers that the
-tool and the tests are built with. The tree lies in build/soong and is laid out anew each time.
+tool and the tests are built with. The tree is in build/soong and is made anew each time.
 """
 
 import json
@@ -15,12 +15,12 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/soong"
 HERE = Path(__file__).resolve().parent
-# Where ours lies in the tree, and where the example lies as a vendor's own.
+# Where our tree is in it, and where the example is, as a vendor's own.
 OURS = "vendor/kcodec2_platform"
 IMAGE = "vendor/orvelle"
 
-# What this release of Soong looks for in a platform's tree: folders of compilers, files that it
-# only wants to be there, headers.
+# What this release of Soong expects in a platform's tree: folders of compilers, files that only have
+# to exist, headers.
 GCC_HOST = "prebuilts/gcc/linux-x86/host/x86_64-linux-glibc2.17-4.8"
 CLANG_HOST = "prebuilts/clang/host/linux-x86/clang-r399163b"
 PLATFORM_FILES = ("bionic/libc.map.txt", "bionic/libm.map.txt", "bionic/libdl.map.txt",
@@ -49,7 +49,7 @@ def run(command, **options):
 
 
 def build_program(name, package):
-    """Builds a Go program, against the Go packages of Debian alone."""
+    """Builds a Go program, with Debian's Go packages only."""
     BUILD.mkdir(parents=True, exist_ok=True)
     run(["go", "build", "-o", str(BUILD / name), package], cwd=HERE,
         env={**os.environ, "GO111MODULE": "off", "GOPATH": "/usr/share/gocode",
@@ -58,7 +58,7 @@ def build_program(name, package):
 
 
 class PlatformTree:
-    """Laid out once; its files may be changed between two calls of resolve()."""
+    """Made once; its files may be changed between two calls of resolve()."""
 
     def __init__(self, name):
         self.path = BUILD / name
@@ -70,7 +70,7 @@ class PlatformTree:
         self._lay_out_platform()
 
     def _copy_ours(self):
-        """The files that git knows or would take, so that a new file counts and build/ does not."""
+        """The files that git tracks or could add: new files are included, build/ is not."""
         files = run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
                     cwd=ROOT).split("\0")
         for file in filter(None, files):
@@ -101,7 +101,7 @@ class PlatformTree:
 
     @staticmethod
     def _clang():
-        """The folder of the newest Clang here that has libc++ beside it."""
+        """The folder of the newest Clang on this machine that has libc++."""
         found = [folder for folder in Path("/usr/lib").glob("llvm-*")
                  if (folder / "bin/clang++").exists() and (folder / "include/c++/v1").exists()]
         if not found:
@@ -122,10 +122,10 @@ class PlatformTree:
         path.write_text(text)
 
     def resolve(self, product):
-        """What Soong says is wrong, as one text; nothing when it resolves."""
+        """The errors that Soong reports, as one text; empty when it resolves."""
         out = self.path / "out"
         shutil.rmtree(out, ignore_errors=True)
-        # Soong wants its builder in the folder that it writes to, and its other programs there, too.
+        # Soong expects its builder and its other programs in the folder that it writes to.
         (out / "host/linux-x86/bin").mkdir(parents=True)
         os.link(self._resolver, out / self._resolver.name)
         os.link(self._sandbox, out / "host/linux-x86/bin" / self._sandbox.name)
@@ -153,7 +153,7 @@ class PlatformTree:
         return sorted(files)
 
     def _read_build_file(self):
-        """Takes the build's file apart by the heading that Soong writes before each module."""
+        """Splits the build's file at the heading that Soong writes before each module."""
         self._parts = {}
         heading = re.compile(r"^# Module:  (\S+)\n# Variant: ?(\S*)\n", re.MULTILINE)
         parts = heading.split(self.read("out/build.ninja").replace("$\n", ""))
@@ -165,7 +165,7 @@ class PlatformTree:
         return {name: set(variants) for name, variants in self._parts.items()}
 
     def text(self, module, variant):
-        """What the build's file says of a variant."""
+        """The part of the build's file for a variant."""
         return self._parts[module][variant]
 
     def objects(self, module, variant):
@@ -174,6 +174,6 @@ class PlatformTree:
         return dict(re.findall(r"^build +(\S+\.o) *: g\.cc\.cc +(\S+)", text, re.MULTILINE))
 
     def ninja(self, *arguments):
-        """The build itself, for what needs nothing of the platform but its headers."""
+        """Builds what needs only headers from the platform."""
         return subprocess.run(["ninja", "-f", "out/build.ninja", *arguments], cwd=self.path,
                               text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
