@@ -1,4 +1,4 @@
-// What the check programs share: a condition that ends the program with a line when it is false.
+// For the check programs: a condition that ends the program with a message when it is false.
 #pragma once
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Loads each device directory named on standard input as a device would, and prints the status that
-// each document got. No document may stop it or put a control character into the log.
+// Loads each device directory named on standard input as a device would, and prints the status of
+// each document. No document may stop it or put a control character into the log.
 
 #include <algorithm>
 #include <fstream>
@@ -47,7 +47,7 @@ int main() {
     kc2::host::setLogLevel(0xFFFFFFFF);
     kc2::host::mapDirectory("/", "/nonexistent");
     for (std::string directory; std::getline(std::cin, directory);) {
-        std::cout << directory << " " << std::flush;  // Names the document that ends the process.
+        std::cout << directory << " " << std::flush;  // Shows which document ended the process.
         const uint32_t status = parse(directory + kDocument);
         CHECK(load(directory) == status);
         std::cout << (status == 0 ? "accepted" : "rejected") << std::endl;

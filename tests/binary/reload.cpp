@@ -1,4 +1,4 @@
-// Loads a component, lets it use the library, and unloads both, a thousand times: nothing stays.
+// Loads a component, which uses the library, and unloads both, a thousand times: nothing remains.
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kLibrary[] = "libkcodec2_platform.so";
 constexpr int kRounds = 1000;
-constexpr int kWarmUpRounds = 100;  // The loader comes to rest within these.
+constexpr int kWarmUpRounds = 100;  // The loader's memory is stable after these.
 constexpr size_t kSmallestBlock = 16;
 
 bool isLoaded(const char* name) {
@@ -32,7 +32,7 @@ void loadAndUse() {
     CHECK(dlclose(component) == 0);
 }
 
-// Includes what the format table holds: one that is not destroyed stays behind in every round.
+// Includes the memory of the format table: if it is not destroyed, each round leaks it.
 size_t allocatedBytes() {
     return mallinfo2().uordblks;
 }
@@ -53,8 +53,8 @@ int main() {
             allocatedAtFirst = allocatedBytes();
         }
     }
-    // The C library's own caches move the count by some hundred bytes, once. The smallest leak
-    // moves it in every round, by a block.
+    // The C library's own caches add some hundred bytes, once. The smallest leak adds a block in
+    // every round.
     const size_t allocatedAtLast = allocatedBytes();
     CHECK(allocatedAtLast < allocatedAtFirst + kSmallestBlock * (kRounds - kWarmUpRounds));
     std::printf("%d rounds: unloaded in each, %zu bytes allocated at the start, %zu at the end\n",

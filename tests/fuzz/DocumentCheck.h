@@ -1,4 +1,4 @@
-// One document through the library, and what must hold whatever the document is.
+// Loads one document with the library, and checks what must be true for any document.
 #pragma once
 
 #include <string_view>
@@ -6,10 +6,11 @@
 namespace kc2::fuzz {
 
 // Ends the process with a line on standard error when the library breaks a promise:
-// - it takes exactly the documents that the parser takes, without ending the process;
+// - it accepts exactly the documents that the parser accepts, without ending the process;
 // - a rejected document leaves a store, empty or not, as it was, and writes one error line;
-// - an accepted one leaves in the store what JsonCpp itself reads in it, no more and no less, by
-//   the merge rules, also when it is read twice, and writes one warning for each thing left out.
+// - an accepted one adds to the store exactly what JsonCpp itself reads in it, by the merge rules,
+// also
+//   when it is read twice, and writes one warning for each value left out.
 void checkDocument(std::string_view text);
 
 }  // namespace kc2::fuzz

@@ -1,4 +1,4 @@
-// What the tool prints, run in this process, and that it is fit for a terminal and for a parser.
+// Runs the tool in this process, and checks that its output is safe for a terminal and a parser.
 
 #include "tests/fuzz/Printed.h"
 
@@ -16,7 +16,7 @@ namespace kc2::fuzz {
 
 namespace {
 
-// A stream of the C library that writes to memory while this lives.
+// Redirects a stream of the C library to memory during its lifetime.
 class StreamInMemory {
 public:
     explicit StreamInMemory(std::FILE** stream) : mStream(stream), mBefore(*stream) {
@@ -39,8 +39,8 @@ private:
     size_t mSize = 0;
 };
 
-// How many bytes the character takes that `text` begins with; 0 when it is not UTF-8. Not the
-// tool's own function, which would hide its own mistakes.
+// The size of the character at the start of `text`, in bytes; 0 when it is not UTF-8. Written
+// independently of the tool's function, whose mistakes it must find.
 size_t characterLength(std::string_view text, char32_t* code) {
     const auto first = static_cast<unsigned char>(text[0]);
     const size_t length = first < 0x80           ? 1
@@ -82,7 +82,7 @@ void requirePlain(std::string_view text, TextKind kind) {
     while (!text.empty()) {
         char32_t code = 0;
         const size_t length = characterLength(text, &code);
-        require(length != 0, "what is printed is UTF-8");
+        require(length != 0, "the output is UTF-8");
         const bool isOfDiff =
                 kind == TextKind::Diff && (code == '\t' || text.substr(0, 2) == "\r\n");
         require(!isControl(code) || code == '\n' || isOfDiff,

@@ -1,4 +1,4 @@
-// What the tool prints, run in this process, and that it is fit for a terminal and for a parser.
+// Runs the tool in this process, and checks that its output is safe for a terminal and a parser.
 #pragma once
 
 #include <functional>
@@ -9,19 +9,19 @@ namespace kc2::fuzz {
 
 struct Printed {
     std::string output;
-    std::string errors;  // What goes to standard error.
+    std::string errors;  // From standard error.
 };
 
-// Runs it with both streams kept in memory.
+// Runs `work` with both streams in memory.
 Printed printedBy(const std::function<void()>& run);
 
-// That the text is UTF-8 and holds no control character but line feeds: any other byte could make a
-// terminal do something, or pass for the tool's own words. A diff repeats a document's tabs and the
-// carriage returns at its line ends, so that it can be applied.
+// Checks that the text is UTF-8 and that line feeds are its only control characters: any other byte
+// could control a terminal, or look like the tool's own text. A diff repeats a document's tabs and
+// the carriage returns at its line ends, so that it can be applied.
 enum class TextKind { Plain, Diff };
 void requirePlain(std::string_view text, TextKind kind = TextKind::Plain);
 
-// That it is all this, and one JSON document.
+// Also checks that the text is one JSON document.
 void requireJson(const std::string& text);
 
 }  // namespace kc2::fuzz

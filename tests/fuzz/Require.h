@@ -3,7 +3,7 @@
 
 namespace kc2::fuzz {
 
-// Ends the process, which the fuzzer takes for a find, when the promise is not kept.
+// Ends the process when the promise is not kept; the fuzzer then reports the input.
 void require(bool isKept, const char* promise);
 
 }  // namespace kc2::fuzz

@@ -22,13 +22,13 @@ bool isReal(const fs::path& path, fs::file_type type) {
     return fs::symlink_status(path, error).type() == type;
 }
 
-// Where the device's path lies under `root`, with its directories; empty where it names none, or
-// where a link is on the way.
+// The device's path under `root`, with its directories created; empty when it names no file, or
+// when the path contains a link.
 fs::path madeRoomFor(const std::string& root, const std::string& path) {
     std::error_code error;
     fs::path place = root;
     for (const fs::path& name : fs::path(path).relative_path()) {
-        const bool isCut = name.native().find('\0') != std::string::npos;  // To ".." perhaps.
+        const bool isCut = name.native().find('\0') != std::string::npos;  // Possibly to "..".
         if (name == ".." || name == "." || name.empty() || isCut) {
             return {};
         }
@@ -46,10 +46,10 @@ fs::path madeRoomFor(const std::string& root, const std::string& path) {
 }  // namespace
 
 ScratchTree::ScratchTree() {
-    constexpr char kInMemory[] = "/dev/shm";  // On a disk most of the time goes into the files.
+    constexpr char kInMemory[] = "/dev/shm";  // On a disk, files would take most of the time.
     const fs::path place = fs::is_directory(kInMemory) ? kInMemory : fs::temp_directory_path();
     std::string directory = (place / "kcodec2_fuzz.XXXXXX").string();
-    require(mkdtemp(directory.data()) != nullptr, "there is a place for files");
+    require(mkdtemp(directory.data()) != nullptr, "a directory can be created");
     mRoot = directory + "/root";
     mOutside = directory + "/outside.json";
     fs::create_directory(mRoot);

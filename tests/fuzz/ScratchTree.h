@@ -6,18 +6,18 @@
 
 namespace kc2::fuzz {
 
-// The paths that its functions take are the device's: whatever they hold, nothing is written
-// outside of the tree, and what cannot be created is left out.
+// Its functions expect the device's paths. Whatever these contain, nothing is written outside the
+// tree, and what cannot be created is left out.
 class ScratchTree {
 public:
-    // Removed again at exit; after a crash it stays.
+    // Removed at exit; after a crash it stays.
     ScratchTree();
     ~ScratchTree();
     ScratchTree(const ScratchTree&) = delete;
     ScratchTree& operator=(const ScratchTree&) = delete;
 
     const std::string& root() const { return mRoot; }
-    // Beside the root: nothing may show what it holds.
+    // Outside the root: no output may show its content.
     const std::string& outside() const { return mOutside; }
 
     void writeFile(const std::string& path, const std::string& text) const;

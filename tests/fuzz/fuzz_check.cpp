@@ -1,4 +1,5 @@
-// Fuzz target: what `kcodec2_spec check` says of a document, beside what the library does with it.
+// Fuzz target: compares what `kcodec2_spec check` reports about a document with what the library
+// does.
 
 #include <android/log.h>
 #include <sys/mman.h>
@@ -30,7 +31,7 @@ void countLine(int priority, const char* /*tag*/, const char* /*text*/) {
     sWarnings += priority == ANDROID_LOG_WARN ? 1 : 0;
 }
 
-// What the library makes of the text, in a store that was empty.
+// Loads the text with the library into an empty store.
 uint32_t parse(const std::string& text, StoreContent* content) {
     static const int file = memfd_create("document", MFD_CLOEXEC);
     const auto size = static_cast<off_t>(text.size());
@@ -43,7 +44,7 @@ uint32_t parse(const std::string& text, StoreContent* content) {
     return status;
 }
 
-// The names that the tool calls taken in a section, as the reader handed them over.
+// The names of a section that the tool reports as used, as the reader returned them.
 std::set<std::string> namesTaken(const tool::CheckedDocument& checked, const char* section) {
     std::set<std::string> names;
     for (const tool::KeptFinding* const finding : checked.takenIn(section)) {
@@ -95,14 +96,14 @@ void check(const std::string& text) {
     const bool isAccepted = parse(text, &store) == 0;
     const tool::CheckedDocument checked("document",
                                         tool::readDocument("document", "document", text));
-    require(checked.document.isAccepted == isAccepted, "both accept the document, or none");
+    require(checked.document.isAccepted == isAccepted, "both accept the document, or neither");
     const auto logged = static_cast<size_t>(std::count_if(
             checked.document.findings.begin(), checked.document.findings.end(),
             [](const tool::KeptFinding& finding) {
                 require(finding.start <= finding.limit, "a finding has a place in the text");
                 return rowOf(finding.kind).effect == Effect::SkipsAndLogs;
             }));
-    require(!isAccepted || sWarnings == logged, "what the tool calls logged is logged");
+    require(!isAccepted || sWarnings == logged, "what the tool reports as logged is logged");
     require(sErrors == (isAccepted ? 0 : 1), "a rejected document writes one error line");
 
     tool::Report report{tool::Levels()};

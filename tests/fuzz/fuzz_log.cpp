@@ -1,5 +1,5 @@
-// Fuzz target: what `kcodec2_spec log` tells of any bytes, as text and as JSON, with and without
-// the documents of a device.
+// Fuzz target: `kcodec2_spec log` on any bytes, as text and as JSON, with and without the documents
+// of a device.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -37,10 +37,10 @@ std::string written(const uint8_t* data, size_t size) {
     return "/proc/self/fd/" + std::to_string(file);
 }
 
-Printed tell(const std::string& path, const tool::LogOptions& options) {
+Printed runLog(const std::string& path, const tool::LogOptions& options) {
     int exitCode = -1;
     Printed printed = printedBy([&] { exitCode = tool::tellLog(path, options); });
-    require(exitCode == 0 || exitCode == 1, "a log that can be read is told");
+    require(exitCode == 0 || exitCode == 1, "a log that can be read is reported");
     requirePlain(printed.errors);
     return printed;
 }
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     [[maybe_unused]] static const bool isPulled = (kc2::fuzz::pull(), true);
     const std::string path = kc2::fuzz::written(data, size);
     const bool hasTree = size % 2 == 1;  // Half of the time: it takes longer.
-    kc2::fuzz::requirePlain(kc2::fuzz::tell(path, {.hasTree = hasTree}).output);
-    kc2::fuzz::requireJson(kc2::fuzz::tell(path, {.asJson = true, .hasTree = hasTree}).output);
+    kc2::fuzz::requirePlain(kc2::fuzz::runLog(path, {.hasTree = hasTree}).output);
+    kc2::fuzz::requireJson(kc2::fuzz::runLog(path, {.asJson = true, .hasTree = hasTree}).output);
     return 0;
 }

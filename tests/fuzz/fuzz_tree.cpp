@@ -1,15 +1,15 @@
-// Fuzz target: `kcodec2_spec check` on whole device trees, with its options. The input is text, a
-// command on each line that begins with '%': its first letter says what it is, its arguments follow
-// behind blanks. In a path, '*' stands for the variant.
+// Fuzz target: `kcodec2_spec check` on whole device trees, with its options. The input is text. A
+// line that begins with '%' is a command: its first letter selects it, its arguments follow,
+// separated by blanks. In a path, '*' is replaced by the variant.
 //
 //   %variant VALUE            the property that selects the document
-//   %property NAME=VALUE      another one
+//   %property NAME=VALUE      another property
 //   %file PATH                with the lines up to the next command as its text
-//   %directory PATH           also where a file belongs
-//   %queue PATH               a pipe that nobody writes into
+//   %directory PATH           also in the place of a file
+//   %queue PATH               a pipe that no process writes into
 //   %hidden PATH              a file that others cannot read
-//   %link PATH TARGET         made behind all files
-//   %mapping PREFIX PATH      a directory of the tree, mapped besides
+//   %link PATH TARGET         made after all files
+//   %mapping PREFIX PATH      a directory of the tree, mapped to PREFIX as well
 //   %error ID                 and %warning, %note, %omit
 //   %use LETTERS              see use()
 
@@ -35,7 +35,7 @@ namespace kc2::fuzz {
 
 namespace {
 
-constexpr std::string_view kSecret = "what-lies-outside-of-the-tree";
+constexpr std::string_view kSecret = "what-is-outside-of-the-tree";
 
 struct Command {
     char letter;
@@ -133,7 +133,7 @@ private:
         });
     }
 
-    // The options' own checks take only such mappings.
+    // The options accept only such mappings.
     void addMapping(const Command& command) {
         const auto [prefix, path] = command.words();
         const std::string directory = mTree.root() + "/" + path;
@@ -195,7 +195,7 @@ private:
         if (mMode == Mode::Files) {
             return tool::checkFiles(mTree.files(), mCheck);
         }
-        // Nobody can ask to mend for each variant.
+        // --fix cannot be combined with --all-variants.
         return mMode == Mode::EachVariant && mCheck.fix == tool::FixMode::None
                        ? tool::checkEachVariant(mCheck)
                        : tool::checkDevice(mCheck);
@@ -233,7 +233,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return true;
     }();
     const std::string text(data, data + size);
-    // The fuzzer may have learnt the word from where it is looked for.
+    // The fuzzer may have learnt the word from this comparison.
     if (text.find("outside-of") == std::string::npos) {
         kc2::fuzz::Run(tree, text).check();
     }

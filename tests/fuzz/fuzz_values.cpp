@@ -1,4 +1,4 @@
-// Fuzz target: documents of the right shape, valid JSON nearly always, with hostile values.
+// Fuzz target: documents with the right structure, nearly always valid JSON, with hostile values.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Writes one document; the input decides at every turn.
+// Writes one document; the input makes every choice.
 class DocumentWriter {
 public:
     explicit DocumentWriter(FuzzedDataProvider* input) : mInput(*input) {}
@@ -66,7 +66,7 @@ private:
         mText += close;
     }
 
-    // White space and comments, with what must not count in them.
+    // White space and comments, which contain tokens that must be ignored.
     void gap() {
         if (!rarely()) {
             return;
@@ -75,7 +75,7 @@ private:
                                           "/**/", "/*/ */", "/***/", "//\r\n"});
     }
 
-    // One of the keys that belong here, or any string.
+    // A key that belongs here, or any string.
     void writeKey(std::initializer_list<const char*> keys) {
         if (keys.size() == 0 || rarely()) {
             writeString();
@@ -177,7 +177,7 @@ private:
         }
     }
 
-    // Containers in containers, around the parser's limit when it comes to that.
+    // Nested containers, sometimes around the parser's limit.
     void writeTower() {
         const int levels = rarely() ? mInput.ConsumeIntegralInRange(985, 1005)
                                     : mInput.ConsumeIntegralInRange(1, 4);

@@ -1,5 +1,5 @@
-// Runs a fuzz target on each file named, or in a directory named: for a C++ library that libFuzzer
-// is not built for.
+// Runs a fuzz target on each given file, or each file of a given directory: for a C++ library that
+// libFuzzer is not built for.
 
 #include <cstdint>
 #include <cstdio>

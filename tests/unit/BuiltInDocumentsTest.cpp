@@ -1,4 +1,4 @@
-// The whole content of the built-in documents, to the value.
+// The complete content of the built-in documents, value by value.
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@ namespace {
 
 constexpr const char* kVariants[] = {"_brel", "_orvelle", "_other"};  // Documents 1, 2 and 3.
 
-// What the documents hold, as contentOf() prints it: one value where all have the same, and "-" for
-// what one of them lacks.
+// What the documents contain, as contentOf() prints it: one value where all have the same, and "-"
+// where a document has none.
 struct Row {
     const char* name;
     const char* values[3];
@@ -73,7 +73,7 @@ constexpr Row kPerfWords[] = {
          {"1082130688 4095", "1082130432 4095", "1082130432 4095"}},
 };
 
-// Codec components, with the documents that have them where that is not each.
+// Codec components, with the documents that have them unless all do.
 struct Codec {
     const char* name;
     const char* documents = "123";
@@ -116,7 +116,7 @@ std::string section(const char* title, const Rows& rows, int document) {
     return text;
 }
 
-TEST(BuiltInDocumentsTest, HoldEveryValue) {
+TEST(BuiltInDocumentsTest, ContainEveryValue) {
     Device device;
     for (int document = 0; document < 3; ++document) {
         SCOPED_TRACE(document + 1);

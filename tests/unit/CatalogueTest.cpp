@@ -1,4 +1,4 @@
-// The settings catalogue against the built-in documents, both ways, and what a vendor may add.
+// The settings catalogue and the built-in documents have the same settings; what a vendor may add.
 
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -98,8 +98,8 @@ TEST(CatalogueTest, ThePageIsTheCatalogue) {
     EXPECT_EQ(2, run("explain --markdown private_complexity").exitCode);
 }
 
-// A vendor's names are known to the checker, too.
-TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
+// The checker also knows a vendor's names.
+TEST(CatalogueTest, TheCheckerUsesAVendorsFile) {
     const ScratchDirectory scratch;
     const std::string document =
             scratch.write("vendor/etc/media/video_system_specs.json", R"({"Video": {
@@ -115,7 +115,7 @@ TEST(CatalogueTest, TheCheckerAsksAVendorsFile) {
         found += finding["id"].asString() + "@" + finding["line"].asString() + " ";
     }
     EXPECT_EQ("setting-misplaced@2 value-range@3 name-misspelt@3 ", found) << known.output;
-    // And so to the others that say what a name means.
+    // So do the other commands that say what a name means.
     const std::string settings = " --settings tests/unit/catalogue/vendor.json";
     const std::string empty = scratch.write("empty.json", "{}");
     const Result changes = run("diff " + empty + " " + document + settings);
@@ -155,7 +155,7 @@ TEST(CatalogueTest, AVendorsFileAddsNamesAndMustNotContradict) {
             "tests/unit/catalogue");
 }
 
-// A vendor's file with one mistake: in a setting, whose other members are right, or in the whole.
+// A vendor's file with one mistake: in a setting whose other members are right, or in the file.
 struct VendorMistake {
     const char* members;
     const char* position;
@@ -206,7 +206,7 @@ constexpr VendorMistake kVendorMistakes[] = {
          true},
 };
 
-TEST(CatalogueTest, EachMistakeOfAVendorIsToldAtItsPlace) {
+TEST(CatalogueTest, EachMistakeOfAVendorIsReportedAtItsPlace) {
     const ScratchDirectory scratch;
     for (const VendorMistake& mistake : kVendorMistakes) {
         const std::string file = scratch.write(

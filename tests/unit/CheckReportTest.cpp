@@ -1,4 +1,4 @@
-// What the check command's options and comments make of a report, in each of its formats.
+// How options and comments change a report of the check command, in each of its formats.
 
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -81,7 +81,7 @@ TEST(CheckReportTest, TheLastOptionWinsAndNothingHidesARejection) {
     EXPECT_NE(std::string::npos, list.find("\n  allows-nothing             off ")) << list;
 }
 
-TEST(CheckReportTest, CommentsAllowFindingsWhereTheyAre) {
+TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
     const ScratchDirectory scratch;
     const std::string document = scratch.write("allowed.json", R"({
     // The vendor's tool writes it so. kcodec2_spec: allow null-as-zero
@@ -113,7 +113,7 @@ TEST(CheckReportTest, CommentsAllowFindingsWhereTheyAre) {
           "Did you mean \"real-truncated\"?", "syntax cannot be allowed"}) {
         EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
     }
-    // A check that is left out does not make a comment idle.
+    // A comment for a check that is left out is not reported as useless.
     EXPECT_EQ("", placesIn(parsed(run("check --format json --disable all " + document).output)));
 }
 
@@ -157,7 +157,7 @@ TEST(CheckReportTest, NamesOfAnyBytesStayApart) {
     EXPECT_EQ(std::string::npos, run("check " + quoted).output.find('\033'));
 }
 
-// --- Mends ---
+// --- Fixes ---
 
 std::string modeOf(const std::string& path) {
     struct stat status = {};
@@ -210,7 +210,7 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(std::string::npos, run("check --fix " + link).output.find(": mended"));
 
-    // Where more than one thing may be meant, a person must say which.
+    // Where two readings are possible, a person must decide.
     for (const std::string uncertain :
          {R"({"Video": {"KC2CodecPlugins": ["a",, "b"]}})", R"({"Video": {"Presets": {"a" 1}})",
           R"({"Video": {"KC2CodecPlugins": ["a "b"]}})", R"({"Video": {"Presets": {"a": 0x10,}}})",
@@ -267,7 +267,7 @@ TEST(CheckReportTest, ATerminalGetsExcerptsThatFit) {
     size_t excerpts = 0;
     for (std::string line; std::getline(lines, line);) {
         if (line.find(" | ") != std::string::npos) {
-            EXPECT_GE(40 + 5, static_cast<int>(line.size())) << line;  // Of wide characters.
+            EXPECT_GE(40 + 5, static_cast<int>(line.size())) << line;  // With wide characters.
             ++excerpts;
         }
     }

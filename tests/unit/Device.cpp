@@ -1,4 +1,4 @@
-// A device of the test's own: its files in a temporary directory, its properties, and its log.
+// A device for a test: its files in a temporary directory, its properties, and its log.
 
 #include "Device.h"
 
@@ -142,7 +142,7 @@ Lines inOwnProcess(const std::function<Lines()>& work) {
     }
     int status = 0;
     EXPECT_EQ(child, waitpid(child, &status, 0));
-    EXPECT_EQ(0, status) << "the process ended badly";
+    EXPECT_EQ(0, status) << "the process did not end normally";
     return lines;
 }
 

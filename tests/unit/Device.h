@@ -1,4 +1,4 @@
-// A device of the test's own: its files in a temporary directory, its properties, and its log.
+// A device for a test: its files in a temporary directory, its properties, and its log.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ inline constexpr char kStreamErrorLine[] = "E/KC2TargetSpec: Couldn't parse json
 
 inline constexpr uint32_t kFailed = 0xFFFFFFFF;
 
-// Mapped for as long as it lives; the test's variant is "_test" until it sets another.
+// Mapped during its lifetime; the variant is "_test" until the test sets another.
 class Device {
 public:
     Device();
@@ -33,7 +33,7 @@ public:
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
-    // Where a path of the device lies; its directory is made.
+    // Where a path of the device is on this machine; creates its directory.
     std::string operator()(const std::string& devicePath) const;
     void write(const std::string& devicePath, const std::string& text) const;
     std::string read(const std::string& devicePath) const;
@@ -51,11 +51,11 @@ void setVariant(const std::string& variant);
 // Parses `text` as a document of a file; the status of parseJsonData().
 uint32_t parse(TargetSpec& spec, const std::string& text);
 
-// Everything that a store holds, but its status, as text.
+// The content of a store, without its status, as text.
 std::string contentOf(const TargetSpec& spec);
 
-// Runs `work` in a separate process and returns its lines; a process that ends otherwise fails
-// the test. What needs TargetSpec::Get() goes in there: it loads once per process.
+// Runs `work` in a separate process and returns its lines; fails the test when the process does not
+// end normally. Use it for TargetSpec::Get(), which loads once per process.
 Lines inOwnProcess(const std::function<Lines()>& work);
 
 }  // namespace kc2::test

@@ -1,4 +1,4 @@
-// kcodec2_spec diff: what it says of two loads.
+// kcodec2_spec diff: what it reports about two loads.
 
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -29,7 +29,7 @@ constexpr char kNewDocument[] = R"({"Video": {
     "perf-resource-values": {"p": ["0x1", "0x3"]},
     "OptionalCodecs": ["c2.x", "c2.y"]}})";
 
-TEST(DiffTest, TellsEachChangeOnce) {
+TEST(DiffTest, ReportsEachChangeOnce) {
     const ScratchDirectory directory;
     const std::string documents = directory.write("old.json", kOldDocument) + " " +
                                   directory.write("new.json", kNewDocument);
@@ -85,7 +85,7 @@ TEST(DiffTest, ComparesEffectsNotTexts) {
     const auto write = [&](const char* name, const std::string& text) {
         return " " + directory.write(name, text);
     };
-    // As the built-in document has it, so only who sets it changes.
+    // The same value as in the built-in document, so only its origin changes.
     const std::string plain = write("a.json", R"({"Video": {"Presets": {"x": 1}}})");
     const std::string moved =
             write("b.json",
@@ -132,7 +132,7 @@ TEST(DiffTest, IsColouredOnATerminalOnly) {
     }
 }
 
-// Long lists that differ everywhere must not cost the product of their lengths.
+// The time for long lists that differ everywhere must not grow with the product of their lengths.
 TEST(DiffTest, LongListsAreComparedInGoodTime) {
     const ScratchDirectory directory;
     std::string lists[2];

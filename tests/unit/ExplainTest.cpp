@@ -1,4 +1,4 @@
-// kcodec2_spec explain: every kind of name, and examples of the checks that are true.
+// kcodec2_spec explain: every kind of name, and that the checks' examples are right.
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ std::vector<std::string> allChecks() {
     return ids;
 }
 
-// Whether a report names that check, in a file whose name ends so.
+// Whether a report has a finding of that check, in a file whose name ends so.
 bool isReported(const std::string& report, const std::string& id, const std::string& file = "") {
     std::istringstream lines(report);
     for (std::string line; std::getline(lines, line);) {
@@ -42,7 +42,7 @@ bool isReported(const std::string& report, const std::string& id, const std::str
     return false;
 }
 
-TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
+TEST(ExplainTest, AnExampleHasItsMistakeAndTheFixedOneHasNot) {
     const ScratchDirectory scratch;
     // All checks that a document can reach; a change that adds one adds a document with it.
     const std::string reached = run("check tests/unit/check/*.json").output;
@@ -68,7 +68,7 @@ TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
     EXPECT_NE(std::string::npos, mended.find("\n0 errors, 0 warnings")) << mended;
 }
 
-TEST(ExplainTest, TellsEveryKindOfName) {
+TEST(ExplainTest, ExplainsEveryKindOfName) {
     const std::string device =
             " --rootdir tests/unit/check/load-traps --property vendor.media.target_variant=";
     expectAnswers("explain ",
@@ -96,8 +96,8 @@ TEST(ExplainTest, TellsEveryKindOfName) {
                   });
 }
 
-// The first document that sets a name wins; the other's value is told as lost.
-TEST(ExplainTest, TellsWhoSetsANameAndWhoLoses) {
+// The first document that sets a name wins; the other's value is reported as lost.
+TEST(ExplainTest, ShowsWhichDocumentSetsANameAndWhichLoses) {
     const ScratchDirectory scratch;
     const std::string system = "/vendor/etc/media";
     const std::string data = "/data/vendor/media";

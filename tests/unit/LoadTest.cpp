@@ -1,5 +1,5 @@
-// Whole loads, each in a separate process: which documents, which lines, which outcome, what
-// faults of the file system do, and what many threads see.
+// Whole loads, each in a separate process: documents, log lines, outcomes, failures of the file
+// system, and many threads.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -29,7 +29,7 @@ const std::string kPrivate = R"({"Video": {"Features": {"private": true, "both":
 const std::string kSpecContent = "feature both 0\nfeature spec 1\n";
 const std::string kBothContent = "feature both 0\nfeature private 1\nfeature spec 1\n";
 
-// What Get() loads in a separate process: the log's lines, then the status and the content.
+// A load by Get() in a separate process: the log's lines, then the status and the content.
 struct Loaded {
     Lines log;
     std::string status;
@@ -192,7 +192,7 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
         SCOPED_TRACE(testing::Message() << row.hasTool << " " << (row.file ? row.file : "absent"));
         Device device;
         device.write(kVariantSpec, kSpec);
-        device(kPrivateFile);  // Makes its directory.
+        device(kPrivateFile);  // Creates its directory.
         if (row.file != kAbsent) {
             device.write(kPrivateFile, row.file);
         }
@@ -207,9 +207,9 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
     }
 }
 
-// Every way in which a file really fails. The tool is installed, so the private file may be
+// Every way in which a file can fail. kcodec2_test is installed, so the private file may be
 // written.
-TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
+TEST_F(LoadTest, NoFailureOfTheFileSystemStopsIt) {
     namespace fs = std::filesystem;
     host::mapDirectory("/proc", "/proc");  // A file that opens and fails when it is read.
     const auto link = [&](const char* target) {
@@ -242,7 +242,7 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
         std::function<void()> inLoader;  // In the process that loads.
         std::string content;
         Lines log;
-        const char* fileAfterwards;  // Null where there is no file to look at.
+        const char* fileAfterwards;  // Null: no file is compared.
     } rows[] = {
             {"private: I/O error while reading", link("/proc/self/mem"), [] {}, all, {}, nullptr},
             {"private: a directory",
@@ -316,8 +316,8 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
     }
 }
 
-// With libc++ the last bytes are written no earlier than when the file is closed.
-TEST_F(LoadTest, ASeedIsWrittenWholeOrNotAtAll) {
+// With libc++ the last bytes are written when the file is closed.
+TEST_F(LoadTest, ASeedIsWrittenCompletelyOrNotAtAll) {
     mDevice.write(kTestTool, "");
     for (const char* const variant : {"_brel", "_orvelle", "_test"}) {
         setVariant(variant);
@@ -363,8 +363,8 @@ TEST_F(LoadTest, APrivateFileMayBeRewrittenMeanwhile) {
     }
 }
 
-// Few threads whose first one loads from a pipe until it is written to, so that all others arrive
-// meanwhile; and many that race for a plain file.
+// A few threads, where the first one reads a pipe until it is written to, so that all others arrive
+// during the load; and many threads that race for a plain file.
 TEST_F(LoadTest, ManyFirstCallersShareOneLoad) {
     for (const size_t threadCount : {4, 16}) {
         const bool isPipe = threadCount == 4;

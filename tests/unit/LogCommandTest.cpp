@@ -1,5 +1,5 @@
-// The command "log": that its table is what the sources write, and what it tells of logs that the
-// library itself has written, in each form of logcat, and of hostile ones.
+// The command "log": its table matches the sources; what it reports about logs that the library has
+// written, in each form of logcat, and about hostile ones.
 
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -36,7 +36,7 @@ size_t endOfCall(const std::string& text, size_t at) {
     return at;
 }
 
-// The first cells of the row that a log call in a source deserves.
+// The first cells of the row that belongs to a log call in a source.
 std::string rowOf(const std::string& kind, const std::string& call) {
     const size_t quote = call.find('"');
     EXPECT_NE(std::string::npos, quote) << "a log line whose text is not a literal: " << call;
@@ -53,7 +53,7 @@ std::string rowOf(const std::string& kind, const std::string& call) {
     return "| `" + text + "` | `" + tag + "` | " + kind[0] + " | " + gate + " |";
 }
 
-TEST(LogCommandTest, TheTableIsWhatTheSourcesWriteAndThePageShows) {
+TEST(LogCommandTest, TheTableMatchesTheSourcesAndThePage) {
     std::multiset<std::string> written;
     for (const char* directory : {"targetspec", "platform", "device", "log"}) {
         const std::filesystem::path path = std::filesystem::path(KC2_SOURCE_DIR) / directory;
@@ -92,7 +92,7 @@ TEST(LogCommandTest, TheTableIsWhatTheSourcesWriteAndThePageShows) {
     EXPECT_NE(std::string::npos, readFile(KC2_SOURCE_DIR "/docs/log.md").find(table));
 }
 
-// A device's tree in a directory, its log as the library writes it, and what is told of that.
+// A device tree, the log that the library writes for it, and what the command reports.
 class LogOfTreeTest : public testing::Test {
 protected:
     // The lines in logcat's brief form.
@@ -106,7 +106,7 @@ protected:
         return parsed(run("log --json " + mScratch.write("log", log) + " " + arguments).output);
     }
 
-    // The topics and texts of the first load, a line each.
+    // The topics and texts of the first load, one per line.
     static std::string textOf(const Json::Value& json) {
         std::string text;
         for (const Json::Value& conclusion : json[0]["conclusions"]) {
@@ -164,14 +164,15 @@ TEST_F(LogOfTreeTest, EachOutcomeOfTheSecondStepIsAmongThePossibleOnes) {
                                         " 2>&1 >/dev/null | cat")
                                             .output;
             EXPECT_EQ(row.possible, outcomesOf(told(log))) << log;
-            // The tree that it is the log of contradicts nothing; an emptied one does where it can.
+            // The tree that wrote the log contradicts nothing; the same tree emptied does where it
+            // can.
             const std::string beside = textOf(told(log, "--rootdir " + tree.path()));
             EXPECT_EQ(std::string::npos, beside.find("contradiction")) << beside;
         }
     }
 }
 
-TEST_F(LogOfTreeTest, EveryFormOfLogcatTellsTheSame) {
+TEST_F(LogOfTreeTest, EveryFormOfLogcatGivesTheSameReport) {
     mTree.write(std::string(kSpecOfTest).substr(1),
                 R"({"Video": {"Features": {"a": "x", "b": true}, "Presets": {"c": 5},
                     "NimbraModeBitrateTable": [[1], [2]], "KC2CodecPlugins": ["plug"],
@@ -231,7 +232,7 @@ TEST_F(LogOfTreeTest, EveryFormOfLogcatTellsTheSame) {
     }
 }
 
-TEST_F(LogOfTreeTest, WhatIsProvedIsToldAndWhatIsNotIsLeftOpen) {
+TEST_F(LogOfTreeTest, WhatIsProvedIsReportedAndTheRestIsLeftOpen) {
     const std::string e = "E KC2TargetSpec: ";
     const std::string w = "W KC2TargetSpec: ";
     const std::string rejected = e + "Couldn't parse json from file stream";
@@ -288,7 +289,7 @@ TEST_F(LogOfTreeTest, WhatIsProvedIsToldAndWhatIsNotIsLeftOpen) {
             EXPECT_NE(std::string::npos, textOf(json).find(word)) << word << "\n" << textOf(json);
         }
     }
-    // Two processes, and two loads of one number.
+    // Two processes, and two loads with one process number.
     const std::string two = "E/KC2TargetSpec(1): Failed to open /vendor/etc/media_x/v\n";
     EXPECT_EQ(
             3u,

@@ -1,4 +1,4 @@
-// Which lines the log shows at which level, and that a closed gate costs no argument.
+// Which lines the log shows at which level; a closed gate evaluates no argument.
 
 #include "device/Log.h"
 

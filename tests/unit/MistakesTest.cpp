@@ -163,7 +163,7 @@ constexpr Mistake kMistakes[] = {
         {R"("perf-resource-values": {"private_perf_resource_values_video_encode": )"
          R"(["ox40800000", "0x1"]})",
          "perf-word-not-hexadecimal@83"},
-        // Once more, in other forms.
+        // The same mistakes in other forms.
         {R"("Presets": {"private_complexty": 50})", "name-misspelt@24"},
         {R"("Presets": {"private_max_supported_render_rates": 120})", "name-misspelt@24"},
         {R"("Features": {"privat_enc_cvp_enable": true})", "name-misspelt@25"},

@@ -1,5 +1,5 @@
-// One document into a store: every value rule, every bad value, every rejected document, and what a
-// second document changes.
+// Reading a document into a store: every value rule, every bad value, every rejected document, and
+// what a second document changes.
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -36,7 +36,7 @@ std::string nested(int depth, const std::string& innermost) {
     return open + innermost + close;
 }
 
-// With its array and its root it holds two values more.
+// Its array and its root are two more values.
 std::string arrayOf(size_t count, const std::string& value) {
     std::string text = "[" + value;
     for (size_t i = 1; i < count; ++i) {
@@ -49,7 +49,7 @@ std::string textOf(size_t size) {
     return "{}" + std::string(size - 2, ' ');
 }
 
-TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
+TEST_F(ParseTest, OneDocumentShowsTheValueRules) {
     host::setLogLevel(0x4);
     updateLogLevel();
     EXPECT_EQ(0u, parse(mSpec, R"(/* before the root */ { // after a brace
@@ -95,7 +95,7 @@ TEST_F(ParseTest, OneDocumentProvesTheValueRules) {
     EXPECT_EQ(expected, mDevice.takeLog());
 }
 
-// A comment may be wherever white space may be, whatever release of the parser reads the text.
+// Comments are allowed wherever white space is, with every release of the parser.
 TEST_F(ParseTest, ACommentIsWhiteSpace) {
     std::istringstream document(R"({ "Video" : { "Features" : { } , "Presets" : { "a/*b" : 1 ,
         "//\"" : 2 } , "OptionalCodecs" : [ ] , "KC2CodecPlugins" : [ "p\\" , "q" ] } })");
@@ -117,7 +117,7 @@ TEST_F(ParseTest, ACommentIsWhiteSpace) {
             << "entries that are all commented out";
 }
 
-TEST_F(ParseTest, ABadValueCostsOnlyItself) {
+TEST_F(ParseTest, OnlyTheBadValueIsSkipped) {
     const char* const noObject = "not an object";
     const char* const noArray = "not an array";
     const char* const noBoolean = "not a boolean";
@@ -170,8 +170,8 @@ TEST_F(ParseTest, ABadValueCostsOnlyItself) {
     }
 }
 
-// A terminal must get neither control characters nor bytes that are not UTF-8; and the log cuts
-// long lines, so a long name must leave room for what is wrong.
+// A terminal must get neither control characters nor bytes that are not UTF-8. The log cuts long
+// lines, so a long name must leave room for the reason.
 TEST_F(ParseTest, TheLogShowsANameSafely) {
     const std::string longest(200, 'n');
     const struct {
@@ -250,7 +250,7 @@ TEST_F(ParseTest, ARejectedDocumentChangesNothing) {
     }
 }
 
-TEST_F(ParseTest, AcceptsWhatHoldsNothing) {
+TEST_F(ParseTest, AcceptsDocumentsWithoutContent) {
     const std::string brackets(2000, '[');
     for (const std::string& text :
          {std::string("{}"), std::string("null"), std::string(R"({"video": []})"),
@@ -259,7 +259,7 @@ TEST_F(ParseTest, AcceptsWhatHoldsNothing) {
                           "KC2CodecPlugins": 5, "OptionalCodecs": null,
                           "codecs-available": {"decoders": "x", "encoders": null}}})"),
           nested(256, "1"), nested(255, "[]"), nested(255, "{ /* } */ }"),
-          // Up to each limit; and long for another reason than its values.
+          // Up to each limit; and long texts with few values.
           arrayOf(kMaxValues - 2, "1"), textOf(kMaxTextBytes),
           "{\"a\": \"" + std::string(2 * kMaxValues, ',') + "\"}",
           "{\"a\": \"\\\"" + brackets + "\", /*" + brackets + "*/ \"b\": // " + brackets +
@@ -301,7 +301,7 @@ TEST_F(ParseTest, ASecondDocumentAddsButReplacesOnlyTierLevels) {
               contentOf(mSpec));
 }
 
-#ifdef __cpp_exceptions  // Without exceptions a program ends where its stream would throw.
+#ifdef __cpp_exceptions  // Without exceptions the program ends when its stream would throw.
 TEST_F(ParseTest, ThrowsNothingForAStreamThatHasThrown) {
     mDevice.write("/empty.json", "");
     std::ifstream atItsEnd(mDevice("/empty.json"));
@@ -333,8 +333,8 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     EXPECT_EQ(kFailed, mSpec.parseJsonData(directory));
     EXPECT_TRUE(directory.good() && directory.exceptions() == std::ios::badbit);
     EXPECT_EQ("codec a\xFF\n", contentOf(mSpec));
-    // A whole document, blanks, and an error before their end: the process's memory, up to a page
-    // that is not there.
+    // A complete document, blanks, and a read error before their end: the process's memory, up to a
+    // page that is not mapped.
     const size_t size = size_t{64} << 10;
     char* const memory = static_cast<char*>(
             mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));

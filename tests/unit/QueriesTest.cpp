@@ -1,4 +1,4 @@
-// The nine queries, on an empty store and on one that holds something.
+// The nine queries, on an empty store and on one with content.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 using Names = std::list<std::string>;
 
-TEST(QueriesTest, AnEmptyStoreAnswersAbsent) {
+TEST(QueriesTest, AnEmptyStoreReturnsAbsentValues) {
     Device device;
     TargetSpec spec;
     int value = 77;
@@ -38,7 +38,7 @@ TEST(QueriesTest, AnEmptyStoreAnswersAbsent) {
               device.takeLog());
 }
 
-TEST(QueriesTest, AnswersWhatTheStoreHolds) {
+TEST(QueriesTest, ReturnWhatTheStoreContains) {
     Device device;
     TargetSpec spec;
     ASSERT_EQ(0u, parse(spec, R"({"Video": {

@@ -1,4 +1,4 @@
-// kcodec2_spec report: what its page says. scripts/check-report.py opens it in a browser.
+// kcodec2_spec report: the text of its page. scripts/check-report.py opens it in a browser.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr char kSpec[] = "/video_system_specs.json";
 
-// As a person reads it: no tags, nothing for screen readers only, blanks once.
+// As a person reads it: no tags, nothing that only screen readers see, single blanks.
 std::string textOf(std::string html) {
     html = std::regex_replace(html, std::regex("<span class=\"sr\">[^<]*</span>"), "");
     html = std::regex_replace(html, std::regex("<(/?)(small|span)[^>]*>"), " ");
@@ -113,7 +113,7 @@ c2.x | – | ≠yes system spec
                         "from 20 to below 30: none; from 30 to below 40: 3<"));
 }
 
-TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
+TEST(ReportTest, ShowsOfEachVariantWhatShowPrints) {
     const std::string page = run("report --output - --rootdir examples/device").output;
     const std::vector<std::vector<std::string>> rows = matrixOf(page);
     ASSERT_LT(50U, rows.size());
@@ -122,17 +122,17 @@ TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
                                         "_orvelle_tab"}),
               variants);
     for (size_t column = 1; column < variants.size(); ++column) {
-        std::vector<std::string> told;
+        std::vector<std::string> listed;
         for (const std::vector<std::string>& row : rows) {
             if (row.size() == variants.size() && row[column].find("–") == std::string::npos) {
-                told.push_back(
+                listed.push_back(
                         row[0].substr(0, row[0].find(row[0][0] == '[' ? ")" : " ") +
                                                  (row[0][0] == '[' ? 1 : 0)) +
                         " " +
                         std::regex_replace(row[column], std::regex("^(≠)?(#\\d+ ?|yes )?"), ""));
             }
         }
-        told.erase(told.begin());  // The header.
+        listed.erase(listed.begin());  // The header.
         const std::string shown =
                 run("show --rootdir examples/device --property vendor.media.target_variant=" +
                     (column == 1 ? "default" : variants[column]) + " 2> /dev/null")
@@ -141,9 +141,9 @@ TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
         for (std::string& line : expected) {
             line = std::regex_replace(line, std::regex(" +"), " ");
         }
-        std::sort(told.begin(), told.end());
+        std::sort(listed.begin(), listed.end());
         std::sort(expected.begin(), expected.end());
-        EXPECT_EQ(expected, told) << variants[column];
+        EXPECT_EQ(expected, listed) << variants[column];
     }
 }
 
@@ -158,12 +158,12 @@ TEST(ReportTest, HasTheFindingsOfCheck) {
     for (const std::string& id : ids) {
         EXPECT_NE(std::string::npos, page.find("<code>" + id + "</code>")) << id;
     }
-    // The variant that no document is for, and what it falls back on.
+    // A variant without a document, and the document that is used instead.
     EXPECT_NE(std::string::npos, page.find("<th scope=\"col\">_unknown</th>"));
     EXPECT_NE(std::string::npos, page.find("built-in document 3"));
 }
 
-TEST(ReportTest, WritesAWholeFileOrNone) {
+TEST(ReportTest, WritesACompleteFileOrNone) {
     const ScratchDirectory directory;
     const std::string kept = directory.write("kept.html", "before");
     chmod(kept.c_str(), 0640);
@@ -201,10 +201,10 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
     }
     EXPECT_EQ(0, run("report --rootdir examples/device --output /dev/null").exitCode);
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_EQ(5, std::distance(fs::directory_iterator(directory.path()), {}));  // Nothing beside.
+    EXPECT_EQ(5, std::distance(fs::directory_iterator(directory.path()), {}));  // No other files.
 }
 
-// A page that no browser opens helps nobody, so it is cut, and says so.
+// No browser opens a page that is too large, so it is cut, and says so.
 TEST(ReportTest, StaysSmallEnoughForABrowser) {
     const ScratchDirectory tree;
     std::string names;

@@ -9,18 +9,18 @@
 
 namespace kc2::test {
 
-// The tool in a shell's command line; the variable KC2_SPEC_TOOL may name another build's.
+// The tool's path for a shell; the variable KC2_SPEC_TOOL can name another build's tool.
 inline constexpr char kToolCommand[] = "${KC2_SPEC_TOOL:-" KC2_SPEC_TOOL "}";
 
 struct Result {
-    std::string output;  // Of both streams.
+    std::string output;  // From both streams.
     int exitCode;
 };
 
 // Through a shell, in a directory of the source tree.
 Result run(const std::string& arguments, const std::string& directory = ".");
 
-// A command line, and what must come of it.
+// A command line, and its expected result.
 struct Answer {
     std::string arguments;
     int exitCode;
@@ -31,20 +31,20 @@ struct Answer {
 void expectAnswers(const std::string& command, const std::vector<Answer>& rows,
                    const std::string& directory = ".");
 
-// On a terminal of that many columns, with these variables in front: "TERM=xterm".
+// On a terminal of that many columns, with these variables set: "TERM=xterm".
 Result runOnTerminal(const std::string& arguments, unsigned short columns,
                      const std::string& environment, const std::string& directory = ".");
 
-// The JSON that a command has printed; the test fails where it is none.
+// The JSON that a command has printed; fails the test when it is not JSON.
 Json::Value parsed(const std::string& text);
 
 std::string readFile(const std::filesystem::path& path);
 
-// Compares `text` with tests/unit/check/expected/`name`; where they differ, the failure names a
-// file with `text`, for whoever wants it to be the new one.
+// Compares `text` with tests/unit/check/expected/`name`. If they differ, the failure names a file
+// with `text`, which can replace the expected one.
 void expectFile(const std::string& name, const std::string& text);
 
-// A directory that is removed again.
+// A directory that is removed at the end.
 class ScratchDirectory {
 public:
     ScratchDirectory();

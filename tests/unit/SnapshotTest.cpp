@@ -36,7 +36,7 @@ std::map<std::string, std::string> shownOf(const TargetSpec& whole, const tool::
     return shown;
 }
 
-// What is shown after `first` and then `second`, as the library merges them.
+// What is shown after the library has merged `first` and then `second`.
 std::map<std::string, std::string> shownOf(const std::string& first, const std::string& second) {
     const tool::LoadSteps steps = stepsOf(first, second);
     TargetSpec whole;
@@ -82,8 +82,8 @@ TEST(SnapshotTest, EachEntryHasTheDocumentThatSetIt) {
     EXPECT_EQ("max_main_tier_level:9:2 max_high_tier_level:0:2 ", levels(same, same));
 }
 
-// The origins must follow a library that merges by other rules. Merged the other way round, the
-// second document wins, and its entries are in front.
+// The origins must be right for a library with other merge rules. Merged in reverse order, the
+// second document wins, and its entries come first.
 TEST(SnapshotTest, KnowsNoMergeRule) {
     const tool::LoadSteps steps = stepsOf(kFirst, kSecond);
     TargetSpec whole;
@@ -95,13 +95,13 @@ TEST(SnapshotTest, KnowsNoMergeRule) {
     EXPECT_EQ("[1, 2):3:2 [0, 1):2:2 [0, 1):2:1 ", shown["nimbraModeBitRateTable"]);
     EXPECT_EQ("p::2 p::2 p::1 q::1 ", shown["codecPlugins"]);
     EXPECT_EQ("a::2 c::1 ", shown["supportedCodecs"]);
-    // A list that the second document replaces is its own, whatever the first one held.
+    // A list that the second document replaces comes from it, whatever the first one contained.
     TargetSpec replaced;
     steps.overlay(replaced);
     EXPECT_EQ("p::2 p::2 ", shownOf(replaced, steps)["codecPlugins"]);
 }
 
-// A section's smallest content that is not nothing.
+// The smallest content of a section that is not empty.
 const char* contentOf(SectionType type) {
     switch (type) {
         case SectionType::Features:
@@ -123,7 +123,7 @@ const char* contentOf(SectionType type) {
     return "";
 }
 
-// A document with one section alone must show in one section at least.
+// A document with a single section must appear in at least one section.
 TEST(SnapshotTest, ShowsEverySection) {
     const auto empty = shownOf("{}", "{}");
     for (const Section& section : kSections) {
@@ -139,7 +139,7 @@ struct Merge {
     const char* first;   // The section in one document,
     const char* second;  // and in a later one.
     const char* shown;
-    // What people are told of it.
+    // What people read about it.
     const char* onThePage;
     const char* explained;
 };
@@ -165,7 +165,7 @@ constexpr Merge kMerges[] = {
          "adds component names to one set", "make one set"},
 };
 
-// Whoever changes a merge rule finds here which words are to follow.
+// A change to a merge rule fails here until the texts about it are changed, too.
 TEST(SnapshotTest, ThePagesSayHowEachSectionMerges) {
     const std::string page = readFile(KC2_SOURCE_DIR "/docs/documents.md");
     const size_t start = page.find("## What merges how");
@@ -199,7 +199,7 @@ TEST(SnapshotTest, ThePagesSayHowEachSectionMerges) {
         }
         EXPECT_LT(0, count) << key;
     }
-    // Each chip is named where the page says which built-in document is whose.
+    // The page names each chip, with its built-in document.
     const std::string numbers = run("defaults 99").output;  // "... 1 (brel, mirt), 2 (..."
     const std::regex chip("[(,] ?([a-z]+)(?=[,)])");
     const std::sregex_iterator first(numbers.begin(), numbers.end(), chip);

@@ -1,4 +1,4 @@
-// Which path a variant leads to, and which built-in document a path.
+// The path for each variant, and the built-in document for each path.
 
 #include <gtest/gtest.h>
 

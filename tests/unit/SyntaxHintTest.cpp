@@ -1,4 +1,4 @@
-// What the checker says of texts that are not JSON.
+// What the checker reports about texts that are not JSON.
 
 #include <gtest/gtest.h>
 #include <json/value.h>
@@ -16,8 +16,8 @@ using namespace std::string_literals;
 
 struct Row {
     std::string text;
-    const char* position;  // Line:column of what is wrong.
-    const char* hint;      // Somewhere in the message.
+    const char* position;  // Line:column of the error.
+    const char* hint;      // Part of the message.
 };
 
 const std::vector<Row> kRows = {
@@ -66,7 +66,7 @@ const std::vector<Row> kRows = {
         {"{\"a\": [BT, XL]}", "1:8", "BT"},
         {"{\"a\":\u200B 1}", "1:6", "an invisible character (U+200B)"},
         {"{\"a\": 1,\0}"s, "1:9", "a control character"},
-        // What is not a document of UTF-8 JSON at all.
+        // Files that are not JSON in UTF-8 at all.
         {"", "1:1", "the document is empty"},
         {"// c\n", "2:1", "the document is empty"},
         {"\xEF\xBB\xBF{}", "1:1", "byte order mark"},
@@ -127,8 +127,8 @@ TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
     expectFile("syntax-hints.txt", text);
 }
 
-// A parser of this machine takes these; the next one may not.
-TEST(SyntaxHintTest, RawControlCharactersInStringsAreToldOncePerString) {
+// This machine's parser accepts these; a later release may not.
+TEST(SyntaxHintTest, RawControlCharactersInStringsAreReportedOncePerString) {
     const ScratchDirectory scratch;
     const std::string path =
             scratch.write("a.json",
@@ -145,8 +145,8 @@ TEST(SyntaxHintTest, RawControlCharactersInStringsAreToldOncePerString) {
     EXPECT_EQ(2U, count);
 }
 
-// JsonCpp up to 1.9.5 rejects the document, and a later one on the desk must not hide that.
-TEST(SyntaxHintTest, ANumberThatNoParserHoldsIsToldWithEveryRelease) {
+// JsonCpp up to 1.9.5 rejects the document; a later release on the desk must not hide that.
+TEST(SyntaxHintTest, ANumberOutOfRangeIsReportedWithEveryRelease) {
     const ScratchDirectory scratch;
     const Result result =
             run("check --werror " +

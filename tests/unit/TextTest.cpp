@@ -1,4 +1,4 @@
-// The tool's small pieces: texts, widths on a terminal, where things are in a document.
+// The tool's small parts: texts, widths on a terminal, places in a document.
 
 #include "base/Text.h"
 
@@ -44,7 +44,7 @@ TEST(TextTest, WordsAreReadAsALogOrAPersonWritesThem) {
 }
 
 TEST(TextTest, NothingIsCutInTheMiddleOfACharacter) {
-    const std::string text = "a\u00e4\u4e16\U0001f600";  // Of 1, 2, 3 and 4 bytes.
+    const std::string text = "a\u00e4\u4e16\U0001f600";  // Characters of 1, 2, 3 and 4 bytes.
     const size_t whole[] = {0, 1, 1, 3, 3, 3, 6, 6, 6, 6, 10, 10};
     for (size_t bytes = 0; bytes < std::size(whole); ++bytes) {
         EXPECT_EQ(text.substr(0, whole[bytes]), clipped(text, bytes)) << bytes;
@@ -84,12 +84,12 @@ TEST(TextTest, DistancesCountMistakesButNotCase) {
     for (const auto& row : rows) {
         EXPECT_EQ(row.distance, editDistance(row.a, row.b, 5)) << row.a << " " << row.b;
         EXPECT_EQ(row.distance, editDistance(row.b, row.a, 5)) << row.b << " " << row.a;
-        // Beyond the limit any number does, as long as it is above.
+        // Beyond the limit, any larger number is right.
         for (size_t limit = 0; limit < row.distance; ++limit) {
             EXPECT_LT(limit, editDistance(row.a, row.b, limit)) << row.a << " " << row.b;
         }
     }
-    // Longer ones are the same or not.
+    // Longer words are only equal or not.
     const std::string longName(101, 'a');
     EXPECT_EQ(0U, editDistance(longName, longName, 3));
     EXPECT_LT(3U, editDistance(longName, longName + "b", 3));
@@ -113,12 +113,12 @@ TEST(TextTest, TheNearestNameIsTheOneWithMostOfTheWord) {
     }
 }
 
-// Blanks stand where a comment was, so that every offset and line stays.
+// Blanks replace a comment, so that all offsets and lines stay the same.
 TEST(TextTest, CommentsBecomeBlanksAndTheirPlacesAreKnown) {
     const struct {
         const char* text;
         const char* blanked;
-        const char* comments;  // "start-limit" of each.
+        const char* comments;  // "start-limit" of each comment.
     } rows[] = {
             {"1//a", "1   ", "1-4"},
             {"1//a\n2", "1   \n2", "1-4"},
@@ -134,7 +134,7 @@ TEST(TextTest, CommentsBecomeBlanksAndTheirPlacesAreKnown) {
             {"\"\\\"//\"", "\"\\\"//\"", ""},
             {"\"\\\\\"//", "\"\\\\\"  ", "4-6"},
             {"\"/*\"/*\"*/\"", "\"/*\"     \"", "4-9"},
-            // What is not whole stays, and is a syntax error at its place.
+            // An incomplete comment stays, and is a syntax error at its place.
             {"1/*a", "1/*a", ""},
             {"/*/", "/*/", ""},
             {"1/2//a", "1/2//a", ""},
@@ -175,7 +175,7 @@ TEST(TextTest, TheOutlineKnowsWhereEverythingIs) {
     EXPECT_EQ(R"("x\"]")", at(list.children[2].value));
     EXPECT_FALSE(list.children[2].isNumber());
 
-    // The last member of a name counts.
+    // Of several members with one name, the last is used.
     const OutlineNode* const object = findMember(outline.root, "a");
     ASSERT_NE(nullptr, object);
     ASSERT_NE(nullptr, findMember(*object, "b"));
@@ -191,8 +191,8 @@ TEST(TextTest, TheOutlineKnowsWhereEverythingIs) {
     EXPECT_EQ(nullptr, findValueAt(outline.root, text.size()));
 }
 
-// What is no JSON has an outline, too: the parser may take less of it than there is.
-TEST(TextTest, AnOutlineOfTornTextsComesToItsEnd) {
+// A text that is not JSON also has an outline; the parser may accept only a part of it.
+TEST(TextTest, AnOutlineOfATruncatedTextEnds) {
     const std::string whole = R"({"a": [1, {"b\\": "c"}], "d": "e"})";
     for (size_t size = 0; size <= whole.size(); ++size) {
         const Outline outline = outlineOf(std::string_view(whole).substr(0, size));

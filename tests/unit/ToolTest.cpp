@@ -21,7 +21,7 @@ namespace kc2::test {
 
 namespace {
 
-TEST(ToolTest, EachCommandAnswers) {
+TEST(ToolTest, EachCommandRuns) {
     const std::string tree = "show --rootdir examples/device ";
     const std::string variant = "--property vendor.media.target_variant=";
     expectAnswers(
@@ -63,7 +63,7 @@ TEST(ToolTest, EachCommandAnswers) {
                     {"formats -- -1040187392", 0, "RGBA8888_CMPR"},
                     {"formats TAMRA_TP1", 1, "Did you mean TAMRA_TP10?"},
                     {"formats nv12", 1, "Did you mean TAMRA_NV12?"},
-                    // A third of the letters and one may be wrong, and one more may not.
+                    // A third of the letters plus one may be wrong, but no more.
                     {"formats RGBA_xxxx", 1, "Did you mean RGBA_FP16?"},
                     {"formats RGBAxxxxx", 1, "\"kcodec2_spec formats\" lists them."},
                     {"show --rootdir tests/unit/check/load-variant " + variant + "trail", 0,
@@ -79,7 +79,7 @@ TEST(ToolTest, EachCommandAnswers) {
             });
 }
 
-// tests/unit/check/ holds documents and device trees, each with its report in expected/.
+// tests/unit/check/ has documents and device trees, each with its report in expected/.
 TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
     const std::filesystem::path directory = KC2_SOURCE_DIR "/tests/unit/check";
     std::vector<std::pair<std::string, std::string>> checks = {
@@ -94,7 +94,7 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
             {"--rootdir load-rejected", "load-rejected"},
             {"no-codecs.json no-video.json --format json", "json"},
     };
-    // Every field of the store for scripts, with the document that each came from.
+    // Every field of the store for scripts, with the document that set it.
     EXPECT_EQ(readFile(directory / "expected/show.txt"),
               run("show --json --rootdir load-traps --property vendor.media.target_variant=_test",
                   "tests/unit/check")
@@ -114,7 +114,7 @@ TEST(ToolTest, EachTrapIsReportedAtItsPlace) {
     }
 }
 
-// A device whose /vendor and /odm are links, and links that lead out of it.
+// A device whose /vendor and /odm are links, and links that lead out of the tree.
 TEST(ToolTest, LinksStayInTheTree) {
     namespace fs = std::filesystem;
     std::string pattern = fs::temp_directory_path() / "kc2-links-XXXXXX";
@@ -155,7 +155,7 @@ TEST(ToolTest, LinksStayInTheTree) {
                 << result.output;
         EXPECT_EQ(std::string::npos, result.output.find("outside")) << row.variant;
     }
-    // A directory of another place, and a link in it to one that no option maps.
+    // A mapped directory, with a link to a directory that no option maps.
     const std::string vendorOnly = "show --dirmap /vendor:" + (root / "system/vendor").string() +
                                    " --property vendor.media.target_variant=";
     EXPECT_NE(std::string::npos, run(vendorOnly + "_relative").output.find("feature_a"));
@@ -163,7 +163,7 @@ TEST(ToolTest, LinksStayInTheTree) {
     fs::remove_all(top);
 }
 
-TEST(ToolTest, WhatShipsHasNoMistake) {
+TEST(ToolTest, WhatShipsHasNoMistakes) {
     for (const char* what :
          {"targetspec/defaults/*.json examples/device/*/etc/*/*.json", "--rootdir examples/device",
           "--rootdir examples/device --property vendor.media.target_variant=_orvelle",
@@ -183,7 +183,7 @@ TEST(ToolTest, WhatShipsHasNoMistake) {
             missing.output);
 }
 
-// The exported header tells component authors what the rows tell the library.
+// The exported header documents the same planes as the rows of the format table.
 TEST(ToolTest, TheHeaderNamesThePlanesOfEachFormat) {
     const std::string header = readFile(KC2_SOURCE_DIR "/include/kc2/PixFormat.h");
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
@@ -197,7 +197,7 @@ TEST(ToolTest, TheHeaderNamesThePlanesOfEachFormat) {
     }
 }
 
-// A document that is too large is rejected at the place where it became so.
+// A document that is too large is rejected at the place where it exceeds the limit.
 TEST(ToolTest, ADocumentBeyondTheLimitsIsRejectedAtItsPlace) {
     const ScratchDirectory scratch;
     std::string values = "{\"Video\": {\"a\": [0";
@@ -223,7 +223,7 @@ TEST(ToolTest, ADocumentBeyondTheLimitsIsRejectedAtItsPlace) {
     EXPECT_EQ(0, most.exitCode) << most.output;
 }
 
-// docs/checks.md explains every check of the list, by its id, and a test here reaches each.
+// docs/checks.md explains every check of the list by its id, and a test here reports each.
 TEST(ToolTest, EveryCheckIsDocumentedAndTested) {
     std::istringstream list(run("check --list").output);
     const std::string page = readFile(KC2_SOURCE_DIR "/docs/checks.md");

@@ -1,5 +1,5 @@
-// Each file of transcripts/ is a command of the tool, what it prints and how it ends.
-// scripts/update-transcripts.sh writes them anew.
+// Each file in transcripts/ is a command of the tool, its output and its exit code.
+// scripts/update-transcripts.sh rewrites them.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace kc2::test {
 
 namespace {
 
-TEST(TranscriptTest, EachCommandPrintsWhatItPrinted) {
+TEST(TranscriptTest, EachCommandPrintsItsTranscript) {
     const std::filesystem::path directory = KC2_SOURCE_DIR "/tests/unit/transcripts";
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(directory)) {

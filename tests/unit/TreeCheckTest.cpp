@@ -1,5 +1,5 @@
-// What the checker says of device trees: names, places and modes of files, and all variants at
-// once.
+// What the checker reports about device trees: names, places and modes of files, and all variants
+// at once.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A document that is fine, but for one feature that is a number.
+// A document with one mistake: a feature that is a number.
 constexpr char kDocument[] = R"({"Video": {"Features": {"a": 1}, "codecs-available": {
     "decoders": ["c2.kvx.avc.decoder"], "encoders": ["c2.kvx.avc.encoder"]}}})";
 
@@ -53,7 +53,7 @@ size_t countOf(const std::string& part, const std::string& text) {
     return count;
 }
 
-TEST(TreeCheckTest, EachMistakeIsToldOnceForAllVariants) {
+TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
     const Tree tree;
     for (const char* const path :
          {"/odm/etc/media_umbrella/video_system_specs.json",
@@ -117,8 +117,8 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     }
 }
 
-// It is followed as deep as documents are looked for, and no deeper; what is read is told once.
-TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheWalk) {
+// It is followed as deep as documents are searched, and no deeper; each finding is reported once.
+TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheSearch) {
     const Tree tree;
     tree.add("/vendor/etc/media/video_system_specs.json");
     tree.add("/vendor/etc/other/video_system_specs.json");
@@ -130,7 +130,7 @@ TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheWalk) {
     EXPECT_EQ(1U, countOf("[system-spec]", output)) << output;
 }
 
-// A load waits there; the tool must not.
+// A load waits for a pipe; the tool must not.
 TEST(TreeCheckTest, NoCommandWaitsAtAPipe) {
     const Tree tree;
     tree.pipe("/vendor/etc/media/video_system_specs.json");
@@ -145,7 +145,7 @@ TEST(TreeCheckTest, NoCommandWaitsAtAPipe) {
     }
 }
 
-TEST(TreeCheckTest, MisusedOptionsAreTold) {
+TEST(TreeCheckTest, MisusedOptionsAreReported) {
     expectAnswers(
             "check ",
             {

@@ -1,5 +1,5 @@
-// The publication of the store as a model: targetspec/TargetSpec.cpp, Get() and load(), on atomics
-// that try what the memory model allows. Each step there has its step here, in the same order.
+// A model of how Get() and load() in targetspec/TargetSpec.cpp publish the store, on atomics that
+// try everything that the memory model allows. It has the same steps in the same order.
 
 #include <algorithm>
 #include <cstdio>
@@ -11,21 +11,21 @@
 
 namespace {
 
-// The orderings that publish the store. Each is needed: with one of them relaxed the model fails.
+// The orderings that publish the store. Each is needed: if one is relaxed, the model fails.
 enum Ordering { None, FastAcquire, LockAcquire, FlagRelease, LockRelease };
 
 struct Store {
     rl::var<int> mStatus;
 };
 
-constexpr int kLoaded = 2;  // Of a store that both documents have reached.
+constexpr int kLoaded = 2;  // The content of a store that has both documents.
 
 template <int Weakened>
 struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
     rl::var<Store*> mInstance;
     rl::atomic<int> mLock;
     rl::atomic<bool> mIsInitialized;
-    Store mStores[3];  // One for each thread, in case more than one of them loads.
+    Store mStores[3];  // One for each thread, in case several load.
     rl::var<int> mLoads;
 
     static rl::memory_order weaken(Ordering ordering, rl::memory_order order) {
@@ -73,7 +73,7 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
     void after() { RL_ASSERT(VAR(mLoads) == 1); }
 };
 
-// Whether every execution that the scheduler tries is right.
+// Whether every execution that the scheduler tries is correct.
 template <int Weakened>
 bool holds(rl::scheduler_type_e scheduler, const char* title) {
     std::ostream silent(nullptr);
@@ -91,7 +91,8 @@ bool holds(rl::scheduler_type_e scheduler, const char* title) {
     return isRight;
 }
 
-// Whether both schedulers find what is expected: nothing in the code's orderings, else a fault.
+// Whether both schedulers find what is expected: nothing with the code's orderings, otherwise a
+// fault.
 template <int Weakened>
 bool isAsExpected(const char* title) {
     const bool expected = Weakened == None;
