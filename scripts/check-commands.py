@@ -2,9 +2,10 @@
 """Runs each command line that README.md, docs/ and try.sh show: check-commands.py [TOOL]
 
 TOOL is kcodec2_spec of a host build (default: build/dev/kcodec2_spec). Lines of kcodec2_spec, adb and
-mkdir run in a scratch directory that contains the files they name; a stand-in replaces adb. What
-README.md shows below a command must be in its output. Scripts, presets and tests, which have their own
-steps in scripts/test.sh, must exist. Any other line is an error. Takes two seconds.
+mkdir run in a scratch directory that contains the files they name; a stand-in replaces adb. Output
+that README.md and docs/documents.md show must be what the tool prints. Scripts, presets and tests,
+which have their own steps in scripts/test.sh, must exist. Any other line is an error. Takes two
+seconds.
 """
 
 import json
@@ -18,6 +19,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 PAGES = [ROOT / 'README.md', ROOT / 'CONTRIBUTING.md', *sorted((ROOT / 'docs').glob('*.md'))]
+# Pages whose commands that begin with "$ " are followed by their output.
+OUTPUT_PAGES = (ROOT / 'README.md', ROOT / 'docs/documents.md')
 TOOL = (Path(sys.argv[1]) if len(sys.argv) > 1 else ROOT / 'build/dev/kcodec2_spec').resolve()
 FIRST_WORDS = ('kcodec2_spec', 'adb', 'mkdir', 'cmake', 'ctest', 'cpack', 'c++', 'export')
 
@@ -179,8 +182,11 @@ def main():
                 problem = what_is_wrong(command, directory)
                 if problem:
                     wrong.append(f'{page.relative_to(ROOT)}:{number}: {command}: {problem}')
-        wrong_lines, shown = wrong_output(ROOT / 'README.md', directory)
-        wrong += wrong_lines if shown else ['README.md shows no output']
+        shown = 0
+        for page in OUTPUT_PAGES:
+            wrong_lines, lines = wrong_output(page, directory)
+            wrong += wrong_lines if lines else [f'{page.name} shows no output']
+            shown += lines
         planted = directory / 'planted.md'
         planted.write_text('    $ kcodec2_spec --version\n    no such line\n')
         if wrong_output(planted, directory)[0] == []:

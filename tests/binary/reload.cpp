@@ -53,8 +53,7 @@ int main() {
             allocatedAtFirst = allocatedBytes();
         }
     }
-    // The C library's own caches add some hundred bytes, once. The smallest leak adds a block in
-    // every round.
+    // The C library's own caches add some hundred bytes, once. A leak adds a block in every round.
     const size_t allocatedAtLast = allocatedBytes();
     CHECK(allocatedAtLast < allocatedAtFirst + kSmallestBlock * (kRounds - kWarmUpRounds));
     std::printf("%d rounds: unloaded in each, %zu bytes allocated at the start, %zu at the end\n",

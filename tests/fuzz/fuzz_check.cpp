@@ -1,5 +1,4 @@
-// Fuzz target: compares what `kcodec2_spec check` reports about a document with what the library
-// does.
+// Fuzz target: does `kcodec2_spec check` report about a document what the library does with it?
 
 #include <android/log.h>
 #include <sys/mman.h>

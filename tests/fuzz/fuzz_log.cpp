@@ -1,5 +1,4 @@
-// Fuzz target: `kcodec2_spec log` on any bytes, as text and as JSON, with and without the documents
-// of a device.
+// Fuzz target: `kcodec2_spec log` on any bytes, as text and JSON, with and without documents.
 
 #include <sys/mman.h>
 #include <unistd.h>

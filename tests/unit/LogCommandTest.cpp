@@ -164,8 +164,7 @@ TEST_F(LogOfTreeTest, EachOutcomeOfTheSecondStepIsAmongThePossibleOnes) {
                                         " 2>&1 >/dev/null | cat")
                                             .output;
             EXPECT_EQ(row.possible, outcomesOf(told(log))) << log;
-            // The tree that wrote the log contradicts nothing; the same tree emptied does where it
-            // can.
+            // The tree that wrote the log contradicts nothing; once emptied, it does where it can.
             const std::string beside = textOf(told(log, "--rootdir " + tree.path()));
             EXPECT_EQ(std::string::npos, beside.find("contradiction")) << beside;
         }

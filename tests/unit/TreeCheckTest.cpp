@@ -1,5 +1,4 @@
-// What the checker reports about device trees: names, places and modes of files, and all variants
-// at once.
+// What the checker reports about device trees: names, places and modes of files, all variants.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

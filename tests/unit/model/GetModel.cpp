@@ -91,8 +91,7 @@ bool holds(rl::scheduler_type_e scheduler, const char* title) {
     return isRight;
 }
 
-// Whether both schedulers find what is expected: nothing with the code's orderings, otherwise a
-// fault.
+// Whether both schedulers find nothing with the code's orderings, and a fault with any other.
 template <int Weakened>
 bool isAsExpected(const char* title) {
     const bool expected = Weakened == None;
