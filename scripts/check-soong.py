@@ -78,7 +78,7 @@ FAULTS = (
      r'"libjsoncpp" of "\w+" missing variant:\s+os:android, image:vendor'),
     ("a tree without CLI11, and with the tool", "external/tool/Android.bp", 'name: "libcli11",',
      'name: "libcli12",', 'depends on undefined module "libcli11"'),
-    ("a vendor's module that takes a part of the library", f"{IMAGE}/Android.bp",
+    ("a vendor's module that uses a part of the library", f"{IMAGE}/Android.bp",
      "genrule_defaults {",
      'cc_binary { name: "taker", vendor: true, static_libs: ["libkcodec2_reading"] }\n'
      "genrule_defaults {", "libkcodec2_reading which is not visible to this module"),

@@ -84,7 +84,7 @@ TEST(SnapshotTest, EachEntryHasTheDocumentThatSetIt) {
 
 // The origins must be right for a library with other merge rules. Merged in reverse order, the
 // second document wins, and its entries come first.
-TEST(SnapshotTest, KnowsNoMergeRule) {
+TEST(SnapshotTest, HasNoMergeRules) {
     const tool::LoadSteps steps = stepsOf(kFirst, kSecond);
     TargetSpec whole;
     steps.overlay(whole);
