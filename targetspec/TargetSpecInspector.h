@@ -6,6 +6,7 @@
 #pragma once
 
 #include "kc2/TargetSpec.h"
+#include "targetspec/reading/SpecDocument.h"
 
 namespace kc2 {
 
@@ -38,6 +39,21 @@ struct TargetSpecInspector {
     }
     static const std::list<std::string>& encPostProcessingFilters(const TargetSpec& store) {
         return store.mEncPostProcessingFilters;
+    }
+    /** Merges a document as a load step does, and empties it. */
+    static void merge(TargetSpec& store, SpecDocument& document) { store.merge(document); }
+    /** Everything that the store has, as a document would; both tier levels are always there. */
+    static SpecDocument contentOf(const TargetSpec& store) {
+        return {store.mFeatures,
+                store.mPresets,
+                store.mNimbraModeBitRateTable,
+                store.mDVConfigs.profiles,
+                TierLevels{store.mDVConfigs.maxMainTierLevel, store.mDVConfigs.maxHighTierLevel},
+                store.mCodecPlugins,
+                store.mPreprocessingFilters,
+                store.mPerfResourceValues,
+                store.mSupportedCodecs,
+                store.mEncPostProcessingFilters};
     }
     /** Status of the last load step: 0, or 0xFFFFFFFF when it failed. */
     static uint32_t status(const TargetSpec& store) { return store.mStatus; }

@@ -62,4 +62,39 @@ constexpr std::span<const char* const* const> fixedMembersOf(SectionType type) {
     }
 }
 
+// Calls visit(key, member) for each member of SpecDocument that the sections fill, once, in the
+// order of the sections. The key is that of the section; profiles have their own. What must look at
+// everything in a document or a store goes through this, so that a new section is not forgotten.
+template <typename Visit>
+constexpr void forEachContainer(Visit visit) {
+    for (const Section& section : kSections) {
+        switch (section.type) {
+            case SectionType::Features:
+                visit(section.key, &SpecDocument::features);
+                break;
+            case SectionType::Presets:
+                visit(section.key, &SpecDocument::presets);
+                break;
+            case SectionType::BitRateRows:
+                visit(section.key, &SpecDocument::nimbraModeBitRateTable);
+                break;
+            case SectionType::DolbyVision:
+                visit(&targetSpecDVProfiles, &SpecDocument::dvProfiles);
+                visit(section.key, &SpecDocument::dvTierLevels);
+                break;
+            case SectionType::Names:
+                visit(section.key, section.names);
+                break;
+            case SectionType::PerfResourceValues:
+                visit(section.key, &SpecDocument::perfResourceValues);
+                break;
+            case SectionType::CodecLists:
+                visit(section.key, &SpecDocument::supportedCodecs);
+                break;
+            case SectionType::CodecNames:
+                break;  // They fill the set of the lists.
+        }
+    }
+}
+
 }  // namespace kc2

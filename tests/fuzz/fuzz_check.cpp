@@ -9,12 +9,14 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "catalogue/KnownSettings.h"
-#include "check/rules/Rules.h"
+#include "check/Check.h"
+#include "check/rules/Entries.h"
 #include "hostplatform/HostPlatform.h"
 #include "kc2/TargetSpecKeys.h"
-#include "store/Load.h"
 #include "tests/fuzz/Require.h"
 #include "tests/fuzz/StoreContent.h"
 
@@ -43,47 +45,66 @@ uint32_t parse(const std::string& text, StoreContent* content) {
     return status;
 }
 
-// The names of a section that the tool reports as used, as the reader returned them.
-std::set<std::string> namesTaken(const tool::CheckedDocument& checked, const char* section) {
-    std::set<std::string> names;
-    for (const tool::KeptFinding* const finding : checked.takenIn(section)) {
-        names.insert(finding->name);
-    }
-    return names;
-}
-
 template <typename Map>
-bool hasNames(const Map& values, const std::set<std::string>& names) {
+bool hasNames(const Map& values, const tool::Document& document, const char* section) {
+    std::set<std::string> names;
+    for (const tool::Node* const node : tool::usedElements(document, section)) {
+        names.emplace(node->key);
+    }
     return std::equal(values.begin(), values.end(), names.begin(), names.end(),
                       [](const auto& value, const auto& name) { return value.first == name; });
 }
 
-size_t countTaken(const tool::CheckedDocument& checked, const char* section) {
-    return static_cast<size_t>(std::count_if(
-            checked.document.findings.begin(), checked.document.findings.end(),
-            [section](const tool::KeptFinding& finding) {
-                return finding.kind == FindingKind::Taken && finding.section == section;
-            }));
+size_t countUsed(const tool::Document& document, const char* section) {
+    return tool::usedElements(document, section).size();
 }
 
-void compare(const tool::CheckedDocument& checked, const StoreContent& store) {
-    require(hasNames(store.features, namesTaken(checked, targetSpecFeatures)), "the same features");
-    require(hasNames(store.presets, namesTaken(checked, targetSpecPresets)), "the same presets");
-    require(hasNames(store.perfResourceValues, namesTaken(checked, targetSpecPerfResourceValues)),
+// What the store has, and what the tree says is used.
+void compare(const tool::Document& document, const StoreContent& store) {
+    require(hasNames(store.features, document, targetSpecFeatures), "the same features");
+    require(hasNames(store.presets, document, targetSpecPresets), "the same presets");
+    require(hasNames(store.perfResourceValues, document, targetSpecPerfResourceValues),
             "the same perf words");
-    require(store.nimbraModeBitRateTable.size() == countTaken(checked, targetSpecNimbraModeBitRate),
+    require(store.nimbraModeBitRateTable.size() == countUsed(document, targetSpecNimbraModeBitRate),
             "as many rows");
-    require(store.codecPlugins.size() == countTaken(checked, targetSpecCodecPlugins),
+    require(store.codecPlugins.size() == countUsed(document, targetSpecCodecPlugins),
             "as many plug-ins");
     require(store.preprocessingFilters.size() ==
-                    countTaken(checked, targetSpecPreProcessingFilters),
+                    countUsed(document, targetSpecPreProcessingFilters),
             "as many filters");
     require(store.encPostProcessingFilters.size() ==
-                    countTaken(checked, targetSpecSupportedEncPostProcessingFilters),
+                    countUsed(document, targetSpecSupportedEncPostProcessingFilters),
             "as many filters of the encoders");
-    require(store.supportedCodecs.size() <= countTaken(checked, targetSpecSupportedCodecs) +
-                                                    countTaken(checked, targetSpecOptionalCodecs),
-            "no component that the tool does not know");
+    size_t components = countUsed(document, targetSpecOptionalCodecs);
+    if (const tool::Node* const lists = document.section(targetSpecSupportedCodecs)) {
+        for (const tool::Node& list : lists->children) {
+            components += static_cast<size_t>(
+                    std::count_if(list.children.begin(), list.children.end(),
+                                  [](const tool::Node& name) { return name.isUsed(); }));
+        }
+    }
+    require(store.supportedCodecs.size() <= components, "no component that the tree lacks");
+}
+
+// Every verdict is about a node of the tree, but for those about the text as a whole.
+void requireJoined(const tool::Document& document) {
+    for (const tool::Verdict& verdict : document.verdicts) {
+        require(verdict.start <= verdict.limit, "a verdict has a place in the text");
+        const tool::Node* const node = tool::findValueAt(document.tree.root, verdict.start);
+        require(!document.isJson() || (node != nullptr && node->value.limit == verdict.limit),
+                "a verdict is about a node");
+    }
+}
+
+// The fixes of syntax errors, made together, give a text that the parser accepts.
+void checkFixes(const tool::Document& document) {
+    std::vector<tool::Fix> fixes;
+    for (const tool::SyntaxHint& error : document.tree.errors) {
+        fixes.insert(fixes.end(), error.fixes.begin(), error.fixes.end());
+    }
+    require(fixes.empty() ||
+                    tool::Document({}, tool::withFixes(document.text, std::move(fixes))).isJson(),
+            "a text with its fixes made is accepted");
 }
 
 void check(const std::string& text) {
@@ -93,23 +114,21 @@ void check(const std::string& text) {
     sWarnings = 0;
     StoreContent store;
     const bool isAccepted = parse(text, &store) == 0;
-    const tool::CheckedDocument checked("document",
-                                        tool::readDocument("document", "document", text));
-    require(checked.document.isAccepted == isAccepted, "both accept the document, or neither");
+    const tool::Document document({.path = "document"}, text);
+    require(document.isAccepted == isAccepted, "both accept the document, or none");
     const auto logged = static_cast<size_t>(std::count_if(
-            checked.document.findings.begin(), checked.document.findings.end(),
-            [](const tool::KeptFinding& finding) {
-                require(finding.start <= finding.limit, "a finding has a place in the text");
-                return rowOf(finding.kind).effect == Effect::SkipsAndLogs;
+            document.verdicts.begin(), document.verdicts.end(), [](const tool::Verdict& verdict) {
+                return rowOf(verdict.kind).effect == Effect::SkipsAndLogs;
             }));
     require(!isAccepted || sWarnings == logged, "what the tool reports as logged is logged");
     require(sErrors == (isAccepted ? 0 : 1), "a rejected document writes one error line");
+    requireJoined(document);
+    checkFixes(document);
 
     tool::Report report{tool::Levels()};
-    tool::checkDocument(checked, known, &report);
-    report.addUnusedAllowances();
+    tool::check(tool::Checked(document, known), &report);
     if (isAccepted) {
-        compare(checked, store);
+        compare(document, store);
     } else {
         require(store == StoreContent(), "a rejected document changes nothing");
         require(report.count(tool::Severity::Error) != 0, "the tool reports a rejection");

@@ -25,7 +25,7 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
-#include "check/CheckOptions.h"
+#include "check/Check.h"
 #include "device/DevicePaths.h"
 #include "tests/fuzz/Printed.h"
 #include "tests/fuzz/Require.h"

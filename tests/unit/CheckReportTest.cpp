@@ -85,7 +85,7 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
     const ScratchDirectory scratch;
     const std::string document = scratch.write("allowed.json", R"({
     // The vendor's tool writes it so. kcodec2_spec: allow null-as-zero
-    /* kcodec2_spec: allow unknown-member */
+    /* kcodec2_spec: allow document */
     // kcodec2_spec: allow duplicate-member, trailing-text
     "Vidoe": {},
     "Video": {
@@ -93,7 +93,7 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
         "Presets": {"c": null, "// kcodec2_spec: allow null-as-zero": null},
         // kcodec2_spec: allow null-as-zero
         "DolbyVision": {"max_main_tier_level": null, "max_high_tier_level": 1}, //kcodec2_spec:allow
-        // kcodec2_spec: allow syntax real-trunkated
+        // kcodec2_spec: allow syntax real-trunkated value
         "codecs-available": {"decoders": ["c2.kvx.avc.decoder"]}
     }
 } // kcodec2_spec: allow null-as-zero
@@ -101,6 +101,7 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
     const std::string expected =
             "w:allows-nothing@4:28 w:allows-nothing@4:46 w:null-as-zero@8:26 w:null-as-zero@8:71 "
             "w:allows-nothing@10:81 w:allows-nothing@11:32 w:allows-nothing@11:39 "
+            "w:allows-nothing@11:54 "
             "w:allows-nothing@14:26 ";
     const Json::Value report = parsed(run("check --format json " + document).output);
     EXPECT_EQ(expected, placesIn(report)) << report;
@@ -110,11 +111,43 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
     }
     for (const char* const words :
          {"line 5 has no finding \"duplicate-member\" to allow", "must go on with \"allow\"",
-          "Did you mean \"real-truncated\"?", "syntax cannot be allowed"}) {
+          "Did you mean \"real-truncated\"?", "syntax cannot be allowed",
+          "no finding of the group \"value\" to allow"}) {
         EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
     }
     // A comment for a check that is left out is not reported as useless.
     EXPECT_EQ("", placesIn(parsed(run("check --format json --disable all " + document).output)));
+}
+
+// Which documents a load reads is the heading of the report: a clean tree has no findings.
+TEST(CheckReportTest, AHeadingSaysWhichDocumentsALoadReads) {
+    const std::string tree =
+            "check --rootdir examples/device --property vendor.media.target_variant=_orvelle ";
+    const Json::Value load = parsed(run(tree + "--format json --disable merge").output);
+    EXPECT_EQ(0U, load["findings"].size()) << load;
+    ASSERT_EQ(1U, load["loads"].size());
+    EXPECT_EQ("_orvelle", load["loads"][0]["variant"].asString());
+    EXPECT_EQ("examples/device/odm/etc/media_orvelle/video_system_specs.json",
+              load["loads"][0]["systemSpec"]["path"].asString());
+    // The checks that were findings before are accepted, with one line.
+    const std::string without = run(tree + "--disable merge").output;
+    const std::string former =
+            run(tree + "--disable merge --disable system-spec --error overlay --note overlay")
+                    .output;
+    EXPECT_EQ(
+            "kcodec2_spec: naming the check \"system-spec\" has no effect: it is now the heading "
+            "of "
+            "the report\n"
+            "kcodec2_spec: naming the check \"overlay\" has no effect: it is now the heading of "
+            "the "
+            "report\n" +
+                    without,
+            former);
+    const ScratchDirectory scratch;
+    const std::string comment = scratch.write(
+            "former.json",
+            "{\"Video\": {\"Features\": {\"a\": true}} // kcodec2_spec: allow overlay\n}");
+    EXPECT_NE(std::string::npos, run("check " + comment).output.find("\n0 errors, 0 warnings"));
 }
 
 TEST(CheckReportTest, NamesOfAnyBytesStayApart) {
@@ -182,7 +215,7 @@ constexpr char kMended[] =
         "        \"Features\": {\"private_enc_cvp_enable\": true  },\r\n"
         "        \"Presets\": {\"private_complexity\" :5, /* , */ \"x1\":2},\n"
         "        \"KC2CodecPlugins\": [\"a\", \"b\"\n // c\n],\n"
-        "        \"perf-resource-values\": {\"a\": [\"0x40800000\", \"16\"], \"b\": [\"0x1\", "
+        "        \"perf-resource-values\": {\"a\": [\"0x40800000\", 16], \"b\": [\"0x1\", "
         "\"2\"]}\n"
         "    }\n"
         "}";

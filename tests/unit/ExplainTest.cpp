@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "RunTool.h"
-#include "check/Examples.h"
+#include "check/Checks.h"
 
 namespace kc2::test {
 
@@ -48,14 +48,13 @@ TEST(ExplainTest, AnExampleHasItsMistakeAndTheFixedOneHasNot) {
     const std::string reached = run("check tests/unit/check/*.json").output;
     std::vector<std::string> ids;
     for (const std::string& id : allChecks()) {
-        const tool::CheckExample* const example = tool::exampleOf(id);
-        ASSERT_TRUE(example != nullptr && *example->mend != '\0') << id;
-        const bool isShown = *example->mistake != '\0';
-        EXPECT_NE(isShown, *example->whyNone != '\0') << id;
+        const tool::Check* const check = tool::findCheck(id);
+        ASSERT_NE(nullptr, check) << id;
+        const bool isShown = *check->mistake != '\0';
         EXPECT_TRUE(isShown || !isReported(reached, id) || id == "nesting-too-deep") << id;
         if (isShown) {
-            writeTo(scratch, id + ".bad", example->mistake);
-            writeTo(scratch, id + ".good", example->mended);
+            writeTo(scratch, id + ".bad", check->mistake);
+            writeTo(scratch, id + ".good", check->fixed);
             ids.push_back(id);
         }
     }
@@ -81,14 +80,13 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                           {"DolbyVision", 0, "replaces both levels"},
                           {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
                           {"0x7FA30C09", 0, "TAMRA_TP10"},
-                          {"real-truncated", 0, "  mended    {\"Video\": {\"Presets\""},
+                          {"real-truncated", 0, "  fixed     {\"Video\": {\"Presets\""},
                           {"'parse json from file'", 0,
                            "Couldn't parse json from file stream\n  log       E"},
                           {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
                            "Failed to open %s... Exit!"},
                           {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
                            "Skipped %s in %s: %s\n"},
-                          {"overlay", 0, "  example   none: it takes the documents of a whole"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
                           {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},

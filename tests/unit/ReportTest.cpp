@@ -154,7 +154,7 @@ TEST(ReportTest, HasTheFindingsOfCheck) {
     const std::string page = run("report --output - " + tree).output;
     const std::string checked = run("check --all-variants --format json " + tree).output;
     const std::vector<std::string> ids = allOf(checked, "\"id\":\"([^\"]*)\"");
-    EXPECT_LT(1U, ids.size());
+    EXPECT_LT(0U, ids.size());
     for (const std::string& id : ids) {
         EXPECT_NE(std::string::npos, page.find("<code>" + id + "</code>")) << id;
     }

@@ -23,7 +23,7 @@ struct Row {
 const std::vector<Row> kRows = {
         // Commas and colons.
         {R"({"a": 1 "b": 2})", "1:9",
-         "a comma is missing: write it behind the value that ends at 1:7"},
+         "a comma is missing: write it after the value that ends at 1:7"},
         {"{\"a\": 1 // ,\n/* , */ \"b\": 2}", "2:9", "ends at 1:7"},
         {R"(["x" "y"])", "1:6", "ends at 1:4"},
         {"{\"a\": 1, /* c */\n}", "1:8", "a comma is left over before the '}'"},

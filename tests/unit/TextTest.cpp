@@ -4,13 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/Terminal.h"
-#include "document/Outline.h"
+#include "document/Tree.h"
 #include "targetspec/reading/ParserText.h"
 
 namespace kc2::test {
@@ -156,16 +157,16 @@ TEST(TextTest, CommentsBecomeBlanksAndTheirPlacesAreKnown) {
     }
 }
 
-TEST(TextTest, TheOutlineKnowsWhereEverythingIs) {
+TEST(TextTest, TheTreeKnowsWhereEverythingIs) {
     const std::string text =
             R"( {"a\u0062": [1, -2.5e3 ,"x\"]"], "a" : {"b": null, "b": true}, "": {} } x)";
-    const Outline outline = outlineOf(text);
-    EXPECT_EQ(text.size() - 1, outline.limit);
+    const Tree tree = treeOf(text);
+    EXPECT_EQ(text.size() - 1, tree.limit);
     const auto at = [&](const Span& span) {
         return text.substr(span.start, span.limit - span.start);
     };
-    ASSERT_EQ(3U, outline.root.children.size());
-    const OutlineNode& list = outline.root.children[0];
+    ASSERT_EQ(3U, tree.root.children.size());
+    const Node& list = tree.root.children[0];
     EXPECT_EQ("ab", list.key);
     EXPECT_EQ(R"("a\u0062")", at(list.name));
     ASSERT_EQ(3U, list.children.size());
@@ -175,32 +176,76 @@ TEST(TextTest, TheOutlineKnowsWhereEverythingIs) {
     EXPECT_EQ(R"("x\"]")", at(list.children[2].value));
     EXPECT_FALSE(list.children[2].isNumber());
 
-    // Of several members with one name, the last is used.
-    const OutlineNode* const object = findMember(outline.root, "a");
+    // The last member of a name is used.
+    const Node* const object = findMember(tree.root, "a");
     ASSERT_NE(nullptr, object);
     ASSERT_NE(nullptr, findMember(*object, "b"));
     EXPECT_EQ("true", at(findMember(*object, "b")->value));
-    EXPECT_NE(nullptr, findMember(outline.root, ""));
-    EXPECT_EQ(nullptr, findMember(outline.root, "b"));
+    EXPECT_NE(nullptr, findMember(tree.root, ""));
+    EXPECT_EQ(nullptr, findMember(tree.root, "b"));
     EXPECT_EQ(nullptr, findMember(list, ""));
 
-    for (const OutlineNode& child : list.children) {
-        EXPECT_EQ(&child, findValueAt(outline.root, child.value.start));
-        EXPECT_EQ(nullptr, findValueAt(outline.root, child.value.start + 1));
+    for (const Node& child : list.children) {
+        EXPECT_EQ(&child, findValueAt(tree.root, child.value.start));
+        EXPECT_EQ(nullptr, findValueAt(tree.root, child.value.start + 1));
     }
-    EXPECT_EQ(nullptr, findValueAt(outline.root, text.size()));
+    EXPECT_EQ(nullptr, findValueAt(tree.root, text.size()));
 }
 
-// A text that is not JSON also has an outline; the parser may accept only a part of it.
-TEST(TextTest, AnOutlineOfATruncatedTextEnds) {
+// The parser reads nothing after the root, and as much of a word there as is a value.
+TEST(TextTest, TheTreeEndsWhereTheParserEnds) {
+    const std::pair<const char*, size_t> rows[] = {
+            {"null[1]", 4}, {"truefalse", 4}, {"nullx", 4},      {"12abc", 2},
+            {"1.5.2", 3},   {"-x", 1},        {" {} {}", 4},     {"[1]]", 3},
+            {"null ,", 5},  {"\"a\"b", 3},    {"{\"\":1,}x", 7},
+    };
+    for (const auto& [text, limit] : rows) {
+        EXPECT_EQ(limit, treeOf(text).limit) << text;
+        EXPECT_TRUE(treeOf(text).errors.empty()) << text;
+    }
+}
+
+// A text that is torn, or no JSON at all, has a tree up to its first error without a fix.
+TEST(TextTest, TheTreeOfTornTextsComesToItsEnd) {
     const std::string whole = R"({"a": [1, {"b\\": "c"}], "d": "e"})";
-    for (size_t size = 0; size <= whole.size(); ++size) {
-        const Outline outline = outlineOf(std::string_view(whole).substr(0, size));
-        EXPECT_LE(outline.limit, size);
-        EXPECT_LE(outline.root.value.limit, size);
+    for (size_t size = 0; size < whole.size(); ++size) {
+        const std::string torn = whole.substr(0, size);
+        const Source source("torn", torn);
+        const Tree tree = treeOfRejected(source, torn, torn.size());
+        ASSERT_EQ(1U, tree.errors.size()) << torn;
+        EXPECT_LE(tree.errors[0].span.limit, size) << torn;
+        EXPECT_LE(tree.root.value.limit, size);
+        EXPECT_LE(treeOf(torn).limit, size);
     }
     for (const char* const text : {"]", "}", ":", ",", "{]", "[}", "{:", "{\"", "[\"\\", "{,,1}"}) {
-        EXPECT_LE(outlineOf(text).limit, std::string_view(text).size()) << text;
+        EXPECT_EQ(1U, treeOfRejected(Source("odd", text), text, strlen(text)).errors.size())
+                << text;
+        EXPECT_LE(treeOf(text).limit, std::string_view(text).size()) << text;
+    }
+}
+
+// Reading goes on as if a certain fix were made.
+TEST(TextTest, EachSyntaxErrorIsFoundWhereTheOnesBeforeHaveACertainFix) {
+    const struct {
+        const char* text;
+        const char* places;  // Offset of each error; with "+" where it has a fix.
+    } rows[] = {
+            {R"({"a": true "b": false "c": true})", "11+ 22+ "},
+            {"\xEF\xBB\xBF{\"a\": [1,], \"b\": +2}", "0+ 11+ 20+ "},
+            {R"(["a" "b"])", "5+ "},
+            {"[\"a\nb\" \"c\"]", "7+ "},
+            {R"(["a" "b", x])", "5+ 10 "},
+            {"[1 2]", "1 "},
+            {"[1\n2]", "3+ "},
+            {"[{} []]", "4+ "},
+    };
+    for (const auto& row : rows) {
+        const Source source("errors", row.text);
+        std::string places;
+        for (const SyntaxHint& error : treeOfRejected(source, row.text, strlen(row.text)).errors) {
+            places += std::to_string(error.span.start) + (error.fixes.empty() ? " " : "+ ");
+        }
+        EXPECT_EQ(row.places, places) << row.text;
     }
 }
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "RunTool.h"
-#include "check/Examples.h"
+#include "check/Checks.h"
 #include "platform/FormatRows.h"
 #include "targetspec/reading/Limits.h"
 
@@ -239,8 +239,8 @@ TEST(ToolTest, EveryCheckIsDocumentedAndTested) {
         std::string severity;
         if (line.rfind("  ", 0) == 0 && words >> id >> severity) {
             EXPECT_NE(std::string::npos, page.find("| `" + id + "` | " + severity + " |")) << id;
-            const tool::CheckExample* const example = tool::exampleOf(id);
-            const bool isExampleRun = example != nullptr && *example->mistake != '\0';
+            const tool::Check* const check = tool::findCheck(id);
+            const bool isExampleRun = check != nullptr && *check->mistake != '\0';
             EXPECT_TRUE(isExampleRun || tests.find(id) != std::string::npos) << id;
             ++checks;
         }

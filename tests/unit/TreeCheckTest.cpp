@@ -76,7 +76,7 @@ TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
                  "/odm/etc/media/video_system_specs.json:1:1: warning: no variant selects",
                  "/odm/etc/video_system_specs.json:1:1: warning: no variant selects",
                  "/media_a/Video_system_specs.json:1:1: warning: nothing reads this file: a system "
-                 "spec document is called video_system_specs.json (every variant)",
+                 "spec document is called video_system_specs.json [document-unselectable]",
                  "video_private_config.json:1:1: warning: nothing reads this file: the private "
                  "file "
                  "is called video_private_configs.json (every variant) [private-file-name]",
@@ -90,7 +90,7 @@ TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
     EXPECT_EQ(4U, countOf("[document-unselectable]", output)) << output;
     EXPECT_EQ(2U, countOf("[chip-name]", output)) << output;
     EXPECT_EQ(2U, countOf("[mode]", output)) << output;
-    EXPECT_EQ(4U, countOf("counts as true", output)) << output;  // One for each document read.
+    EXPECT_EQ(4U, countOf("is used as true", output)) << output;  // One for each document read.
 }
 
 TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
@@ -126,7 +126,7 @@ TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheSearch) {
     EXPECT_EQ(1U, countOf("/other/video_system_specs.json:1:1: warning: no variant", output))
             << output;
     EXPECT_EQ(1U, countOf("[document-unselectable]", output)) << output;
-    EXPECT_EQ(1U, countOf("[system-spec]", output)) << output;
+    EXPECT_EQ(1U, countOf("System spec document", output)) << output;
 }
 
 // A load waits for a pipe; the tool must not.

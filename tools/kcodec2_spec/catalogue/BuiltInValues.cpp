@@ -33,7 +33,7 @@ const std::vector<BuiltInDocument>& builtInDocuments() {
             if (!read.empty() && read.back().number == row.number) {
                 read.back().chips += ", " + chip;
             } else {
-                read.push_back({row.number, chip, readDocument("", "", row.text).content});
+                read.push_back({row.number, chip, Document({}, row.text).content});
             }
         }
         return read;

@@ -319,9 +319,9 @@ std::optional<Catalogue> loadCatalogue(const std::vector<std::string>& paths) {
         if (!problem.empty()) {
             break;
         }
-        const Document file = readDocumentFile(path);
-        problem = file.isReadable ? catalogue.add(escaped(path), file.text)
-                                  : escaped(path) + ": " + file.whyNotReadable;
+        const std::unique_ptr<Document> file = readDocumentFile(path);
+        problem = file->isReadable ? catalogue.add(escaped(path), file->text)
+                                   : escaped(path) + ": " + file->whyNotReadable;
     }
     if (problem.empty()) {
         return catalogue;

@@ -1,4 +1,4 @@
-// What a section holds, by its key, and how documents merge there, by its type.
+// What a section contains, by its key, and how documents merge there, by its type.
 
 #include "catalogue/SectionTexts.h"
 
@@ -12,39 +12,69 @@ namespace kc2::tool {
 
 namespace {
 
-struct SectionText {
-    const char* const* key;
-    const char* text;
-};
-
+// In the order in which what they give is shown: named values first.
 constexpr SectionText kSectionTexts[] = {
-        {&targetSpecRoot, "Holds every section of the document."},
-        {&targetSpecFeatures, "Switches: each name is true or false."},
-        {&targetSpecPresets, "Numbers: each name is a 32-bit integer."},
+        {&targetSpecRoot, "Contains every section of the document."},
+        {&targetSpecFeatures, "Switches: each name is true or false.", "Features", "features"},
+        {&targetSpecPresets, "Numbers: each name is a 32-bit integer.", "Presets", "presets"},
+        {&targetSpecPerfResourceValues,
+         "CPU performance-lock words by use case: hexadecimal strings in pairs, a resource code, "
+         "then its value.",
+         "Perf-lock words", "perfResourceValues"},
         {&targetSpecNimbraModeBitRate,
-         "Rows [low, high, bit rate]. A row answers for the values from low up to, but not "
-         "including, high; the first row that holds a value answers."},
+         "Rows [low, high, bit rate]. A row is for the values from low up to, but not including, "
+         "high; the first row whose range has a value is used.",
+         "Nimbra-mode bit rates", "nimbraModeBitRateTable"},
+        {&targetSpecDVProfiles, "Numbers of the Dolby Vision profiles.", "Dolby Vision profiles",
+         "dolbyVisionProfiles"},
         {&targetSpecDV,
-         "Dolby Vision profiles and the highest levels of the main and the high tier."},
-        {&targetSpecDVProfiles, "Numbers of the Dolby Vision profiles."},
+         "Dolby Vision profiles and the highest levels of the main and the high tier.",
+         "Dolby Vision tier levels", "dolbyVisionTierLevels"},
         {&targetSpecDVMaxMainTierLevel,
          "Highest level of the main tier. 0 where a document with \"DolbyVision\" leaves it out."},
         {&targetSpecDVMaxHighTierLevel,
          "Highest level of the high tier. 0 where a document with \"DolbyVision\" leaves it out."},
-        {&targetSpecCodecPlugins, "Names of codec plug-ins, in order."},
-        {&targetSpecPreProcessingFilters, "Entries of encoder pre-processing filters, in order."},
+        {&targetSpecCodecPlugins, "Names of codec plug-ins, in order.", "Codec plug-ins",
+         "codecPlugins"},
+        {&targetSpecPreProcessingFilters, "Entries of encoder pre-processing filters, in order.",
+         "Pre-processing filters", "preprocessingFilters"},
         {&targetSpecSupportedEncPostProcessingFilters,
-         "Names of encoder post-processing filters, in order."},
-        {&targetSpecPerfResourceValues,
-         "CPU performance-lock words by use case: hexadecimal strings in pairs, a resource code, "
-         "then its value."},
-        {&targetSpecSupportedCodecs, "Components that are enabled."},
+         "Names of encoder post-processing filters, in order.", "Encoder post-processing filters",
+         "encPostProcessingFilters"},
+        {&targetSpecSupportedCodecs, "Components that are enabled.", "Codec components",
+         "supportedCodecs", ": every component is enabled"},
         {&targetSpecAvailableDecoders, "Names of decoder components."},
         {&targetSpecAvailableEncoders, "Names of encoder components."},
         {&targetSpecOptionalCodecs, "Further components that are enabled."},
 };
 
-// A test holds these words against a merge.
+// What must have a title, and what must have words: a new section does not compile without them.
+constexpr const SectionText* rowOf(const char* const* key) {
+    for (const SectionText& row : kSectionTexts) {
+        if (row.key == key) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+constexpr bool haveAllSectionsTexts() {
+    bool haveAll = true;
+    for (const Section& section : kSections) {
+        haveAll = haveAll && rowOf(section.key) != nullptr;
+        for (const char* const* member : fixedMembersOf(section.type)) {
+            haveAll = haveAll && rowOf(member) != nullptr;
+        }
+    }
+    forEachContainer([&](const char* const* key, auto /*member*/) {
+        haveAll = haveAll && rowOf(key) != nullptr && *rowOf(key)->title != '\0' &&
+                  *rowOf(key)->jsonKey != '\0';
+    });
+    return haveAll;
+}
+static_assert(haveAllSectionsTexts(), "a section has no row in kSectionTexts, or no title there");
+
+// A test compares these words with a merge.
 const char* mergingOf(SectionType type) {
     switch (type) {
         case SectionType::Features:
@@ -68,16 +98,20 @@ const char* mergingOf(SectionType type) {
 
 }  // namespace
 
+const SectionText* textOfSection(std::string_view key) {
+    const auto found = std::find_if(
+            std::begin(kSectionTexts), std::end(kSectionTexts),
+            [key](const SectionText& row) { return *row.key != nullptr && key == *row.key; });
+    return found != std::end(kSectionTexts) ? found : nullptr;
+}
+
 std::string meaningOfSection(const std::string& key) {
-    const auto isNamed = [&key](const auto& row) { return *row.key != nullptr && key == *row.key; };
-    std::string meaning;
-    const auto text = std::find_if(std::begin(kSectionTexts), std::end(kSectionTexts), isNamed);
-    if (text != std::end(kSectionTexts)) {
-        meaning = text->text;
-    }
-    const auto section = std::find_if(std::begin(kSections), std::end(kSections), isNamed);
-    if (section != std::end(kSections)) {
-        meaning.append(meaning.empty() ? "" : " ").append(mergingOf(section->type));
+    const SectionText* const text = textOfSection(key);
+    std::string meaning = text != nullptr ? text->meaning : "";
+    for (const Section& section : kSections) {
+        if (*section.key != nullptr && key == *section.key) {
+            meaning.append(" ").append(mergingOf(section.type));
+        }
     }
     return meaning;
 }

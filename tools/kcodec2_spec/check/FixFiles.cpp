@@ -1,4 +1,4 @@
-// check --fix: mended documents in place of the ones that were read.
+// check --fix: fixed documents in place of the ones that were read.
 
 #include "check/FixFiles.h"
 
@@ -66,7 +66,7 @@ void printDiff(const std::string& path, const std::string& before, const std::st
     std::printf("--- %s\n+++ %s\n", escaped(path).c_str(), escaped(path).c_str());
     for (size_t change = nextChange(0); change < count;) {
         const size_t start = change - std::min(change, kContext);
-        size_t limit = change;  // Behind the last change that is near enough for the same hunk.
+        size_t limit = change;  // After the last change that is near enough for the same hunk.
         for (; change < count && change <= limit + 2 * kContext; change = nextChange(limit)) {
             limit = change + 1;
         }
@@ -88,7 +88,7 @@ void printDiff(const std::string& path, const std::string& before, const std::st
     }
 }
 
-std::string whyNotMendable(const std::string& path, const std::string& rootDirectory) {
+std::string whyNotFixable(const std::string& path, const std::string& rootDirectory) {
     std::error_code error;
     const fs::path real = fs::canonical(path, error);
     if (error) {
@@ -122,7 +122,7 @@ std::string replaceFile(const std::string& path, const std::string& before,
         return fchmod(descriptor, status.st_mode & 07777) == 0 && fsync(descriptor) == 0;
     };
     return replaceWhole(real, after, finish, [&] {
-        const bool isSame = readDocumentFile(real).text == before;
+        const bool isSame = readDocumentFile(real)->text == before;
         return std::string(isSame ? "" : "it has changed meanwhile");
     });
 }

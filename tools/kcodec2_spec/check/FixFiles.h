@@ -1,4 +1,4 @@
-// check --fix: mended documents in place of the ones that were read.
+// check --fix: fixed documents in place of the ones that were read.
 #pragma once
 
 #include <string>
@@ -8,12 +8,12 @@ namespace kc2::tool {
 // Shows the lines in which two texts of as many lines differ, as a unified diff.
 void printDiff(const std::string& path, const std::string& before, const std::string& after);
 
-// Why the file cannot be mended: it is not a regular file, or it is outside of the root directory
+// Why the file cannot be fixed: it is not a regular file, or it is outside of the root directory
 // (when that is not empty); empty when it can.
-std::string whyNotMendable(const std::string& path, const std::string& rootDirectory);
+std::string whyNotFixable(const std::string& path, const std::string& rootDirectory);
 
 // Writes `after` beside the file and renames it, with the file's mode. Returns what is wrong; empty
-// when nothing is. A file that does not hold `before` any more is left as it is.
+// when nothing is. A file whose text is no longer `before` is left as it is.
 std::string replaceFile(const std::string& path, const std::string& before,
                         const std::string& after);
 

@@ -2,36 +2,38 @@
 
 #include "check/Levels.h"
 
-#include <string>
+#include <fmt/format.h>
 
 namespace kc2::tool {
 
 std::string Levels::set(const std::string& name, std::optional<Severity> severity) {
-    if (const Rule* const rule = findRule(name)) {
-        if (rule->isRejection && severity != Severity::Error) {
-            return "\"" + name + "\" is always an error: the device takes nothing of the document";
-        }
-        mChanged[rule->id] = severity;
+    if (isFormerCheck(name)) {
+        noteFormerCheck(name);
         return std::string();
     }
-    bool isKnown = false;
-    for (const RuleGroup& group : ruleGroups()) {
-        if (name == group.name || name == kAllRules) {
-            isKnown = true;
-            for (const Rule* const rule : group.rules) {
-                if (!rule->isRejection) {
-                    mChanged[rule->id] = severity;
-                }
-            }
+    if (const Check* const check = findCheck(name)) {
+        if (check->isRejection && severity != Severity::Error) {
+            return fmt::format("\"{}\" is always an error: the device uses nothing of the document",
+                               name);
+        }
+        mChanged[check->id] = severity;
+        return std::string();
+    }
+    if (!isCheckGroup(name)) {
+        return unknownCheck(name);
+    }
+    for (const Check& check : kChecks) {
+        if (isInGroup(check, name) && !check.isRejection) {
+            mChanged[check.id] = severity;
         }
     }
-    return isKnown ? std::string() : unknownCheck(name);
+    return std::string();
 }
 
-std::optional<Severity> Levels::of(const Rule& rule) const {
-    const auto changed = mChanged.find(rule.id);
+std::optional<Severity> Levels::of(const Check& check) const {
+    const auto changed = mChanged.find(check.id);
     const std::optional<Severity> severity =
-            changed != mChanged.end() ? changed->second : rule.severity;
+            changed != mChanged.end() ? changed->second : check.severity;
     return severity >= mLeast ? severity : std::nullopt;
 }
 

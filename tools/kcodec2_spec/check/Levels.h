@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "check/Rule.h"
+#include "check/Checks.h"
 
 namespace kc2::tool {
 
@@ -19,8 +19,8 @@ public:
     // Leaves out what is less severe.
     void setLeast(Severity severity) { mLeast = severity; }
 
-    // What findings of the rule are; nullopt when they are left out.
-    std::optional<Severity> of(const Rule& rule) const;
+    // What findings of the check are; nullopt when they are left out.
+    std::optional<Severity> of(const Check& check) const;
 
 private:
     std::map<std::string_view, std::optional<Severity>> mChanged;  // By id.

@@ -8,58 +8,65 @@
 
 namespace kc2::tool {
 
-const char* nameOf(Severity severity) {
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "";
+void Report::addSource(const Source& source) {
+    mSources.emplace(&source, mSources.size());
+    mByPath.emplace(source.path(), &source);
 }
 
-void Report::add(const Rule& rule, const Source& source, Span span, std::string message,
+const Source& Report::sourceOf(const std::string& shownPath) {
+    const auto known = mByPath.find(shownPath);
+    if (known != mByPath.end()) {
+        return *known->second;
+    }
+    const Source& file = *mFiles.emplace_back(std::make_unique<Source>(shownPath, ""));
+    addSource(file);
+    return file;
+}
+
+void Report::add(const Check& check, const Source& source, Span span, std::string message,
                  FindingDetails details) {
     const bool isPlain = details.related.empty() && details.fixes.empty();
-    add({&rule, &source, span, std::move(message), rule.severity, false,
+    add({&check, &source, span, std::move(message), check.severity, false,
          isPlain ? nullptr : std::make_unique<FindingDetails>(std::move(details))});
 }
 
-void Report::addForFile(const Rule& rule, const Source& source, std::string message) {
-    add({&rule, &source, Span(), std::move(message), rule.severity, true, nullptr});
+void Report::addForFile(const Check& check, const std::string& shownPath, std::string message) {
+    add({&check, &sourceOf(shownPath), Span(), std::move(message), check.severity, true, nullptr});
 }
 
 void Report::add(ReportEntry entry) {
-    const auto allowances = mAllowances.find(entry.source);
-    if (allowances != mAllowances.end() &&
-        allowances->second.allows(*entry.rule, entry.span.start)) {
-        return;  // Before the options: a comment is not idle because a check is left out.
+    const auto suppressions = mSuppressions.find(entry.source);
+    if (suppressions != mSuppressions.end() && !entry.isForFile &&
+        suppressions->second.suppress(*entry.check, entry.span.start)) {
+        return;  // Before the options: a comment is in use though its check is left out.
     }
-    const std::optional<Severity> severity = mLevels.of(*entry.rule);
+    const std::optional<Severity> severity = mLevels.of(*entry.check);
     if (!severity) {
         return;
     }
     entry.severity = *severity;
-    mSources.emplace(entry.source, mSources.size());
+    addSource(*entry.source);
     ++mCounts[static_cast<size_t>(*severity)];
     mEntries.push_back(std::move(entry));
 }
 
-void Report::heedAllowances(const Source& source, const std::vector<Span>& comments) {
-    Allowances allowances(source, comments);
-    if (!allowances.isEmpty()) {
-        mAllowances.emplace(&source, std::move(allowances));
+void Report::readSuppressions(const Document& document) {
+    Suppressions suppressions(document.source, document.comments);
+    if (!suppressions.isEmpty()) {
+        mSuppressions.emplace(&document.source, std::move(suppressions));
     }
 }
 
-void Report::addUnusedAllowances() {
-    for (auto& [source, allowances] : std::exchange(mAllowances, {})) {
-        for (const Allowances::Unused& unused : allowances.unused()) {
-            add(kAllowsNothing, *source, unused.span, unused.message);
+void Report::addUnusedSuppressions() {
+    for (auto& [source, suppressions] : std::exchange(mSuppressions, {})) {
+        for (const Suppressions::Unused& unused : suppressions.unused()) {
+            add(CheckId("allows-nothing"), *source, unused.span, unused.message);
         }
     }
+}
+
+bool isUnusedSuppression(const Check& check) {
+    return &check == &static_cast<const Check&>(CheckId("allows-nothing"));
 }
 
 std::vector<const ReportEntry*> Report::inOrder() const {

@@ -4,11 +4,14 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "check/Allowances.h"
+#include "check/Checks.h"
 #include "check/Levels.h"
-#include "check/Rule.h"
+#include "check/Suppressions.h"
+#include "document/Document.h"
 #include "document/Fix.h"
 #include "document/Source.h"
 
@@ -16,12 +19,17 @@ namespace kc2::tool {
 
 // What goes with a finding beside its place and message. Most have nothing.
 struct FindingDetails {
-    std::vector<RelatedPlace> related;
-    std::vector<Fix> fixes;  // All of them together mend it.
+    std::vector<RelatedPlace> related = {};
+    std::vector<Fix> fixes = {};  // All of them together fix it.
 };
 
+// A second place, which the finding's message names.
+inline FindingDetails besides(const Source& source, Span span) {
+    return {.related = {{&source, span, ""}}};
+}
+
 struct ReportEntry {
-    const Rule* rule;
+    const Check* check;
     const Source* source;
     Span span;
     std::string message;
@@ -30,25 +38,54 @@ struct ReportEntry {
     std::unique_ptr<FindingDetails> details;  // Null when there are none.
 };
 
+// Whether its findings are about comments that suppress nothing.
+bool isUnusedSuppression(const Check& check);
+
+// Which documents a load reads, and why: what the findings of a load stand on.
+struct LoadFacts {
+    struct Fact {
+        std::string path;  // As it is shown.
+        std::string reason;
+    };
+    std::string variant;
+    Fact systemSpec;
+    Fact overlay;
+};
+
 class Report {
 public:
     explicit Report(Levels levels) : mLevels(std::move(levels)) {}
 
-    // A finding at a place. The rule and the sources must outlive the report. Rules put in names
-    // and values as they are; what prints the report makes them fit for where it goes.
-    void add(const Rule& rule, const Source& source, Span span, std::string message,
+    // Sources are reported in the order in which they are first named, here or by a finding. They
+    // must outlive the report.
+    void addSource(const Source& source);
+    // The same, of a file whose text nobody has read.
+    void addFile(const std::string& shownPath) { sourceOf(shownPath); }
+
+    // A finding at a place. Rules put in names and values as they are; what prints the report makes
+    // them fit for where it goes.
+    void add(const Check& check, const Source& source, Span span, std::string message,
              FindingDetails details = {});
+    void add(CheckId check, const Document& document, Span span, std::string message,
+             FindingDetails details = {}) {
+        add(check, document.source, span, std::move(message), std::move(details));
+    }
 
     // A finding about a whole file: it is at 1:1 and shows no line.
-    void addForFile(const Rule& rule, const Source& source, std::string message);
+    void addForFile(const Check& check, const std::string& shownPath, std::string message);
+    void addForFile(CheckId check, const std::string& shownPath, std::string message) {
+        addForFile(static_cast<const Check&>(check), shownPath, std::move(message));
+    }
 
-    // Heeds the comments in this source that allow findings: call it before the source's findings
-    // are added, and addUnusedAllowances() once after all of them.
-    void heedAllowances(const Source& source, const std::vector<Span>& comments);
-    void addUnusedAllowances();
+    // Reads the comments in this document that suppress findings: call it before the document's
+    // findings are added, and addUnusedSuppressions() once after all of them.
+    void readSuppressions(const Document& document);
+    void addUnusedSuppressions();
 
-    // Everything, source by source in the order in which they were first named, and in the order of
-    // the text within each.
+    void addLoad(LoadFacts facts) { mLoads.push_back(std::move(facts)); }
+    const std::vector<LoadFacts>& loads() const { return mLoads; }
+
+    // Everything, source by source, and in the order of the text within each.
     std::vector<const ReportEntry*> inOrder() const;
 
     size_t count(Severity severity) const { return mCounts[static_cast<size_t>(severity)]; }
@@ -56,10 +93,14 @@ public:
 
 private:
     void add(ReportEntry entry);
+    const Source& sourceOf(const std::string& shownPath);
 
     Levels mLevels;
+    std::vector<LoadFacts> mLoads;
     std::map<const Source*, size_t> mSources;  // With their ranks.
-    std::map<const Source*, Allowances> mAllowances;
+    std::unordered_map<std::string_view, const Source*> mByPath;
+    std::vector<std::unique_ptr<Source>> mFiles;  // Those that the report has made.
+    std::map<const Source*, Suppressions> mSuppressions;
     std::vector<ReportEntry> mEntries;
     size_t mCounts[3] = {};  // By severity.
 };

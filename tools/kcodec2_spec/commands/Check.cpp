@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
-#include "check/CheckOptions.h"
+#include "check/Check.h"
+#include "check/CheckList.h"
 #include "commands/Commands.h"
 
 namespace kc2::tool {
@@ -133,7 +134,8 @@ std::string prepareFix(CheckArguments* arguments) {
 
 int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
-        return listChecks(arguments->check);
+        printCheckList(arguments->check.levels);
+        return kExitOk;
     }
     const std::string wrong = prepareFix(arguments);
     if (!wrong.empty()) {

@@ -80,13 +80,14 @@ Loaded loadTree(const Side& side) {
     DeviceOptions device = side.device;
     device.rootDirectory = side.path;
     applyDeviceOptions(device);
-    const Load load = walkLoad();
-    return {side.path + " (variant " + load.variant + ")", systemSpecStory(load),
-            overlayStory(load), loadedSections(deviceSteps(load))};
+    const Load load = readLoad();
+    return {side.path + " (variant " + load.variant + ")", describeSystemSpec(load),
+            describeOverlay(load), loadedSections(deviceSteps(load))};
 }
 
 std::optional<Loaded> loadDocument(const Side& side) {
-    const Document document = readDocumentFile(side.path);
+    const std::unique_ptr<Document> read = readDocumentFile(side.path);
+    const Document& document = *read;
     if (!document.isReadable) {
         std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", escaped(side.path).c_str(),
                      document.whyNotReadable.c_str());

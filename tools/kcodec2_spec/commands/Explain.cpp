@@ -19,8 +19,7 @@
 #include "catalogue/SectionTexts.h"
 #include "catalogue/SettingText.h"
 #include "catalogue/SettingsPage.h"
-#include "check/Examples.h"
-#include "check/Rule.h"
+#include "check/Checks.h"
 #include "commands/Commands.h"
 #include "kc2/TargetSpec.h"
 #include "log/LogLines.h"
@@ -118,24 +117,23 @@ bool explainFormat(const Catalogue&, const std::string& name) {
 }
 
 bool explainCheck(const Catalogue&, const std::string& name) {
-    const Rule* const rule = findRule(name);
-    if (rule == nullptr) {
+    const Check* const check = findCheck(name);
+    if (check == nullptr) {
         return false;
     }
-    printTitle(rule->id);
-    printLine("finds", rule->summary);
+    printTitle(check->id);
+    printLine("finds", check->summary);
     printLine("severity",
-              fmt::format("{}{}", nameOf(rule->severity), rule->isRejection ? ", always" : ""));
-    for (const RuleGroup& group : ruleGroups()) {
-        if (std::find(group.rules.begin(), group.rules.end(), rule) != group.rules.end()) {
+              fmt::format("{}{}", nameOf(check->severity), check->isRejection ? ", always" : ""));
+    for (const CheckGroup& group : kCheckGroups) {
+        if (isInGroup(*check, group.name)) {
             printLine("group", fmt::format("{}: {}", group.name, group.title));
         }
     }
-    if (const CheckExample* const example = exampleOf(rule->id)) {
-        printLine("mend", example->mend);
-        printLine("example", *example->mistake != '\0' ? example->mistake : example->whyNone);
-        printLine("mended", example->mended);
-    }
+    printLine("meaning", check->meaning);
+    printLine("fix", check->fix);
+    printLine("example", *check->mistake != '\0' ? check->mistake : check->whyNoExample);
+    printLine("fixed", check->fixed);
     return true;
 }
 
@@ -237,14 +235,15 @@ std::string winnerOf(const Load& load, const std::string& name) {
 // Who sets `name` on this device, and who loses.
 bool explainOnDevice(const std::string& name) {
     muteLog();
-    const Load load = walkLoad();
+    const Load load = readLoad();
     const std::string winner = winnerOf(load, name);
     unmuteLog();
     printLine("device",
               winner.empty() ? "no document sets it" : fmt::format("set by the {}", winner));
-    for (const Document* const document : {&load.systemSpec, &load.overlay}) {
-        const std::string said = saidBy(*document, name);
-        const bool isLoser = winner.find(document->origin) == std::string::npos;
+    for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
+        const std::string said = document != nullptr ? saidBy(*document, name) : "";
+        const bool isLoser =
+                document != nullptr && winner.find(document->origin) == std::string::npos;
         printLine("", said.empty() ? ""
                                    : fmt::format("{}: {}{}", shownOrigin(*document), said,
                                                  isLoser ? " (has no effect)" : ""));
@@ -268,10 +267,8 @@ std::vector<std::string> allNames(const Catalogue& catalogue) {
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
         names.emplace_back(row.name);
     }
-    for (const RuleGroup& group : ruleGroups()) {
-        for (const Rule* const rule : group.rules) {
-            names.emplace_back(rule->id);
-        }
+    for (const Check& check : kChecks) {
+        names.emplace_back(check.id);
     }
     for (const LogLine& line : logLines()) {
         names.emplace_back(line.text);

@@ -46,7 +46,7 @@ struct ReportArguments {
 
 // Without a variant first: what the others differ from.
 std::vector<std::string> variantsToShow() {
-    const std::string own = walkLoad().variant;
+    const std::string own = readLoad().variant;
     if (!canPlayDevices()) {
         return {own};
     }
@@ -73,7 +73,7 @@ int report(const ReportArguments& arguments) {
                            std::move(*catalogue)};
     for (size_t i = 0; i < content.checked.variants.size(); ++i) {
         playVariant(content.checked.variants[i]);
-        const LoadSteps steps = deviceSteps(content.checked.loads[i]->load);
+        const LoadSteps steps = deviceSteps(content.checked.loads[i]);
         TargetSpec store;
         steps.systemSpec(store);
         steps.overlay(store);

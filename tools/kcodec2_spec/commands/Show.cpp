@@ -30,8 +30,8 @@ constexpr char kShowExample[] =
         "vendor.media.target_variant=_orvelle";
 
 void printSections(const Load& load, const std::vector<SnapshotSection>& sections) {
-    std::printf("System spec document  %s\n", escaped(systemSpecStory(load)).c_str());
-    std::printf("Private overlay       %s\n", escaped(overlayStory(load)).c_str());
+    std::printf("System spec document  %s\n", escaped(describeSystemSpec(load)).c_str());
+    std::printf("Private overlay       %s\n", escaped(describeOverlay(load)).c_str());
     for (const SnapshotSection& section : sections) {
         std::printf("\n%s (%zu)%s\n", section.title.c_str(), section.entries.size(),
                     section.entries.empty() ? section.whenEmpty : "");
@@ -53,12 +53,12 @@ void printSectionsJson(const Load& load, const std::vector<SnapshotSection>& sec
     Json::Value root;
     root["systemSpec"]["firstPath"] = load.firstPath;
     root["systemSpec"]["path"] =
-            load.hasSystemSpec() ? Json::Value(load.systemSpec.path) : Json::Value();
-    root["systemSpec"]["isAccepted"] = load.systemSpec.isAccepted;
-    root["overlay"]["origin"] = load.overlay.origin;
+            load.hasSystemSpec() ? Json::Value(load.systemSpec->path) : Json::Value();
+    root["systemSpec"]["isAccepted"] = load.hasSystemSpec() && load.systemSpec->isAccepted;
+    root["overlay"]["origin"] = load.overlay->origin;
     root["overlay"]["path"] =
-            load.overlay.path.empty() ? Json::Value() : Json::Value(load.overlay.path);
-    root["overlay"]["isAccepted"] = load.overlay.isAccepted;
+            load.overlay->path.empty() ? Json::Value() : Json::Value(load.overlay->path);
+    root["overlay"]["isAccepted"] = load.overlay->isAccepted;
     for (const SnapshotSection& section : sections) {
         const bool isNamed = section.form == SectionForm::Named;
         Json::Value& values = root[section.key];
@@ -76,9 +76,10 @@ void printSectionsJson(const Load& load, const std::vector<SnapshotSection>& sec
 int show(bool asJson) {
     // Before the load that is shown: on a device that one may seed the private file.
     muteLog();
-    const Load load = walkLoad();
+    const Load load = readLoad();
     unmuteLog();
-    const TargetSpec* const spec = load.systemSpec.isPipe ? nullptr : TargetSpec::Get();
+    const TargetSpec* const spec =
+            load.hasSystemSpec() && load.systemSpec->isPipe ? nullptr : TargetSpec::Get();
     muteLog();
     const LoadSteps steps = deviceSteps(load);
     const std::vector<SnapshotSection> sections =

@@ -1,71 +1,128 @@
-// A document as the library's own reader sees it.
+// A document as the library's own reader sees it: its text, its tree, its content.
 
 #include "document/Document.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
 
+#include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/DocumentText.h"
+#include "targetspec/reading/SpecReader.h"
 
 namespace kc2::tool {
 
 namespace {
 
-class FindingKeeper final : public FindingSink {
+// Keeps the findings of a reading.
+class VerdictKeeper final : public FindingSink {
 public:
-    explicit FindingKeeper(std::vector<KeptFinding>* findings) : mFindings(*findings) {}
-
     void take(const Finding& finding) override {
         const Place& place = finding.place;
-        mFindings.push_back({finding.kind, std::string(place.section), std::string(place.name),
-                             place.index, finding.start, finding.limit, finding.converted,
-                             std::string(finding.detail)});
+        const bool isUsedAsItIs = finding.kind == FindingKind::Taken;
+        verdicts.push_back({finding.kind, place.index, finding.start, finding.limit,
+                            finding.converted, place.section,
+                            std::string(isUsedAsItIs ? std::string_view() : place.name)});
+        if (rowOf(finding.kind).effect == Effect::Rejects) {
+            parserWords = finding.detail;
+        }
     }
 
-private:
-    std::vector<KeptFinding>& mFindings;
+    std::vector<Verdict> verdicts;
+    std::string parserWords;
 };
+
+bool isOfText(FindingKind kind) {
+    return kind == FindingKind::TextTooLong || kind == FindingKind::TooManyValues ||
+           kind == FindingKind::NestingTooDeep || kind == FindingKind::SyntaxError;
+}
+
+std::string firstOf(std::string a, std::string b, std::string c) {
+    return !a.empty() ? a : !b.empty() ? b : c;
+}
 
 }  // namespace
 
-Document readDocument(std::string origin, std::string path, std::string text) {
-    Document document;
-    document.origin = std::move(origin);
-    document.path = std::move(path);
-    document.text = std::move(text);
-    FindingKeeper keeper(&document.findings);
-    document.parserText = document.text;
-    document.isAccepted =
-            readSpecDocument(document.parserText, &document.content, keeper, &document.comments);
+Document::Document(DocumentId name, std::string from)
+    : origin(std::move(name.origin)),
+      path(std::move(name.path)),
+      text(std::move(from)),
+      parserText(text),
+      source(firstOf(std::move(name.shownPath), path, origin), text) {
+    VerdictKeeper keeper;
+    isAccepted = readSpecDocument(parserText, &content, keeper, &comments);
+    verdicts = std::move(keeper.verdicts);
+    parserWords = std::move(keeper.parserWords);
+    if (!verdicts.empty() && isOfText(verdicts.back().kind)) {
+        hasSyntaxError = true;
+        if (verdicts.back().kind == FindingKind::SyntaxError) {
+            addSyntaxErrors(parserWords.empty() ? text.size() : verdicts.back().start);
+        }
+        return;
+    }
+    tree = treeOf(parserText);
+    std::stable_sort(verdicts.begin(), verdicts.end(),
+                     [](const Verdict& a, const Verdict& b) { return a.start < b.start; });
+    joinVerdicts(&tree.root, verdicts);
+}
+
+// Fixes are for a text that is accepted once all of them are made: else something else is wrong,
+// too, and what is meant is for a person to say.
+void Document::addSyntaxErrors(size_t rejectedAt) {
+    tree = treeOfRejected(source, parserText, rejectedAt);
+    std::vector<Fix> fixes;
+    for (const SyntaxHint& error : tree.errors) {
+        if (error.fixes.empty()) {
+            fixes.clear();
+            break;
+        }
+        fixes.insert(fixes.end(), error.fixes.begin(), error.fixes.end());
+    }
+    if (fixes.empty() || !Document({}, withFixes(text, std::move(fixes))).isJson()) {
+        for (SyntaxHint& error : tree.errors) {
+            error.fixes.clear();
+        }
+    }
+}
+
+std::unique_ptr<Document> Document::unreadable(DocumentId name, std::string why) {
+    auto document = std::make_unique<Document>(std::move(name), std::string());
+    document->isReadable = false;
+    document->whyNotReadable = std::move(why);
+    document->verdicts.clear();
+    document->tree = {};
     return document;
 }
 
-Document readDocumentFile(const std::string& path) {
-    std::ifstream stream(path);
-    if (!stream.is_open()) {
-        return unreadableDocument("document", path, std::strerror(errno));
-    }
-    return readDocumentStream("document", path, stream);
+const Node* Document::video() const {
+    return isJson() ? findMember(tree.root, targetSpecRoot) : nullptr;
 }
 
-Document readDocumentStream(std::string origin, std::string path, std::ifstream& stream) {
+const Node* Document::section(std::string_view key) const {
+    const Node* const members = video();
+    return members != nullptr ? findMember(*members, key) : nullptr;
+}
+
+std::unique_ptr<Document> readDocumentFile(const std::string& path, std::string name) {
+    DocumentId named;
+    named.path = path;
+    named.shownPath = std::move(name);
+    std::ifstream stream(path);
+    if (!stream.is_open()) {
+        return Document::unreadable(std::move(named), std::strerror(errno));
+    }
+    return readDocumentStream(std::move(named), stream);
+}
+
+std::unique_ptr<Document> readDocumentStream(DocumentId name, std::ifstream& stream) {
     DocumentText text;
     errno = 0;
     if (!text.read(stream)) {
-        return unreadableDocument(std::move(origin), std::move(path), std::strerror(errno));
+        return Document::unreadable(std::move(name), std::strerror(errno));
     }
-    return readDocument(std::move(origin), std::move(path),
-                        std::string(text.bytes().begin(), text.bytes().end()));
-}
-
-Document unreadableDocument(std::string origin, std::string path, std::string why) {
-    Document document;
-    document.origin = std::move(origin);
-    document.path = std::move(path);
-    document.isReadable = false;
-    document.whyNotReadable = std::move(why);
-    return document;
+    return std::make_unique<Document>(std::move(name),
+                                      std::string(text.bytes().begin(), text.bytes().end()));
 }
 
 }  // namespace kc2::tool

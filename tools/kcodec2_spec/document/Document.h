@@ -1,53 +1,69 @@
-// A document as the library's own reader sees it.
+// A document as the library's own reader sees it: its text, its tree, its content.
 #pragma once
 
 #include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "targetspec/reading/ParserText.h"
+#include "document/Source.h"
+#include "document/Tree.h"
+#include "document/Verdict.h"
 #include "targetspec/reading/SpecDocument.h"
-#include "targetspec/reading/SpecReader.h"
 
 namespace kc2::tool {
 
-// A Finding that outlives the reading.
-struct KeptFinding {
-    FindingKind kind;
-    std::string section;
-    std::string name;
-    int index;
-    size_t start;
-    size_t limit;
-    int64_t converted;
-    std::string detail;
+// What a document is called, and where it is.
+struct DocumentId {
+    std::string origin = "document";  // "system spec", "private file", "built-in document N".
+    std::string path = {};  // On the device, or as an option names it; empty for a built-in one.
+    std::string shownPath = {};  // On this machine; empty: the path, or without one the origin.
 };
 
-struct Document {
-    std::string origin;  // "system spec", "private file", "built-in document N", or "document".
-    std::string path;    // On the device; empty for a built-in document.
-    std::string text;
+// Others point into it, so it stays where it is.
+class Document {
+public:
+    // Reads `text` with the library's reader.
+    Document(DocumentId name, std::string text);
+    // One that could not be read, and why, in words.
+    static std::unique_ptr<Document> unreadable(DocumentId name, std::string why);
+
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    bool isBuiltIn() const { return path.empty(); }
+    // Whether the parser accepts the text, with any root.
+    bool isJson() const { return isReadable && !hasSyntaxError; }
+    // The section of that key, or null: a text that the parser rejects has none.
+    const Node* section(std::string_view key) const;
+    const Node* video() const;
+
+    const std::string origin;
+    const std::string path;
+    const std::string text;
     std::string parserText;           // The same, fit for the parser: comments are blanks.
     std::vector<TextRange> comments;  // Where they are.
+    const Source source;              // Of the text.
     bool isReadable = true;           // The text was read to its end.
-    bool isPipe = false;              // Not read: a load waits there until somebody writes into it.
-    std::string whyNotReadable;       // In words.
+    bool isPipe = false;         // Not read: a load waits there until something is written into it.
+    std::string whyNotReadable;  // In words.
     bool isAccepted = false;
-    SpecDocument content;  // Empty unless accepted.
-    std::vector<KeptFinding> findings;
+    SpecDocument content;           // Empty unless accepted.
+    std::string parserWords;        // The parser's own words on a syntax error.
+    std::vector<Verdict> verdicts;  // In the order of the text.
+    Tree tree;
+
+private:
+    void addSyntaxErrors(size_t rejectedAt);
+
+    bool hasSyntaxError = false;
 };
 
-// Reads `text` with the library's reader.
-Document readDocument(std::string origin, std::string path, std::string text);
+// Reads a file of this machine; it is called `name`, or without one, by its path.
+std::unique_ptr<Document> readDocumentFile(const std::string& path, std::string name = {});
 
-// Reads a file of this machine; isReadable tells whether it could be.
-Document readDocumentFile(const std::string& path);
-
-// Reads the rest of a stream; isReadable says whether it could be read to its end.
-Document readDocumentStream(std::string origin, std::string path, std::ifstream& stream);
-
-// A document that could not be read, and why.
-Document unreadableDocument(std::string origin, std::string path, std::string why);
+// Reads the rest of a stream.
+std::unique_ptr<Document> readDocumentStream(DocumentId name, std::ifstream& stream);
 
 }  // namespace kc2::tool

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "document/Source.h"
 
@@ -11,14 +13,22 @@ namespace kc2::tool {
 struct RelatedPlace {
     const Source* source;
     Span span;
-    std::string message;  // What is there.
+    std::string message;  // What is there; empty where the finding's message names the place.
 };
 
-// A change of the text that mends a finding, where only one can be meant.
+// A change of the text that fixes a finding, where only one can be meant.
 struct Fix {
     Span span;
     std::string replacement;
     std::string what;  // What the change does, as in "remove the comma".
 };
+
+// `text` with the changes made. One that touches an earlier one, or a line end, is left out: the
+// lines stay as many as they were.
+std::string withFixes(std::string_view text, std::vector<Fix> fixes);
+
+// Writes the known name `meant` in place of a name, given with its quotes; empty when another one
+// may be meant just as well: then the two differ in a digit, or in more than a few letters.
+std::vector<Fix> renaming(std::string_view text, Span quotedName, std::string_view meant);
 
 }  // namespace kc2::tool

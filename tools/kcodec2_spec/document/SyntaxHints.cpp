@@ -1,18 +1,19 @@
-// What is wrong with a text that the JSON parser rejects, and what to do about it: tables from what
-// is there to what to write.
+// What is wrong with a text that the JSON parser rejects: tables from what is there to what to
+// write.
 
 #include "document/SyntaxHints.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
 #include "base/OddCharacters.h"
 #include "base/Text.h"
-#include "document/SyntaxWalk.h"
+#include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -28,8 +29,9 @@ struct StartRow {
 
 using namespace std::string_view_literals;
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 constexpr StartRow kStarts[] = {
-        {"\xEF\xBB\xBF"sv, "the document starts with a byte order mark, which must go"},
         {"\xFF\xFE"sv,
          "the document is UTF-16 or UTF-32: save it as UTF-8 without byte order mark"},
         {"\xFE\xFF"sv, "the document is UTF-16: save it as UTF-8 without byte order mark"},
@@ -98,20 +100,39 @@ struct Context {
     std::string_view token() const { return of(misfit.token.span); }
     bool follows(size_t at) const { return misfit.previous.span.limit == at; }
     bool isFirst() const { return misfit.previous.kind == Token::kEnd; }
+    bool expectsName() const {
+        return misfit.expected == Expected::Name || misfit.expected == Expected::NameOrEnd;
+    }
+    bool expectsValue() const {
+        return misfit.expected == Expected::Value || misfit.expected == Expected::ValueOrEnd;
+    }
+    // Whether the token is an element of a use case's list of perf words.
+    bool isInPerfWords() const {
+        const std::vector<OpenBracket>& open = misfit.open;
+        return open.size() == 4 && open[1].key == targetSpecRoot &&
+               open[2].key == targetSpecPerfResourceValues && open[2].kind == '{' &&
+               open[3].kind == '[';
+    }
 };
 
 using MaybeHint = std::optional<SyntaxHint>;
 
+SyntaxHint withFix(SyntaxHint hint, Fix fix, Recovery recovery) {
+    hint.fixes.push_back(std::move(fix));
+    hint.recovery = recovery;
+    return hint;
+}
+
 // "3:17": the file is the finding's own.
 std::string positionIn(const Source& source, size_t offset) {
     const Source::Position position = source.positionOf(offset);
-    return std::to_string(position.line) + ":" + std::to_string(position.column);
+    return fmt::format("{}:{}", position.line, position.column);
 }
 
 std::string shown(std::string_view text) {
     constexpr size_t kLongest = 40;
     const std::string_view start = clipped(text, kLongest);
-    return std::string(start) + (start.size() < text.size() ? "..." : "");
+    return fmt::format("{}{}", start, start.size() < text.size() ? "..." : "");
 }
 
 // The text from `at` to the next blank, mark or quote.
@@ -121,24 +142,13 @@ std::string_view runFrom(std::string_view text, size_t at) {
     return text.substr(at, static_cast<size_t>(end - text.begin()) - at);
 }
 
-MaybeHint atToken(const Context& context, std::string message) {
-    return SyntaxHint{context.misfit.token.span, std::move(message), {}};
+bool consistsOf(std::string_view text, int (*is)(int)) {
+    return std::all_of(text.begin(), text.end(),
+                       [is](char c) { return is(static_cast<unsigned char>(c)) != 0; });
 }
 
-MaybeHint startOfDocument(const Source& source, std::string_view parserText) {
-    const std::string_view text = source.text();
-    if (parserText.find_first_not_of(kJsonBlanks) == kNowhere) {
-        return SyntaxHint{{text.size(), text.size()}, "the document is empty", {}};
-    }
-    for (const StartRow& row : kStarts) {
-        if (text.substr(0, row.start.size()) == row.start) {
-            return SyntaxHint{{0, row.start.size()}, row.message, {}};
-        }
-    }
-    if (text.size() > 1 && (text[0] == '\0' || text[1] == '\0')) {
-        return SyntaxHint{{0, 1}, "the document is UTF-16: save it as UTF-8", {}};
-    }
-    return std::nullopt;
+MaybeHint atToken(const Context& context, std::string message) {
+    return SyntaxHint{context.misfit.token.span, std::move(message)};
 }
 
 // A comment in a comment: the first end ends both, and the rest of the outer one is left.
@@ -154,17 +164,17 @@ MaybeHint nestedComment(const Context& context) {
         return std::nullopt;
     }
     return SyntaxHint{context.misfit.token.span,
-                      "comments do not nest: the one that opens at " +
-                              positionIn(context.source, start + outer) +
-                              " ends at the first \"*/\"",
+                      fmt::format("comments do not nest: the one that opens at {} ends at the "
+                                  "first \"*/\"",
+                                  positionIn(context.source, start + outer)),
                       {{&context.source, {start + outer, start + outer + 2}, "the outer comment"}}};
 }
 
 MaybeHint stringOverLines(const Context& context, const Token& string) {
     return SyntaxHint{{string.span.start, string.span.start + 1},
-                      "the string that opens at " + positionIn(context.source, string.span.start) +
-                              " runs over the end of its line: its closing quote is missing",
-                      {}};
+                      fmt::format("the string that opens at {} runs over the end of its line: its "
+                                  "closing quote is missing",
+                                  positionIn(context.source, string.span.start))};
 }
 
 MaybeHint stringItself(const Context& context) {
@@ -176,28 +186,31 @@ MaybeHint stringItself(const Context& context) {
         if (context.token().find_first_of("\r\n") != kNowhere) {
             return stringOverLines(context, token);
         }
-        return atToken(context, "the string that opens at " +
-                                        positionIn(context.source, token.span.start) +
-                                        " never ends: its closing quote is missing");
+        return atToken(context, fmt::format("the string that opens at {} never ends: its closing "
+                                            "quote is missing",
+                                            positionIn(context.source, token.span.start)));
     }
-    if (token.flaw != kNowhere) {
-        const std::string_view escape = clipped(context.text.substr(token.flaw), 2);
-        return SyntaxHint{{token.flaw, token.flaw + escape.size()},
-                          std::string(escape) +
-                                  (escape == "\\u" ? " needs four hexadecimal digits behind it"
-                                                   : " is not an escape that JSON knows: write a "
-                                                     "backslash as \\\\"),
-                          {}};
+    const size_t bad = badEscapeIn(context.token());
+    if (bad == kNowhere) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const std::string_view escape = clipped(context.token().substr(bad), 2);
+    const size_t at = token.span.start + bad;
+    const std::string_view digits = context.token().substr(bad + escape.size()).substr(0, 4);
+    const bool isHalf = escape == "\\u" && digits.size() == 4 && consistsOf(digits, std::isxdigit);
+    return SyntaxHint{{at, at + escape.size()},
+                      fmt::format("{} {}", escape,
+                                  isHalf            ? "begins a pair: a second \\u must follow"
+                                  : escape == "\\u" ? "needs four hexadecimal digits after it"
+                                                    : "is not an escape that JSON knows: write a "
+                                                      "backslash as \\\\")};
 }
 
 // A string that swallowed the start of the next one, and what then follows it.
 MaybeHint stringBefore(const Context& context) {
     const Token& string = context.misfit.previous;
-    if (string.kind != Token::kString || context.misfit.token.kind == Token::kEnd ||
-        !context.follows(context.misfit.token.span.start) ||
-        context.misfit.token.kind != Token::kWord) {
+    if (string.kind != Token::kString || context.misfit.token.kind != Token::kWord ||
+        !context.follows(context.misfit.token.span.start)) {
         return std::nullopt;
     }
     if (context.of(string.span).find_first_of("\r\n") != kNowhere) {
@@ -206,10 +219,9 @@ MaybeHint stringBefore(const Context& context) {
     const char first = context.token()[0];
     if (first == '\\' || std::isalnum(static_cast<unsigned char>(first)) != 0 || first == '_') {
         return SyntaxHint{context.misfit.token.span,
-                          "the string that opens at " +
-                                  positionIn(context.source, string.span.start) +
-                                  " ends before this: a quote is missing, or one inside it must be "
-                                  "written as \\\"",
+                          fmt::format("the string that opens at {} ends before this: a quote is "
+                                      "missing, or one inside it must be written as \\\"",
+                                      positionIn(context.source, string.span.start)),
                           {{&context.source, string.span, "the string"}}};
     }
     return std::nullopt;
@@ -223,15 +235,12 @@ MaybeHint lookAlike(const Context& context) {
     }
     const std::string_view token = context.token();
     const uint32_t code = utf8Length(token) == token.size() ? codePointOf(token) : 0;
-    char number[16];
-    std::snprintf(number, sizeof(number), "U+%04X", code);
     if (code >= kFullWidthFirst && code <= kFullWidthLast) {
-        const char plain = static_cast<char>(code - kFullWidthFirst + '!');
-        return atToken(context, std::string("a full-width '") + plain + "' (" + number +
-                                        "): write the plain one");
+        return atToken(context, fmt::format("a full-width '{}' (U+{:04X}): write the plain one",
+                                            static_cast<char>(code - kFullWidthFirst + '!'), code));
     }
     if (const OddCharacter* const odd = oddCharacter(code)) {
-        return atToken(context, std::string(odd->name) + " (" + number + "): " + odd->remedy);
+        return atToken(context, fmt::format("{} (U+{:04X}): {}", odd->name, code, odd->remedy));
     }
     return std::nullopt;
 }
@@ -243,8 +252,8 @@ MaybeHint startOfToken(const Context& context) {
     const size_t at = context.misfit.token.span.start;
     const std::string_view rest = context.text.substr(at);
     for (const StartRow& row : kTokenStarts) {
-        if (rest.substr(0, row.start.size()) == row.start) {
-            return SyntaxHint{{at, at + row.start.size()}, row.message, {}};
+        if (rest.starts_with(row.start)) {
+            return SyntaxHint{{at, at + row.start.size()}, row.message};
         }
     }
     if (rest[0] == '=') {
@@ -260,41 +269,106 @@ MaybeHint startOfToken(const Context& context) {
     return std::nullopt;
 }
 
-bool consistsOf(std::string_view text, int (*is)(int)) {
-    return std::all_of(text.begin(), text.end(),
-                       [is](char c) { return is(static_cast<unsigned char>(c)) != 0; });
-}
+// A number that is written with separators of thousands, as "1,958,400", "1 000 000" and the like:
+// the whole of it, as far as it is on one line, and the number without them.
+struct GroupedNumber {
+    Span span;
+    std::string digits;
+};
 
-// "1,000" in an object: the parser takes the comma for the end of the member.
-MaybeHint thousands(const Context& context) {
-    const Misfit& misfit = context.misfit;
-    const size_t comma = misfit.previous.span.start;
-    const std::string_view digits = context.token();
-    if (misfit.expected != Expected::Name || !context.follows(misfit.token.span.start) ||
-        digits.size() != 3 || !consistsOf(digits, std::isdigit) || comma == 0) {
-        return std::nullopt;
-    }
-    size_t start = comma;
-    while (start > 0 && std::isdigit(static_cast<unsigned char>(context.text[start - 1])) != 0) {
+// The groups around `at`, which is in one of them; nothing where it is no such number.
+std::optional<GroupedNumber> groupedNumberAt(std::string_view text, size_t at) {
+    constexpr size_t kGroup = 3;
+    constexpr std::string_view kSeparators = ", .'_";
+    const auto isSeparator = [&](size_t place) {
+        return place > 0 && place + 1 < text.size() && kSeparators.find(text[place]) != kNowhere &&
+               isDigit(text[place - 1]) && isDigit(text[place + 1]);
+    };
+    size_t start = at;
+    while (start > 0 && (isDigit(text[start - 1]) || isSeparator(start - 1))) {
         --start;
     }
-    if (start == comma) {
+    GroupedNumber number = {{start, start}, ""};
+    char separator = '\0';
+    size_t group = 0;
+    size_t& end = number.span.limit;
+    for (; end < text.size() && (isDigit(text[end]) || isSeparator(end)); ++end) {
+        if (isDigit(text[end])) {
+            number.digits += text[end];
+            ++group;
+            continue;
+        }
+        const bool isFirst = separator == '\0';
+        if (group > kGroup || (!isFirst && (group != kGroup || separator != text[end]))) {
+            return std::nullopt;
+        }
+        separator = text[end];
+        group = 0;
+    }
+    const bool isGrouped = separator != '\0' && group == kGroup;
+    return isGrouped ? std::optional(number) : std::nullopt;
+}
+
+bool isNumberToken(const Context& context, const Token& token) {
+    const std::string_view text = context.of(token.span);
+    return token.kind == Token::kWord && (isDigit(text[0]) || text[0] == '-');
+}
+
+// The separator may be what the parser takes for the end of the member or element.
+MaybeHint thousands(const Context& context) {
+    const Misfit& misfit = context.misfit;
+    if (!context.token().empty() && !isDigit(context.token()[0]) && context.token()[0] != '\'' &&
+        context.token()[0] != '.') {
         return std::nullopt;
     }
-    return SyntaxHint{{start, misfit.token.span.limit},
-                      "a number has no thousands separator: write " +
-                              shown(context.of({start, comma})) + std::string(digits),
-                      {}};
+    const bool isInList = !misfit.open.empty() && misfit.open.back().kind == '[';
+    const auto number = groupedNumberAt(context.text, misfit.token.span.start);
+    // In a list, a comma between two numbers is what belongs there.
+    if (!number || number->span.start >= misfit.token.span.start ||
+        (isInList && context.of(number->span).find(',') != kNowhere)) {
+        return std::nullopt;
+    }
+    return SyntaxHint{number->span, fmt::format("a number has no thousands separator: write {}",
+                                                shown(number->digits))};
+}
+
+// A comma or a digit may be missing: nobody can say which.
+MaybeHint twoNumbers(const Context& context) {
+    const Misfit& misfit = context.misfit;
+    const Span between = {misfit.previous.span.limit, misfit.token.span.start};
+    if (misfit.expected != Expected::CommaOrEnd || misfit.open.back().kind != '[' ||
+        !isNumberToken(context, misfit.previous) || !isNumberToken(context, misfit.token) ||
+        between.start == between.limit || context.of(between).find_first_of("\r\n") != kNowhere) {
+        return std::nullopt;
+    }
+    const std::string before(context.of(misfit.previous.span));
+    const std::string_view after = runFrom(context.text, misfit.token.span.start);
+    return SyntaxHint{
+            {misfit.previous.span.start, misfit.token.span.start + after.size()},
+            after[0] == '-'
+                    ? fmt::format("a comma is missing, or a blank is around a minus sign: "
+                                  "write {}, {} or what is meant",
+                                  shown(before), shown(after))
+                    : fmt::format("a comma is missing, or a blank is inside a number: "
+                                  "write {}, {} or {}",
+                                  shown(before), shown(after), shown(before + std::string(after)))};
+}
+
+// A perf word without its quotes: "0x" says how it is meant.
+bool isHexadecimalWord(std::string_view word) {
+    constexpr size_t kMostDigits = 8;
+    return word.size() > 2 && word.size() <= 2 + kMostDigits && word[0] == '0' &&
+           (word[1] == 'x' || word[1] == 'X') && consistsOf(word.substr(2), std::isxdigit);
 }
 
 std::string hexadecimalHint(std::string_view digits) {
     const std::string text(digits.substr(0, 16));
     const bool isNumber =
             !digits.empty() && digits.size() <= 16 && consistsOf(digits, std::isxdigit);
-    return "JSON has no hexadecimal numbers: " +
-           (isNumber ? "write " + std::to_string(std::strtoull(text.c_str(), nullptr, 16))
-                     : std::string("write it in decimal")) +
-           ", or put a perf word in double quotes";
+    return fmt::format(
+            "JSON has no hexadecimal numbers: write {}, or put a perf word in double quotes",
+            isNumber ? std::to_string(std::strtoull(text.c_str(), nullptr, 16))
+                     : std::string("it in decimal"));
 }
 
 std::string numberHint(std::string_view number) {
@@ -308,23 +382,23 @@ std::string numberHint(std::string_view number) {
         return hexadecimalHint(number);
     }
     if (number[0] == '+') {
-        return "a number has no plus sign: write " + shown(magnitude);
+        return fmt::format("a number has no plus sign: write {}", shown(magnitude));
     }
     if (number[0] == '.') {
-        return "a number needs a digit before its point: write 0" + shown(number);
+        return fmt::format("a number needs a digit before its point: write 0{}", shown(number));
     }
     if (magnitude.find('_') != kNowhere) {
         std::string plain(number);
         plain.erase(std::remove(plain.begin(), plain.end(), '_'), plain.end());
-        return "a number has no '_' between its digits: write " + shown(plain);
+        return fmt::format("a number has no '_' between its digits: write {}", shown(plain));
     }
     const size_t end = std::min(magnitude.find_first_not_of("0123456789."), magnitude.size());
     if (end < magnitude.size() && consistsOf(magnitude.substr(end), std::isalpha) &&
         inSmallLetters(magnitude[end]) != 'e') {
-        return "a number has no unit or suffix: write " + shown(number.substr(0, digits + end)) +
-               ", or a string in double quotes";
+        return fmt::format("a number has no unit or suffix: write {}, or a string in double quotes",
+                           shown(number.substr(0, digits + end)));
     }
-    return shown(number) + " is not a number of JSON";
+    return fmt::format("{} is not a number of JSON", shown(number));
 }
 
 bool beginsNumber(std::string_view word) {
@@ -333,28 +407,36 @@ bool beginsNumber(std::string_view word) {
 }
 
 MaybeHint numberForm(const Context& context) {
-    if (context.misfit.token.kind != Token::kWord) {
+    const Token& token = context.misfit.token;
+    if (token.kind != Token::kWord) {
         return std::nullopt;
     }
-    const Span whole = {context.misfit.token.span.start,
-                        context.misfit.token.span.start +
-                                runFrom(context.text, context.misfit.token.span.start).size()};
-    if (MaybeHint hint = thousands(context)) {
-        return hint;
+    for (const auto& make : {thousands, twoNumbers}) {
+        if (MaybeHint hint = make(context)) {
+            return hint;
+        }
     }
-    if (context.misfit.previous.kind == Token::kWord &&
-        context.follows(context.misfit.token.span.start)) {
-        return SyntaxHint{whole,
-                          "this follows " + shown(context.of(context.misfit.previous.span)) +
-                                  " without a blank or a comma: a number has no unit or suffix",
-                          {}};
+    const std::string_view run = runFrom(context.text, token.span.start);
+    const Span whole = {token.span.start, token.span.start + run.size()};
+    if (context.misfit.previous.kind == Token::kWord && context.follows(token.span.start)) {
+        return SyntaxHint{whole, fmt::format("this follows {} without a blank or a comma: a number "
+                                             "has no unit or suffix",
+                                             shown(context.of(context.misfit.previous.span)))};
     }
-    const bool isValue = context.misfit.expected == Expected::Value ||
-                         context.misfit.expected == Expected::ValueOrEnd;
-    if (!isValue || !beginsNumber(context.token())) {
+    if (!context.expectsValue() || !beginsNumber(context.token())) {
         return std::nullopt;
     }
-    return SyntaxHint{whole, numberHint(context.of(whole)), {}};
+    SyntaxHint hint = {whole, numberHint(run)};
+    if (run[0] == '+' && isDigit(run[1]) && isValue(run.substr(1))) {
+        return withFix(std::move(hint),
+                       {{whole.start, whole.start + 1}, "", "remove the plus sign"},
+                       Recovery::AcceptToken);
+    }
+    if (isHexadecimalWord(run) && context.isInPerfWords()) {
+        return withFix(std::move(hint), {whole, fmt::format("\"{}\"", run), "add the quotes"},
+                       Recovery::AcceptToken);
+    }
+    return hint;
 }
 
 std::optional<std::string> wordHint(std::string_view word) {
@@ -362,7 +444,7 @@ std::optional<std::string> wordHint(std::string_view word) {
             inSmallLetters(word.substr(word.find_first_not_of("+-") == 1 ? 1 : 0));
     for (const WordRow& row : kWords) {
         if (small == row.word) {
-            return std::string(word) + " is not a value of JSON: " + row.remedy;
+            return fmt::format("{} is not a value of JSON: {}", word, row.remedy);
         }
     }
     return std::nullopt;
@@ -371,31 +453,28 @@ std::optional<std::string> wordHint(std::string_view word) {
 // A word where a string belongs, or one that JSON does not know.
 MaybeHint unquoted(const Context& context) {
     const Token& token = context.misfit.token;
-    const bool isName = context.misfit.expected == Expected::Name ||
-                        context.misfit.expected == Expected::NameOrEnd;
-    const bool isValue = context.misfit.expected == Expected::Value ||
-                         context.misfit.expected == Expected::ValueOrEnd;
-    if (token.kind != Token::kWord || (!isName && !isValue)) {
+    if (token.kind != Token::kWord || !(context.expectsName() || context.expectsValue())) {
         return std::nullopt;
     }
     const std::string_view run = runFrom(context.text, token.span.start);
     const Span whole = {token.span.start, token.span.start + run.size()};
     if (whole.limit < context.text.size() && context.text[whole.limit] == '"') {
-        return SyntaxHint{whole, "the opening quote of \"" + shown(run) + "\" is missing", {}};
+        return SyntaxHint{whole, fmt::format("the opening quote of \"{}\" is missing", shown(run))};
     }
     if (static_cast<unsigned char>(run[0]) < ' ' || run[0] == '\x7F') {
-        return SyntaxHint{whole, "a control character: remove it", {}};
+        return SyntaxHint{whole, "a control character: remove it"};
     }
-    if (isName) {
-        return SyntaxHint{whole, "a name must be in double quotes: \"" + shown(run) + "\"", {}};
+    if (context.expectsName()) {
+        return SyntaxHint{whole,
+                          fmt::format("a name must be in double quotes: \"{}\"", shown(run))};
     }
     if (const auto hint = wordHint(run)) {
-        return SyntaxHint{whole, *hint, {}};
+        return SyntaxHint{whole, *hint};
     }
     return SyntaxHint{whole,
-                      context.isFirst() ? "a document starts with '{', not with " + shown(run)
-                                        : "text must be in double quotes: \"" + shown(run) + "\"",
-                      {}};
+                      context.isFirst()
+                              ? fmt::format("a document starts with '{{', not with {}", shown(run))
+                              : fmt::format("text must be in double quotes: \"{}\"", shown(run))};
 }
 
 // --- Marks: commas, colons, brackets ---
@@ -412,25 +491,28 @@ MaybeHint openBracket(const Context& context) {
         return std::nullopt;  // It is the right one, but comes too early.
     }
     const OpenBracket& bracket = misfit.unclosed ? *misfit.unclosed : innermost;
-    const std::string name = std::string("the '") + bracket.kind + "' that opens at " +
-                             positionIn(context.source, bracket.at);
-    const std::string end(1, bracket.kind == '{' ? '}' : ']');
-    SyntaxHint hint = {misfit.token.span, "", {}};
-    hint.related.push_back({&context.source, {bracket.at, bracket.at + 1}, "it opens here"});
+    const std::string name = fmt::format("the '{}' that opens at {}", bracket.kind,
+                                         positionIn(context.source, bracket.at));
+    const char end = bracket.kind == '{' ? '}' : ']';
+    SyntaxHint hint = {misfit.token.span,
+                       "",
+                       {{&context.source, {bracket.at, bracket.at + 1}, "it opens here"}}};
     if (kind == Token::kEnd) {
         hint.span = {misfit.previous.span.limit, misfit.previous.span.limit};
-        hint.message = "the text ends here, but " + name + " is still open: its '" + end +
-                       "' is missing" + (misfit.unclosed ? ", as the indentation tells" : "");
+        hint.message =
+                fmt::format("the text ends here, but {} is still open: its '{}' is missing{}", name,
+                            end, misfit.unclosed ? ", as the indentation shows" : "");
         return hint;
     }
     const char wanted = kind == '}' ? '{' : '[';
     const bool isMeantForOuter =
             std::any_of(misfit.open.begin(), misfit.open.end(),
-                        [wanted](const OpenBracket& bracket) { return bracket.kind == wanted; });
-    hint.message = isMeantForOuter
-                           ? name + " is still open: its '" + end + "' is missing before this '" +
-                                     kind + "'"
-                           : "write '" + end + "' here, not '" + kind + "': it closes " + name;
+                        [wanted](const OpenBracket& one) { return one.kind == wanted; });
+    hint.message =
+            isMeantForOuter
+                    ? fmt::format("{} is still open: its '{}' is missing before this '{}'", name,
+                                  end, kind)
+                    : fmt::format("write '{}' here, not '{}': it closes {}", end, kind, name);
     return hint;
 }
 
@@ -441,9 +523,10 @@ MaybeHint strayComma(const Context& context) {
     const bool isAfterComma = misfit.previous.kind == ',';
     const char end = misfit.open.empty() ? '\0' : misfit.open.back().kind == '{' ? '}' : ']';
     if (isAfterComma && kind != Token::kEnd && kind == end) {
-        return SyntaxHint{misfit.previous.span,
-                          std::string("a comma is left over before the '") + kind + "': remove it",
-                          {}};
+        return withFix({misfit.previous.span,
+                        fmt::format("a comma is left over before the '{}': remove it", kind)},
+                       {misfit.previous.span, "", "remove the comma before the bracket"},
+                       Recovery::DropComma);
     }
     if (kind == ',' &&
         (isAfterComma || misfit.previous.kind == '{' || misfit.previous.kind == '[')) {
@@ -453,23 +536,38 @@ MaybeHint strayComma(const Context& context) {
     return std::nullopt;
 }
 
+// Whether a comma is all that is missing between the value before and this token.
+bool beginsNext(const Context& context) {
+    const Token& token = context.misfit.token;
+    if (token.kind == Token::kString) {
+        return token.isWhole;
+    }
+    const bool isValueHere = token.kind == '{' || token.kind == '[' ||
+                             (token.kind == Token::kWord && isValue(context.token()));
+    return isValueHere && context.misfit.open.back().kind == '[';
+}
+
 MaybeHint missingComma(const Context& context) {
     const Misfit& misfit = context.misfit;
     if (misfit.expected != Expected::CommaOrEnd) {
         return std::nullopt;
     }
     if (misfit.token.kind == ':') {
-        return misfit.open.back().kind == '['
-                       ? atToken(context,
-                                 "a name with a value belongs into { }, not into the "
-                                 "list that opens at " +
-                                         positionIn(context.source, misfit.open.back().at))
-                       : atToken(context, "a second ':': a ',' or a '{' is missing before it");
+        return atToken(context,
+                       misfit.open.back().kind == '['
+                               ? fmt::format("a name with a value belongs into {{ }}, not into the "
+                                             "list that opens at {}",
+                                             positionIn(context.source, misfit.open.back().at))
+                               : "a second ':': a ',' or a '{' is missing before it");
     }
-    return SyntaxHint{misfit.token.span,
-                      "a comma is missing: write it behind the value that ends at " +
-                              positionIn(context.source, misfit.previous.span.limit - 1),
-                      {}};
+    const size_t end = misfit.previous.span.limit;
+    SyntaxHint hint = {misfit.token.span,
+                       fmt::format("a comma is missing: write it after the value that ends at {}",
+                                   positionIn(context.source, end - 1))};
+    return beginsNext(context)
+                   ? withFix(std::move(hint), {{end, end}, ",", "add the missing comma"},
+                             Recovery::InsertComma)
+                   : hint;
 }
 
 MaybeHint missingPart(const Context& context) {
@@ -478,17 +576,17 @@ MaybeHint missingPart(const Context& context) {
                         misfit.token.kind == ']' || misfit.token.kind == Token::kEnd;
     switch (misfit.expected) {
         case Expected::Colon:
-            return isMark ? atToken(context, shown(context.of(misfit.previous.span)) +
-                                                     " has no value: write ':' and the value "
-                                                     "behind it")
-                          : atToken(context, "a ':' is missing between the name and its value");
+            return atToken(context,
+                           isMark ? fmt::format("{} has no value: write ':' and the value after it",
+                                                shown(context.of(misfit.previous.span)))
+                                  : "a ':' is missing between the name and its value");
         case Expected::Name:
         case Expected::NameOrEnd:
             return atToken(context, "a name in double quotes is missing before this");
         case Expected::Value:
         case Expected::ValueOrEnd:
-            return context.isFirst() ? atToken(context, "a document starts with '{'")
-                                     : atToken(context, "a value is missing before this");
+            return atToken(context, context.isFirst() ? "a document starts with '{'"
+                                                      : "a value is missing before this");
         case Expected::CommaOrEnd:
             break;
     }
@@ -503,34 +601,49 @@ constexpr MaybeHint (*kHints[])(const Context& context) = {
 
 }  // namespace
 
-SyntaxHint syntaxHint(const Source& source, std::string_view parserText, size_t offset) {
-    if (MaybeHint hint = startOfDocument(source, parserText)) {
-        return *hint;
+std::optional<SyntaxHint> hintOnStart(const Source& source, std::string_view text) {
+    const std::string_view whole = source.text();
+    if (whole.starts_with(kByteOrderMark)) {
+        const Span mark = {0, kByteOrderMark.size()};
+        return withFix({mark, "the document starts with a byte order mark: remove it"},
+                       {mark, "", "remove the byte order mark"}, Recovery::SkipStart);
     }
-    const std::optional<Misfit> misfit = findMisfit(parserText);
-    if (misfit && misfit->token.span.start <= offset) {
-        for (const auto& make : kHints) {
-            if (MaybeHint hint = make({source, parserText, *misfit})) {
-                return *hint;
-            }
+    if (text.find_first_not_of(kJsonBlanks) == kNowhere) {
+        return SyntaxHint{{whole.size(), whole.size()}, "the document is empty"};
+    }
+    for (const StartRow& row : kStarts) {
+        if (whole.starts_with(row.start)) {
+            return SyntaxHint{{0, row.start.size()}, row.message};
         }
     }
-    return {};
+    if (whole.size() > 1 && (whole[0] == '\0' || whole[1] == '\0')) {
+        return SyntaxHint{{0, 1}, "the document is UTF-16: save it as UTF-8"};
+    }
+    return std::nullopt;
 }
 
-std::vector<Span> rawControlCharacters(std::string_view parserText) {
+SyntaxHint hintOn(const Source& source, std::string_view text, const Misfit& misfit) {
+    for (const auto& make : kHints) {
+        if (MaybeHint hint = make({source, text, misfit})) {
+            return *std::move(hint);
+        }
+    }
+    return {misfit.token.span, ""};
+}
+
+std::vector<Span> rawControlCharacters(std::string_view text) {
     const auto isRaw = [](unsigned char c) { return c < ' '; };
     std::vector<Span> found;
-    size_t quote = parserText.find('"');
+    size_t quote = text.find('"');
     while (quote != kNowhere) {
-        const size_t end = std::min(endOfString(parserText, quote), parserText.size());
-        const std::string_view quoted = parserText.substr(quote, end - quote);
+        const size_t end = std::min(endOfString(text, quote), text.size());
+        const std::string_view quoted = text.substr(quote, end - quote);
         const auto raw = std::find_if(quoted.begin(), quoted.end(), isRaw);
         if (raw != quoted.end()) {
             const size_t at = quote + static_cast<size_t>(raw - quoted.begin());
             found.push_back({at, at + 1});
         }
-        quote = parserText.find('"', end);
+        quote = text.find('"', end);
     }
     return found;
 }

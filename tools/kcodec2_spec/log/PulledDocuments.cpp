@@ -2,6 +2,8 @@
 
 #include "log/PulledDocuments.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -9,6 +11,7 @@
 #include <utility>
 
 #include "base/DeviceOptions.h"
+#include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
@@ -21,105 +24,89 @@ namespace kc2::tool {
 
 namespace {
 
-using FindingsByLine = std::multimap<std::pair<std::string, std::string>, const KeptFinding*>;
+// Where a value begins in its document; nothing where there is none.
+using Offset = std::optional<size_t>;
+using PlacesByLine = std::multimap<std::pair<std::string, std::string>, size_t>;
 
 // The key of a line about a skipped value: its place and its reason, as the device logs them.
-std::pair<std::string, std::string> lineOf(const KeptFinding& finding) {
-    const Place place = {.section = finding.section, .name = finding.name, .index = finding.index};
-    const char* const reason = rowOf(finding.kind).reason;
+std::pair<std::string, std::string> lineOf(const Verdict& verdict) {
+    const Place place = {.section = verdict.section, .name = verdict.name, .index = verdict.index};
+    const char* const reason = rowOf(verdict.kind).reason;
     return {reason != nullptr ? place.toString() : "", reason != nullptr ? reason : ""};
 }
 
 // One document of the tree: its places, and the lines that a device would write about it.
 class PulledDocument {
 public:
-    explicit PulledDocument(const Document& document)
-        : mChecked(document.path.empty() ? document.origin : localPath(document.path), document) {
+    explicit PulledDocument(const Document& document) : mDocument(document) {
+        const KnownSettings nothing{Catalogue()};
         Report report{Levels()};
-        applyReaderRules(mChecked, KnownSettings(Catalogue()), &report);
+        checkReading(Checked(document, nothing), &report);
         for (const ReportEntry* const entry : report.inOrder()) {
-            mMessages.emplace(entry->span.start, entry->message + " [" + entry->rule->id + "]");
+            mMessages.emplace(entry->span.start,
+                              fmt::format("{} [{}]", entry->message, entry->check->id));
         }
-        for (const KeptFinding& finding : mChecked.document.findings) {
-            index(finding);
+        for (const Verdict& verdict : document.verdicts) {
+            if (rowOf(verdict.kind).effect == Effect::SkipsAndLogs) {
+                mLogged.emplace(lineOf(verdict), verdict.start);
+            }
         }
     }
 
-    const Document& document() const { return mChecked.document; }
-    std::string path() const { return mChecked.source.path(); }
+    const Document& document() const { return mDocument; }
+    const std::string& path() const { return mDocument.source.path(); }
 
-    // Takes the next finding that leaves this line; null when there is none (any more).
-    const KeptFinding* take(const std::pair<std::string, std::string>& line) {
+    // Takes the next value that leaves this line.
+    Offset take(const std::pair<std::string, std::string>& line) {
         const auto found = mLogged.find(line);
         if (found == mLogged.end()) {
-            return nullptr;
+            return std::nullopt;
         }
-        const KeptFinding* const finding = found->second;
+        const size_t offset = found->second;
         mLogged.erase(found);
-        return finding;
+        return offset;
     }
 
     // What a device would have logged and nobody took.
-    const FindingsByLine& untaken() const { return mLogged; }
+    const PlacesByLine& untaken() const { return mLogged; }
 
     // "path:line:column", and what the checker says there, if anything.
-    std::string placeOf(const KeptFinding& finding) const {
-        const auto message = mMessages.find(finding.start);
-        return mChecked.source.placeOf(finding.start) +
+    std::string placeOf(size_t offset) const {
+        const auto message = mMessages.find(offset);
+        return mDocument.source.placeOf(offset) +
                (message != mMessages.end() ? ": " + message->second : "");
     }
 
     std::string whyRejected() const {
-        if (!document().isReadable) {
-            return path() + ": cannot be read: " + document().whyNotReadable;
+        if (!mDocument.isReadable) {
+            return path() + ": cannot be read: " + mDocument.whyNotReadable;
         }
-        for (const KeptFinding& finding : document().findings) {
-            if (rowOf(finding.kind).effect == Effect::Rejects) {
-                return placeOf(finding);
-            }
-        }
-        return path();
+        return mMessages.empty() ? path() : placeOf(mMessages.begin()->first);
     }
 
-    const KeptFinding* named(const char* section, const std::string& name) const {
-        const auto found = mNamed.find({section, name});
-        return found != mNamed.end() ? found->second : nullptr;
+    Offset named(const char* section, const std::string& name) const {
+        const Node* const node = mDocument.section(section);
+        const Node* const member = node != nullptr ? findMember(*node, name) : nullptr;
+        return member != nullptr && member->isUsed() ? Offset(member->value.start) : std::nullopt;
     }
 
-    const KeptFinding* element(const char* section, size_t number) const {
-        const auto found = mElements.find(section);
-        return found != mElements.end() && number < found->second.size() ? found->second[number]
-                                                                         : nullptr;
+    Offset element(const char* section, size_t number) const {
+        const std::vector<const Node*> elements = usedElements(mDocument, section);
+        return number < elements.size() ? Offset(elements[number]->value.start) : std::nullopt;
     }
 
-    const KeptFinding* codec(const std::string& name) const {
-        const auto found = mCodecs.find("\"" + name + "\"");
-        return found != mCodecs.end() ? found->second : nullptr;
+    Offset codec(const std::string& name) const {
+        Offset offset;
+        forEachEntry(mDocument, isOfCodecs, [&](const DocumentName& entry) {
+            offset = entry.text == name ? Offset(entry.span.start) : offset;
+        });
+        return offset;
     }
 
 private:
-    void index(const KeptFinding& finding) {
-        const Effect effect = rowOf(finding.kind).effect;
-        if (effect == Effect::SkipsAndLogs) {
-            mLogged.emplace(lineOf(finding), &finding);
-        } else if (effect == Effect::Takes) {
-            mNamed.emplace(std::pair(finding.section, finding.name), &finding);
-            mElements[finding.section].push_back(&finding);
-            if (finding.section == targetSpecSupportedCodecs ||
-                finding.section == targetSpecOptionalCodecs) {
-                mCodecs.emplace(
-                        mChecked.document.text.substr(finding.start, finding.limit - finding.start),
-                        &finding);
-            }
-        }
-    }
-
-    CheckedDocument mChecked;
-    FindingsByLine mLogged;
+    const Document& mDocument;
+    PlacesByLine mLogged;
     std::map<size_t, std::string> mMessages;  // By where they are.
-    std::map<std::pair<std::string, std::string>, const KeptFinding*> mNamed;
-    std::map<std::string, std::vector<const KeptFinding*>> mElements;
-    std::map<std::string, const KeptFinding*> mCodecs;
 };
 
 constexpr char kOtherDocument[] = ". The phone runs another document than the one in the tree.";
@@ -130,13 +117,13 @@ public:
                   std::vector<PlacedLine>* places)
         : mStory(story),
           mAttribution(attribute(story)),
-          mLoad(walkLoad()),
+          mLoad(readLoad()),
           mConclusions(*conclusions),
           mPlaces(*places) {
         if (mLoad.hasSystemSpec()) {
-            mSystemSpec = std::make_unique<PulledDocument>(mLoad.systemSpec);
+            mSystemSpec = std::make_unique<PulledDocument>(*mLoad.systemSpec);
         }
-        mOverlay = std::make_unique<PulledDocument>(mLoad.overlay);
+        mOverlay = std::make_unique<PulledDocument>(*mLoad.overlay);
     }
 
     void run() {
@@ -170,16 +157,16 @@ private:
         const std::string spec =
                 mSystemSpec == nullptr
                         ? "none opens"
-                        : mSystemSpec->path() + (mLoad.systemSpec.isPipe       ? ", a pipe"
-                                                 : mLoad.systemSpec.isAccepted ? ""
-                                                                               : ", rejected");
+                        : mSystemSpec->path() + (mLoad.systemSpec->isPipe       ? ", a pipe"
+                                                 : mLoad.systemSpec->isAccepted ? ""
+                                                                                : ", rejected");
         mConclusions.push_back(
                 {Severity::Note,
                  "tree",
                  "in the tree, the system spec document is: " + spec +
-                         "; the second document is: " + mLoad.overlay.origin +
-                         (mLoad.overlay.path.empty() ? "" : " " + mOverlay->path()) +
-                         (mLoad.overlay.isAccepted ? "" : ", rejected") +
+                         "; the second document is: " + mLoad.overlay->origin +
+                         (mLoad.overlay->path.empty() ? "" : " " + mOverlay->path()) +
+                         (mLoad.overlay->isAccepted ? "" : ", rejected") +
                          (mLoad.isSeeded ? "; a device would write it into the private file" : ""),
                  "",
                  {}});
@@ -194,7 +181,7 @@ private:
                        {mStory.firstLine});
             return;
         }
-        const bool isFallback = mLoad.hasSystemSpec() && mLoad.systemSpec.path != mLoad.firstPath;
+        const bool isFallback = mLoad.hasSystemSpec() && mLoad.systemSpec->path != mLoad.firstPath;
         const std::vector<uint64_t> lines = {std::max(mStory.failedLine, mStory.nothingOpenedLine)};
         if (mStory.nothingOpenedLine != 0 && mLoad.hasSystemSpec()) {
             contradict("the log shows that no system spec document opens, but the tree has " +
@@ -236,15 +223,15 @@ private:
             return;
         }
         for (uint64_t n = 0; n < event.count; ++n) {
-            const KeptFinding* finding = nullptr;
+            Offset finding;
             for (PulledDocument* const document : documentsOf(i)) {
                 finding = document->take({event.place, event.reason});
-                if (finding != nullptr) {
+                if (finding) {
                     mPlaces.push_back({event.line, textOf(event), document->placeOf(*finding)});
                     break;
                 }
             }
-            if (finding == nullptr) {
+            if (!finding) {
                 contradict("no document in the tree leaves the line \"" + textOf(event) + "\"" +
                                    kOtherDocument,
                            {event.line});
@@ -261,9 +248,9 @@ private:
     void placeFilter(size_t i) {
         const LogEvent& event = mStory.events[i];
         for (PulledDocument* const document : documentsOf(i)) {
-            const KeptFinding* const finding = document->element(
-                    targetSpecSupportedEncPostProcessingFilters, mFilters[document]);
-            if (finding != nullptr) {
+            const Offset finding = document->element(targetSpecSupportedEncPostProcessingFilters,
+                                                     mFilters[document]);
+            if (finding) {
                 mFilters[document] += event.count;
                 mPlaces.push_back(
                         {event.line, "filter " + event.place, document->placeOf(*finding)});
@@ -304,20 +291,19 @@ private:
         if (mStory.droppedLines != 0) {
             return;
         }
-        if (mSystemSpec != nullptr && !mLoad.systemSpec.isAccepted && !isSpecRejected) {
+        if (mSystemSpec != nullptr && !mLoad.systemSpec->isAccepted && !isSpecRejected) {
             contradict("a device rejects " + mSystemSpec->whyRejected() +
                        "; but no line of the log says so" + kOtherDocument);
         }
-        if (!mLoad.overlay.isAccepted && !isOverlayRejected) {
+        if (!mLoad.overlay->isAccepted && !isOverlayRejected) {
             contradict("a device rejects " + mOverlay->whyRejected() +
                        "; but no line of the log says so" + kOtherDocument);
         }
     }
 
-    void compareValue(const DumpedValue& dumped, const KeptFinding* finding,
-                      const std::string& value) {
+    void compareValue(const DumpedValue& dumped, Offset finding, const std::string& value) {
         const std::string text = dumped.name + (dumped.value.empty() ? "" : " : " + dumped.value);
-        if (finding == nullptr) {
+        if (!finding) {
             contradict("the dump shows \"" + text +
                                "\", which the tree's system spec document does not have" +
                                kOtherDocument,
@@ -337,9 +323,10 @@ private:
                       const Values& values) {
         for (const DumpedValue& value : dumped) {
             const auto stored = values.find(value.name);
-            compareValue(value,
-                         stored != values.end() ? mSystemSpec->named(section, value.name) : nullptr,
-                         stored != values.end() ? std::to_string(stored->second) : "");
+            compareValue(
+                    value,
+                    stored != values.end() ? mSystemSpec->named(section, value.name) : Offset(),
+                    stored != values.end() ? std::to_string(stored->second) : "");
         }
         tellMissing(dumped.size(), values.size(), section);
     }
@@ -351,8 +338,8 @@ private:
             if (number == dumped.size()) {
                 break;
             }
-            const KeptFinding* const finding = mSystemSpec->element(section, number);
-            compareValue(dumped[number], dumped[number].name == name ? finding : nullptr, "");
+            const Offset finding = mSystemSpec->element(section, number);
+            compareValue(dumped[number], dumped[number].name == name ? finding : Offset(), "");
             ++number;
         }
         tellMissing(dumped.size(), names.size(), section);
@@ -374,7 +361,7 @@ private:
         if (!dump.isStarted || mSystemSpec == nullptr) {
             return;
         }
-        const SpecDocument& content = mLoad.systemSpec.content;
+        const SpecDocument& content = mLoad.systemSpec->content;
         compareNamed(dump.features, targetSpecFeatures, content.features);
         compareNamed(dump.presets, targetSpecPresets, content.presets);
         compareList(dump.filters, targetSpecPreProcessingFilters, content.preprocessingFilters);
@@ -389,7 +376,7 @@ private:
             compareValue(codec,
                          content.supportedCodecs.count(codec.name) != 0
                                  ? mSystemSpec->codec(codec.name)
-                                 : nullptr,
+                                 : Offset(),
                          "");
         }
         tellMissing(codecs.size(), content.supportedCodecs.size(), targetSpecSupportedCodecs);
@@ -400,7 +387,7 @@ private:
             return;
         }
         for (const auto& [line, finding] : document->untaken()) {
-            contradict("no line of the log is about " + document->placeOf(*finding) +
+            contradict("no line of the log is about " + document->placeOf(finding) +
                        kOtherDocument);
         }
     }

@@ -72,7 +72,7 @@ private:
     }
 
     const Report& report() const { return mContent.checked.report; }
-    const Load& load(size_t variant) const { return mContent.checked.loads[variant]->load; }
+    const Load& load(size_t variant) const { return mContent.checked.loads[variant]; }
     std::string variantName(size_t variant) const {
         return shownVariant(mContent.checked.variants[variant]);
     }
@@ -117,7 +117,7 @@ private:
             }
             add("<tr><th scope=\"row\">{}</th><td><code>{}</code></td><td><code>{}</code></td>"
                 "<td class=\"number\">{}</td></tr>\n",
-                variantName(i), html(systemSpecStory(load(i))), html(overlayStory(load(i))),
+                variantName(i), html(describeSystemSpec(load(i))), html(describeOverlay(load(i))),
                 i == 0 ? "–" : std::to_string(differences));
         }
         add("</tbody>\n</table>\n</section>\n");
@@ -213,7 +213,7 @@ private:
         std::string value = form == SectionForm::List ? fmt::format("#{} ", cell.index + 1) : "";
         value += cell.entry->text;
         add("<b>{}</b> <small class=\"{}\">{}</small></td>", value.empty() ? "yes" : html(value),
-            cell.entry->origin == load.overlay.origin ? "overlay" : "spec",
+            cell.entry->origin == load.overlay->origin ? "overlay" : "spec",
             html(cell.entry->origin));
     }
 
@@ -312,8 +312,8 @@ private:
                     html(related.message));
             }
         }
-        add("</td><td title=\"{}\"><code>{}</code></td></tr>\n", html(entry.rule->summary),
-            entry.rule->id);
+        add("</td><td title=\"{}\"><code>{}</code></td></tr>\n", html(entry.check->summary),
+            entry.check->id);
     }
 
     const PageContent& mContent;

@@ -2,6 +2,7 @@
 
 #include "store/Load.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,6 +21,10 @@ namespace kc2::tool {
 
 namespace {
 
+DocumentId nameOf(std::string origin, const std::string& devicePath) {
+    return {std::move(origin), devicePath, localPath(devicePath)};
+}
+
 // The path of the system spec document that a load would open, where that is a pipe. A load waits
 // there until somebody writes into it; the tool must not.
 std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
@@ -36,20 +41,25 @@ std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
     return std::nullopt;
 }
 
-Document openedSystemSpec(const std::string& firstPath) {
-    if (std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
-        Document document =
-                unreadableDocument("system spec", *std::move(path),
-                                   "a pipe: a load waits here until something is written into it");
-        document.isPipe = true;
+std::unique_ptr<Document> openedSystemSpec(const std::string& firstPath) {
+    constexpr char kOrigin[] = "system spec";
+    if (const std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
+        auto document = Document::unreadable(
+                nameOf(kOrigin, *path),
+                "a pipe: a load waits here until something is written into it");
+        document->isPipe = true;
         return document;
     }
     std::ifstream stream;
     const std::optional<std::string> path = openSystemSpec(stream);
-    return path ? readDocumentStream("system spec", *path, stream) : Document();
+    return path ? readDocumentStream(nameOf(kOrigin, *path), stream) : nullptr;
 }
 
 }  // namespace
+
+bool Load::isVariantSet() const {
+    return variant != kDefaultVariant;
+}
 
 std::string variantIn(const std::string& path) {
     for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
@@ -62,7 +72,12 @@ std::string variantIn(const std::string& path) {
     return std::string();
 }
 
-Load walkLoad() {
+std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip) {
+    return std::make_unique<Document>(DocumentId{fmt::format("built-in document {}", chip.number)},
+                                      chip.text);
+}
+
+Load readLoad() {
     Load load;
     load.variant = OS::SystemProperty::Get(kVariantProperty, kDefaultVariant);
     load.firstPath = TargetSpec::readTargetVariant();
@@ -74,13 +89,36 @@ Load walkLoad() {
     load.isSeeded =
             openPrivateConfig(privateFile, isTestToolInstalled()) == PrivateSource::SeededBuiltIn;
     load.isPrivateFileOpen = privateFile.is_open();
-    if (privateFile.fail()) {
-        load.overlay = readDocument("built-in document " + std::to_string(load.chip->number),
-                                    std::string(), load.chip->text);
-    } else {
-        load.overlay = readDocumentStream("private file", kPrivateConfig, privateFile);
-    }
+    load.overlay = privateFile.fail() ? readBuiltIn(*load.chip)
+                                      : readDocumentStream(nameOf("private file", kPrivateConfig),
+                                                           privateFile);
     return load;
+}
+
+std::string describeSystemSpec(const Load& load) {
+    if (!load.hasSystemSpec()) {
+        return fmt::format("none: neither {} nor {} opens", load.firstPath, kFallbackSystemSpec);
+    }
+    const Document& document = *load.systemSpec;
+    const bool isFallback = document.path != load.firstPath;
+    return fmt::format(
+            "{}{}{}", document.path,
+            isFallback ? fmt::format(" (fallback: {} does not open)", load.firstPath) : "",
+            document.isPipe       ? fmt::format(" ({})", document.whyNotReadable)
+            : document.isAccepted ? ""
+                                  : " (rejected)");
+}
+
+std::string describeOverlay(const Load& load) {
+    if (load.hasPrivateFile()) {
+        return fmt::format("{}{}", load.overlay->path,
+                           load.overlay->isAccepted ? "" : " (rejected)");
+    }
+    return fmt::format("{} ({}; {} {})", load.overlay->origin,
+                       *load.chip->chip == '\0'
+                               ? "no chip's name in the path"
+                               : fmt::format("\"{}\" in the path", load.chip->chip),
+                       kPrivateConfig, load.isPrivateFileOpen ? "is empty" : "does not open");
 }
 
 }  // namespace kc2::tool

@@ -1,6 +1,7 @@
 // The two documents that a load of this device reads.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "document/Document.h"
@@ -14,18 +15,27 @@ std::string variantIn(const std::string& path);
 
 // The documents of one load, and why it is these.
 struct Load {
-    std::string variant;       // As the property has it; kDefaultVariant when it is not set.
-    std::string firstPath;     // Where the system spec document is looked for first.
-    Document systemSpec;       // Its path is empty when none opened, and then it is not a document.
-    Document overlay;          // The private file or a built-in document.
+    std::string variant;    // As the property has it; kDefaultVariant when it is not set.
+    std::string firstPath;  // Where the system spec document is looked for first.
+    std::unique_ptr<Document> systemSpec;  // Null when none opened.
+    std::unique_ptr<Document> overlay;     // The private file or a built-in document; never null.
     const ChipDocument* chip;  // The chip's row: what the overlay is without a private file.
     bool isPrivateFileOpen;
     bool isSeeded;  // A device would write the built-in document into the private file.
 
-    bool hasSystemSpec() const { return !systemSpec.path.empty(); }
+    bool hasSystemSpec() const { return systemSpec != nullptr; }
+    bool hasPrivateFile() const { return !overlay->isBuiltIn(); }
+    bool isVariantSet() const;
 };
 
-// Does what TargetSpec::Get() does, station by station, and keeps what each station handed over.
-Load walkLoad();
+// Does what TargetSpec::Get() does, step by step, and keeps what each step produced.
+Load readLoad();
+
+// The built-in document of a chip.
+std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip);
+
+// Which documents these are, and why, each in a line: "/odm/... (fallback: ... does not open)".
+std::string describeSystemSpec(const Load& load);
+std::string describeOverlay(const Load& load);
 
 }  // namespace kc2::tool

@@ -3,21 +3,18 @@
 #include "store/StoreSnapshot.h"
 
 #include <algorithm>
-#include <iterator>
+#include <list>
+#include <map>
+#include <optional>
 #include <set>
+#include <unordered_set>
 
 #include "base/Text.h"
-#include "device/DevicePaths.h"
+#include "catalogue/SectionTexts.h"
 #include "kc2/TargetSpecKeys.h"
+#include "store/Merge.h"
 #include "targetspec/TargetSpecInspector.h"
-
-namespace kc2 {
-
-static bool operator==(const NimbraBitRateEntry& a, const NimbraBitRateEntry& b) {
-    return a.low == b.low && a.high == b.high && a.bitRate == b.bitRate;
-}
-
-}  // namespace kc2
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -75,33 +72,6 @@ SnapshotEntry toEntry(const NimbraBitRateEntry& row) {
             std::to_string(row.bitRate), ""};
 }
 
-// For each entry of `whole` whether it was there before the second step. A list that was kept as a
-// whole is still there in its order; where it lies among equal entries, the ends are tried first.
-template <typename List>
-std::vector<bool> keptEntries(const List& before, const List& whole) {
-    std::vector<bool> isKept(whole.size(), false);
-    if (before.size() > whole.size()) {
-        return isKept;
-    }
-    const size_t added = whole.size() - before.size();
-    if (std::equal(before.begin(), before.end(), whole.begin())) {
-        std::fill_n(isKept.begin(), before.size(), true);
-    } else if (std::equal(before.begin(), before.end(), std::next(whole.begin(), added))) {
-        std::fill_n(std::next(isKept.begin(), added), before.size(), true);
-    } else {
-        auto wanted = before.begin();
-        auto kept = isKept.begin();
-        for (auto entry = whole.begin(); entry != whole.end() && wanted != before.end(); ++entry) {
-            *kept = *entry == *wanted;
-            wanted = *kept++ ? std::next(wanted) : wanted;
-        }
-        if (wanted != before.end()) {  // Replaced: what is equal is so by chance.
-            isKept.assign(whole.size(), false);
-        }
-    }
-    return isKept;
-}
-
 // Levels that no step can have left behind by setting those of `store`.
 void markTierLevels(TargetSpec& marked, const TargetSpec& store) {
     const DVConfigs& limits = Inspector::dvConfigs(store);
@@ -122,28 +92,26 @@ bool isMarked(const TargetSpec& marked, const TargetSpec& store) {
 // Compares the store of the system spec alone with the whole one, section by section.
 class Comparison {
 public:
-    Comparison(const TargetSpec& whole, const LoadSteps& steps) : mWhole(whole), mSteps(steps) {
-        mSteps.systemSpec(mBefore);
+    Comparison(const TargetSpec& store, const LoadSteps& steps) : mStore(store), mSteps(steps) {
+        mSteps.systemSpec(mBeforeStore);
+        mBefore = Inspector::contentOf(mBeforeStore);
+        mWhole = Inspector::contentOf(store);
     }
 
     std::vector<SnapshotSection> sections() const {
-        return {
-                named("Features", "features", Inspector::features),
-                named("Presets", "presets", Inspector::presets),
-                named("Perf-lock words", "perfResourceValues", Inspector::perfResourceValues),
-                list("Nimbra-mode bit rates", "nimbraModeBitRateTable",
-                     Inspector::nimbraModeBitRateTable),
-                set("Dolby Vision profiles", "dolbyVisionProfiles", "",
-                    Inspector::dvConfigs(mBefore).profiles, Inspector::dvConfigs(mWhole).profiles),
-                tierLevels(),
-                list("Codec plug-ins", "codecPlugins", Inspector::codecPlugins),
-                list("Pre-processing filters", "preprocessingFilters",
-                     Inspector::preprocessingFilters),
-                list("Encoder post-processing filters", "encPostProcessingFilters",
-                     Inspector::encPostProcessingFilters),
-                set("Codec components", "supportedCodecs", ": every component is enabled",
-                    Inspector::supportedCodecs(mBefore), Inspector::supportedCodecs(mWhole)),
-        };
+        std::map<const SectionText*, SnapshotSection> inOrder;
+        forEachContainer([&](const char* const* key, auto member) {
+            const SectionText* const text = textOfSection(*key);  // The table has one for each.
+            SnapshotSection section = {
+                    text->title, text->jsonKey, SectionForm::Named, text->whenEmpty, {}};
+            addEntries(mBefore.*member, mWhole.*member, &section);
+            inOrder.emplace(text, std::move(section));
+        });
+        std::vector<SnapshotSection> sections;
+        for (auto& [text, section] : inOrder) {
+            sections.push_back(std::move(section));
+        }
+        return sections;
     }
 
 private:
@@ -151,94 +119,99 @@ private:
         return isKept ? mSteps.systemSpecOrigin : mSteps.overlayOrigin;
     }
 
-    template <typename Values>
-    SnapshotSection named(const char* title, const char* key,
-                          const Values& (*valuesOf)(const TargetSpec&)) const {
-        SnapshotSection section = {title, key, SectionForm::Named, "", {}};
-        const Values& before = valuesOf(mBefore);
-        for (const auto& [name, value] : valuesOf(mWhole)) {
+    template <typename Value>
+    void addEntries(const std::map<std::string, Value>& before,
+                    const std::map<std::string, Value>& whole, SnapshotSection* section) const {
+        for (const auto& [name, value] : whole) {
             const auto earlier = before.find(name);
             const bool isKept = earlier != before.end() && earlier->second == value;
-            section.entries.push_back({name, toJson(value), toText(value), origin(isKept)});
+            section->entries.push_back({name, toJson(value), toText(value), origin(isKept)});
         }
-        return section;
     }
 
     template <typename List>
-    SnapshotSection list(const char* title, const char* key,
-                         const List& (*listOf)(const TargetSpec&)) const {
-        SnapshotSection section = {title, key, SectionForm::List, "", {}};
-        const List& whole = listOf(mWhole);
-        const std::vector<bool> isKept = keptEntries(listOf(mBefore), whole);
+    void addListEntries(const List& before, const List& whole, SnapshotSection* section) const {
+        section->form = SectionForm::List;
+        const std::vector<bool> isKept = keptEntries(before, whole);
         for (const auto& value : whole) {
             SnapshotEntry entry = toEntry(value);
-            entry.origin = origin(isKept[section.entries.size()]);
-            section.entries.push_back(std::move(entry));
+            entry.origin = origin(isKept[section->entries.size()]);
+            section->entries.push_back(std::move(entry));
         }
-        return section;
+    }
+    void addEntries(const std::list<std::string>& before, const std::list<std::string>& whole,
+                    SnapshotSection* section) const {
+        addListEntries(before, whole, section);
+    }
+    void addEntries(const std::vector<NimbraBitRateEntry>& before,
+                    const std::vector<NimbraBitRateEntry>& whole, SnapshotSection* section) const {
+        addListEntries(before, whole, section);
     }
 
-    template <typename Values>
-    SnapshotSection set(const char* title, const char* key, const char* whenEmpty,
-                        const Values& before, const Values& whole) const {
-        SnapshotSection section = {title, key, SectionForm::Set, whenEmpty, {}};
-        for (const auto& value :
-             std::set<typename Values::value_type>(whole.begin(), whole.end())) {
+    template <typename Set>
+    void addSetEntries(const Set& before, const Set& whole, SnapshotSection* section) const {
+        section->form = SectionForm::Set;
+        for (const auto& value : std::set<typename Set::value_type>(whole.begin(), whole.end())) {
             SnapshotEntry entry = toEntry(value);
             entry.origin = origin(before.count(value) != 0);
-            section.entries.push_back(std::move(entry));
+            section->entries.push_back(std::move(entry));
         }
-        return section;
+    }
+    void addEntries(const std::set<uint32_t>& before, const std::set<uint32_t>& whole,
+                    SnapshotSection* section) const {
+        addSetEntries(before, whole, section);
+    }
+    void addEntries(const std::unordered_set<std::string>& before,
+                    const std::unordered_set<std::string>& whole, SnapshotSection* section) const {
+        addSetEntries(before, whole, section);
+    }
+
+    void addEntries(const std::optional<TierLevels>& /*before*/,
+                    const std::optional<TierLevels>& whole, SnapshotSection* section) const {
+        const std::string from = tierLevelOrigin();
+        const auto entry = [&](const char* key, int32_t level) {
+            return SnapshotEntry{key, toJson(level), toText(level), from};
+        };
+        section->entries = {entry(targetSpecDVMaxMainTierLevel, whole->main),
+                            entry(targetSpecDVMaxHighTierLevel, whole->high)};
     }
 
     // Numbers that are always there. Two documents may set the same ones, and a document may set
-    // those of an empty store, so each step is taken on a store that holds others: who sets them is
-    // who changes those.
+    // those of an empty store, so each step is taken on a store that has others: the document that
+    // changes those sets them.
     std::string tierLevelOrigin() const {
         TargetSpec store;
         mSteps.systemSpec(store);
-        markTierLevels(store, mWhole);
+        markTierLevels(store, mStore);
         mSteps.overlay(store);
-        if (!isMarked(store, mWhole)) {
+        if (!isMarked(store, mStore)) {
             return mSteps.overlayOrigin;
         }
         TargetSpec first;
-        markTierLevels(first, mBefore);
+        markTierLevels(first, mBeforeStore);
         mSteps.systemSpec(first);
-        return isMarked(first, mBefore) ? "no document" : mSteps.systemSpecOrigin;
+        return isMarked(first, mBeforeStore) ? "no document" : mSteps.systemSpecOrigin;
     }
 
-    SnapshotSection tierLevels() const {
-        const DVConfigs& limits = Inspector::dvConfigs(mWhole);
-        const std::string origin = tierLevelOrigin();
-        const auto entry = [&](const char* key, int32_t level) {
-            return SnapshotEntry{key, toJson(level), toText(level), origin};
-        };
-        return {"Dolby Vision tier levels",
-                "dolbyVisionTierLevels",
-                SectionForm::Named,
-                "",
-                {entry(targetSpecDVMaxMainTierLevel, limits.maxMainTierLevel),
-                 entry(targetSpecDVMaxHighTierLevel, limits.maxHighTierLevel)}};
-    }
-
-    const TargetSpec& mWhole;
+    const TargetSpec& mStore;
     const LoadSteps& mSteps;
-    TargetSpec mBefore;  // After the first step.
+    TargetSpec mBeforeStore;  // After the first step.
+    SpecDocument mBefore;     // What that has.
+    SpecDocument mWhole;
 };
 
 }  // namespace
 
 LoadSteps deviceSteps(const Load& load) {
     // The tool does not wait at a pipe, as a load does.
-    const bool isPipe = load.systemSpec.isPipe;
+    const bool isPipe = load.hasSystemSpec() && load.systemSpec->isPipe;
     return {[isPipe](TargetSpec& store) {
                 if (!isPipe) {
                     store.extractSpecData();
                 }
             },
-            [](TargetSpec& store) { store.extractPrivateData(); }, load.systemSpec.origin,
-            load.overlay.origin};
+            [](TargetSpec& store) { store.extractPrivateData(); },
+            load.hasSystemSpec() ? load.systemSpec->origin : "", load.overlay->origin};
 }
 
 std::vector<SnapshotSection> sectionsOf(const TargetSpec& whole, const LoadSteps& steps) {
@@ -250,31 +223,6 @@ std::vector<SnapshotSection> loadedSections(const LoadSteps& steps) {
     steps.systemSpec(store);
     steps.overlay(store);
     return sectionsOf(store, steps);
-}
-
-std::string systemSpecStory(const Load& load) {
-    if (!load.hasSystemSpec()) {
-        return "none: neither " + load.firstPath + " nor " + kFallbackSystemSpec + " opens";
-    }
-    std::string story = load.systemSpec.path;
-    if (load.systemSpec.path != load.firstPath) {
-        story += " (fallback: " + load.firstPath + " does not open)";
-    }
-    if (load.systemSpec.isPipe) {
-        return story + " (" + load.systemSpec.whyNotReadable + ")";
-    }
-    return load.systemSpec.isAccepted ? story : story + " (rejected)";
-}
-
-std::string overlayStory(const Load& load) {
-    if (!load.overlay.path.empty()) {
-        return load.overlay.path + (load.overlay.isAccepted ? "" : " (rejected)");
-    }
-    const std::string chip = *load.chip->chip == '\0'
-                                     ? "no chip's name in the path"
-                                     : "\"" + std::string(load.chip->chip) + "\" in the path";
-    return load.overlay.origin + " (" + chip + "; " + kPrivateConfig +
-           (load.isPrivateFileOpen ? " is empty)" : " does not open)");
 }
 
 }  // namespace kc2::tool

@@ -52,8 +52,4 @@ std::vector<SnapshotSection> sectionsOf(const TargetSpec& whole, const LoadSteps
 // The same for a store that these steps load.
 std::vector<SnapshotSection> loadedSections(const LoadSteps& steps);
 
-// What a load found, in words: which documents, and why these.
-std::string systemSpecStory(const Load& load);
-std::string overlayStory(const Load& load);
-
 }  // namespace kc2::tool

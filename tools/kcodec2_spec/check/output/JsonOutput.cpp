@@ -1,10 +1,9 @@
 // A report for scripts and editors. docs/tool.md describes it.
 
+#include <fmt/format.h>
 #include <json/value.h>
-#include <json/writer.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/Text.h"
 #include "check/output/Output.h"
@@ -13,7 +12,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr int kFormatVersion = 1;  // A change that a reader must know of makes it another one.
+constexpr int kFormatVersion = 2;  // A change that a reader must know of makes it another one.
 
 Json::Value toJson(const Source& source, Span span) {
     const Source::Position start = source.positionOf(span.start);
@@ -30,7 +29,7 @@ Json::Value toJson(const Source& source, Span span) {
 Json::Value toJson(const ReportEntry& entry) {
     Json::Value json = toJson(*entry.source, entry.span);
     json["severity"] = nameOf(entry.severity);
-    json["id"] = entry.rule->id;
+    json["id"] = entry.check->id;
     json["message"] = reversible(entry.message);
     if (entry.details == nullptr) {
         return json;
@@ -58,16 +57,18 @@ void printJson(const Report& report, const OutputOptions& options) {
         counts[nameOf(severity)] = Json::UInt64(report.count(severity));
     }
     const JsonPrinter printer;
-    std::printf("{\"version\": %d, \"counts\": ", kFormatVersion);
+    fmt::print("{{\"version\": {}, \"counts\": ", kFormatVersion);
     printer.print(counts);
-    std::printf(", \"notShown\": %zu,\n \"findings\": [", report.count() - shown.size());
+    fmt::print(", \"notShown\": {},\n \"loads\": ", report.count() - shown.size());
+    printer.print(toJson(report.loads()));
+    fmt::print(",\n \"findings\": [");
     const char* separator = "\n  ";
     for (const ReportEntry* const entry : shown) {  // One by one: there may be a million.
-        std::fputs(separator, stdout);
+        fmt::print("{}", separator);
         printer.print(toJson(*entry));
         separator = ",\n  ";
     }
-    std::puts(shown.empty() ? "]}" : "\n]}");
+    fmt::print("{}\n", shown.empty() ? "]}" : "\n]}");
 }
 
 }  // namespace kc2::tool

@@ -2,8 +2,11 @@
 
 #include "check/output/Output.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
+#include <iterator>
+#include <utility>
 
 #include "targetspec/reading/Escaped.h"
 
@@ -30,6 +33,24 @@ std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputO
     return shown;
 }
 
+Json::Value toJson(const std::vector<LoadFacts>& loads) {
+    const auto factToJson = [](const LoadFacts::Fact& fact) {
+        Json::Value json;
+        json["path"] = reversible(fact.path);
+        json["reason"] = reversible(fact.reason);
+        return json;
+    };
+    Json::Value list(Json::arrayValue);
+    for (const LoadFacts& load : loads) {
+        Json::Value json;
+        json["variant"] = reversible(load.variant);
+        json["systemSpec"] = factToJson(load.systemSpec);
+        json["overlay"] = factToJson(load.overlay);
+        list.append(std::move(json));
+    }
+    return list;
+}
+
 std::string reversible(std::string_view bytes) {
     std::string text;
     for (size_t end = bytes.find('\\'); end != std::string_view::npos; end = bytes.find('\\')) {
@@ -48,9 +69,7 @@ std::string uriOf(std::string_view path) {
             uri += c;
             continue;
         }
-        char escape[sizeof("%NN")];
-        std::snprintf(escape, sizeof(escape), "%%%02X", static_cast<unsigned char>(c));
-        uri += escape;
+        uri += fmt::format("%{:02X}", static_cast<unsigned char>(c));
     }
     return uri;
 }

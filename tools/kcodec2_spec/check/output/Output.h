@@ -1,8 +1,12 @@
 // How the findings of a report are printed: for people, for scripts, for code scanners.
 #pragma once
 
+#include <json/value.h>
+
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "check/Report.h"
 
@@ -15,6 +19,9 @@ struct OutputOptions {
 void printText(const Report& report, const OutputOptions& options);
 void printJson(const Report& report, const OutputOptions& options);
 void printSarif(const Report& report, const OutputOptions& options);
+
+// Which documents each load reads, and why, for scripts.
+Json::Value toJson(const std::vector<LoadFacts>& loads);
 
 // The entries to show: at most so many, the most severe ones, in the report's order.
 std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options);

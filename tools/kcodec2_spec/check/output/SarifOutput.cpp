@@ -1,11 +1,10 @@
 // A report in SARIF 2.1.0, which code scanners and review systems read.
 
+#include <fmt/format.h>
 #include <json/value.h>
-#include <json/writer.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <map>
+#include <iterator>
 #include <set>
 
 #include "base/Text.h"
@@ -60,7 +59,7 @@ Json::Value relatedLocations(const FindingDetails& details) {
     return locations;
 }
 
-// All changes together mend the finding, so they are one fix.
+// All changes together fix the finding, so they are one fix.
 Json::Value fixOf(const Source& source, const FindingDetails& details) {
     Json::Value change;
     change["artifactLocation"] = artifactOf(source);
@@ -86,36 +85,25 @@ Json::Value fixOf(const Source& source, const FindingDetails& details) {
     return json;
 }
 
-// The rules in the order of the tables, with their ranks.
-class RuleIndex {
-public:
-    RuleIndex() {
-        for (const RuleGroup& group : ruleGroups()) {
-            for (const Rule* const rule : group.rules) {
-                const auto rank = static_cast<Json::UInt>(mRanks.size());
-                if (mRanks.emplace(rule->id, rank).second) {
-                    Json::Value json;
-                    json["id"] = rule->id;
-                    json["shortDescription"] = textOf(rule->summary);
-                    json["defaultConfiguration"]["level"] = nameOf(rule->severity);
-                    mRules.append(std::move(json));
-                }
-            }
-        }
+// The rules in the order of the table.
+Json::Value rulesJson() {
+    Json::Value rules(Json::arrayValue);
+    for (const Check& check : kChecks) {
+        Json::Value json;
+        json["id"] = check.id;
+        json["shortDescription"] = textOf(check.summary);
+        json["fullDescription"] = textOf(check.meaning);
+        json["help"] = textOf(check.fix);
+        json["defaultConfiguration"]["level"] = nameOf(check.severity);
+        rules.append(std::move(json));
     }
+    return rules;
+}
 
-    const Json::Value& rules() const { return mRules; }
-    Json::UInt rankOf(const Rule& rule) const { return mRanks.at(rule.id); }
-
-private:
-    std::map<std::string_view, Json::UInt> mRanks;
-    Json::Value mRules{Json::arrayValue};
-};
-
-Json::Value toSarif(const ReportEntry& entry, const RuleIndex& rules) {
+Json::Value toSarif(const ReportEntry& entry) {
     Json::Value result;
-    result["ruleId"] = entry.rule->id;
-    result["ruleIndex"] = rules.rankOf(*entry.rule);
+    result["ruleId"] = entry.check->id;
+    result["ruleIndex"] = static_cast<Json::UInt>(entry.check - std::begin(kChecks));
     result["level"] = nameOf(entry.severity);
     result["message"] = textOf(entry.message);
     result["locations"].append(locationOf(*entry.source, entry.span));
@@ -131,26 +119,27 @@ Json::Value toSarif(const ReportEntry& entry, const RuleIndex& rules) {
 }  // namespace
 
 void printSarif(const Report& report, const OutputOptions& options) {
-    const RuleIndex rules;
     Json::Value driver;
     driver["name"] = "kcodec2_spec";
     driver["version"] = KC2_VERSION;
-    driver["rules"] = rules.rules();
+    driver["rules"] = rulesJson();
     const JsonPrinter printer;
-    std::fputs(
-            "{\"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
-            " \"version\": \"2.1.0\",\n \"runs\": [{\"tool\": {\"driver\": ",
-            stdout);
+    fmt::print(
+            "{{\"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
+            " \"version\": \"2.1.0\",\n \"runs\": [{{\"tool\": {{\"driver\": ");
     printer.print(driver);
-    std::fputs("},\n  \"columnKind\": \"unicodeCodePoints\",\n  \"results\": [", stdout);
+    fmt::print("}},\n  \"columnKind\": \"unicodeCodePoints\",\n  \"results\": [");
     const char* separator = "\n   ";
     const std::vector<const ReportEntry*> shown = shownEntries(report, options);
     for (const ReportEntry* const entry : shown) {
-        std::fputs(separator, stdout);
-        printer.print(toSarif(*entry, rules));
+        fmt::print("{}", separator);
+        printer.print(toSarif(*entry));
         separator = ",\n   ";
     }
-    std::printf("],\n  \"properties\": {\"notShown\": %zu}}]}\n", report.count() - shown.size());
+    fmt::print("],\n  \"properties\": {{\"notShown\": {}, \"loads\": ",
+               report.count() - shown.size());
+    printer.print(toJson(report.loads()));
+    fmt::print("}}}}]}}\n");
 }
 
 }  // namespace kc2::tool

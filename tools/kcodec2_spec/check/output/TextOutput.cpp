@@ -1,23 +1,27 @@
 // A report for people: a place, what is wrong, and the line that it is in.
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
+#include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "check/output/Excerpt.h"
 #include "check/output/Output.h"
+#include "device/DevicePaths.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
 namespace {
 
-constexpr size_t kWidthOfFiles = 109;  // For lines of 100 columns behind the margin.
+constexpr size_t kWidthOfFiles = 109;  // For lines of 100 columns after the margin.
 constexpr size_t kMostUnsummed = 100;  // Findings that one can look through.
 
 const char* colourOf(Severity severity, const Colours& colours) {
@@ -27,21 +31,19 @@ const char* colourOf(Severity severity, const Colours& colours) {
 }
 
 void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) {
-    std::printf("%s%s: %s%s:%s %s [%s]\n", colours.bold,
-                escaped(entry.source->placeOf(entry.span.start)).c_str(),
-                colourOf(entry.severity, colours), nameOf(entry.severity), colours.plain,
-                escaped(entry.message).c_str(), entry.rule->id);
+    fmt::print("{}{}: {}{}:{} {} [{}]\n", colours.bold,
+               escaped(entry.source->placeOf(entry.span.start)), colourOf(entry.severity, colours),
+               nameOf(entry.severity), colours.plain, escaped(entry.message), entry.check->id);
     if (!entry.isForFile) {
-        std::fputs(excerptOf(*entry.source, entry.span, width).c_str(), stdout);
+        fmt::print("{}", excerptOf(*entry.source, entry.span, width));
     }
     if (entry.details == nullptr) {
         return;
     }
     for (const RelatedPlace& related : entry.details->related) {
         if (!related.message.empty()) {  // Otherwise the finding's message names the place.
-            std::printf("    %s: %s\n",
-                        escaped(related.source->placeOf(related.span.start)).c_str(),
-                        escaped(related.message).c_str());
+            fmt::print("    {}: {}\n", escaped(related.source->placeOf(related.span.start)),
+                       escaped(related.message));
         }
     }
     std::map<std::string, size_t> changes;
@@ -49,32 +51,49 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
         ++changes[fix.what];
     }
     for (const auto& [what, places] : changes) {
-        std::printf("    --fix would %s%s\n", escaped(what).c_str(),
-                    places == 1 ? "" : (" (" + counted(places, "place") + ")").c_str());
+        fmt::print("    --fix would {}{}\n", escaped(what),
+                   places == 1 ? "" : fmt::format(" ({})", counted(places, "place")));
     }
 }
 
 // A line for each check, the most severe and the most frequent first.
 void printSummary(const Report& report) {
-    std::map<const Rule*, std::pair<Severity, size_t>> counts;
+    std::map<const Check*, std::pair<Severity, size_t>> counts;
     for (const ReportEntry* const entry : report.inOrder()) {
-        auto& [severity, count] = counts[entry->rule];
+        auto& [severity, count] = counts[entry->check];
         severity = entry->severity;
         ++count;
     }
     std::vector<std::tuple<Severity, size_t, const char*>> rows;
-    for (const auto& [rule, count] : counts) {
-        rows.emplace_back(count.first, count.second, rule->id);
+    for (const auto& [check, count] : counts) {
+        rows.emplace_back(count.first, count.second, check->id);
     }
     std::sort(rows.rbegin(), rows.rend());
     for (const auto& [severity, count, id] : rows) {
-        std::printf("%8zu  %-8s %s\n", count, nameOf(severity), id);
+        fmt::print("{:8}  {:8} {}\n", count, nameOf(severity), id);
+    }
+}
+
+// Which documents each load reads, and why. With one load, its variant is in the reason.
+void printLoads(const std::vector<LoadFacts>& loads) {
+    for (const LoadFacts& load : loads) {
+        if (loads.size() > 1) {
+            fmt::print("{}:\n", load.variant == kDefaultVariant
+                                        ? "No variant"
+                                        : fmt::format("Variant \"{}\"", escaped(load.variant)));
+        }
+        for (const auto& [title, fact] : {std::pair("System spec document", &load.systemSpec),
+                                          std::pair("Private overlay", &load.overlay)}) {
+            fmt::print("{}{:20}  {}: {}\n", loads.size() > 1 ? "  " : "", title,
+                       escaped(fact->path), escaped(fact->reason));
+        }
     }
 }
 
 }  // namespace
 
 void printText(const Report& report, const OutputOptions& options) {
+    printLoads(report.loads());
     const Terminal terminal = terminalOf(STDOUT_FILENO);
     const Colours colours = coloursOf(terminal);
     const std::vector<const ReportEntry*> shown = shownEntries(report, options);
@@ -85,12 +104,12 @@ void printText(const Report& report, const OutputOptions& options) {
         printSummary(report);
     }
     if (shown.size() < report.count()) {
-        std::printf("%s not shown (--max-findings)\n",
-                    counted(report.count() - shown.size(), "finding").c_str());
+        fmt::print("{} not shown (--max-findings)\n",
+                   counted(report.count() - shown.size(), "finding"));
     }
-    std::printf("%s, %s, %s\n", counted(report.count(Severity::Error), "error").c_str(),
-                counted(report.count(Severity::Warning), "warning").c_str(),
-                counted(report.count(Severity::Note), "note").c_str());
+    fmt::print("{}, {}, {}\n", counted(report.count(Severity::Error), "error"),
+               counted(report.count(Severity::Warning), "warning"),
+               counted(report.count(Severity::Note), "note"));
 }
 
 }  // namespace kc2::tool

@@ -1,4 +1,4 @@
-// Names of codec components: misspelt, in the wrong list, and what the lists come to.
+// Names of codec components: misspelt, in the wrong list, and what the lists give together.
 
 #include <fmt/format.h>
 
@@ -11,8 +11,9 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "check/rules/DocumentNames.h"
+#include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
@@ -65,10 +66,9 @@ struct ComponentName {
 
 // --- In one document ---
 
-void checkMisspeltComponents(const CheckedDocument& checked, const KnownSettings& known,
-                             const Emit& emit) {
+void checkMisspeltComponents(const Document& document, const KnownSettings& known, Report* report) {
     std::vector<Misspelling> misspelt;
-    forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
+    forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
         const NearNames::Match match = known.components.find(name.text, name.list);
         if (match.isMisspelt()) {
             misspelt.push_back({name.span, match.entry->name,
@@ -76,18 +76,18 @@ void checkMisspeltComponents(const CheckedDocument& checked, const KnownSettings
                                             name.text, match.entry->name)});
         }
     });
-    const auto& codecs = checked.document.content.supportedCodecs;
-    emitMisspellings(
-            checked, std::move(misspelt),
-            [&](const std::string& meant) { return codecs.count(meant) != 0; }, emit);
+    const auto& codecs = document.content.supportedCodecs;
+    reportMisspellings(
+            "codec-misspelt", document, std::move(misspelt),
+            [&](const std::string& meant) { return codecs.count(meant) != 0; }, report);
 }
 
-void checkCodecForm(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
+void checkCodecForm(const Document& document, const KnownSettings& known, Report* report) {
+    forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
         if (!name.text.empty() && !ComponentName(name.text).hasForm() &&
             known.components.find(name.text, name.list).entry == nullptr) {
-            emit(checked, name.span,
-                 "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
+            report->add("codec-name-form", document, name.span,
+                        "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
         }
     });
 }
@@ -109,67 +109,48 @@ bool belongsInOtherList(const DocumentName& name, const KnownSettings& known) {
                                    : component.isDecoder();
 }
 
-void checkWrongLists(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
+void checkWrongLists(const Document& document, const KnownSettings& known, Report* report) {
+    forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
         if (belongsInOtherList(name, known)) {
-            emit(checked, name.span,
-                 fmt::format("\"{}\" is {}, but it is listed in \"{}\"", name.text,
-                             isAmongDecoders(name) ? "an encoder" : "a decoder", name.list));
+            report->add("codec-in-wrong-list", document, name.span,
+                        fmt::format("\"{}\" is {}, but it is listed in \"{}\"", name.text,
+                                    isAmongDecoders(name) ? "an encoder" : "a decoder", name.list));
         }
     });
 }
 
-void checkRepeatedComponents(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                             const Emit& emit) {
+void checkRepeatedComponents(const Document& document, Report* report) {
     size_t entries = 0;
-    forEachEntry(checked, isOfCodecs, [&](const DocumentName& /*name*/) { ++entries; });
-    if (entries == checked.document.content.supportedCodecs.size()) {
+    forEachEntry(document, isOfCodecs, [&](const DocumentName& /*name*/) { ++entries; });
+    if (entries == document.content.supportedCodecs.size()) {
         return;
     }
     std::unordered_map<std::string, Span> first;
-    forEachEntry(checked, isOfCodecs, [&](const DocumentName& name) {
+    forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
         const auto [found, isNew] = first.emplace(name.text, name.span);
         if (!isNew) {
-            emit(checked, name.span,
-                 fmt::format("\"{}\" is listed already, at {}: it counts once", name.text,
-                             checked.source.placeOf(found->second.start)),
-                 RelatedPlace{&checked.source, found->second, ""});
+            report->add("codec-repeated", document, name.span,
+                        fmt::format("\"{}\" is listed already, at {}: once is enough", name.text,
+                                    document.source.placeOf(found->second.start)),
+                        besides(document.source, found->second));
         }
     });
 }
 
-constexpr DocumentRule kCodecRules[] = {
-        {{"codec-misspelt", Severity::Warning, "a component that is nearly a known one"},
-         checkMisspeltComponents},
-        {{"codec-name-form", Severity::Note, "a codec name unlike that of a component"},
-         checkCodecForm},
-        {{"codec-in-wrong-list", Severity::Warning, "an encoder among decoders, or the reverse"},
-         checkWrongLists},
-        {{"codec-repeated", Severity::Note, "a component that a document lists twice"},
-         checkRepeatedComponents},
-};
-
 // --- In the whole load ---
 
-bool isInAnyDocument(const MergedDocuments& documents, const std::string& component) {
-    return std::any_of(documents.begin(), documents.end(), [&](const auto& document) {
-        return document->document.content.supportedCodecs.count(component) != 0;
-    });
-}
-
 // A document that only adds components says nothing about those that it does not list.
-bool isAddition(const CheckedDocument& document) {
+bool isAddition(const Document& document) {
     return isPrivateFile(document) || document.section(targetSpecSupportedCodecs) == nullptr;
 }
 
 // The known components that misspelt names mean, and those names: what is missing because of them
 // is reported.
-std::unordered_set<std::string> misspeltAndMeant(const MergedDocuments& documents,
-                                                 const KnownSettings& known) {
+std::unordered_set<std::string> misspeltAndMeant(const Checked& checked) {
     std::unordered_set<std::string> names;
-    for (const auto& document : documents) {
+    for (const Document* const document : checked.documents) {
         forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
-            const NearNames::Match match = known.components.find(name.text, name.list);
+            const NearNames::Match match = checked.known.components.find(name.text, name.list);
             if (match.isMisspelt()) {
                 names.insert(match.entry->name);
                 names.emplace(name.text);
@@ -180,62 +161,62 @@ std::unordered_set<std::string> misspeltAndMeant(const MergedDocuments& document
 }
 
 struct LoneVariant {
-    const CheckedDocument* document;
+    const Document* document;
     Span span;
     std::string name;
     std::string base;
 };
 
-std::vector<LoneVariant> loneVariants(const MergedDocuments& documents) {
+std::vector<LoneVariant> loneVariants(const Checked& checked) {
     constexpr std::string_view kVariants[] = {".secure", ".low_latency"};
+    const auto& codecs = checked.whole().supportedCodecs;
     std::vector<LoneVariant> lone;
-    for (const auto& document : documents) {
+    for (const Document* const document : checked.documents) {
         forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
             const ComponentName component(name.text);
             const bool isVariant = std::find(std::begin(kVariants), std::end(kVariants),
                                              component.variant) != std::end(kVariants);
             std::string base(isVariant ? component.base : "");
-            if (isVariant && component.hasForm() && !isInAnyDocument(documents, base)) {
-                lone.push_back(
-                        {document.get(), name.span, std::string(name.text), std::move(base)});
+            if (isVariant && component.hasForm() && codecs.count(base) == 0) {
+                lone.push_back({document, name.span, std::string(name.text), std::move(base)});
             }
         });
     }
     return lone;
 }
 
-void checkVariantsWithoutBase(const MergedDocuments& documents, const KnownSettings& known,
-                              const Emit& emit) {
-    if (documents.size() == 1 && isAddition(*documents.front())) {
+void checkVariantsWithoutBase(const Checked& checked, Report* report) {
+    if (checked.isAlone() && isAddition(*checked.documents.front())) {
         return;
     }
-    const std::vector<LoneVariant> lone = loneVariants(documents);
+    const std::vector<LoneVariant> lone = loneVariants(checked);
     const std::unordered_set<std::string> reported =
-            lone.empty() ? std::unordered_set<std::string>() : misspeltAndMeant(documents, known);
+            lone.empty() ? std::unordered_set<std::string>() : misspeltAndMeant(checked);
     for (const LoneVariant& one : lone) {
         if (reported.count(one.name) == 0 && reported.count(one.base) == 0) {
-            emit(*one.document, one.span,
-                 fmt::format("\"{}\" is listed, but \"{}\" is not: a variant without its base",
-                             one.name, one.base));
+            report->add(
+                    "variant-without-base", *one.document, one.span,
+                    fmt::format("\"{}\" is listed, but \"{}\" is not: a variant without its base",
+                                one.name, one.base));
         }
     }
 }
 
 // Whether a list may be empty because of something that is reported already.
-bool hasLostCodecs(const MergedDocuments& documents, const KnownSettings& known) {
-    for (const auto& document : documents) {
+bool hasLostCodecs(const Checked& checked) {
+    for (const Document* const document : checked.documents) {
         bool isMisplaced = false;
         forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
-            isMisplaced = isMisplaced || belongsInOtherList(name, known);
+            isMisplaced = isMisplaced || belongsInOtherList(name, checked.known);
         });
         if (isMisplaced) {
             return true;
         }
-        for (const KeptFinding& finding : document->document.findings) {
-            const Effect effect = rowOf(finding.kind).effect;
-            const bool isOfVideo = finding.section.empty();
-            const bool isOfCodecSection = finding.section == targetSpecSupportedCodecs ||
-                                          finding.section == targetSpecOptionalCodecs;
+        for (const Verdict& verdict : document->verdicts) {
+            const Effect effect = rowOf(verdict.kind).effect;
+            const bool isOfVideo = verdict.section.empty();
+            const bool isOfCodecSection = verdict.section == targetSpecSupportedCodecs ||
+                                          verdict.section == targetSpecOptionalCodecs;
             if (effect == Effect::Rejects || (effect == Effect::Ignores && isOfVideo) ||
                 (effect != Effect::Takes && isOfCodecSection)) {
                 return true;
@@ -246,74 +227,57 @@ bool hasLostCodecs(const MergedDocuments& documents, const KnownSettings& known)
 }
 
 // At the first section of components that there is.
-void emitAtCodecs(const MergedDocuments& documents, const std::string& message, const Emit& emit) {
-    for (const auto& document : documents) {
+void reportAtCodecs(CheckId check, const Checked& checked, const std::string& message,
+                    Report* report) {
+    for (const Document* const document : checked.documents) {
         for (const char* const key : {targetSpecSupportedCodecs, targetSpecOptionalCodecs}) {
-            if (const OutlineNode* const section = document->section(key)) {
-                emit(*document, section->name, message);
+            if (const Node* const section = document->section(key)) {
+                report->add(check, *document, section->name, message);
                 return;
             }
         }
     }
 }
 
-// Of a load it is a separate rule: there the other document may name some.
-void checkNoCodecs(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
-    const CheckedDocument& alone = *documents.front();
-    if (documents.size() != 1 || !alone.document.content.supportedCodecs.empty() ||
-        hasLostCodecs(documents, known)) {
-        return;
+// A load has its own check: there the other document may name some.
+void checkNoCodecs(const Checked& checked, Report* report) {
+    if (checked.isAlone() && checked.whole().supportedCodecs.empty() && !hasLostCodecs(checked)) {
+        reportAtCodecs("no-codecs", checked,
+                       "no codec component is named: that enables every component", report);
     }
-    emitAtCodecs(documents, "no codec component is named: that enables every component", emit);
 }
 
-void checkOneKind(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
+void checkOneKind(const Checked& checked, Report* report) {
     size_t decoders = 0;
     size_t encoders = 0;
-    for (const auto& document : documents) {
-        for (const std::string& name : document->document.content.supportedCodecs) {
-            const ComponentName component(name);
-            decoders += component.isDecoder() ? 1 : 0;
-            encoders += component.isEncoder() ? 1 : 0;
-        }
+    for (const std::string& name : checked.whole().supportedCodecs) {
+        const ComponentName component(name);
+        decoders += component.isDecoder() ? 1 : 0;
+        encoders += component.isEncoder() ? 1 : 0;
     }
     const bool isOneKind = (decoders == 0) != (encoders == 0);
-    if (!isOneKind || (documents.size() == 1 && isAddition(*documents.front())) ||
-        hasLostCodecs(documents, known)) {
+    if (!isOneKind || (checked.isAlone() && isAddition(*checked.documents.front())) ||
+        hasLostCodecs(checked)) {
         return;
     }
-    emitAtCodecs(documents,
-                 fmt::format("only {}coders are listed, and not one {}coder",
-                             encoders == 0 ? "de" : "en", encoders == 0 ? "en" : "de"),
-                 emit);
+    reportAtCodecs("codecs-of-one-kind", checked,
+                   encoders == 0 ? "only decoders are listed, and no encoders"
+                                 : "only encoders are listed, and no decoders",
+                   report);
 }
-
-constexpr DocumentsRule kCodecMergeRules[] = {
-        {{"no-codecs", Severity::Warning, "codec sections that name no component: all are enabled"},
-         checkNoCodecs},
-        {{"variant-without-base", Severity::Warning,
-          "a secure or low-latency component without the one that it is a variant of"},
-         checkVariantsWithoutBase},
-        {{"codecs-of-one-kind", Severity::Note, "only decoders, or only encoders"}, checkOneKind},
-};
 
 }  // namespace
 
-void applyCodecRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    applyRows(kCodecRules, report, document, known);
-}
-
-void applyCodecMergeRules(const MergedDocuments& documents, const KnownSettings& known,
-                          Report* report) {
-    applyRows(kCodecMergeRules, report, documents, known);
-}
-
-std::vector<const Rule*> codecRules() {
-    return rulesOf(kCodecRules);
-}
-
-std::vector<const Rule*> codecMergeRules() {
-    return rulesOf(kCodecMergeRules);
+void checkCodecs(const Checked& checked, Report* report) {
+    checked.forEachWritten([&](const Document& document) {
+        checkMisspeltComponents(document, checked.known, report);
+        checkCodecForm(document, checked.known, report);
+        checkWrongLists(document, checked.known, report);
+        checkRepeatedComponents(document, report);
+    });
+    checkNoCodecs(checked, report);
+    checkVariantsWithoutBase(checked, report);
+    checkOneKind(checked, report);
 }
 
 }  // namespace kc2::tool

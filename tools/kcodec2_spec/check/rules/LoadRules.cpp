@@ -1,10 +1,13 @@
-// Which documents a load reads, and why: each step, and the traps on the way.
+// Which documents a load reads, and what is wrong with that.
+
+#include <fmt/format.h>
 
 #include <cctype>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "base/Text.h"
 #include "check/rules/Rules.h"
@@ -16,91 +19,82 @@ namespace kc2::tool {
 
 namespace {
 
-using AddForSource = std::function<void(const Source&, std::string)>;
-
-struct LoadRule {
-    Rule rule;
-    void (*check)(const CheckedLoad& checked, const AddForSource& add);
-};
-
-bool isVariantSet(const Load& load) {
-    return load.variant != kDefaultVariant;
+// The path of the system spec document, or where it would be.
+std::string specPathOf(const Load& load) {
+    return load.hasSystemSpec() ? load.systemSpec->source.path() : localPath(load.firstPath);
 }
 
-void tellSystemSpec(const CheckedLoad& checked, const AddForSource& add) {
-    const Load& load = checked.load;
-    std::string why = "the variant is not set, or \"default\", which selects " + load.firstPath;
-    if (isVariantSet(load)) {
-        why = "the variant \"" + load.variant + "\" selects " + load.firstPath;
-        if (load.firstPath.rfind(kVendorSpecDirectory, 0) == 0) {
-            why += std::string(", since ") + kOdmSpecDirectory +
-                   load.firstPath.substr(std::string_view(kVendorSpecDirectory).size()) +
-                   " does not exist";
+std::string reasonForSystemSpec(const Load& load) {
+    std::string why = fmt::format("the variant is not set, or \"{}\", which selects {}",
+                                  kDefaultVariant, load.firstPath);
+    if (load.isVariantSet()) {
+        why = fmt::format("the variant \"{}\" selects {}", load.variant, load.firstPath);
+        if (load.firstPath.starts_with(kVendorSpecDirectory)) {
+            why += fmt::format(
+                    ", since {}{} does not exist", kOdmSpecDirectory,
+                    load.firstPath.substr(std::string_view(kVendorSpecDirectory).size()));
         }
     }
-    if (load.systemSpec.path == load.firstPath) {
-        why += load.systemSpec.isPipe ? "" : ", and that opens";
-    }
-    add(checked.place, "system spec document: " + why);
+    const bool isFirst = load.hasSystemSpec() && load.systemSpec->path == load.firstPath;
+    return isFirst && !load.systemSpec->isPipe ? why + ", and that opens" : why;
 }
 
-void tellOverlay(const CheckedLoad& checked, const AddForSource& add) {
-    const Load& load = checked.load;
-    if (!load.overlay.path.empty()) {
-        add(checked.privatePlace, "private overlay: this file, since it opens");
-        return;
+std::string reasonForOverlay(const Load& load) {
+    if (load.hasPrivateFile()) {
+        return "this file, since it opens";
     }
-    const std::string chip = *load.chip->chip == '\0'
-                                     ? "names no chip"
-                                     : "contains \"" + std::string(load.chip->chip) + "\"";
-    add(checked.privatePlace, std::string("private overlay: ") + load.overlay.origin +
-                                      ", since this file " +
-                                      (load.isPrivateFileOpen ? "is empty" : "does not open") +
-                                      " and the path " + load.firstPath + " " + chip);
+    return fmt::format("{}, since this file {} and the path {} {}", load.overlay->origin,
+                       load.isPrivateFileOpen ? "is empty" : "does not open", load.firstPath,
+                       *load.chip->chip == '\0' ? "names no chip"
+                                                : fmt::format("contains \"{}\"", load.chip->chip));
 }
 
-void tellSeeding(const CheckedLoad& checked, const AddForSource& add) {
-    if (checked.load.isSeeded) {
-        add(checked.privatePlace, std::string("the device would write ") +
-                                          checked.load.overlay.origin + " into this file, since " +
-                                          kCodecTestTool + " is installed");
+void checkSeeding(const Load& load, Report* report) {
+    if (load.isSeeded) {
+        report->addForFile("private-file-seeded", localPath(kPrivateConfig),
+                           fmt::format("the device would write {} into this file, since {} is "
+                                       "installed",
+                                       load.overlay->origin, kCodecTestTool));
     }
 }
 
-void checkMissingSpec(const CheckedLoad& checked, const AddForSource& add) {
-    const Load& load = checked.load;
+void checkMissingSpec(const Load& load, Report* report) {
     if (!load.hasSystemSpec()) {
-        add(checked.place,
-            "no system spec document: neither " + load.firstPath + " (" +
-                    whyNotOpen(load.firstPath) + ") nor " + kFallbackSystemSpec + " opens, so " +
-                    (load.overlay.isAccepted
-                             ? "only the overlay (" + load.overlay.origin + ") fills the store"
-                             : "the store stays empty: the overlay (" + load.overlay.origin +
-                                       ") is rejected"));
-    } else if (load.systemSpec.path != load.firstPath) {
-        add(checked.place, "the fallback is read, since " + load.firstPath + " does not open (" +
-                                   whyNotOpen(load.firstPath) + ")");
+        report->addForFile(
+                "spec-missing", specPathOf(load),
+                fmt::format("no system spec document: neither {} ({}) nor {} opens, so {}",
+                            load.firstPath, whyNotOpen(load.firstPath), kFallbackSystemSpec,
+                            load.overlay->isAccepted
+                                    ? fmt::format("only the overlay ({}) fills the store",
+                                                  load.overlay->origin)
+                                    : fmt::format("the store stays empty: the overlay ({}) is "
+                                                  "rejected",
+                                                  load.overlay->origin)));
+    } else if (load.systemSpec->path != load.firstPath) {
+        report->addForFile("spec-missing", specPathOf(load),
+                           fmt::format("the fallback is read, since {} does not open ({})",
+                                       load.firstPath, whyNotOpen(load.firstPath)));
     }
 }
 
-void checkUnreadable(const CheckedLoad& checked, const AddForSource& add) {
-    for (const auto& document : checked.documents) {
-        if (!document->document.isReadable) {
-            const std::string& why = document->document.whyNotReadable;
-            add(document->source, document->document.isPipe
-                                          ? "it is " + why
-                                          : "the file opens, but cannot be read (" + why +
-                                                    "): the device takes nothing of it");
+void checkUnreadable(const Checked& checked, Report* report) {
+    for (const Document* const document : checked.documents) {
+        if (!document->isReadable) {
+            const std::string& why = document->whyNotReadable;
+            report->addForFile("unreadable", document->source.path(),
+                               document->isPipe ? fmt::format("it is {}", why)
+                                                : fmt::format("the file opens, but cannot be read "
+                                                              "({}): the device uses nothing of it",
+                                                              why));
         }
     }
 }
 
-void checkLoadWithoutCodecs(const CheckedLoad& checked, const AddForSource& add) {
-    const Load& load = checked.load;
-    if (load.systemSpec.content.supportedCodecs.empty() &&
-        load.overlay.content.supportedCodecs.empty()) {
-        add(checked.place,
-            "no document of the load names a codec component: that enables every component");
+void checkLoadWithoutCodecs(const Checked& checked, Report* report) {
+    if (checked.whole().supportedCodecs.empty()) {
+        report->addForFile("load-without-codecs", specPathOf(*checked.load),
+                           "no document of the load names a codec component: that enables every "
+                           "component");
     }
 }
 
@@ -116,9 +110,8 @@ std::string lettersAndDigitsOf(std::string_view text) {
     return result;
 }
 
-void checkVariantNearby(const CheckedLoad& checked, const AddForSource& add) {
-    const Load& load = checked.load;
-    if (!isVariantSet(load) || load.systemSpec.path == load.firstPath) {
+void checkVariantNearby(const Load& load, Report* report) {
+    if (!load.isVariantSet() || (load.hasSystemSpec() && load.systemSpec->path == load.firstPath)) {
         return;
     }
     const std::string wanted = lettersAndDigitsOf(load.variant);
@@ -129,45 +122,34 @@ void checkVariantNearby(const CheckedLoad& checked, const AddForSource& add) {
             if (variant != load.variant &&
                 !nearest(wanted, std::vector<std::string>{found}).empty() &&
                 std::filesystem::exists(localPath(directory + variant + kSystemSpecName), error)) {
-                add(checked.place, directory + variant + kSystemSpecName +
-                                           " exists: the variant \"" + variant +
-                                           "\" would select it, \"" + load.variant +
-                                           "\" does not (it follows \"media\" as it is, with no "
-                                           "\"/\" between)");
+                report->addForFile(
+                        "variant-nearby", specPathOf(load),
+                        fmt::format(
+                                "{}{}{} exists: the variant \"{}\" would select it, \"{}\" does "
+                                "not (it follows \"media\" as it is, with no \"/\" between)",
+                                directory, variant, kSystemSpecName, variant, load.variant));
             }
         }
     }
 }
 
-constexpr LoadRule kLoadRules[] = {
-        {{"system-spec", Severity::Note, "which system spec document the load reads, and why"},
-         tellSystemSpec},
-        {{"overlay", Severity::Note, "which document the load merges second, and why"},
-         tellOverlay},
-        {{"private-file-seeded", Severity::Note, "a private file that the device would write"},
-         tellSeeding},
-        {{"spec-missing", Severity::Warning, "a system spec document that does not open"},
-         checkMissingSpec},
-        {kUnreadable, checkUnreadable},
-        {{"load-without-codecs", Severity::Warning,
-          "a load that names no component: all are enabled"},
-         checkLoadWithoutCodecs},
-        {{"variant-nearby", Severity::Warning, "a variant that misses a directory near by"},
-         checkVariantNearby},
-};
-
 }  // namespace
 
-void applyLoadRules(const CheckedLoad& load, Report* report) {
-    for (const LoadRule& row : kLoadRules) {
-        row.check(load, [&](const Source& source, std::string message) {
-            report->addForFile(row.rule, source, std::move(message));
-        });
+void checkLoads(const Checked& checked, Report* report) {
+    if (checked.isAlone()) {
+        return;
     }
-}
-
-std::vector<const Rule*> loadRules() {
-    return rulesOf(kLoadRules);
+    const Load& load = *checked.load;
+    report->addFile(specPathOf(load));
+    report->addFile(localPath(kPrivateConfig));
+    report->addLoad({load.variant,
+                     {specPathOf(load), reasonForSystemSpec(load)},
+                     {localPath(kPrivateConfig), reasonForOverlay(load)}});
+    checkSeeding(load, report);
+    checkMissingSpec(load, report);
+    checkUnreadable(checked, report);
+    checkLoadWithoutCodecs(checked, report);
+    checkVariantNearby(load, report);
 }
 
 }  // namespace kc2::tool

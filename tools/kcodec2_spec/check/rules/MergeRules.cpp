@@ -1,142 +1,128 @@
-// What the documents of a load come to when they are merged. One document alone is a merge of one.
+// What the documents of a load give together. One document alone is a merge of one. Which value is
+// used is seen by comparing the store with the documents: no rule of merging is written here.
+
+#include <fmt/format.h>
 
 #include <string>
 #include <unordered_map>
 
-#include "check/rules/Emit.h"
-#include "kc2/TargetSpecKeys.h"
-#include "targetspec/reading/Sections.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
 namespace {
 
-Span spanOf(const KeptFinding& finding) {
-    return {finding.start, finding.limit};
-}
-
-// --- Lists and names ---
-
-void checkListedTwice(const MergedDocuments& documents, const Emit& emit) {
-    for (const Section& row : kSections) {
-        if (row.type != SectionType::Names) {
-            continue;
-        }
-        const char* const section = *row.key;
-        std::unordered_map<std::string_view, RelatedPlace> places;
-        for (const auto& document : documents) {
-            auto name = (document->document.content.*row.names).begin();
-            for (const KeptFinding* const taken : document->takenIn(section)) {
-                const auto [first, isNew] =
-                        places.emplace(*name, RelatedPlace{&document->source, spanOf(*taken), ""});
-                if (!isNew) {
-                    const RelatedPlace& earlier = first->second;
-                    emit(*document, spanOf(*taken),
-                         "\"" + *name + "\" is in " + section + " already, from " +
-                                 earlier.source->placeOf(earlier.span.start) +
-                                 ": the list keeps both",
-                         earlier);
-                }
-                ++name;
-            }
-        }
-    }
-}
-
-// Calls visit(overlay, taken, the value that wins, whether the values differ) for every name of the
-// overlay that the system spec document has set.
-template <typename Visit>
-void forEachShadowedName(const MergedDocuments& documents, Visit visit) {
-    if (documents.size() != 2 || documents[1]->document.path.empty()) {
-        return;  // A built-in document is there to fill the gaps.
-    }
-    const CheckedDocument& spec = *documents[0];
-    const CheckedDocument& overlay = *documents[1];
-    const auto inSection = [&](const char* section, auto member) {
-        const auto& set = spec.document.content.*member;
-        const auto& added = overlay.document.content.*member;
-        std::unordered_map<std::string, const KeptFinding*> winners;
-        for (const KeptFinding* const taken : spec.takenIn(section)) {
-            winners.emplace(taken->name, taken);
-        }
-        for (const KeptFinding* const taken : overlay.takenIn(section)) {
-            const auto winner = winners.find(taken->name);
-            if (winner != winners.end()) {
-                visit(overlay, *taken, RelatedPlace{&spec.source, spanOf(*winner->second), ""},
-                      set.find(taken->name)->second != added.find(taken->name)->second);
+void checkListedTwice(const Checked& checked, Report* report) {
+    const auto checkList = [&](const char* section, auto member) {
+        std::unordered_map<std::string_view, const PlacedEntry<std::string>*> places;
+        const auto entries = placedEntries(checked, section, member);
+        for (const PlacedEntry<std::string>& entry : entries) {
+            const auto [first, isNew] = places.emplace(*entry.value, &entry);
+            if (!isNew && !entry.document->isBuiltIn()) {
+                const PlacedEntry<std::string>& earlier = *first->second;
+                const Source& source = earlier.document->source;
+                report->add("listed-twice", *entry.document, entry.span,
+                            fmt::format("\"{}\" is in {} already, from {}: the list keeps both",
+                                        *entry.value, section, source.placeOf(earlier.span.start)),
+                            besides(source, earlier.span));
             }
         }
     };
-    inSection(targetSpecFeatures, &SpecDocument::features);
-    inSection(targetSpecPresets, &SpecDocument::presets);
-    inSection(targetSpecPerfResourceValues, &SpecDocument::perfResourceValues);
+    for (const Section& row : kSections) {
+        if (row.type == SectionType::Names) {
+            checkList(*row.key, row.names);
+        }
+    }
 }
 
-void checkShadowedNames(const MergedDocuments& documents, const Emit& emit) {
-    forEachShadowedName(documents, [&](const CheckedDocument& overlay, const KeptFinding& taken,
-                                       const RelatedPlace& winner, bool isDifferent) {
-        if (isDifferent) {
-            emit(overlay, spanOf(taken),
-                 taken.name + " has no effect here: the value at " +
-                         winner.source->placeOf(winner.span.start) + " wins",
-                 winner);
+// The members of a section that the device uses, by name.
+std::unordered_map<std::string_view, const Node*> usedMembers(const Document& document,
+                                                              const char* section) {
+    std::unordered_map<std::string_view, const Node*> members;
+    for (const Node* const member : usedElements(document, section)) {
+        members.emplace(member->key, member);
+    }
+    return members;
+}
+
+// Reports each name that both documents set: with one value, or one of the two has no effect.
+template <typename Values>
+void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDocument::*member,
+                      Report* report) {
+    const Document& first = *checked.documents[0];
+    const Document& second = *checked.documents[1];
+    const Values& whole = checked.whole().*member;
+    const auto nodesOfFirst = usedMembers(first, section);
+    for (const Node* const node : usedElements(second, section)) {
+        const auto other = nodesOfFirst.find(node->key);
+        if (other == nodesOfFirst.end()) {
+            continue;
+        }
+        const std::string name(node->key);
+        const Span place = other->second->value;
+        const auto& before = (first.content.*member).at(name);
+        const auto& after = (second.content.*member).at(name);
+        if (before == after) {
+            report->add("name-repeated", second, node->value,
+                        fmt::format("{} is set to the same value at {}", name,
+                                    first.source.placeOf(place.start)),
+                        besides(first.source, place));
+            continue;
+        }
+        const bool isFirstUsed = whole.at(name) == before;
+        const Document& loser = isFirstUsed ? second : first;
+        const Document& winner = isFirstUsed ? first : second;
+        const Span used = isFirstUsed ? place : node->value;
+        report->add("name-without-effect", loser, isFirstUsed ? node->value : place,
+                    fmt::format("{} has no effect here: the value at {} is used", name,
+                                winner.source.placeOf(used.start)),
+                    besides(winner.source, used));
+    }
+}
+
+void checkSharedNames(const Checked& checked, Report* report) {
+    if (!checked.hasWrittenOverlay()) {
+        return;  // A built-in document is there to fill the gaps.
+    }
+    forEachContainer([&](const char* const* key, auto member) {
+        if constexpr (requires(SpecDocument content) { (content.*member).begin()->second; }) {
+            checkNamesOfBoth(checked, *key, member, report);
         }
     });
 }
 
-void checkRepeatedNames(const MergedDocuments& documents, const Emit& emit) {
-    forEachShadowedName(documents, [&](const CheckedDocument& overlay, const KeptFinding& taken,
-                                       const RelatedPlace& winner, bool isDifferent) {
-        if (!isDifferent) {
-            emit(overlay, spanOf(taken),
-                 taken.name + " is set to the same value at " +
-                         winner.source->placeOf(winner.span.start),
-                 winner);
-        }
-    });
-}
-
-void checkResetLevels(const MergedDocuments& documents, const Emit& emit) {
-    if (documents.size() != 2) {
+void checkResetLevels(const Checked& checked, Report* report) {
+    if (checked.documents.size() != 2) {
         return;
     }
-    const std::optional<TierLevels>& before = documents[0]->document.content.dvTierLevels;
-    const std::optional<TierLevels>& after = documents[1]->document.content.dvTierLevels;
-    const OutlineNode* const section = documents[1]->section(targetSpecDV);
-    if (!before || !after || section == nullptr) {
+    const Document& overlay = *checked.documents[1];
+    const Node* const section = overlay.section(targetSpecDV);
+    const bool areSetTwice = checked.documents[0]->content.dvTierLevels.has_value() &&
+                             overlay.content.dvTierLevels.has_value();
+    if (!areSetTwice || section == nullptr) {
         return;
     }
     const auto compare = [&](const char* key, int32_t from, int32_t to) {
         if (from != to) {
-            const OutlineNode* const level = findMember(*section, key);
-            emit(*documents[1], level != nullptr ? level->value : section->name,
-                 std::string("this document's \"DolbyVision\" changes ") + key + " from " +
-                         std::to_string(from) + " to " + std::to_string(to));
+            const Node* const level = findMember(*section, key);
+            report->add("levels-reset", overlay, level != nullptr ? level->value : section->name,
+                        fmt::format("this document's \"{}\" changes {} from {} to {}", targetSpecDV,
+                                    key, from, to));
         }
     };
-    compare(targetSpecDVMaxMainTierLevel, before->main, after->main);
-    compare(targetSpecDVMaxHighTierLevel, before->high, after->high);
+    const TierLevels& before = *checked.before().dvTierLevels;
+    const TierLevels& after = *checked.whole().dvTierLevels;
+    compare(targetSpecDVMaxMainTierLevel, before.main, after.main);
+    compare(targetSpecDVMaxHighTierLevel, before.high, after.high);
 }
-
-constexpr RuleRow<MergedDocuments> kMergeRules[] = {
-        {{"listed-twice", Severity::Warning, "an entry that ends up twice in a list"},
-         checkListedTwice},
-        {{"name-without-effect", Severity::Warning, "a private name that the spec sets otherwise"},
-         checkShadowedNames},
-        {{"name-repeated", Severity::Note, "a private name that the spec sets to the same value"},
-         checkRepeatedNames},
-        {{"levels-reset", Severity::Warning, "Dolby Vision tier levels that the overlay changes"},
-         checkResetLevels},
-};
 
 }  // namespace
 
-void applyMergeRules(const MergedDocuments& documents, Report* report) {
-    applyRows(kMergeRules, report, documents);
-}
-
-std::vector<const Rule*> mergeRules() {
-    return rulesOf(kMergeRules);
+void checkMerging(const Checked& checked, Report* report) {
+    checkListedTwice(checked, report);
+    checkSharedNames(checked, report);
+    checkResetLevels(checked, report);
 }
 
 }  // namespace kc2::tool

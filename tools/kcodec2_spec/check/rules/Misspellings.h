@@ -1,11 +1,11 @@
-// Names that are nearly known ones, reported with the mend where it is certain.
+// Names that are nearly known ones, reported with the fix where it is certain.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "check/rules/Emit.h"
+#include "check/Report.h"
 
 namespace kc2::tool {
 
@@ -15,10 +15,11 @@ struct Misspelling {
     std::string message;
 };
 
-// Reports each. A mend must be certain: nobody can tell which one of two misspelt names is meant,
-// or whether one is beside the right name. `isThere` tells whether that is.
-void emitMisspellings(const CheckedDocument& checked, std::vector<Misspelling> misspellings,
-                      const std::function<bool(const std::string& name)>& isThere,
-                      const Emit& emit);
+// Reports each. A fix must be certain: of two misspelt names nobody can say which one is meant, nor
+// of one beside the right name. `isPresent` says whether that is there.
+void reportMisspellings(CheckId check, const Document& document,
+                        std::vector<Misspelling> misspellings,
+                        const std::function<bool(const std::string& name)>& isPresent,
+                        Report* report);
 
 }  // namespace kc2::tool

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -12,8 +13,9 @@
 
 #include "base/OddCharacters.h"
 #include "base/Text.h"
-#include "check/rules/DocumentNames.h"
+#include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"
+#include "check/rules/Rules.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -22,45 +24,32 @@ namespace {
 
 // --- Known settings ---
 
-bool isTaken(const SpecDocument& content, SectionType type, const std::string& name) {
-    switch (type) {
-        case SectionType::Features:
-            return content.features.count(name) != 0;
-        case SectionType::Presets:
-            return content.presets.count(name) != 0;
-        default:
-            return content.perfResourceValues.count(name) != 0;
-    }
-}
-
-void checkMisplacedSettings(const CheckedDocument& checked, const KnownSettings& known,
-                            const Emit& emit) {
-    forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
+void checkMisplacedSettings(const Document& document, const KnownSettings& known, Report* report) {
+    forEachSection(document, [&](const Section& row, const Node& section) {
         for (const Setting& setting : known.catalogue.settings()) {
-            if (!isOfNamedValues(row.type) || setting.section == *row.key ||
-                !isTaken(checked.document.content, row.type, setting.name)) {
+            if (!isOfNamedValues(row.type) || setting.section == *row.key) {
                 continue;
             }
-            if (const OutlineNode* const member = findMember(section, setting.name)) {
-                emit(checked, member->name,
-                     fmt::format("\"{}\" belongs in \"{}\": nobody asks for it in \"{}\"",
-                                 setting.name, setting.section, *row.key));
+            const Node* const member = findMember(section, setting.name);
+            if (member != nullptr && member->isUsed()) {
+                report->add("setting-misplaced", document, member->name,
+                            fmt::format("\"{}\" belongs in \"{}\": in \"{}\" it has no effect",
+                                        setting.name, setting.section, *row.key));
             }
         }
     });
 }
 
-void checkMisspeltSettings(const CheckedDocument& checked, const KnownSettings& known,
-                           const Emit& emit) {
+void checkMisspeltSettings(const Document& document, const KnownSettings& known, Report* report) {
     std::vector<Misspelling> misspelt;
-    std::unordered_set<std::string> there;
-    forEachSettingName(checked, [&](const DocumentName& name) {
+    std::unordered_set<std::string> present;
+    forEachSettingName(document, [&](const DocumentName& name) {
         const auto [meant, isExact] = known.settings.find(name.text, name.section);
         if (meant == nullptr) {
             return;
         }
         if (isExact) {
-            there.insert(meant->name);
+            present.insert(meant->name);
             return;
         }
         const bool isElsewhere = meant->group != name.section;
@@ -71,9 +60,9 @@ void checkMisspeltSettings(const CheckedDocument& checked, const KnownSettings& 
                              isElsewhere ? fmt::format(", which belongs in \"{}\"", meant->group)
                                          : "")});
     });
-    emitMisspellings(
-            checked, std::move(misspelt),
-            [&](const std::string& meant) { return there.count(meant) != 0; }, emit);
+    reportMisspellings(
+            "name-misspelt", document, std::move(misspelt),
+            [&](const std::string& meant) { return present.count(meant) != 0; }, report);
 }
 
 // --- Names beside each other ---
@@ -109,77 +98,75 @@ private:
     std::unordered_map<std::string, std::pair<std::string, DocumentName>> mFirst;
 };
 
-bool isNamesOrCodecs(SectionType type) {
-    return type == SectionType::Names || isOfCodecs(type);
-}
-
-void checkCaseTwins(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
+void checkCaseTwins(const Document& document, const KnownSettings& known, Report* report) {
     CaseTwins settings;
     CaseTwins entries;
-    forEachSettingName(checked, [&](const DocumentName& name) { settings.look(name); });
-    forEachEntry(checked, isNamesOrCodecs, [&](const DocumentName& name) { entries.look(name); });
-    const auto report = [&](CaseTwins* twins, const NearNames& names, const DocumentName& name) {
+    forEachSettingName(document, [&](const DocumentName& name) { settings.look(name); });
+    forEachEntry(document, isOfNames, [&](const DocumentName& name) { entries.look(name); });
+    const auto check = [&](CaseTwins* twins, const NearNames& names, const DocumentName& name) {
         const DocumentName* const earlier = twins->earlier(name);
         // Where one of the two is a known name, the other one is misspelt, and that is reported.
         if (earlier != nullptr && names.find(name.text, "").entry == nullptr) {
-            emit(checked, name.span,
-                 fmt::format(
-                         "\"{}\" differs in case alone from the name at {}: these are two names",
-                         name.text, checked.source.placeOf(earlier->span.start)),
-                 RelatedPlace{&checked.source, earlier->span, ""});
+            report->add(
+                    "name-case", document, name.span,
+                    fmt::format(
+                            "\"{}\" differs in case alone from the name at {}: these are two names",
+                            name.text, document.source.placeOf(earlier->span.start)),
+                    besides(document.source, earlier->span));
         }
     };
     if (!settings.isIdle()) {
-        forEachSettingName(checked, [&](const DocumentName& name) {
-            report(&settings, known.settings, name);
+        forEachSettingName(document, [&](const DocumentName& name) {
+            check(&settings, known.settings, name);
         });
     }
     if (!entries.isIdle()) {
-        forEachEntry(checked, isNamesOrCodecs,
-                     [&](const DocumentName& name) { report(&entries, known.components, name); });
+        forEachEntry(document, isOfNames,
+                     [&](const DocumentName& name) { check(&entries, known.components, name); });
     }
 }
 
-// Calls visit(name) for each name that both maps have.
-template <typename A, typename B, typename Visit>
-void forEachCommonName(const A& a, const B& b, Visit visit) {
-    auto left = a.begin();
-    auto right = b.begin();
-    while (left != a.end() && right != b.end()) {
-        const int order = left->first.compare(right->first);
-        if (order == 0) {
-            visit(left->first);
-        }
-        left = order <= 0 ? std::next(left) : left;
-        right = order >= 0 ? std::next(right) : right;
-    }
-}
-
-void checkTwoSections(const CheckedDocument& checked, const KnownSettings& known,
-                      const Emit& emit) {
-    const SpecDocument& content = checked.document.content;
-    std::unordered_set<std::string_view> common;
-    const auto add = [&](const std::string& name) {
-        if (known.catalogue.setting(name) == nullptr) {  // That one is in a wrong section.
-            common.insert(name);
+// The names that more than one section of named values sets.
+std::unordered_set<std::string_view> namesInTwoSections(const SpecDocument& content) {
+    std::unordered_set<std::string_view> names;
+    std::vector<std::string_view> sorted;  // Of the sections so far.
+    const auto add = [&](const auto& values) {
+        if constexpr (requires { values.begin()->second; }) {
+            std::vector<std::string_view> own;
+            for (const auto& [name, value] : values) {
+                own.push_back(name);
+            }
+            std::vector<std::string_view> common;
+            std::set_intersection(sorted.begin(), sorted.end(), own.begin(), own.end(),
+                                  std::back_inserter(common));
+            names.insert(common.begin(), common.end());
+            std::vector<std::string_view> all;
+            std::set_union(sorted.begin(), sorted.end(), own.begin(), own.end(),
+                           std::back_inserter(all));
+            sorted = std::move(all);
         }
     };
-    forEachCommonName(content.features, content.presets, add);
-    forEachCommonName(content.features, content.perfResourceValues, add);
-    forEachCommonName(content.presets, content.perfResourceValues, add);
+    forEachContainer([&](const char* const* /*key*/, auto member) { add(content.*member); });
+    return names;
+}
+
+void checkTwoSections(const Document& document, const KnownSettings& known, Report* report) {
+    const std::unordered_set<std::string_view> common = namesInTwoSections(document.content);
     if (common.empty()) {
         return;
     }
     std::unordered_map<std::string_view, DocumentName> first;
-    forEachSettingName(checked, [&](const DocumentName& name) {
-        if (common.count(name.text) != 0) {
-            const auto [found, isNew] = first.emplace(name.text, name);
-            if (!isNew && found->second.section != name.section) {
-                emit(checked, name.span,
-                     fmt::format("\"{}\" is in \"{}\", too: each section has names for itself",
-                                 name.text, found->second.section),
-                     RelatedPlace{&checked.source, found->second.span, ""});
-            }
+    forEachSettingName(document, [&](const DocumentName& name) {
+        // A known setting is in a wrong section, and that is reported.
+        if (common.count(name.text) == 0 || known.catalogue.setting(name.text) != nullptr) {
+            return;
+        }
+        const auto [found, isNew] = first.emplace(name.text, name);
+        if (!isNew && found->second.section != name.section) {
+            report->add("name-in-two-sections", document, name.span,
+                        fmt::format("\"{}\" is in \"{}\", too: each section has its own names",
+                                    name.text, found->second.section),
+                        besides(document.source, found->second.span));
         }
     });
 }
@@ -187,18 +174,19 @@ void checkTwoSections(const CheckedDocument& checked, const KnownSettings& known
 // --- What a name is made of ---
 
 template <typename Visit>
-void forEachName(const CheckedDocument& checked, Visit visit) {
-    forEachSettingName(checked, visit);
-    forEachEntry(checked, isNamesOrCodecs, visit);
+void forEachName(const Document& document, Visit visit) {
+    forEachSettingName(document, visit);
+    forEachEntry(document, isOfNames, visit);
 }
 
-void checkEmptyNames(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                     const Emit& emit) {
-    forEachName(checked, [&](const DocumentName& name) {
+void checkEmptyNames(const Document& document, Report* report) {
+    forEachName(document, [&](const DocumentName& name) {
         if (name.text.empty()) {
-            emit(checked, name.span,
-                 fmt::format("an empty name in \"{}\": the device keeps it, and nobody asks for it",
-                             name.section));
+            report->add(
+                    "name-empty", document, name.span,
+                    fmt::format(
+                            "an empty name in \"{}\": the device keeps it, and nothing reads it",
+                            name.section));
         }
     });
 }
@@ -228,13 +216,13 @@ std::string oddIn(std::string_view name) {
     return hasBlank ? "a blank at its start or end" : "";
 }
 
-void checkOddNames(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachName(checked, [&](const DocumentName& name) {
+void checkOddNames(const Document& document, const KnownSettings& known, Report* report) {
+    forEachName(document, [&](const DocumentName& name) {
         const std::string odd = oddIn(name.text);
         if (odd.empty()) {
             return;
         }
-        const std::string_view quoted = checked.source.textAt(name.span);
+        const std::string_view quoted = document.source.textAt(name.span);
         const bool hasRaw =
                 std::any_of(quoted.begin(), quoted.end(), [](unsigned char c) { return c < 0x20; });
         const NearNames& names = *name.list != '\0' || name.section == targetSpecOptionalCodecs
@@ -242,35 +230,23 @@ void checkOddNames(const CheckedDocument& checked, const KnownSettings& known, c
                                          : known.settings;
         // What control-character says of the string, or the misspelt known name, is the mistake.
         if (!hasRaw && names.find(name.text, name.section).entry == nullptr) {
-            emit(checked, name.span,
-                 fmt::format("the name holds {}: names are compared byte by byte", odd));
+            report->add("name-characters", document, name.span,
+                        fmt::format("the name has {}: names are compared byte by byte", odd));
         }
     });
 }
 
-constexpr DocumentRule kNameRules[] = {
-        {{"setting-misplaced", Severity::Warning, "a known setting in another section than its"},
-         checkMisplacedSettings},
-        {{"name-misspelt", Severity::Warning, "a setting that is nearly a known one"},
-         checkMisspeltSettings},
-        {{"name-case", Severity::Warning, "two names that differ in case alone"}, checkCaseTwins},
-        {{"name-in-two-sections", Severity::Note, "a name that is set in two sections"},
-         checkTwoSections},
-        {{"name-empty", Severity::Warning, "an empty name, or an empty entry in a list"},
-         checkEmptyNames},
-        {{"name-characters", Severity::Warning,
-          "a name with odd blanks, control or invisible characters, or bytes that are not UTF-8"},
-         checkOddNames},
-};
-
 }  // namespace
 
-void applyNameRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    applyRows(kNameRules, report, document, known);
-}
-
-std::vector<const Rule*> nameRules() {
-    return rulesOf(kNameRules);
+void checkNames(const Checked& checked, Report* report) {
+    checked.forEachWritten([&](const Document& document) {
+        checkMisplacedSettings(document, checked.known, report);
+        checkMisspeltSettings(document, checked.known, report);
+        checkCaseTwins(document, checked.known, report);
+        checkTwoSections(document, checked.known, report);
+        checkEmptyNames(document, report);
+        checkOddNames(document, checked.known, report);
+    });
 }
 
 }  // namespace kc2::tool

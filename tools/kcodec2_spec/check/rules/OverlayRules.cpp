@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "catalogue/BuiltInValues.h"
-#include "check/rules/DocumentNames.h"
-#include "check/rules/Emit.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
@@ -21,133 +20,147 @@ std::string listOf(const std::set<std::string>& names, size_t most) {
     const size_t shown = std::min(names.size(), most);
     const std::string list =
             joined({names.begin(), std::next(names.begin(), static_cast<ptrdiff_t>(shown))}, ", ");
-    return shown == names.size() ? list : list + fmt::format(", and {} more", names.size() - shown);
+    return shown == names.size() ? list
+                                 : fmt::format("{}, and {} more", list, names.size() - shown);
+}
+
+std::set<std::string> missingFrom(const std::unordered_set<std::string>& some,
+                                  const std::unordered_set<std::string>& all) {
+    std::set<std::string> missing;
+    for (const std::string& name : all) {
+        if (some.count(name) == 0) {
+            missing.insert(name);
+        }
+    }
+    return missing;
 }
 
 // A load cannot take a component away: a spec with fewer of them does not disable the others.
-void checkAddedCodecs(const CheckedLoad& checked, const Emit& emit) {
-    const Load& load = checked.load;
-    const auto& listed = load.systemSpec.content.supportedCodecs;
-    if (listed.empty() || !load.overlay.path.empty()) {
+void checkAddedCodecs(const Checked& checked, Report* report) {
+    const auto& listed = checked.before().supportedCodecs;
+    if (listed.empty() || !checked.load->hasSystemSpec() || checked.load->hasPrivateFile()) {
         return;
     }
-    std::set<std::string> added;
-    for (const std::string& name : load.overlay.content.supportedCodecs) {
-        if (listed.count(name) == 0) {
-            added.insert(name);
-        }
-    }
-    const CheckedDocument& spec = *checked.documents.front();
-    const OutlineNode* section = spec.section(targetSpecSupportedCodecs);
+    const Document& spec = *checked.documents.front();
+    const std::set<std::string> added = missingFrom(listed, checked.whole().supportedCodecs);
+    const Node* section = spec.section(targetSpecSupportedCodecs);
     section = section != nullptr ? section : spec.section(targetSpecOptionalCodecs);
     if (!added.empty() && section != nullptr) {
-        emit(spec, section->name,
-             fmt::format("{} adds {} that this document does not list: {}", load.overlay.origin,
-                         counted(added.size(), "component"), listOf(added, added.size())));
+        report->add("codecs-added", spec, section->name,
+                    fmt::format("{} adds {} that this document does not list: {}",
+                                checked.load->overlay->origin, counted(added.size(), "component"),
+                                listOf(added, added.size())));
     }
 }
 
-// What the built-in document would set and nobody else does.
-std::set<std::string> lostSettings(const Load& load) {
-    const SpecDocument& builtIn = builtInContent(load.chip->number);
-    std::set<std::string> lost;
-    const auto add = [&](auto member, auto isMissed) {
-        for (const auto& [name, value] : builtIn.*member) {
-            if (isMissed(value) && (load.systemSpec.content.*member).count(name) == 0 &&
-                (load.overlay.content.*member).count(name) == 0) {
-                lost.insert(name);
-            }
-        }
-    };
-    const auto always = [](const auto& /*value*/) { return true; };
-    add(&SpecDocument::presets, always);
-    add(&SpecDocument::perfResourceValues, always);
-    // One that is off reads as off when it is absent, too.
-    add(&SpecDocument::features, [](bool isOn) { return isOn; });
-    return lost;
-}
+// --- What a private file keeps out ---
 
-std::set<std::string> lostComponents(const Load& load) {
-    std::set<std::string> lost;
-    const auto& listed = load.systemSpec.content.supportedCodecs;
-    const auto& added = load.overlay.content.supportedCodecs;
-    if (listed.empty() && added.empty()) {
-        return lost;  // Then there is no restriction.
-    }
-    for (const std::string& name : builtInContent(load.chip->number).supportedCodecs) {
-        if (listed.count(name) == 0 && added.count(name) == 0) {
-            lost.insert(name);
-        }
-    }
-    return lost;
-}
-
-size_t settingsIn(const SpecDocument& content) {
-    return content.features.size() + content.presets.size() + content.perfResourceValues.size() +
-           content.supportedCodecs.size() + content.codecPlugins.size() +
-           content.preprocessingFilters.size() + content.encPostProcessingFilters.size() +
-           content.nimbraModeBitRateTable.size() + content.dvProfiles.size();
-}
-
-void tellLoss(const CheckedLoad& checked, const Emit& emit) {
-    constexpr size_t kMostNames = 6;
-    const Load& load = checked.load;
-    const std::set<std::string> settings = lostSettings(load);
-    const std::set<std::string> components = lostComponents(load);
-    std::string lost;
-    if (!settings.empty()) {
-        lost = fmt::format("{} ({})", counted(settings.size(), "setting"),
-                           listOf(settings, kMostNames));
-    }
-    if (!components.empty()) {
-        lost += fmt::format("{}{} ({})", lost.empty() ? "" : " and ",
-                            counted(components.size(), "component"),
-                            listOf(components, kMostNames));
-    }
-    if (!lost.empty()) {
-        emit.forFile(*checked.documents.back(),
-                     fmt::format("while this file is there, built-in document {} is not read: "
-                                 "nothing sets its {}. \"kcodec2_spec defaults {}\" prints it",
-                                 load.chip->number, lost, load.chip->number));
-    }
-}
-
-bool isPrivateFileRead(const Load& load) {
-    return !load.overlay.path.empty() && load.overlay.isAccepted;
-}
-
-void checkSmallPrivateFile(const CheckedLoad& checked, const Emit& emit) {
-    if (isPrivateFileRead(checked.load) && settingsIn(checked.load.overlay.content) <= 1) {
-        tellLoss(checked, emit);
-    }
-}
-
-void tellUnreadBuiltIn(const CheckedLoad& checked, const Emit& emit) {
-    if (isPrivateFileRead(checked.load) && settingsIn(checked.load.overlay.content) > 1) {
-        tellLoss(checked, emit);
-    }
-}
-
-constexpr RuleRow<CheckedLoad> kOverlayRules[] = {
-        {{"codecs-added", Severity::Note,
-          "components that the built-in document adds to those of the spec"},
-         checkAddedCodecs},
-        {{"built-in-lost", Severity::Warning,
-          "a private file with one setting, which keeps out a whole built-in document"},
-         checkSmallPrivateFile},
-        {{"built-in-not-read", Severity::Note,
-          "what of the built-in document is missing because a private file is there"},
-         tellUnreadBuiltIn},
+struct Lost {
+    std::set<std::string> settings;
+    std::set<std::string> components;
+    size_t entries = 0;  // Of lists and tables.
 };
+
+// What components see of a value: a feature that is off reads as off when it is absent, too.
+bool isSeen(bool isOn) {
+    return isOn;
+}
+template <typename Value>
+bool isSeen(const Value& /*value*/) {
+    return true;
+}
+
+template <typename Value>
+void addLost(const std::map<std::string, Value>& with, const std::map<std::string, Value>& without,
+             Lost* lost) {
+    for (const auto& [name, value] : with) {
+        if (isSeen(value) && without.count(name) == 0) {
+            lost->settings.insert(name);
+        }
+    }
+}
+void addLost(const std::unordered_set<std::string>& with,
+             const std::unordered_set<std::string>& without, Lost* lost) {
+    if (!without.empty()) {  // Else there is no restriction.
+        lost->components = missingFrom(without, with);
+    }
+}
+void addLost(const std::optional<TierLevels>& /*with*/,
+             const std::optional<TierLevels>& /*without*/, Lost* /*lost*/) {}
+template <typename List>
+void addLost(const List& with, const List& without, Lost* lost) {
+    for (const auto& entry : with) {
+        lost->entries += std::find(without.begin(), without.end(), entry) == without.end() ? 1 : 0;
+    }
+}
+
+// What the load would have with the built-in document in place of the private file, and has not.
+Lost lostBy(const Checked& checked) {
+    const std::unique_ptr<Document> builtIn = readBuiltIn(*checked.load->chip);
+    const SpecDocument spec =
+            checked.load->hasSystemSpec() ? checked.documents.front()->content : SpecDocument();
+    const MergedStore with = merge(spec, builtIn->content);
+    Lost lost;
+    forEachContainer([&](const char* const* /*key*/, auto member) {
+        addLost(with.whole.*member, checked.whole().*member, &lost);
+    });
+    return lost;
+}
+
+std::string describe(const Lost& lost) {
+    constexpr size_t kMostNames = 6;
+    std::vector<std::string> parts;
+    if (!lost.settings.empty()) {
+        parts.push_back(fmt::format("{} ({})", counted(lost.settings.size(), "setting"),
+                                    listOf(lost.settings, kMostNames)));
+    }
+    if (!lost.components.empty()) {
+        parts.push_back(fmt::format("{} ({})", counted(lost.components.size(), "component"),
+                                    listOf(lost.components, kMostNames)));
+    }
+    if (lost.entries != 0) {
+        parts.push_back(fmt::format(
+                "{} of lists",
+                lost.entries == 1 ? "1 entry" : fmt::format("{} entries", lost.entries)));
+    }
+    return joined(parts, " and ");
+}
+
+// How much a document sets: a file with one setting is there for that one.
+size_t settingsIn(const SpecDocument& content) {
+    size_t count = 0;
+    forEachContainer([&](const char* const* /*key*/, auto member) {
+        if constexpr (requires { (content.*member).size(); }) {
+            count += (content.*member).size();
+        }
+    });
+    return count;
+}
+
+void checkKeptOut(const Checked& checked, Report* report) {
+    const Load& load = *checked.load;
+    if (!load.hasPrivateFile() || !load.overlay->isAccepted) {
+        return;
+    }
+    const std::string lost = describe(lostBy(checked));
+    if (lost.empty()) {
+        return;
+    }
+    const CheckId check = settingsIn(load.overlay->content) <= 1 ? CheckId("built-in-lost")
+                                                                 : CheckId("built-in-not-read");
+    report->addForFile(check, load.overlay->source.path(),
+                       fmt::format("while this file is there, built-in document {} is not read: "
+                                   "its {} are then unset. \"kcodec2_spec defaults {}\" prints it",
+                                   load.chip->number, lost, load.chip->number));
+}
 
 }  // namespace
 
-void applyOverlayRules(const CheckedLoad& load, Report* report) {
-    applyRows(kOverlayRules, report, load);
-}
-
-std::vector<const Rule*> overlayRules() {
-    return rulesOf(kOverlayRules);
+void checkOverlays(const Checked& checked, Report* report) {
+    if (!checked.isAlone()) {
+        checkAddedCodecs(checked, report);
+        checkKeptOut(checked, report);
+    }
 }
 
 }  // namespace kc2::tool

@@ -9,44 +9,38 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "check/rules/DocumentNames.h"
-#include "check/rules/Emit.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
 namespace {
 
-// A list of words that the device takes, where it is in the text and what it says.
+// A list of words that the device uses, where it is in the text and what it says.
 struct UseCase {
-    const OutlineNode& member;
+    const Node& member;
     const std::vector<uint32_t>& words;
 };
 
 // Those of a document, which all rules look at.
 struct UseCases {
-    explicit UseCases(const CheckedDocument& checkedDocument) : checked(checkedDocument) {
-        const OutlineNode* const section = checked.section(targetSpecPerfResourceValues);
-        if (section == nullptr || section->kind != '{') {
-            return;
-        }
-        const auto& values = checked.document.content.perfResourceValues;
-        std::unordered_set<size_t> taken;  // Where: an earlier member of the same name is not.
-        for (const KeptFinding* const finding : checked.takenIn(targetSpecPerfResourceValues)) {
-            taken.insert(finding->start);
-        }
-        for (const OutlineNode& member : section->children) {
-            const bool isList = member.kind == '[' || member.kind == 'n' ||
-                                (member.kind == '{' && member.children.empty());
-            const auto words = isList && taken.count(member.value.start) != 0
-                                       ? values.find(std::string(member.key))
-                                       : values.end();
-            if (words != values.end()) {
-                all.push_back({member, words->second});
+    explicit UseCases(const Document& checked) : document(checked) {
+        forEachSection(document, [&](const Section& row, const Node& section) {
+            if (row.type != SectionType::PerfResourceValues || !section.isObject()) {
+                return;
             }
-        }
+            for (const Node& member : section.children) {
+                const bool isList = member.isArray() || member.isNull() ||
+                                    (member.isObject() && member.children.empty());
+                if (isList && member.isUsed()) {
+                    all.push_back({member, document.content.perfResourceValues.at(
+                                                   std::string(member.key))});
+                }
+            }
+        });
     }
 
-    const CheckedDocument& checked;
+    const Document& document;
     std::vector<UseCase> all;
 };
 
@@ -64,40 +58,40 @@ bool isBareWord(std::string_view quoted) {
     return word.size() >= kFewest && word.find_first_not_of(kDigits) == std::string_view::npos;
 }
 
-void checkPrefixes(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+void checkPrefixes(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
         const auto& nodes = member.children;
-        const bool isAnyPrefixed =
-                std::any_of(nodes.begin(), nodes.end(), [&](const OutlineNode& node) {
-                    return node.kind == '"' && hasPrefix(cases.checked.source.textAt(node.value));
-                });
+        const bool isAnyPrefixed = std::any_of(nodes.begin(), nodes.end(), [&](const Node& node) {
+            return node.isString() && hasPrefix(cases.document.source.textAt(node.value));
+        });
         for (size_t i = 0; isAnyPrefixed && i < nodes.size(); ++i) {
-            const std::string_view text = cases.checked.source.textAt(nodes[i].value);
-            if (nodes[i].kind == '"' && isBareWord(text)) {
-                emit(cases.checked, nodes[i].value,
-                     fmt::format("{} is read as hexadecimal, as {}: write 0x, as in the words "
-                                 "beside it",
-                                 text, hexadecimal(words[i])));
+            const std::string_view text = cases.document.source.textAt(nodes[i].value);
+            if (nodes[i].isString() && isBareWord(text)) {
+                report->add(
+                        "perf-word-prefix", cases.document, nodes[i].value,
+                        fmt::format("{} is read as hexadecimal, as {}: write 0x, as in the words "
+                                    "beside it",
+                                    text, hexadecimal(words[i])));
             }
         }
     }
 }
 
-void checkRepeatedCodes(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+void checkRepeatedCodes(const UseCases& cases, Report* report) {
     constexpr size_t kTwoPairs = 4;
     for (const auto& [member, words] : cases.all) {
         std::unordered_set<uint32_t> codes;
         for (size_t i = 0; words.size() >= kTwoPairs && i + 1 < words.size(); i += 2) {
             if (!codes.insert(words[i]).second) {
-                emit(cases.checked, member.children[i].value,
-                     fmt::format("the resource code {} is in \"{}\" already", hexadecimal(words[i]),
-                                 member.key));
+                report->add("perf-code-repeated", cases.document, member.children[i].value,
+                            fmt::format("the resource code {} is in \"{}\" already",
+                                        hexadecimal(words[i]), member.key));
             }
         }
     }
 }
 
-void checkSwappedPairs(const UseCases& cases, const KnownSettings& known, const Emit& emit) {
+void checkSwappedPairs(const UseCases& cases, const KnownSettings& known, Report* report) {
     // Codes of one platform have their first byte in common; values are small.
     const auto isLikeCode = [&](uint32_t word) {
         const auto& codes = known.catalogue.codes();
@@ -108,55 +102,49 @@ void checkSwappedPairs(const UseCases& cases, const KnownSettings& known, const 
     for (const auto& [member, words] : cases.all) {
         for (size_t i = 0; words.size() % 2 == 0 && i < words.size(); i += 2) {
             if (!isLikeCode(words[i]) && isLikeCode(words[i + 1])) {
-                emit(cases.checked, member.children[i].value,
-                     fmt::format("{} and {} look swapped: a resource code comes before its value",
-                                 hexadecimal(words[i]), hexadecimal(words[i + 1])));
+                report->add(
+                        "perf-pair-swapped", cases.document, member.children[i].value,
+                        fmt::format(
+                                "{} and {} look swapped: a resource code comes before its value",
+                                hexadecimal(words[i]), hexadecimal(words[i + 1])));
                 break;  // The others are swapped as well.
             }
         }
     }
 }
 
-void checkEmptyUseCases(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+void checkEmptyUseCases(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
         if (words.empty()) {
-            emit(cases.checked, member.name,
-                 fmt::format("\"{}\" has no words, and no later document can set them any more",
-                             member.key));
+            report->add(
+                    "perf-empty", cases.document, member.name,
+                    fmt::format("\"{}\" has no words, and no later document can set them any more",
+                                member.key));
         }
     }
 }
 
-void checkOddLengths(const UseCases& cases, const KnownSettings& /*known*/, const Emit& emit) {
+void checkOddLengths(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
         if (words.size() % 2 != 0) {
-            emit(cases.checked, member.value,
-                 fmt::format("\"{}\" holds {}: a resource code lacks its value", member.key,
-                             counted(words.size(), "word")));
+            report->add("perf-odd-length", cases.document, member.value,
+                        fmt::format("\"{}\" has {}: a resource code lacks its value", member.key,
+                                    counted(words.size(), "word")));
         }
     }
 }
-
-constexpr RuleRow<UseCases, KnownSettings> kPerfRules[] = {
-        {{"perf-odd-length", Severity::Warning, "perf words that do not come in pairs"},
-         checkOddLengths},
-        {{"perf-word-prefix", Severity::Warning, "a perf word without 0x among words with it"},
-         checkPrefixes},
-        {{"perf-code-repeated", Severity::Warning, "a resource code twice in one list"},
-         checkRepeatedCodes},
-        {{"perf-pair-swapped", Severity::Warning, "a value in place of its resource code"},
-         checkSwappedPairs},
-        {{"perf-empty", Severity::Warning, "a use case without perf words"}, checkEmptyUseCases},
-};
 
 }  // namespace
 
-void applyPerfRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    applyRows(kPerfRules, report, UseCases(document), known);
-}
-
-std::vector<const Rule*> perfRules() {
-    return rulesOf(kPerfRules);
+void checkPerfWords(const Checked& checked, Report* report) {
+    checked.forEachWritten([&](const Document& document) {
+        const UseCases cases(document);
+        checkOddLengths(cases, report);
+        checkPrefixes(cases, report);
+        checkRepeatedCodes(cases, report);
+        checkSwappedPairs(cases, checked.known, report);
+        checkEmptyUseCases(cases, report);
+    });
 }
 
 }  // namespace kc2::tool

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/Text.h"
-#include "check/rules/Emit.h"
-#include "kc2/TargetSpecKeys.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
@@ -20,36 +20,36 @@ enum class Left { Nothing, Part, All };
 
 struct PlacedRow {
     NimbraBitRateEntry row;
-    const CheckedDocument* document;
+    const Document* document;
     Span span;
     Left left = Left::All;
-    // Answers for the lowest value that both hold; null when no earlier row holds one.
+    // The row for the lowest value that both cover; null when no earlier row covers one.
     const PlacedRow* earlier = nullptr;
     bool isLast = false;  // Of its document.
 
     bool matchesNothing() const { return row.low >= row.high; }
     std::string place() const { return document->source.placeOf(span.start); }
-    // As the last row, so that every value has an answer.
+    // As the last row, so that every value has a rate.
     bool isCatchAll() const { return isLast && row.high >= INT32_MAX; }
 };
 
 using Rows = std::vector<PlacedRow>;
 
-// Which values the rows so far answer for, and which row answers.
+// Which values the rows so far cover, and which row is used for each.
 class Coverage {
 public:
     struct Overlap {
-        // Answers for the lowest value that both hold; null when no earlier row holds one.
+        // The row for the lowest value that both cover; null when no earlier row covers one.
         const PlacedRow* earlier;
-        bool isWhole;  // Earlier rows answer for every value of the row.
+        bool isWhole;  // Earlier rows cover every value of the row.
     };
 
-    // Adds a row behind the earlier ones and tells what they leave of it.
+    // Adds a row after the earlier ones and returns what they leave of it.
     Overlap add(const PlacedRow& placed) {
         const uint64_t low = placed.row.low;
         const uint64_t high = placed.row.high;
         const Overlap overlap = {firstOwner(low, high), isCovered(low, high)};
-        // The gaps between covered ranges are what the new row answers for. Covered ranges that it
+        // The gaps between covered ranges are what the new row is used for. Covered ranges that it
         // joins become one, so that each range is visited once over all rows.
         auto range = mCovered.upper_bound(low);
         if (range != mCovered.begin() && std::prev(range)->second >= low) {
@@ -94,7 +94,7 @@ private:
     }
 
     std::map<uint64_t, uint64_t> mCovered;  // low -> high, disjoint and apart.
-    std::map<uint64_t, Owned> mOwners;      // low -> who answers up to high, disjoint.
+    std::map<uint64_t, Owned> mOwners;      // low -> the row up to high, disjoint.
 };
 
 // Fills in what earlier rows leave of each. Most tables are in order and need no search.
@@ -123,17 +123,17 @@ void findOverlaps(Rows* rows) {
     }
 }
 
-Rows rowsOf(const MergedDocuments& documents) {
+Rows rowsOf(const Checked& checked) {
     Rows rows;
-    for (const auto& document : documents) {
-        const auto& table = document->document.content.nimbraModeBitRateTable;
-        const auto taken = document->takenIn(targetSpecNimbraModeBitRate);
-        for (size_t i = 0; i < table.size() && i < taken.size(); ++i) {
-            rows.push_back({table[i], document.get(), {taken[i]->start, taken[i]->limit}});
-        }
+    for (const auto& entry : placedEntries(checked, targetSpecNimbraModeBitRate,
+                                           &SpecDocument::nimbraModeBitRateTable)) {
         if (!rows.empty()) {
-            rows.back().isLast = true;
+            rows.back().isLast = rows.back().document != entry.document;
         }
+        rows.push_back({*entry.value, entry.document, entry.span});
+    }
+    if (!rows.empty()) {
+        rows.back().isLast = true;
     }
     findOverlaps(&rows);
     return rows;
@@ -141,8 +141,8 @@ Rows rowsOf(const MergedDocuments& documents) {
 
 // --- What the rows look like in ascending order ---
 
-// The rows that answer for all of their values, by lower bound. Those with a negative bound, which
-// is stored as a large one, are not looked at: that is reported.
+// The rows that are used for all of their values, by lower bound. Those with a negative bound,
+// which is stored as a large one, are not looked at: that is reported.
 std::vector<const PlacedRow*> inAscendingOrder(const Rows& rows, bool isWithOverlaps) {
     std::vector<const PlacedRow*> ordered;
     for (const PlacedRow& placed : rows) {
@@ -166,7 +166,8 @@ struct Neighbours {
 };
 
 // One report for a mistake that a whole table repeats.
-void emitOnce(const std::vector<Neighbours>& found, std::string message, const Emit& emit) {
+void reportOnce(CheckId check, const std::vector<Neighbours>& found, std::string message,
+                Report* report) {
     if (found.empty()) {
         return;
     }
@@ -175,8 +176,8 @@ void emitOnce(const std::vector<Neighbours>& found, std::string message, const E
         message += fmt::format(". The same at {}, the next one at {}",
                                counted(found.size() - 1, "more row"), found[1].after->place());
     }
-    emit(*after->document, after->span, std::move(message),
-         RelatedPlace{&before->document->source, before->span, ""});
+    report->add(check, *after->document, after->span, std::move(message),
+                besides(before->document->source, before->span));
 }
 
 struct Gaps {
@@ -204,8 +205,7 @@ Gaps gapsOf(const Rows& rows) {
 
 // All rows, and the gaps between them, which two rules look at.
 struct Table {
-    explicit Table(const MergedDocuments& documents)
-        : rows(rowsOf(documents)), gaps(gapsOf(rows)) {}
+    explicit Table(const Checked& checked) : rows(rowsOf(checked)), gaps(gapsOf(rows)) {}
 
     Rows rows;
     Gaps gaps;
@@ -213,60 +213,69 @@ struct Table {
 
 // --- Row by row ---
 
-void checkRowsThatMatchNothing(const Table& table, const Emit& emit) {
+void checkRowsThatMatchNothing(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.matchesNothing()) {
-            emit(*placed.document, placed.span,
-                 fmt::format("the row holds no value: its lower bound {} is not below its upper "
-                             "bound {}",
-                             placed.row.low, placed.row.high));
+            report->add(
+                    "row-matches-nothing", *placed.document, placed.span,
+                    fmt::format(
+                            "the row matches no value: its lower bound {} is not below its upper "
+                            "bound {}",
+                            placed.row.low, placed.row.high));
         }
     }
 }
 
-void emitBesideEarlier(const PlacedRow& placed, std::string message, const Emit& emit) {
+void reportBesideEarlier(CheckId check, const PlacedRow& placed, std::string message,
+                         Report* report) {
     const PlacedRow& earlier = *placed.earlier;
-    emit(*placed.document, placed.span, std::move(message),
-         RelatedPlace{&earlier.document->source, earlier.span, ""});
+    report->add(check, *placed.document, placed.span, std::move(message),
+                besides(earlier.document->source, earlier.span));
 }
 
-void checkHiddenRows(const Table& table, const Emit& emit) {
+void checkHiddenRows(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.left == Left::Nothing) {
-            emitBesideEarlier(placed,
-                              "the row never answers: earlier rows, the first at " +
-                                      placed.earlier->place() + ", hold all of its values",
-                              emit);
+            reportBesideEarlier(
+                    "row-hidden", placed,
+                    fmt::format("this row is never used: earlier rows, the first at {}, cover its "
+                                "range",
+                                placed.earlier->place()),
+                    report);
         }
     }
 }
 
-void checkOverlappingRows(const Table& table, const Emit& emit) {
+void checkOverlappingRows(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.left == Left::Part && !placed.isCatchAll()) {
-            emitBesideEarlier(placed,
-                              "the row overlaps the earlier one at " + placed.earlier->place() +
-                                      ", which answers for the values that both hold",
-                              emit);
+            reportBesideEarlier(
+                    "row-overlaps", placed,
+                    fmt::format("the row overlaps the earlier one at {}, which is used for the "
+                                "values that both cover",
+                                placed.earlier->place()),
+                    report);
         }
     }
 }
 
-void checkCatchAlls(const Table& table, const Emit& emit) {
+void checkCatchAlls(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.left == Left::Part && placed.isCatchAll()) {
-            emitBesideEarlier(placed,
-                              "the last row answers for every value that no earlier row has", emit);
+            reportBesideEarlier("row-catches-all", placed,
+                                "the last row is for every value that no earlier row covers",
+                                report);
         }
     }
 }
 
-void checkZeroRates(const Table& table, const Emit& emit) {
+void checkZeroRates(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.row.bitRate == 0 && !placed.matchesNothing() && placed.left != Left::Nothing) {
-            emit(*placed.document, placed.span,
-                 "the bit rate is 0, and a component takes that for a rate: a value without a row "
-                 "gets 0xFFFFFFFF");
+            report->add("rate-zero", *placed.document, placed.span,
+                        "the bit rate is 0, and a component uses that as a rate: for a value "
+                        "without a row it "
+                        "gets 0xFFFFFFFF");
         }
     }
 }
@@ -285,28 +294,27 @@ bool isWideGapMeant(const Gaps& gaps) {
     return gaps.joints < gaps.wide.size();
 }
 
-void checkGaps(const Table& table, const Emit& emit) {
+void checkGaps(const Table& table, Report* report) {
     const Gaps& gaps = table.gaps;
     if (!gaps.ofOne.empty()) {
-        emitOnce(gaps.ofOne,
-                 missingValues(gaps.ofOne.front()) +
-                         " no row: the upper bound of the row before is not in its range",
-                 emit);
+        reportOnce("row-gap", gaps.ofOne,
+                   missingValues(gaps.ofOne.front()) + " no row: upper bounds are exclusive",
+                   report);
     }
     if (!gaps.wide.empty() && !isWideGapMeant(gaps)) {
-        emitOnce(gaps.wide, missingValues(gaps.wide.front()) + " no row", emit);
+        reportOnce("row-gap", gaps.wide, missingValues(gaps.wide.front()) + " no row", report);
     }
 }
 
-void checkRowsApart(const Table& table, const Emit& emit) {
+void checkRowsApart(const Table& table, Report* report) {
     const Gaps& gaps = table.gaps;
     if (!gaps.wide.empty() && isWideGapMeant(gaps)) {
-        emitOnce(gaps.wide, missingValues(gaps.wide.front()) + " no row", emit);
+        reportOnce("rows-apart", gaps.wide, missingValues(gaps.wide.front()) + " no row", report);
     }
 }
 
 // A rate that falls now and then is a slip; a table of falling rates is meant so.
-void checkFallingRates(const Table& table, const Emit& emit) {
+void checkFallingRates(const Table& table, Report* report) {
     constexpr size_t kOneOf = 3;
     const std::vector<const PlacedRow*> ordered = inAscendingOrder(table.rows, false);
     std::vector<Neighbours> falls;
@@ -319,14 +327,14 @@ void checkFallingRates(const Table& table, const Emit& emit) {
     }
     if (!falls.empty() && (falls.size() == 1 || falls.size() * kOneOf <= ordered.size())) {
         const auto& [before, after] = falls.front();
-        emitOnce(falls,
-                 fmt::format("the bit rate falls to {}, from {} of the values below",
-                             after->row.bitRate, before->row.bitRate),
-                 emit);
+        reportOnce("rate-falls", falls,
+                   fmt::format("the bit rate falls to {}, from {} of the values below",
+                               after->row.bitRate, before->row.bitRate),
+                   report);
     }
 }
 
-void checkOrder(const Table& table, const Emit& emit) {
+void checkOrder(const Table& table, Report* report) {
     const PlacedRow* before = nullptr;
     for (const PlacedRow& placed : table.rows) {
         if (placed.matchesNothing() || placed.left != Left::All) {
@@ -334,42 +342,28 @@ void checkOrder(const Table& table, const Emit& emit) {
         }
         if (before != nullptr && before->document == placed.document &&
             placed.row.low < before->row.low) {
-            emit(*placed.document, placed.span,
-                 "the rows are not in ascending order: this one is below the one before",
-                 RelatedPlace{&before->document->source, before->span, ""});
+            report->add("rows-unsorted", *placed.document, placed.span,
+                        "the rows are not in ascending order: this one is below the one before",
+                        besides(before->document->source, before->span));
             return;
         }
         before = &placed;
     }
 }
 
-constexpr RuleRow<Table> kRowRules[] = {
-        {{"row-matches-nothing", Severity::Warning, "a bit-rate row that holds no value"},
-         checkRowsThatMatchNothing},
-        {{"row-hidden", Severity::Warning, "a bit-rate row that earlier rows hide wholly"},
-         checkHiddenRows},
-        {{"row-overlaps", Severity::Warning, "a bit-rate row that an earlier row hides in part"},
-         checkOverlappingRows},
-        {{"row-catches-all", Severity::Note, "a last row for what no other row has"},
-         checkCatchAlls},
-        {{"row-gap", Severity::Warning, "values between bit-rate rows that no row has"}, checkGaps},
-        {{"rows-apart", Severity::Note, "a bit-rate table whose rows do not touch"},
-         checkRowsApart},
-        {{"rows-unsorted", Severity::Note, "bit-rate rows that are not in ascending order"},
-         checkOrder},
-        {{"rate-falls", Severity::Warning, "a bit rate below that of smaller values"},
-         checkFallingRates},
-        {{"rate-zero", Severity::Warning, "a bit rate of 0"}, checkZeroRates},
-};
-
 }  // namespace
 
-void applyRowRules(const MergedDocuments& documents, Report* report) {
-    applyRows(kRowRules, report, Table(documents));
-}
-
-std::vector<const Rule*> rowRules() {
-    return rulesOf(kRowRules);
+void checkBitRates(const Checked& checked, Report* report) {
+    const Table table(checked);
+    checkRowsThatMatchNothing(table, report);
+    checkHiddenRows(table, report);
+    checkOverlappingRows(table, report);
+    checkCatchAlls(table, report);
+    checkGaps(table, report);
+    checkRowsApart(table, report);
+    checkOrder(table, report);
+    checkFallingRates(table, report);
+    checkZeroRates(table, report);
 }
 
 }  // namespace kc2::tool

@@ -4,23 +4,21 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
-#include "check/rules/DocumentNames.h"
-#include "check/rules/Emit.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Rules.h"
 
 namespace kc2::tool {
 
 namespace {
 
-const OutlineNode* memberOf(const CheckedDocument& checked, const std::string& section,
-                            const std::string& name) {
-    const OutlineNode* const node = checked.section(section.c_str());
+const Node* memberOf(const Document& document, const std::string& section,
+                     const std::string& name) {
+    const Node* const node = document.section(section.c_str());
     return node != nullptr ? findMember(*node, name) : nullptr;
 }
 
@@ -28,8 +26,8 @@ const OutlineNode* memberOf(const CheckedDocument& checked, const std::string& s
 
 // Calls visit(setting, value) for each preset of the catalogue that the document sets.
 template <typename Visit>
-void forEachKnownPreset(const CheckedDocument& checked, const KnownSettings& known, Visit visit) {
-    const auto& presets = checked.document.content.presets;
+void forEachKnownPreset(const Document& document, const KnownSettings& known, Visit visit) {
+    const auto& presets = document.content.presets;
     for (const Setting& setting : known.catalogue.settings()) {
         const auto preset =
                 setting.section == targetSpecPresets ? presets.find(setting.name) : presets.end();
@@ -40,26 +38,26 @@ void forEachKnownPreset(const CheckedDocument& checked, const KnownSettings& kno
 }
 
 // Adds a finding at the value of a preset, unless the reader has changed it: that is the mistake.
-void emitAtValue(const CheckedDocument& checked, const Setting& setting, std::string message,
-                 const Emit& emit) {
-    const OutlineNode* const member = memberOf(checked, setting.section, setting.name);
+void reportAtValue(CheckId check, const Document& document, const Setting& setting,
+                   std::string message, Report* report) {
+    const Node* const member = memberOf(document, setting.section, setting.name);
     if (member != nullptr && member->isNumber()) {
-        emit(checked, member->value, std::move(message));
+        report->add(check, document, member->value, std::move(message));
     }
 }
 
-void checkRanges(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachKnownPreset(checked, known, [&](const Setting& setting, int64_t value) {
+void checkRanges(const Document& document, const KnownSettings& known, Report* report) {
+    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         const bool isBelow = setting.minimum && value < *setting.minimum;
         const bool isAbove = setting.maximum && value > *setting.maximum;
         if (isBelow || isAbove) {
-            emitAtValue(checked, setting,
-                        fmt::format("{} is {} {}, the {} of \"{}\" ({})", value,
-                                    isBelow ? "below" : "above",
-                                    isBelow ? *setting.minimum : *setting.maximum,
-                                    isBelow ? "lowest value" : "highest value", setting.name,
-                                    setting.meaning),
-                        emit);
+            reportAtValue("value-range", document, setting,
+                          fmt::format("{} is {} {}, the {} of \"{}\" ({})", value,
+                                      isBelow ? "below" : "above",
+                                      isBelow ? *setting.minimum : *setting.maximum,
+                                      isBelow ? "lowest value" : "highest value", setting.name,
+                                      setting.meaning),
+                          report);
         }
     });
 }
@@ -78,51 +76,50 @@ const CatalogueValue* findValue(const std::vector<CatalogueValue>& values, int64
     return found != values.end() ? &*found : nullptr;
 }
 
-void checkListedValues(const CheckedDocument& checked, const KnownSettings& known,
-                       const Emit& emit) {
-    forEachKnownPreset(checked, known, [&](const Setting& setting, int64_t value) {
+void checkListedValues(const Document& document, const KnownSettings& known, Report* report) {
+    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         if (setting.hasOnlyValues && findValue(setting.values, value) == nullptr) {
-            emitAtValue(checked, setting,
-                        fmt::format("{} is not a value of \"{}\" ({}): {}", value, setting.name,
-                                    setting.meaning, listOf(setting.values)),
-                        emit);
+            reportAtValue("value-unknown", document, setting,
+                          fmt::format("{} is not a value of \"{}\" ({}): {}", value, setting.name,
+                                      setting.meaning, listOf(setting.values)),
+                          report);
         }
         int64_t rest = value;
         for (const CatalogueValue& bit : setting.bits) {
             rest &= ~bit.value;
         }
         if (!setting.bits.empty() && rest != 0) {
-            emitAtValue(checked, setting,
-                        fmt::format("{} has other bits than \"{}\" ({}): its bits are {}", value,
-                                    setting.name, setting.meaning, listOf(setting.bits)),
-                        emit);
+            reportAtValue("value-unknown", document, setting,
+                          fmt::format("{} has other bits than \"{}\" ({}): its bits are {}", value,
+                                      setting.name, setting.meaning, listOf(setting.bits)),
+                          report);
         }
     });
 }
 
-void checkSupport(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachKnownPreset(checked, known, [&](const Setting& setting, int64_t value) {
+void checkSupport(const Document& document, const KnownSettings& known, Report* report) {
+    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         const CatalogueValue* unsupported = findValue(setting.values, value);
         for (const CatalogueValue& bit : setting.bits) {
             unsupported = !bit.isSupported && (value & bit.value) != 0 ? &bit : unsupported;
         }
         if (unsupported != nullptr && !unsupported->isSupported) {
-            emitAtValue(checked, setting,
-                        fmt::format("{} of \"{}\" ({}) is not supported", unsupported->value,
-                                    setting.name, unsupported->meaning),
-                        emit);
+            reportAtValue("value-unsupported", document, setting,
+                          fmt::format("{} of \"{}\" ({}) is not supported", unsupported->value,
+                                      setting.name, unsupported->meaning),
+                          report);
         }
     });
 }
 
-void checkNeededBits(const CheckedDocument& checked, const KnownSettings& known, const Emit& emit) {
-    forEachKnownPreset(checked, known, [&](const Setting& setting, int64_t value) {
+void checkNeededBits(const Document& document, const KnownSettings& known, Report* report) {
+    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         for (const CatalogueValue& bit : setting.bits) {
             if ((value & bit.value) != 0 && bit.neededBit && (value & *bit.neededBit) == 0) {
-                emitAtValue(checked, setting,
-                            fmt::format("bit {} of \"{}\" ({}) counts only together with bit {}",
-                                        bit.value, setting.name, bit.meaning, *bit.neededBit),
-                            emit);
+                reportAtValue("bit-without-other", document, setting,
+                              fmt::format("bit {} of \"{}\" ({}) is used only together with bit {}",
+                                          bit.value, setting.name, bit.meaning, *bit.neededBit),
+                              report);
             }
         }
     });
@@ -134,224 +131,156 @@ bool isWholeReal(std::string_view number) {
     return !number.empty() && number.find_first_of(".eE") != std::string_view::npos;
 }
 
-// Where the values are that the reader has taken, and where those are that it has more to say of.
-struct Reported {
-    explicit Reported(const CheckedDocument& checked) {
-        for (const KeptFinding& finding : checked.document.findings) {
-            (finding.kind == FindingKind::Taken ? taken : others).insert(finding.start);
-        }
-    }
-
-    bool isTaken(const OutlineNode& node) const { return taken.count(node.value.start) != 0; }
-    bool hasOther(const OutlineNode& node) const { return others.count(node.value.start) != 0; }
-
-    std::unordered_set<size_t> taken;
-    std::unordered_set<size_t> others;
-};
-
 // JsonCpp keeps a number with a point or an exponent as a real; a whole one converts without loss.
-void checkWholeReals(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                     const Emit& emit) {
-    std::optional<Reported> reported;  // Hardly any document has a real number.
-    // `whole` is what the device takes whole: the number itself, or its row.
-    const auto checkNumber = [&](const OutlineNode& node, const OutlineNode& whole) {
-        const std::string_view text = checked.source.textAt(node.value);
-        if (!node.isNumber() || !isWholeReal(text)) {
-            return;
-        }
-        if (!reported) {
-            reported.emplace(checked);
-        }
-        if (reported->isTaken(whole) && !reported->hasOther(node)) {
-            emit(checked, node.value,
-                 fmt::format(
-                         "{} is a real number; the device takes it as {}", text,
-                         static_cast<int64_t>(std::strtod(std::string(text).c_str(), nullptr))));
+void checkWholeReals(const Document& document, Report* report) {
+    // `whole` is what the device uses as a whole: the number itself, or its row.
+    const auto checkNumber = [&](const Node& node, const Node& whole) {
+        const std::string_view text = document.source.textAt(node.value);
+        const bool isChanged = std::any_of(
+                node.verdicts.begin(), node.verdicts.end(),
+                [](const Verdict& verdict) { return verdict.kind != FindingKind::Taken; });
+        if (node.isNumber() && isWholeReal(text) && whole.isUsed() && !isChanged) {
+            report->add("real-number", document, node.value,
+                        fmt::format("{} is a real number; the device uses it as {}", text,
+                                    static_cast<int64_t>(
+                                            std::strtod(std::string(text).c_str(), nullptr))));
         }
     };
-    forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
+    forEachSection(document, [&](const Section& row, const Node& section) {
         const bool isTable = row.type == SectionType::BitRateRows;
         if (!isTable && row.type != SectionType::Presets && row.type != SectionType::DolbyVision) {
             return;
         }
-        for (const OutlineNode& child : section.children) {
+        for (const Node& child : section.children) {
             checkNumber(child, child);
-            for (const OutlineNode& element : child.children) {
+            for (const Node& element : child.children) {
                 checkNumber(element, isTable ? child : element);
             }
         }
     });
 }
 
-// --- What is there and holds nothing ---
+// --- What is there and empty ---
 
-bool isNull(const OutlineNode& node) {
-    return node.kind == 'n';
+bool isEmptyContainer(const Node& node) {
+    return (node.isObject() || node.isArray()) && node.children.empty();
 }
 
-bool isEmptyContainer(const OutlineNode& node) {
-    return (node.kind == '{' || node.kind == '[') && node.children.empty();
-}
-
-void checkEmptyVideo(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                     const Emit& emit) {
-    const OutlineNode* const video = findMember(checked.outline.root, targetSpecRoot);
-    if (video != nullptr && checked.document.isAccepted &&
-        (isNull(*video) || isEmptyContainer(*video))) {
-        emit(checked, video->name,
-             fmt::format("\"{}\" is {}: the document sets nothing", targetSpecRoot,
-                         isNull(*video) ? "null" : "empty"));
+void checkEmptyVideo(const Document& document, Report* report) {
+    const Node* const video = document.video();
+    if (video != nullptr && document.isAccepted && (video->isNull() || isEmptyContainer(*video))) {
+        report->add("video-empty", document, video->name,
+                    fmt::format("\"{}\" is {}: the document sets nothing", targetSpecRoot,
+                                video->isNull() ? "null" : "empty"));
     }
 }
 
 // "DolbyVision" is left to the reader's finding: its levels become 0.
 template <typename Visit>
-void forEachSectionWithoutLevels(const CheckedDocument& checked, Visit visit) {
-    forEachSection(checked, [&](const Section& row, const OutlineNode& section) {
+void forEachSectionWithoutLevels(const Document& document, Visit visit) {
+    forEachSection(document, [&](const Section& row, const Node& section) {
         if (row.type != SectionType::DolbyVision) {
             visit(row, section);
         }
     });
 }
 
-void checkNullSections(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                       const Emit& emit) {
-    forEachSectionWithoutLevels(checked, [&](const Section& row, const OutlineNode& section) {
-        if (isNull(section)) {
-            emit(checked, section.name,
-                 fmt::format("\"{}\" is null, which counts as an empty section", *row.key));
+void checkNullSections(const Document& document, Report* report) {
+    forEachSectionWithoutLevels(document, [&](const Section& row, const Node& section) {
+        if (section.isNull()) {
+            report->add(
+                    "section-null", document, section.name,
+                    fmt::format("\"{}\" is null, which is the same as an empty section", *row.key));
         }
     });
 }
 
-void checkEmptySections(const CheckedDocument& checked, const KnownSettings& /*known*/,
-                        const Emit& emit) {
-    const auto isReported = [&checked](const OutlineNode& section) {
-        const auto& findings = checked.document.findings;
-        return std::any_of(findings.begin(), findings.end(), [&](const KeptFinding& finding) {
-            return finding.start == section.value.start;
-        });
-    };
-    forEachSectionWithoutLevels(checked, [&](const Section& row, const OutlineNode& section) {
-        // Codec sections that name no component have a finding that says what it comes to.
-        const bool isEveryCodec =
-                isOfCodecs(row.type) && checked.document.content.supportedCodecs.empty();
-        if (isEmptyContainer(section) && !isEveryCodec && !isReported(section)) {
-            emit(checked, section.name, fmt::format("\"{}\" is empty", *row.key));
+void checkEmptySections(const Document& document, Report* report) {
+    forEachSectionWithoutLevels(document, [&](const Section& row, const Node& section) {
+        // Codec sections that name no component have a finding that says what that means.
+        const bool isEveryCodec = isOfCodecs(row.type) && document.content.supportedCodecs.empty();
+        if (isEmptyContainer(section) && !isEveryCodec && section.verdicts.empty()) {
+            report->add("section-empty", document, section.name,
+                        fmt::format("\"{}\" is empty", *row.key));
         }
     });
 }
 
-constexpr DocumentRule kValueRules[] = {
-        {{"value-range", Severity::Warning, "a preset below or above what it may be"}, checkRanges},
-        {{"value-unknown", Severity::Warning, "a preset with a value or a bit that does not exist"},
-         checkListedValues},
-        {{"value-unsupported", Severity::Warning, "a preset with a value that is not supported"},
-         checkSupport},
-        {{"bit-without-other", Severity::Warning, "a bit that counts only together with another"},
-         checkNeededBits},
-        {{"real-number", Severity::Note, "a whole number with a point or an exponent"},
-         checkWholeReals},
-        {{"video-empty", Severity::Warning, "a \"Video\" that is null or empty"}, checkEmptyVideo},
-        {{"section-null", Severity::Warning, "a section that is null"}, checkNullSections},
-        {{"section-empty", Severity::Note, "a section that holds nothing"}, checkEmptySections},
-};
+// --- Settings that need others, in the store that the documents give together ---
 
-// --- Settings that need others, in the whole load ---
-
-// The first document that sets the name, which is the one that counts; null when none does.
-template <typename Map>
-const CheckedDocument* firstWith(const MergedDocuments& documents, Map SpecDocument::*map,
-                                 const std::string& name) {
-    for (const auto& document : documents) {
-        if ((document->document.content.*map).count(name) != 0) {
-            return document.get();
+// The document whose value of the preset the store has; null when none is.
+const Document* setterOf(const Checked& checked, const std::string& name) {
+    const auto& presets = checked.whole().presets;
+    const auto used = presets.find(name);
+    for (const Document* const document : checked.documents) {
+        const auto own = document->content.presets.find(name);
+        if (used != presets.end() && own != document->content.presets.end() &&
+            own->second == used->second) {
+            return document;
         }
     }
     return nullptr;
 }
 
-bool isWritten(const CheckedDocument& checked) {
-    return !checked.document.path.empty();  // Else it is a built-in document.
-}
-
-bool isFeatureOn(const MergedDocuments& documents, const std::string& name) {
-    const CheckedDocument* const setter = firstWith(documents, &SpecDocument::features, name);
-    return setter != nullptr && setter->document.content.features.at(name);
-}
-
-void checkNeededFeatures(const MergedDocuments& documents, const KnownSettings& known,
-                         const Emit& emit) {
-    for (const Setting& setting : known.catalogue.settings()) {
-        const CheckedDocument* const setter =
-                setting.neededFeature.empty()
-                        ? nullptr
-                        : firstWith(documents, &SpecDocument::presets, setting.name);
-        if (setter == nullptr || !isWritten(*setter) ||
-            setter->document.content.presets.at(setting.name) == 0 ||
-            isFeatureOn(documents, setting.neededFeature)) {
+void checkNeededFeatures(const Checked& checked, Report* report) {
+    const SpecDocument& store = checked.whole();
+    for (const Setting& setting : checked.known.catalogue.settings()) {
+        const auto preset = setting.neededFeature.empty() ? store.presets.end()
+                                                          : store.presets.find(setting.name);
+        const auto feature = store.features.find(setting.neededFeature);
+        const bool isSet = feature != store.features.end();
+        if (preset == store.presets.end() || preset->second == 0 || (isSet && feature->second)) {
             continue;
         }
-        const CheckedDocument* const feature =
-                firstWith(documents, &SpecDocument::features, setting.neededFeature);
-        if (feature != nullptr || documents.size() > 1 || !isPrivateFile(*setter)) {
-            emitAtValue(*setter, setting,
-                        fmt::format("\"{}\" has an effect only while the feature \"{}\" is true, "
-                                    "and that is {}",
-                                    setting.name, setting.neededFeature,
-                                    feature != nullptr ? "false" : "not set"),
-                        emit);
+        const Document* const setter = setterOf(checked, setting.name);
+        const bool isKnown = isSet || !checked.isAlone() || !isPrivateFile(*setter);
+        if (!setter->isBuiltIn() && isKnown) {
+            reportAtValue(
+                    "feature-needed", *setter, setting,
+                    fmt::format("\"{}\" has an effect only while the feature \"{}\" is true, "
+                                "and that is {}",
+                                setting.name, setting.neededFeature, isSet ? "false" : "not set"),
+                    report);
         }
     }
 }
 
-void checkOrder(const MergedDocuments& documents, const KnownSettings& known, const Emit& emit) {
-    for (const Setting& setting : known.catalogue.settings()) {
+void checkOrder(const Checked& checked, Report* report) {
+    const SpecDocument& store = checked.whole();
+    for (const Setting& setting : checked.known.catalogue.settings()) {
         const Setting* const most =
-                setting.atMost.empty() ? nullptr : known.catalogue.setting(setting.atMost);
-        if (most == nullptr) {
+                setting.atMost.empty() ? nullptr : checked.known.catalogue.setting(setting.atMost);
+        const auto value = store.presets.find(setting.name);
+        const auto limit = most != nullptr ? store.presets.find(most->name) : store.presets.end();
+        if (value == store.presets.end() || limit == store.presets.end() ||
+            value->second <= limit->second) {
             continue;
         }
-        const auto* const setter = firstWith(documents, &SpecDocument::presets, setting.name);
-        const auto* const other = firstWith(documents, &SpecDocument::presets, most->name);
-        if (setter == nullptr || other == nullptr) {
-            continue;
-        }
-        const int32_t value = setter->document.content.presets.at(setting.name);
-        const int32_t limit = other->document.content.presets.at(most->name);
-        if (value > limit) {
-            const bool isHere = isWritten(*setter);
-            emitAtValue(isHere ? *setter : *other, isHere ? setting : *most,
-                        fmt::format("\"{}\" is {}, which is above \"{}\", {}", setting.name, value,
-                                    most->name, limit),
-                        emit);
-        }
+        const Document& setter = *setterOf(checked, setting.name);
+        const bool isHere = !setter.isBuiltIn();
+        reportAtValue("above-other", isHere ? setter : *setterOf(checked, most->name),
+                      isHere ? setting : *most,
+                      fmt::format("\"{}\" is {}, which is above \"{}\", {}", setting.name,
+                                  value->second, most->name, limit->second),
+                      report);
     }
 }
-
-constexpr DocumentsRule kDependencyRules[] = {
-        {{"feature-needed", Severity::Warning, "a preset whose feature is not on"},
-         checkNeededFeatures},
-        {{"above-other", Severity::Warning, "a preset above the one that limits it"}, checkOrder},
-};
 
 }  // namespace
 
-void applyValueRules(const CheckedDocument& document, const KnownSettings& known, Report* report) {
-    applyRows(kValueRules, report, document, known);
-}
-
-void applyDependencyRules(const MergedDocuments& documents, const KnownSettings& known,
-                          Report* report) {
-    applyRows(kDependencyRules, report, documents, known);
-}
-
-std::vector<const Rule*> valueRules() {
-    return rulesOf(kValueRules);
-}
-
-std::vector<const Rule*> dependencyRules() {
-    return rulesOf(kDependencyRules);
+void checkValues(const Checked& checked, Report* report) {
+    checked.forEachWritten([&](const Document& document) {
+        checkRanges(document, checked.known, report);
+        checkListedValues(document, checked.known, report);
+        checkSupport(document, checked.known, report);
+        checkNeededBits(document, checked.known, report);
+        checkWholeReals(document, report);
+        checkEmptyVideo(document, report);
+        checkNullSections(document, report);
+        checkEmptySections(document, report);
+    });
+    checkNeededFeatures(checked, report);
+    checkOrder(checked, report);
 }
 
 }  // namespace kc2::tool

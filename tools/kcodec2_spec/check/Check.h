@@ -1,4 +1,4 @@
-// What the check command is asked to do.
+// kcodec2_spec check: every mistake of a document, before it reaches a device.
 #pragma once
 
 #include <memory>
@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "catalogue/KnownSettings.h"
+#include "check/Checked.h"
 #include "check/Levels.h"
+#include "check/Report.h"
 #include "check/output/Output.h"
 
 namespace kc2::tool {
@@ -22,8 +24,16 @@ struct CheckOptions {
     bool warningsAreErrors = false;
     FixMode fix = FixMode::None;
     std::shared_ptr<const KnownSettings> known;
-    std::string rootDirectory;  // What is outside of it is not mended; empty when there is none.
+    std::string rootDirectory;  // What is outside of it is not fixed; empty when there is none.
 };
+
+// Applies every rule. What is checked must outlive the report.
+void check(const Checked& checked, Report* report);
+
+// The text with all safe fixes of what the check reports; nothing else is changed.
+std::string withSafeFixes(const Document& document, const CheckOptions& options);
+
+// These print the report and return the exit code.
 
 // Checks documents one by one, as files of this machine.
 int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options);
@@ -33,8 +43,5 @@ int checkDevice(const CheckOptions& options);
 
 // The same with each variant that the tree has a document for, and without one, in one report.
 int checkEachVariant(const CheckOptions& options);
-
-// Prints the checks, group by group: id, severity, what it is about.
-int listChecks(const CheckOptions& options);
 
 }  // namespace kc2::tool

@@ -1,0 +1,38 @@
+// What the rules of a check look at: documents, and what the library makes of them together.
+
+#include "check/Checked.h"
+
+#include <string_view>
+
+#include "device/DevicePaths.h"
+
+namespace kc2::tool {
+
+namespace {
+
+std::vector<const Document*> documentsOf(const Load& load) {
+    if (load.hasSystemSpec()) {
+        return {load.systemSpec.get(), load.overlay.get()};
+    }
+    return {load.overlay.get()};
+}
+
+}  // namespace
+
+Checked::Checked(const Document& alone, const KnownSettings& knownSettings)
+    : known(knownSettings), load(nullptr), documents({&alone}) {}
+
+Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings)
+    : known(knownSettings), load(&ofLoad), documents(documentsOf(ofLoad)) {
+    if (documents.size() == 2) {
+        mMerged = merge(documents[0]->content, documents[1]->content);
+    }
+}
+
+bool isPrivateFile(const Document& document) {
+    const std::string_view name = kPrivateConfig;
+    const std::string_view file = name.substr(name.rfind('/') + 1);
+    return document.path == file || document.path.ends_with("/" + std::string(file));
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,107 @@
+// Looks up checks by their ids.
+
+#include "check/Checks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "base/Text.h"
+
+namespace kc2::tool {
+
+namespace {
+
+// Each group's checks follow each other, in the order of the groups, and no group is empty.
+constexpr bool areGroupsInOrder() {
+    size_t group = 0;
+    for (const Check& check : kChecks) {
+        if (std::string_view(check.group) != kCheckGroups[group].name) {
+            ++group;
+        }
+        if (group == std::size(kCheckGroups) ||
+            std::string_view(check.group) != kCheckGroups[group].name) {
+            return false;
+        }
+    }
+    return group + 1 == std::size(kCheckGroups);
+}
+static_assert(areGroupsInOrder());
+
+// A check has a document with the mistake and the same one without it, or a reason why not.
+constexpr bool hasEachItsTexts() {
+    return std::all_of(std::begin(kChecks), std::end(kChecks), [](const Check& check) {
+        const bool isShown = *check.mistake != '\0';
+        return *check.summary != '\0' && *check.meaning != '\0' && *check.fix != '\0' &&
+               isShown == (*check.fixed != '\0') && isShown == (*check.whyNoExample == '\0');
+    });
+}
+static_assert(hasEachItsTexts());
+
+}  // namespace
+
+const char* nameOf(Severity severity) {
+    switch (severity) {
+        case Severity::Note:
+            return "note";
+        case Severity::Warning:
+            return "warning";
+        case Severity::Error:
+            return "error";
+    }
+    return "";
+}
+
+bool isFormerCheck(std::string_view name) {
+    return name == "system-spec" || name == "overlay";
+}
+
+void noteFormerCheck(std::string_view name) {
+    static std::set<std::string, std::less<>> noted;
+    if (noted.emplace(name).second) {
+        fmt::print(stderr,
+                   "kcodec2_spec: naming the check \"{}\" has no effect: it is now the heading of "
+                   "the report\n",
+                   name);
+    }
+}
+
+const Check* findCheck(std::string_view id) {
+    static const std::unordered_map<std::string_view, const Check*> checks = [] {
+        std::unordered_map<std::string_view, const Check*> all;
+        for (const Check& check : kChecks) {
+            all.emplace(check.id, &check);
+        }
+        return all;
+    }();
+    const auto found = checks.find(id);
+    return found != checks.end() ? found->second : nullptr;
+}
+
+bool isCheckGroup(std::string_view name) {
+    return name == kAllChecks ||
+           std::any_of(std::begin(kCheckGroups), std::end(kCheckGroups),
+                       [name](const CheckGroup& group) { return name == group.name; });
+}
+
+std::string unknownCheck(std::string_view name) {
+    std::vector<std::string_view> names = {kAllChecks};
+    for (const CheckGroup& group : kCheckGroups) {
+        names.emplace_back(group.name);
+    }
+    for (const Check& check : kChecks) {
+        names.emplace_back(check.id);
+    }
+    const std::string near = nearest(name, names);
+    return "there is no check \"" + std::string(name) + "\"" +
+           (near.empty() ? "" : ". Did you mean \"" + near + "\"?");
+}
+
+}  // namespace kc2::tool

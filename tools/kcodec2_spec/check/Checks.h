@@ -1,0 +1,62 @@
+// Looks up checks by their ids. The checks themselves are the rows of CheckRows.h.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "check/CheckRows.h"
+
+namespace kc2::tool {
+
+const char* nameOf(Severity severity);
+
+// The name of all groups together.
+inline constexpr char kAllChecks[] = "all";
+
+// Names the error when a CheckId is not in the table: it is no constant expression.
+void noCheckHasThisId();
+
+// The row of an id. An id that no row has does not compile: add("row-gap", ...).
+class CheckId {
+public:
+    consteval CheckId(const char* id) : mCheck(find(id)) {}  // NOLINT: written as its text.
+
+    constexpr operator const Check&() const { return *mCheck; }
+    constexpr const Check* operator->() const { return mCheck; }
+
+private:
+    static consteval const Check* find(std::string_view id) {
+        for (const Check& check : kChecks) {
+            if (check.id == id) {
+                return &check;
+            }
+        }
+        noCheckHasThisId();
+        return nullptr;
+    }
+
+    const Check* mCheck;
+};
+
+// The check of that id; null when there is none.
+const Check* findCheck(std::string_view id);
+
+// Whether options may use the name: of a group, or of all.
+bool isCheckGroup(std::string_view name);
+
+// Whether the check is in the group of that name.
+constexpr bool isInGroup(const Check& check, std::string_view name) {
+    return name == kAllChecks || name == check.group;
+}
+
+// Whether there was a check of that name whose findings are now the heading of the report: options
+// and comments may still name it, without effect.
+bool isFormerCheck(std::string_view name);
+
+// Says on standard error, once for each name, that naming such a check has no effect.
+void noteFormerCheck(std::string_view name);
+
+// That there is no check of that name, with the nearest that there is.
+std::string unknownCheck(std::string_view name);
+
+}  // namespace kc2::tool

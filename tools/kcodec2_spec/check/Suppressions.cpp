@@ -1,0 +1,119 @@
+// Comments in a document that suppress findings: "// kcodec2_spec: allow ID".
+
+#include "check/Suppressions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/Text.h"
+
+namespace kc2::tool {
+
+namespace {
+
+constexpr std::string_view kMark = "kcodec2_spec:";
+constexpr size_t kMostSuggestions = 100;  // A search through all ids for each of a million is long.
+
+}  // namespace
+
+Suppressions::Suppressions(const Source& source, const std::vector<Span>& comments)
+    : mSource(&source) {
+    const std::string_view text = source.text();
+    if (text.find(kMark) == std::string_view::npos) {
+        return;
+    }
+    // From the last comment to the first: a comment may be for the line that the next one is for.
+    size_t nextStart = text.size();
+    size_t nextLine = source.lineOf(text.size());
+    for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {
+        const size_t line = source.lineOf(comment->start);
+        const size_t before = text.find_last_not_of(" \t\r", comment->start - 1);
+        const bool isAfter = comment->start != 0 && before != std::string_view::npos &&
+                             text[before] != '\n' && before >= source.startOf(line);
+        const size_t next = text.find_first_not_of(kJsonBlanks, comment->limit);
+        const size_t about = isAfter ? line : next < nextStart ? source.lineOf(next) : nextLine;
+        readComment(*comment, about);
+        nextStart = comment->start;
+        nextLine = isAfter ? source.lineOf(comment->start) : about;
+    }
+}
+
+// Reads the ids of a comment that is for the tool.
+void Suppressions::readComment(Span comment, size_t line) {
+    const std::string_view text = mSource->textAt(comment);
+    size_t at = text.find_first_not_of(kJsonBlanks, 2);
+    if (at == std::string_view::npos || text.substr(at, kMark.size()) != kMark) {
+        return;
+    }
+    const bool isBlock = text[1] == '*';
+    const std::string_view inside = text.substr(0, text.size() - (isBlock ? 2 : 0));
+    bool isFirst = true;
+    bool hasId = false;
+    at += kMark.size();
+    while ((at = inside.find_first_not_of(" \t\r\n,", at)) != std::string_view::npos) {
+        const size_t limit = std::min(inside.find_first_of(" \t\r\n,", at), inside.size());
+        if (isFirst && inside.substr(at, limit - at) != "allow") {
+            break;
+        }
+        if (!isFirst) {
+            addId({comment.start + at, comment.start + limit}, line);
+            hasId = true;
+        }
+        isFirst = false;
+        at = limit;
+    }
+    if (!hasId) {
+        mMistakes.push_back({comment, "the comment must go on with \"allow\" and ids of checks"});
+    }
+}
+
+void Suppressions::addId(Span span, size_t line) {
+    const std::string_view id = mSource->textAt(span);
+    const Check* const check = findCheck(id);
+    if (isFormerCheck(id)) {
+        noteFormerCheck(id);
+    } else if (check == nullptr && !isCheckGroup(id)) {
+        mMistakes.push_back({span, mMistakes.size() < kMostSuggestions
+                                           ? unknownCheck(id)
+                                           : fmt::format("there is no check \"{}\"", id)});
+    } else if (check != nullptr && check->isRejection) {
+        mMistakes.push_back({span, fmt::format("{} cannot be allowed: the device uses nothing of "
+                                               "the document",
+                                               id)});
+    } else if (!mByPlace.emplace(std::pair(line, id), Suppression{span, false}).second) {
+        mMistakes.push_back({span, fmt::format("{} is allowed here already", id)});
+    }
+}
+
+bool Suppressions::suppress(const Check& check, size_t offset) {
+    if (check.isRejection || mByPlace.empty()) {
+        return false;
+    }
+    const size_t line = mSource->lineOf(offset);
+    bool isSuppressed = false;
+    for (const std::string_view name : {std::string_view(check.id), std::string_view(check.group),
+                                        std::string_view(kAllChecks)}) {
+        const auto found = mByPlace.find(std::pair(line, name));
+        if (found != mByPlace.end()) {
+            found->second.isUsed = true;
+            isSuppressed = true;
+        }
+    }
+    return isSuppressed;
+}
+
+std::vector<Suppressions::Unused> Suppressions::unused() const {
+    std::vector<Unused> unused = mMistakes;
+    for (const auto& [place, suppression] : mByPlace) {
+        if (!suppression.isUsed) {
+            unused.push_back({suppression.span,
+                              fmt::format("line {} has no finding {}\"{}\" to allow", place.first,
+                                          findCheck(place.second) != nullptr ? "" : "of the group ",
+                                          place.second)});
+        }
+    }
+    return unused;
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,222 @@
+// What the text of a document says that the library's reader does not look at.
+
+#include <fmt/format.h>
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "base/Text.h"
+#include "check/rules/Entries.h"
+#include "check/rules/Misspellings.h"
+#include "check/rules/Rules.h"
+#include "document/SyntaxHints.h"
+
+namespace kc2::tool {
+
+namespace {
+
+template <typename Visit>
+void visitAll(const Node& node, const Visit& visit) {
+    visit(node);
+    for (const Node& child : node.children) {
+        visitAll(child, visit);
+    }
+}
+
+// Editors look for their schema here.
+constexpr std::string_view kSchemaMember = "$schema";
+
+// Where a name belongs that is right elsewhere; empty when it is not.
+std::string rightPlaceOf(std::string_view name, const KnownSettings& known) {
+    const auto isKey = [&](const char* key) { return key != nullptr && name == key; };
+    if (isKey(targetSpecRoot)) {
+        return "the root";
+    }
+    for (const Section& row : kSections) {
+        if (isKey(*row.key)) {
+            return fmt::format("\"{}\"", targetSpecRoot);
+        }
+        for (const char* const* member : fixedMembersOf(row.type)) {
+            if (isKey(*member)) {
+                return fmt::format("\"{}\"", *row.key);
+            }
+        }
+    }
+    const Setting* const setting = known.catalogue.setting(name);
+    return setting != nullptr ? fmt::format("\"{}\"", setting->section) : "";
+}
+
+// The members of one object that the reader did not look up.
+void reportUnknownMembers(const Document& document, const Node& object, std::string_view place,
+                          const std::vector<std::string_view>& names, const KnownSettings& known,
+                          Report* report) {
+    std::vector<Misspelling> misspellings;
+    for (const Node& member : object.children) {
+        const bool isUnknown = member.has(FindingKind::UnknownMember) ||
+                               member.has(FindingKind::UnknownRootMember);
+        if (!isUnknown || (&object == &document.tree.root && member.key == kSchemaMember)) {
+            continue;
+        }
+        const std::string rightPlace = rightPlaceOf(member.key, known);
+        std::string near = rightPlace.empty() ? nearest(member.key, names) : "";
+        const std::string hint = !rightPlace.empty() ? fmt::format(". It belongs in {}", rightPlace)
+                                 : near.empty()      ? ""
+                                                     : fmt::format(". Did you mean \"{}\"?", near);
+        misspellings.push_back(
+                {member.name, std::move(near),
+                 fmt::format("unknown member \"{}\" of {}, ignored{}", member.key, place, hint)});
+    }
+    reportMisspellings(
+            "unknown-member", document, std::move(misspellings),
+            [&](const std::string& near) { return findMember(object, near) != nullptr; }, report);
+}
+
+std::vector<std::string_view> namesOf(std::span<const char* const* const> keys) {
+    std::vector<std::string_view> names;
+    for (const char* const* key : keys) {
+        if (*key != nullptr) {
+            names.emplace_back(*key);
+        }
+    }
+    return names;
+}
+
+void checkUnknownMembers(const Document& document, const KnownSettings& known, Report* report) {
+    reportUnknownMembers(document, document.tree.root, "the root", {targetSpecRoot}, known, report);
+    const Node* const video = document.video();
+    if (video == nullptr) {
+        return;
+    }
+    std::vector<std::string_view> sections;
+    for (const Section& row : kSections) {
+        if (*row.key != nullptr) {
+            sections.emplace_back(*row.key);
+        }
+    }
+    reportUnknownMembers(document, *video, fmt::format("\"{}\"", targetSpecRoot), sections, known,
+                         report);
+    forEachSection(document, [&](const Section& row, const Node& section) {
+        if (!fixedMembersOf(row.type).empty()) {
+            reportUnknownMembers(document, section, fmt::format("\"{}\"", *row.key),
+                                 namesOf(fixedMembersOf(row.type)), known, report);
+        }
+    });
+}
+
+// The reader uses one setting of each name: where it uses every member, no name is there twice. In
+// large documents that saves a search.
+bool hasEachNameOnce(const Document& document, const Node& object) {
+    if (object.children.size() < 2) {
+        return true;
+    }
+    bool isKeptWhole = false;
+    forEachSection(document, [&](const Section& row, const Node& section) {
+        isKeptWhole = isKeptWhole || (&section == &object && isOfNamedValues(row.type) &&
+                                      std::all_of(object.children.begin(), object.children.end(),
+                                                  [](const Node& one) { return one.isUsed(); }));
+    });
+    return isKeptWhole;
+}
+
+void checkDuplicateMembers(const Document& document, Report* report) {
+    visitAll(document.tree.root, [&](const Node& object) {
+        if (object.kind != '{' || hasEachNameOnce(document, object)) {
+            return;
+        }
+        std::unordered_map<std::string_view, const Node*> last;
+        for (const Node& member : object.children) {
+            const Node*& earlier = last[member.key];
+            if (earlier != nullptr) {
+                report->add(
+                        "duplicate-member", document, member.name,
+                        fmt::format(
+                                "duplicate member \"{}\"; this value is used, not the one at {}",
+                                member.key, document.source.placeOf(earlier->name.start)),
+                        besides(document.source, earlier->name));
+            }
+            earlier = &member;
+        }
+    });
+}
+
+void checkLeadingZeros(const Document& document, Report* report) {
+    visitAll(document.tree.root, [&](const Node& node) {
+        const std::string_view digits =
+                document.source.text().substr(node.value.start + (node.kind == '-' ? 1 : 0), 2);
+        if (node.isNumber() && digits.size() == 2 && digits[0] == '0' &&
+            std::isdigit(static_cast<unsigned char>(digits[1])) != 0) {
+            report->add("leading-zero", document, node.value,
+                        "the leading zero does not make the number octal: it is decimal");
+        }
+    });
+}
+
+void checkLoneMinuses(const Document& document, Report* report) {
+    visitAll(document.tree.root, [&](const Node& node) {
+        if (node.kind == '-' && node.value.limit == node.value.start + 1) {
+            report->add("lone-minus", document, node.value,
+                        "a minus sign without digits counts as 0");
+        }
+    });
+}
+
+void checkHugeNumbers(const Document& document, Report* report) {
+    visitAll(document.tree.root, [&](const Node& node) {
+        const std::string_view text = node.isNumber() ? document.source.textAt(node.value) : "";
+        const bool mayBeHuge = text.size() > std::numeric_limits<double>::max_exponent10 ||
+                               text.find_first_of("eE") != std::string_view::npos;
+        if (mayBeHuge && std::isinf(std::strtod(std::string(text).c_str(), nullptr))) {
+            report->add("number-too-large", document, node.value,
+                        "the number is too large for any parser to hold: JsonCpp up to 1.9.5 "
+                        "rejects the "
+                        "whole document for it");
+        }
+    });
+}
+
+void checkTrailingText(const Document& document, Report* report) {
+    const std::string_view text = document.source.text();
+    if (document.tree.limit < text.size()) {
+        report->add("trailing-text", document, {document.tree.limit, text.size()},
+                    "text after the end of the document, ignored");
+    }
+}
+
+void checkControlCharacters(const Document& document, Report* report) {
+    for (const Span& span : rawControlCharacters(document.parserText)) {
+        const char c = document.source.text()[span.start];
+        report->add("control-character", document, span,
+                    std::string("a string holds a ") +
+                            (c == '\n' || c == '\r' ? "line break"
+                             : c == '\t'            ? "tab"
+                                                    : "control character") +
+                            " as it is: JsonCpp 1.9.8 and later reject the whole document for it. "
+                            "Write an escape, such as \\n, or remove it");
+    }
+}
+
+}  // namespace
+
+void checkTexts(const Checked& checked, Report* report) {
+    checked.forEachWritten([&](const Document& document) {
+        if (!document.isJson()) {
+            return;  // The syntax error is the finding.
+        }
+        checkUnknownMembers(document, checked.known, report);
+        checkDuplicateMembers(document, report);
+        checkLeadingZeros(document, report);
+        checkLoneMinuses(document, report);
+        checkHugeNumbers(document, report);
+        checkControlCharacters(document, report);
+        checkTrailingText(document, report);
+    });
+}
+
+}  // namespace kc2::tool
