@@ -360,8 +360,8 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The root has no member \"Video\", so the device uses nothing of the "
                            "document.",
                 .fix = "Put the sections into \"Video\".",
-                .mistake = R"({"Features": {}})",
-                .fixed = R"({"Video": {"Features": {}}})",
+                .mistake = R"({"Features": {"private_enc_cvp_enable": true}})",
+                .fixed = R"({"Video": {"Features": {"private_enc_cvp_enable": true}}})",
         },
         {
                 .id = "object-as-array",
@@ -432,7 +432,7 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The device stores the value as an unsigned number, so it becomes "
                            "2147483648 or more.",
                 .fix = "Write 0 or more.",
-                .mistake = R"({"Video": {"NimbraModeBitrateTable": [[-5, 1000, 500]]}})",
+                .mistake = R"({"Video": {"NimbraModeBitrateTable": [[0, 1000, -5]]}})",
                 .fixed = R"({"Video": {"NimbraModeBitrateTable": [[0, 1000, 500]]}})",
         },
         {
@@ -579,8 +579,10 @@ inline constexpr Check kChecks[] = {
                 .summary = "text after the end of the document",
                 .meaning = "The device ignores it.",
                 .fix = "Remove the text, or move it into the document.",
-                .mistake = R"({"Video": {}} {"Video": {"Features": {}}})",
-                .fixed = R"({"Video": {"Features": {}}})",
+                .mistake = R"({"Video": {"Presets": {"private_complexity": 50}}} )"
+                           R"("Features": {"private_enc_cvp_enable": true})",
+                .fixed = R"({"Video": {"Presets": {"private_complexity": 50}, )"
+                         R"("Features": {"private_enc_cvp_enable": true}}})",
         },
         // --- Names of settings and of list entries ----------------------------------------------
         {
@@ -712,7 +714,8 @@ inline constexpr Check kChecks[] = {
                            "read that as \"all are enabled\".",
                 .fix = "Name the components that the device has, or remove the section.",
                 .mistake = R"({"Video": {"codecs-available": {"decoders": []}}})",
-                .fixed = R"({"Video": {"codecs-available": {"decoders": ["c2.kvx.avc.decoder"]}}})",
+                .fixed = R"({"Video": {"codecs-available": {"decoders": ["c2.kvx.avc.decoder"], )"
+                         R"("encoders": ["c2.kvx.avc.encoder"]}}})",
         },
         {
                 .id = "variant-without-base",
@@ -723,10 +726,11 @@ inline constexpr Check kChecks[] = {
                            "of. In a single document, it is reported only if the document has "
                            "\"codecs-available\" and is not a private file.",
                 .fix = "List the component without the ending as well.",
-                .mistake = R"({"Video": {"codecs-available": {"decoders": )"
-                           R"(["c2.kvx.avc.decoder.secure"]}}})",
+                .mistake =
+                        R"({"Video": {"codecs-available": {"decoders": )"
+                        R"(["c2.kvx.avc.decoder.secure"], "encoders": ["c2.kvx.avc.encoder"]}}})",
                 .fixed = R"({"Video": {"codecs-available": {"decoders": ["c2.kvx.avc.decoder", )"
-                         R"("c2.kvx.avc.decoder.secure"]}}})",
+                         R"("c2.kvx.avc.decoder.secure"], "encoders": ["c2.kvx.avc.encoder"]}}})",
         },
         {
                 .id = "codecs-of-one-kind",

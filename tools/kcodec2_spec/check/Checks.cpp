@@ -35,11 +35,16 @@ constexpr bool areGroupsInOrder() {
 }
 static_assert(areGroupsInOrder());
 
+// Text that is the same on a terminal and in Markdown.
+constexpr bool isPlainText(std::string_view text) {
+    return !text.empty() && text.find_first_of("<>|*`\n") == std::string_view::npos;
+}
+
 // A check has a document with the mistake and the same one without it, or a reason why not.
 constexpr bool hasEachItsTexts() {
     return std::all_of(std::begin(kChecks), std::end(kChecks), [](const Check& check) {
         const bool isShown = *check.mistake != '\0';
-        return *check.summary != '\0' && *check.meaning != '\0' && *check.fix != '\0' &&
+        return isPlainText(check.summary) && isPlainText(check.meaning) && isPlainText(check.fix) &&
                isShown == (*check.fixed != '\0') && isShown == (*check.whyNoExample == '\0');
     });
 }

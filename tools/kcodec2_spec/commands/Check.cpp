@@ -12,7 +12,7 @@
 
 #include "base/DeviceOptions.h"
 #include "check/Check.h"
-#include "check/CheckList.h"
+#include "check/ChecksPage.h"
 #include "commands/Commands.h"
 
 namespace kc2::tool {
@@ -43,6 +43,7 @@ struct CheckArguments {
     CheckOptions check;
     DeviceOptions device;
     bool isListWanted = false;
+    bool asPage = false;
     bool isFixWanted = false;
     bool isDryRun = false;
 };
@@ -97,8 +98,13 @@ void addReportOptions(CLI::App* command, CheckArguments* arguments) {
             ->group(kReporting);
     command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")
             ->group(kReporting);
-    command->add_flag("--list", arguments->isListWanted,
-                      "List the checks, with what the other options make of them")
+    CLI::Option* const list =
+            command->add_flag("--list", arguments->isListWanted,
+                              "List the checks, with the severities that the other options set")
+                    ->group(kReporting);
+    command->add_flag("--markdown", arguments->asPage,
+                      "With --list: the page of all checks, with their meanings and examples")
+            ->needs(list)
             ->group(kReporting);
 }
 
@@ -134,7 +140,9 @@ std::string prepareFix(CheckArguments* arguments) {
 
 int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
-        printCheckList(arguments->check.levels);
+        const std::string text =
+                arguments->asPage ? checksPage() : checksList(arguments->check.levels);
+        std::fputs(text.c_str(), stdout);
         return kExitOk;
     }
     const std::string wrong = prepareFix(arguments);

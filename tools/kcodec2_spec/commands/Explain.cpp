@@ -116,6 +116,15 @@ bool explainFormat(const Catalogue&, const std::string& name) {
     return isFormat(name) && printFormats(name) == kExitOk;
 }
 
+// A document, whose lines keep their places below each other.
+void printDocument(const char* title, std::string_view document) {
+    for (size_t start = 0; start < document.size();) {
+        const size_t limit = std::min(document.find('\n', start), document.size());
+        printLine(start == 0 ? title : "", document.substr(start, limit - start));
+        start = limit + 1;
+    }
+}
+
 bool explainCheck(const Catalogue&, const std::string& name) {
     const Check* const check = findCheck(name);
     if (check == nullptr) {
@@ -123,6 +132,12 @@ bool explainCheck(const Catalogue&, const std::string& name) {
     }
     printTitle(check->id);
     printLine("finds", check->summary);
+    printLine("meaning", check->meaning);
+    printLine("fix", check->fix);
+    printDocument("example", check->mistake);
+    printDocument("fixed", check->fixed);
+    printLine("example",
+              *check->whyNoExample != '\0' ? fmt::format("none: {}", check->whyNoExample) : "");
     printLine("severity",
               fmt::format("{}{}", nameOf(check->severity), check->isRejection ? ", always" : ""));
     for (const CheckGroup& group : kCheckGroups) {
@@ -130,10 +145,6 @@ bool explainCheck(const Catalogue&, const std::string& name) {
             printLine("group", fmt::format("{}: {}", group.name, group.title));
         }
     }
-    printLine("meaning", check->meaning);
-    printLine("fix", check->fix);
-    printLine("example", *check->mistake != '\0' ? check->mistake : check->whyNoExample);
-    printLine("fixed", check->fixed);
     return true;
 }
 

@@ -8,6 +8,8 @@
 #include <set>
 
 #include "base/Text.h"
+#include "check/Checks.h"
+#include "check/ChecksPage.h"
 #include "check/output/Output.h"
 #include "platform/Version.h"
 
@@ -91,9 +93,10 @@ Json::Value rulesJson() {
     for (const Check& check : kChecks) {
         Json::Value json;
         json["id"] = check.id;
-        json["shortDescription"] = textOf(check.summary);
-        json["fullDescription"] = textOf(check.meaning);
-        json["help"] = textOf(check.fix);
+        json["shortDescription"]["text"] = sentenceOf(check);
+        json["fullDescription"]["text"] = fmt::format("{} {}", sentenceOf(check), check.meaning);
+        json["help"]["text"] = check.fix;
+        json["help"]["markdown"] = helpOf(check);
         json["defaultConfiguration"]["level"] = nameOf(check.severity);
         rules.append(std::move(json));
     }
