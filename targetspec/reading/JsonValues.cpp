@@ -3,6 +3,7 @@
 #include "targetspec/reading/JsonValues.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -56,6 +57,12 @@ std::optional<int32_t> truncated(double real) {
                                                : std::nullopt;
 }
 
+// From JsonCpp 1.9.6 on, a number beyond the range of double is read as infinity (1e999); earlier
+// releases reject the document. As a boolean it would be true, and as text "1e+9999", a perf word.
+bool isInfinite(const Json::Value& value) {
+    return value.type() == Json::realValue && std::isinf(value.asDouble());
+}
+
 Converted<uint32_t> toPattern(int32_t value, const Changes& changes) {
     Converted<uint32_t> pattern = {static_cast<uint32_t>(value), changes};
     if (value < 0) {
@@ -79,6 +86,9 @@ Converted<bool> toBoolean(const Json::Value& value) {
         case Json::intValue:
         case Json::uintValue:
         case Json::realValue:
+            if (isInfinite(value)) {
+                break;
+            }
             boolean.value = value.asBool();
             boolean.changes.add(FindingKind::NumberAsBoolean, *boolean.value ? 1 : 0);
             break;
@@ -124,7 +134,7 @@ Converted<uint32_t> toUnsignedPattern(const Json::Value& value) {
 
 Converted<uint32_t> toPerfWord(const Json::Value& value) {
     const std::optional<std::string_view> text = toText(value);
-    if (!text && !value.isNumeric()) {
+    if (!text && (!value.isNumeric() || isInfinite(value))) {
         return {};
     }
     const std::string number = text ? std::string() : value.asString();

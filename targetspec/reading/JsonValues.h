@@ -42,7 +42,7 @@ struct Converted {
     Changes changes = {};
 };
 
-// true or false, and what counts as one: a number, null.
+// true, false, or what is read as one: null and any finite number.
 Converted<bool> toBoolean(const Json::Value& value);
 
 // A number in the signed 32-bit range, and what counts as one: true, false, null.
@@ -51,8 +51,8 @@ Converted<int32_t> toInteger(const Json::Value& value);
 // The same as the unsigned 32-bit pattern that the store keeps of it.
 Converted<uint32_t> toUnsignedPattern(const Json::Value& value);
 
-// A hexadecimal string in the signed 32-bit range, or a number, read through its decimal text; as
-// the unsigned 32-bit pattern that the store keeps of it.
+// A hexadecimal string in the signed 32-bit range, or a finite number, whose decimal text is read
+// as one; as the unsigned 32-bit pattern that the store keeps.
 Converted<uint32_t> toPerfWord(const Json::Value& value);
 
 std::optional<std::string_view> toText(const Json::Value& value);
