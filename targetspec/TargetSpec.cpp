@@ -3,6 +3,7 @@
 #include "kc2/TargetSpec.h"
 
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include "device/BaseLibrary.h"
@@ -66,15 +67,21 @@ TargetSpec* TargetSpec::load() {
             // the lock while they wait would keep it from the one that lets go.
         }
     }
+    // Where an allocation throws during the load, as on a development machine, the lock must not
+    // stay taken. The store of that load is freed, and the next Get() loads anew.
+    struct Unlock {
+        ~Unlock() { mLock.store(0, std::memory_order_release); }
+    } const unlock;
     if (!mIsInitialized.load(std::memory_order_acquire)) {
         updateLogLevel();
-        mInstance = new TargetSpec();
+        auto store = std::make_unique<TargetSpec>();
+        mInstance = store.get();
         mInstance->mStatus = mInstance->extractSpecData();
         mInstance->printSpecifications();  // Before the overlay: the log shows the device's spec.
         mInstance->mStatus = mInstance->extractPrivateData();
         mIsInitialized.store(true, std::memory_order_release);
+        (void)store.release();  // It is never freed.
     }
-    mLock.store(0, std::memory_order_release);
     return mInstance;
 }
 

@@ -80,9 +80,19 @@ public:
     /**
      * The process-wide store, created and loaded by the first call.
      *
-     * Safe to call from any thread at any time. Threads that arrive while another one loads
-     * busy-wait until it is done; later calls take no lock and read no file. A load step that fails
-     * is logged and leaves its part of the store empty.
+     * Safe to call from any thread. Threads that arrive while another one loads wait in a busy loop
+     * until it is done, some milliseconds; later calls take no lock and read no file. A load step
+     * that fails is logged and leaves its part of the store empty.
+     *
+     * Call it once when the service starts: before it starts threads of real-time priority, and
+     * before it forks. A waiting thread of real-time priority on the core of a loading thread of
+     * lower priority keeps that one from running until the kernel throttles it, and where both are
+     * of real-time priority, perhaps for ever. A child that is forked while another thread loads
+     * waits for ever: it has the taken lock, but not that thread.
+     *
+     * Throws nothing in a device build. Where the library is built with exceptions, as on a
+     * development machine, an allocation that fails during the load throws std::bad_alloc; nobody
+     * sees what was stored by then, and the next call loads anew.
      *
      * @return the instance, never null. It belongs to the library and is never freed or reloaded.
      */

@@ -52,6 +52,10 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
                 rl::yield(1, $);
             }
         }
+        struct Unlock {
+            GetModel& model;
+            ~Unlock() { model.mLock.store(0, weaken(LockRelease, rl::mo_release), $); }
+        } const unlock{*this};
         if (!mIsInitialized.load(rl::mo_acquire, $)) {
             VAR(mInstance) = &mStores[thread];
             VAR(mLoads) = VAR(mLoads) + 1;
@@ -59,7 +63,6 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
             VAR(VAR(mInstance)->mStatus) = kLoaded;
             mIsInitialized.store(true, weaken(FlagRelease, rl::mo_release), $);
         }
-        mLock.store(0, weaken(LockRelease, rl::mo_release), $);
         return VAR(mInstance);
     }
 
