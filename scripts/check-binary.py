@@ -39,6 +39,9 @@ C_NAMES = (r"abort|trunc|ceilf|log2f|f?stat(64)?|open(64)?|read|close|v?snprintf
 # Hooks of the toolchain that may be absent at run time.
 OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
 
+# What the largest page of a device is aligned to. Such devices run 64-bit code only.
+PAGE_SIZE = 16384
+
 # What a throw, a catch or a clean-up on the way of an exception refers to.
 EXCEPTION_NAMES = (r"__cxa_(throw|rethrow|begin_catch|end_catch|allocate_exception)|_Unwind_Resume|"
                    r"__gxx_personality_v0")
@@ -115,6 +118,11 @@ class Library:
         match = re.search(r"GNU_RELRO\s+0x[0-9a-f]+ 0x([0-9a-f]+) \S+ \S+ 0x([0-9a-f]+)",
                           self.segments)
         return (int(match[1], 16), int(match[1], 16) + int(match[2], 16)) if match else (0, 0)
+
+    def alignments(self):
+        """Of the loadable segments."""
+        return [int(alignment, 16) for alignment in
+                re.findall(r"^\s*LOAD .* (0x[0-9a-f]+)$", self.segments, re.MULTILINE)]
 
     def initialisers(self):
         """The names of the functions in .init_array."""
@@ -224,6 +232,21 @@ def hardening(library):
     return wrong
 
 
+def page_size(library):
+    """a 64-bit library fits pages of 16 KiB: each loadable segment is aligned to them"""
+    if library.pointer_size != 8:
+        return []
+    wrong = [] if library.alignments() else ["no loadable segment"]
+    wrong += [f"a segment is aligned to {alignment}" for alignment in library.alignments()
+              if alignment < PAGE_SIZE]
+    # The loader protects whole pages: what must stay writable may not be in one with RELRO's end.
+    _, relro_end = library.relro()
+    return wrong + [f"{section.name} shares a page with RELRO"
+                    for section in library.sections.values()
+                    if "W" in section.flags and "A" in section.flags and section.size
+                    and relro_end <= section.address < -(-relro_end // PAGE_SIZE) * PAGE_SIZE]
+
+
 def names_of_files(library):
     """the SONAME is libkcodec2_platform.so, and a device's library has no path in it"""
     wrong = []
@@ -259,8 +282,8 @@ def exceptions(library):
             if re.match(EXCEPTION_NAMES, symbol.name)]
 
 
-CHECKS = (exports, pixel_formats, key_names, unique_symbols, load_time, hardening, names_of_files,
-          undefined_symbols, exceptions)
+CHECKS = (exports, pixel_formats, key_names, unique_symbols, load_time, hardening, page_size,
+          names_of_files, undefined_symbols, exceptions)
 
 
 def main():
