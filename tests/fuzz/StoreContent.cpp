@@ -6,8 +6,8 @@
 #include <json/value.h>
 
 #include <algorithm>
-#include <exception>
-#include <limits>
+#include <cmath>
+#include <stdexcept>
 
 #include "targetspec/TargetSpecInspector.h"
 #include "targetspec/reading/Limits.h"
@@ -107,8 +107,14 @@ std::optional<Json::Value> parse(std::string_view documentText) {
 
 #pragma GCC diagnostic pop
 
+// From JsonCpp 1.9.6 on, a number beyond the range of double.
+bool isInfinite(const Json::Value& value) {
+    return value.isDouble() && std::isinf(value.asDouble());
+}
+
 std::optional<uint32_t> hexadecimalWord(const Json::Value& value) {
-    if (value.isBool()) {  // Its text "false" begins with digits.
+    // Their texts "false" and "1e+9999" begin with digits.
+    if (value.isBool() || isInfinite(value)) {
         return std::nullopt;
     }
     return attempt([&] {
@@ -124,8 +130,7 @@ std::optional<uint32_t> hexadecimalWord(const Json::Value& value) {
 class Expectation {
 public:
     explicit Expectation(const Json::Value& video) : mVideo(video) {
-        readMembers("Features", &mDocument.content.features,
-                    [](const Json::Value& value) { return value.asBool(); });
+        readMembers("Features", &mDocument.content.features, feature);
         readMembers("Presets", &mDocument.content.presets,
                     [](const Json::Value& value) { return value.asInt(); });
         readTable();
@@ -182,6 +187,13 @@ private:
                 ++mDocument.warnings;
             }
         }
+    }
+
+    static bool feature(const Json::Value& value) {
+        if (isInfinite(value)) {
+            throw std::out_of_range("feature");
+        }
+        return value.asBool();
     }
 
     void readTable() {
