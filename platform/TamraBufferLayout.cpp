@@ -1,4 +1,4 @@
-// Which planes a buffer of a pixel format carries, and the format's number in the video core.
+// The planes in a buffer of each pixel format, and the format's number in the video core.
 
 #include "kc2/TamraBufferLayout.h"
 

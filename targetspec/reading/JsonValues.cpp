@@ -21,8 +21,8 @@ struct HexadecimalText {
     bool hasTail;  // Whether anything follows the digits.
 };
 
-// As strtol() reads it, but in every locale alike: white space, sign and 0x are optional; reading
-// stops at the first character that is not a digit.
+// As strtol() reads it, but the same in every locale: white space, sign and 0x are optional;
+// reading stops at the first character that is not a digit.
 std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
     const size_t start = text.find_first_not_of(" \t\n\v\f\r");
     text.remove_prefix(start != std::string_view::npos ? start : text.size());
@@ -36,7 +36,7 @@ std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
     std::from_chars_result read =
             std::from_chars(text.data() + (hasPrefix ? 2 : 0), limit, magnitude, 16);
     if (hasPrefix && read.ec == std::errc::invalid_argument) {
-        read = {text.data() + 1, std::errc()};  // A 0 with a tail.
+        read = {text.data() + 1, std::errc()};  // A 0, with text after it.
     }
     const int64_t value = isMinus ? -int64_t{magnitude} : int64_t{magnitude};
     if (read.ec != std::errc() || value < kLowest || value > kHighest) {
