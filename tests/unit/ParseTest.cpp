@@ -327,6 +327,15 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     atItsEnd.setstate(std::ios::eofbit);
     EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is not a failed stream";
 
+    // The flag alone, with all of the text left.
+    std::ifstream flagged(mDevice("/a.json"));
+    flagged.seekg(5);
+    flagged.setstate(std::ios::eofbit);
+    TargetSpec fromFlagged;
+    EXPECT_EQ(0u, fromFlagged.parseJsonData(flagged));
+    EXPECT_EQ("codec a\xFF\n", contentOf(fromFlagged));
+    EXPECT_EQ(std::ios::eofbit, flagged.rdstate());
+
     std::ifstream directory(mDevice("/directory/file").substr(0, mDevice("/").size() + 9));
     ASSERT_TRUE(directory.is_open());
     directory.exceptions(std::ios::badbit);
