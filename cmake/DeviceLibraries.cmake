@@ -1,5 +1,5 @@
 # What a device build links: the device's liblog and libkcodec2_base. Sets KC2_LIBLOG,
-# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (where <android/log.h> lies), and KC2_HAS_LIBLOG where the
+# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (where <android/log.h> is), and KC2_HAS_LIBLOG where the
 # first is the real one.
 #
 # Where a library is not at hand, an empty one of the same name is built to link against, as the NDK

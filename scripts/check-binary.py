@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks a built library as a loader and a linker see it: check-binary.py LIBRARY
 
-Takes a library of a host build or of a device build, of 32 or 64 bits, with its symbol table (not
+LIBRARY is one of a host build or of a device build, of 32 or 64 bits, with its symbol table (not
 stripped). Prints a line for each check, and exits with 1 when one fails. Reads it with llvm-readelf,
 which knows the packed relocations of Android's linker.
 """
@@ -17,7 +17,7 @@ MAP = ROOT / "libkcodec2_platform.map.txt"
 KEYS_HEADER = ROOT / "include/kc2/TargetSpecKeys.h"
 SONAME = "libkcodec2_platform.so"
 
-# What the device brings: liblog and the base library. "*" stands for the spelling of std::string.
+# Defined by the device: liblog and the base library. "*" is the mangled std::string.
 PLATFORM_NAMES = (
     r"__android_log_print",
     r"_ZN3kc211gC2LogLevelE",
@@ -27,8 +27,8 @@ PLATFORM_NAMES = (
 )
 HOST_NAMES = r"_ZN3kc24host.*"
 JSONCPP_NAMES = r"_ZNK?4Json.*"
-# Symbols of the C and C++ libraries carry a version in most builds. Where they have none: what
-# the C++ library may be asked for, and what of the C library is used.
+# Symbols of the C and C++ libraries have a version in most builds. For those without: the names of
+# the C++ library, and the functions of the C library that are used.
 STANDARD_VERSIONS = r"(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
 CXX_NAMES = (r"(_ZNK?S[tabisod]|_ZSt|_ZT[VT]N?S[tabisod]|_ZTv0_n\d+_NSt|_ZTVN10__cxxabiv1|"
              r"_Zn[wa][jm]|_Zd[la]Pv|__gxx_personality_v0).*")
@@ -42,7 +42,7 @@ OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
 # What the largest page of a device is aligned to. Such devices run 64-bit code only.
 PAGE_SIZE = 16384
 
-# What a throw, a catch or a clean-up on the way of an exception refers to.
+# What a throw, a catch or a clean-up during an exception refers to.
 EXCEPTION_NAMES = (r"__cxa_(throw|rethrow|begin_catch|end_catch|allocate_exception)|_Unwind_Resume|"
                    r"__gxx_personality_v0")
 
@@ -70,7 +70,7 @@ class Section(NamedTuple):
 
 
 class Library:
-    """The parts of an ELF file that the checks ask for, as llvm-readelf prints them."""
+    """The parts of an ELF file that the checks use, as llvm-readelf prints them."""
 
     def __init__(self, path):
         self.path = path
@@ -143,7 +143,7 @@ class Library:
         return functions
 
     def _addends(self):
-        """Of relative relocations that bring one; the others have it in the place itself."""
+        """Of relative relocations that have one; for the others it is in the place itself."""
         pattern = r"^\s*([0-9a-f]{8,16})\s+[0-9a-f]+\s+R_\w+_RELATIVE\s+([0-9a-f]+)$"
         return {int(place, 16): int(addend, 16) for place, addend
                 in re.findall(pattern, self._readelf("--relocs"), re.MULTILINE)}
@@ -203,7 +203,7 @@ def key_names(library):
                 or relro_start <= symbol.address < relro_end):
             wrong.append(f"{name} is read-only")
         if expected is not None and symbol.address != expected:
-            wrong.append(f"{name} lies at {symbol.address:#x}, not at {expected:#x}")
+            wrong.append(f"{name} is at {symbol.address:#x}, not at {expected:#x}")
         expected = symbol.address + library.pointer_size
     return wrong
 
@@ -271,7 +271,7 @@ def names_of_files(library):
 
 
 def undefined_symbols(library):
-    """takes only the standard libraries, JsonCpp and the five platform names from outside"""
+    """uses only the standard libraries, JsonCpp and the five platform names from outside"""
     wrong = []
     platform = set()
     for symbol in library.undefined():

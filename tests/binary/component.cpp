@@ -27,7 +27,7 @@ void usePlatform() {
 void useStore() {
     kc2::TargetSpec spec;
     std::ifstream stream;
-    stream.setstate(std::ifstream::failbit);  // Stands for the built-in document.
+    stream.setstate(std::ifstream::failbit);  // Selects the built-in document.
     CHECK(spec.parseJsonData(stream) == 0);
     CHECK(spec.isFeatureEnabled("private_enc_cvp_enable"));
     CHECK(spec.extractSpecData() != 0);

@@ -1,5 +1,5 @@
 // A program that is not position independent has the key names copied into itself when it is
-// loaded. What it writes there the library must see.
+// loaded. The library must see what the program writes there.
 
 #include <fstream>
 
@@ -15,7 +15,7 @@ namespace {
 bool builtInDocumentIsFound() {
     kc2::TargetSpec spec;
     std::ifstream stream;
-    stream.setstate(std::ifstream::failbit);  // Stands for the built-in document.
+    stream.setstate(std::ifstream::failbit);  // Selects the built-in document.
     CHECK(spec.parseJsonData(stream) == 0);
     return spec.isFeatureEnabled("private_enc_cvp_enable");
 }

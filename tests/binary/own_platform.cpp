@@ -1,4 +1,4 @@
-// A program that brings the five platform names itself: the library takes them, and no others.
+// A program that defines the five platform names itself: the library uses them, and no others.
 
 #include <android/log.h>
 

@@ -1,4 +1,4 @@
-// One document through the library, and what must hold whatever the document is.
+// One document through the library, and what must be true of any document.
 
 #include "tests/fuzz/DocumentCheck.h"
 
@@ -33,7 +33,7 @@ void countLine(int priority, const char* tag, const char* text) {
     require(std::string_view(tag) == log::kTagTargetSpec, "every line carries the store's tag");
     const std::string_view line = text;
     if (priority == ANDROID_LOG_ERROR) {
-        require(line == "Couldn't parse json from file stream", "an error line tells the error");
+        require(line == "Couldn't parse json from file stream", "an error line names the error");
         ++sLogCount.errors;
     } else if (priority == ANDROID_LOG_WARN) {
         ++sLogCount.warnings;
@@ -64,7 +64,7 @@ private:
     std::string mPath;
 };
 
-// Something in each section, so that every merge meets names and entries that are there already.
+// Something in each section, so that every merge finds names and entries in the store.
 constexpr std::string_view kEarlierDocument = R"({"Video": {
     "Features": {"private_enc_cvp_enable": false, "a": true},
     "Presets": {"private_complexity": 7, "a": -1},
@@ -96,14 +96,14 @@ void checkParse(const std::string& path, const std::optional<ExpectedDocument>& 
     sLogCount = {};
     const uint32_t status = parse(path, store);
     if (expected) {
-        require(status == 0, "a document that the parser takes is accepted");
+        require(status == 0, "a document that the parser accepts is accepted");
         *content = merged(std::move(*content), *expected);
-        require(contentOf(*store) == *content, "the store holds what the document says");
+        require(contentOf(*store) == *content, "the store has what the document says");
         require(sLogCount == LogCount{0, expected->warnings,
                                       expected->content.encPostProcessingFilters.size()},
                 "one warning for each thing left out, one debug line per filter");
     } else {
-        require(status == 0xFFFFFFFF, "a text that the parser does not take is rejected");
+        require(status == 0xFFFFFFFF, "a text that the parser does not accept is rejected");
         require(contentOf(*store) == *content, "a rejected document leaves the store as it was");
         require(sLogCount == LogCount{1, 0, 0}, "a rejected document writes one error line");
     }
@@ -116,7 +116,7 @@ void checkDocument(std::string_view text) {
     static const TextFile file;
 
     TargetSpec store;
-    if (text.size() % 2 == 0) {  // The others meet an empty store.
+    if (text.size() % 2 == 0) {  // The others start with an empty store.
         file.write(kEarlierDocument);
         require(parse(file.path(), &store) == 0, "the earlier document is one");
     }

@@ -1,4 +1,4 @@
-// One document through the library, and what must hold whatever the document is.
+// One document through the library, and what must be true of any document.
 #pragma once
 
 #include <string_view>
@@ -6,7 +6,7 @@
 namespace kc2::fuzz {
 
 // Ends the process with a line on standard error when the library breaks a promise:
-// - it takes exactly the documents that the parser takes, without ending the process;
+// - it accepts exactly the documents that the parser accepts, without ending the process;
 // - a rejected document leaves a store, empty or not, as it was, and writes one error line;
 // - an accepted one leaves in the store what JsonCpp itself reads in it, no more and no less, by
 //   the merge rules, also when it is read twice, and writes one warning for each thing left out.

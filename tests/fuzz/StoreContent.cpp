@@ -1,4 +1,4 @@
-// What a store holds, and what it must hold after a document.
+// The content of a store, and the content that a document must result in.
 
 #include "tests/fuzz/StoreContent.h"
 
@@ -36,8 +36,8 @@ auto attempt(Convert convert) -> std::optional<decltype(convert())> {
     }
 }
 
-// The text with a blank for each byte of a comment that ends; byte by byte, so that it shares no
-// thought with what it is held against.
+// The text with a blank for each byte of a comment that ends; byte by byte, independently of the
+// code that it is compared with.
 std::string withoutComments(std::string_view text) {
     std::string plain(text);
     bool isInString = false;
@@ -67,7 +67,7 @@ std::string withoutComments(std::string_view text) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-// The most containers open at once until the root ends. Whether the parser takes more depends on
+// The most containers open at once until the root ends. Whether the parser accepts more depends on
 // its release; the library never does.
 size_t nestingOf(std::string_view text) {
     size_t depth = 0;
@@ -141,7 +141,7 @@ public:
             mDocument.content.supportedCodecs.insert(names.begin(), names.end());
         }
         if (!isObjectOrNull(mVideo["codecs-available"])) {
-            --mDocument.warnings;  // Asked for twice above.
+            --mDocument.warnings;  // Counted twice above.
         }
         const std::vector<std::string> optional = strings(mVideo["OptionalCodecs"]);
         mDocument.content.supportedCodecs.insert(optional.begin(), optional.end());
@@ -176,7 +176,7 @@ private:
         return strings;
     }
 
-    // The members of a section, as far as `convert` takes their values without throwing.
+    // The members of a section whose values `convert` accepts without throwing.
     template <typename Value, typename Convert>
     void readMembers(const char* key, std::map<std::string, Value>* values, Convert convert) {
         const Json::Value& section = objectSection(key);
@@ -237,7 +237,7 @@ private:
     static std::vector<uint32_t> perfWords(const Json::Value& list) {
         std::vector<uint32_t> words;
         for (const Json::Value& element : list) {
-            words.push_back(hexadecimalWord(element).value());  // Which throws where there is none.
+            words.push_back(hexadecimalWord(element).value());  // Throws if there is none.
         }
         return words;
     }

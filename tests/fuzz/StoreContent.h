@@ -1,4 +1,4 @@
-// What a store holds, as plain values: to compare stores, and to say what one must hold.
+// The content of a store, as plain values: to compare stores, and to say what one must contain.
 #pragma once
 
 #include <cstdint>
@@ -32,19 +32,19 @@ struct StoreContent {
 
 StoreContent contentOf(const TargetSpec& spec);
 
-// One document as it must arrive in an empty store, and the warnings that it must cause.
+// The content that a document must add to an empty store, and the warnings that it must cause.
 struct ExpectedDocument {
     StoreContent content;
     bool hasDolbyVision = false;
     size_t warnings = 0;
 };
 
-// Reads a document with nothing but JsonCpp and its own conversions, in a build of it that throws:
-// what it throws on is what the library must leave out. Empty when the library must reject the
-// text. The text must be small enough not to be rejected for its size.
+// Reads a document with JsonCpp's own conversions, in a build of it that throws: what it throws on,
+// the library must skip. Nothing if the library must reject the text. The text must be small enough
+// not to be rejected for its size.
 std::optional<ExpectedDocument> expectedDocument(std::string_view text);
 
-// What `store` holds after `document` has been merged into it.
+// The content of `store` after `document` has been merged into it.
 StoreContent merged(StoreContent store, const ExpectedDocument& document);
 
 }  // namespace kc2::fuzz

@@ -1,4 +1,4 @@
-// A device of the test's own: its files in a temporary directory, its properties, and its log.
+// A device for one test: its files in a temporary directory, its properties, and its log.
 
 #include "Device.h"
 

@@ -1,4 +1,4 @@
-// A device of the test's own: its files in a temporary directory, its properties, and its log.
+// A device for one test: its files in a temporary directory, its properties, and its log.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ public:
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
-    // Where a path of the device lies; its directory is made.
+    // Where a path of the device is on this machine; creates its directory.
     std::string operator()(const std::string& devicePath) const;
     void write(const std::string& devicePath, const std::string& text) const;
     std::string read(const std::string& devicePath) const;
@@ -51,7 +51,7 @@ void setVariant(const std::string& variant);
 // Parses `text` as a document of a file; the status of parseJsonData().
 uint32_t parse(TargetSpec& spec, const std::string& text);
 
-// Everything that a store holds, but its status, as text.
+// The content of a store, without its status, as text.
 std::string contentOf(const TargetSpec& spec);
 
 // Runs `work` in a separate process and returns its lines; a process that ends otherwise fails

@@ -243,7 +243,7 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
         std::function<void()> inLoader;  // In the process that loads.
         std::string content;
         Lines log;
-        const char* fileAfterwards;  // Null where there is no file to look at.
+        const char* fileAfterwards;  // Null where there is no file to examine.
     } rows[] = {
             {"private: I/O error while reading", link("/proc/self/mem"), [] {}, all, {}, nullptr},
             {"private: a directory",

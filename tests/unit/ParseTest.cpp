@@ -36,7 +36,7 @@ std::string nested(int depth, const std::string& innermost) {
     return open + innermost + close;
 }
 
-// With its array and its root it holds two values more.
+// With its array and its root it has two values more.
 std::string arrayOf(size_t count, const std::string& value) {
     std::string text = "[" + value;
     for (size_t i = 1; i < count; ++i) {
@@ -170,8 +170,8 @@ TEST_F(ParseTest, ABadValueCostsOnlyItself) {
     }
 }
 
-// A terminal must get neither control characters nor bytes that are not UTF-8; and the log cuts
-// long lines, so a long name must leave room for what is wrong.
+// A terminal must get neither control characters nor bytes that are not UTF-8. The log cuts long
+// lines, so a long name must leave room for the reason.
 TEST_F(ParseTest, TheLogShowsANameSafely) {
     const std::string longest(200, 'n');
     const struct {

@@ -1,4 +1,4 @@
-// The nine queries, on an empty store and on one that holds something.
+// The nine queries, on an empty store and on one with content.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-// The publication of the store as a model: targetspec/TargetSpec.cpp, Get() and load(), on atomics
-// that try what the memory model allows. Each step there has its step here, in the same order.
+// The publication of the store as a model: Get() and load() of targetspec/TargetSpec.cpp, on
+// atomics that try everything that the memory model allows. Each step there is a step here, in the
+// same order.
 
 #include <algorithm>
 #include <cstdio>
