@@ -1,5 +1,5 @@
 // Counters in front of the C library's allocator, for LD_PRELOAD. operator new uses it, too;
-// nothing that is counted asks for an alignment.
+// nothing that is counted requests an alignment.
 
 #include <malloc.h>
 

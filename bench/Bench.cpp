@@ -1,7 +1,7 @@
 // Measures each operation in its own process: kcodec2_bench DIRECTORY DOCUMENT...
 //
 // Under callgrind it counts instructions: each operation leaves a dump of its name, with the runs
-// behind a colon. With libkcodec2_allocations.so preloaded it counts allocations: a line for each,
+// after a colon. With libkcodec2_allocations.so preloaded it counts allocations: a line for each,
 // "name <tab> allocations of one run <tab> peak bytes". Otherwise it prints nanoseconds. DIRECTORY
 // becomes the device's root; Bench.h says what the documents are.
 
@@ -27,8 +27,8 @@ namespace {
 using kc2::bench::keep;
 using kc2::bench::Operation;
 
-// Takes every hole that the set-up has left in the heap, and lets the heap have room at its end:
-// what an allocation costs depends on both, and an operation and its floor would meet other ones.
+// Fills every hole that the set-up has left in the heap, and leaves room at the heap's end: the
+// cost of an allocation depends on both, and would differ between an operation and its floor.
 void fillHoles() {
     void* const room = std::malloc(size_t{100} << 10);
     keep(room);
@@ -77,7 +77,7 @@ void measure(const Operation& operation) {
     if (operation.prepare != nullptr) {
         operation.prepare();
     } else {
-        operation.run();  // What only a first run does is not what is asked for.
+        operation.run();  // A first run may do more than the others; it is not measured.
     }
     if (RUNNING_ON_VALGRIND != 0) {
         countInstructions(operation);
@@ -87,12 +87,12 @@ void measure(const Operation& operation) {
         time(operation);
     }
     std::fflush(stdout);
-    // Without exit handlers: those of the load-time initialisers may be there twice.
+    // Without exit handlers: those of the load-time initialisers may be registered twice.
     std::_Exit(0);
 }
 
-// In its own process an operation finds the heap as every other one finds it, and the C
-// library's allocator costs more or less with what has been freed before.
+// In a separate process each operation starts with the same heap; the cost of the C library's
+// allocator depends on what has been freed before.
 void measureApart(const Operation& operation) {
     const pid_t child = fork();
     if (child == 0) {
@@ -116,8 +116,8 @@ int main(int argc, char** argv) {
         std::fputs("usage: kcodec2_bench DIRECTORY DOCUMENT DOCUMENT DOCUMENT...\n", stderr);
         return 2;
     }
-    // A service that loads its first document has a young heap. Here, no large block of the set-up
-    // leaves a hole in it, and afterwards the threshold is the C library's own initial one.
+    // A service that loads its first document has a fresh heap. Here, no large block of the set-up
+    // leaves a hole in it, and afterwards the threshold is the C library's initial one again.
     mallopt(M_MMAP_THRESHOLD, 4096);
     std::vector<kc2::bench::Document> documents;
     for (int file = 2; file < argc; ++file) {

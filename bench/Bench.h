@@ -1,5 +1,4 @@
-// What is measured: one list of operations, each beside its floor, the same work without the
-// library.
+// What is measured: one list of operations, each with its floor, the same work without the library.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +9,7 @@
 namespace kc2::bench {
 
 struct Document {
-    std::string path;  // A file of this machine that holds the text.
+    std::string path;  // A file of this machine with the text.
     std::string text;
 };
 

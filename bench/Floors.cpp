@@ -1,4 +1,4 @@
-// The floors: what an operation comes to when nothing but its core is left.
+// The floors: the core of each operation, without the library.
 
 #include "bench/Floors.h"
 

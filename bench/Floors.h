@@ -1,5 +1,5 @@
-// The floors: what an operation comes to when nothing but its core is left. A shared library of its
-// own, so that a floor is reached by the same kind of call as the library.
+// The floors: the core of each operation, without the library. In a separate shared library, so
+// that a floor is reached by the same kind of call as the library.
 #pragma once
 
 #include <cstdint>

@@ -53,7 +53,7 @@ struct List {
     }
 };
 
-// The names of a container, then as many that it does not hold.
+// The names of a container, then as many that are not in it.
 template <typename Map>
 std::vector<std::string> namesFor(const Map& map) {
     std::vector<std::string> names;
@@ -73,12 +73,12 @@ TargetSpec& storeOf(const Document& document) {
 }
 
 void addGet(List& list, const std::vector<Document>& documents, const std::string& root) {
-    // Only this one needs files at a device's paths. What it costs to follow them through a mapped
-    // tree, scripts/check-performance.py takes away.
+    // Only this one needs files at a device's paths. scripts/check-performance.py subtracts the
+    // cost of resolving them in a mapped tree.
     list.addPrepared(
             "first Get", [] { keep(TargetSpec::Get()); },
             [root] { host::mapDirectory("/", root); });
-    // What nobody can do without: the files' bytes and their parse.
+    // What every load has to do: read the files' bytes and parse them.
     list.addPrepared("first Get/floor", [&documents] {
         for (const size_t file : {0, 1}) {
             Json::Value root;
@@ -114,7 +114,7 @@ void addOtherQueries(List& list, TargetSpec& store) {
             "getPerfResourceValues", namesFor(perfValues),
             [&](const std::string& name) { keep(store.getPerfResourceValues(name)); },
             [&](const std::string& name) { keep(floors::findWords(perfValues, name)); });
-    // The last row's value, so that every row is looked at.
+    // The last row's value, so that every row is compared.
     const auto& rows = Inspector::nimbraModeBitRateTable(store);
     static unsigned int value = rows.empty() ? 0 : rows.back().high - 1;
     list.add(
@@ -177,7 +177,7 @@ void addFormats(List& list) {
 }
 
 void addLoad(List& list, const Document& document) {
-    // A load needs a store that holds nothing yet, and a stream that nobody has read.
+    // A load needs an empty store, and a stream that has not been read.
     struct Load {
         TargetSpec store;
         std::ifstream stream;
@@ -189,7 +189,7 @@ void addLoad(List& list, const Document& document) {
                 *load = std::make_unique<Load>();
                 (*load)->stream.open(document.path);
             });
-    // The parse alone, and with the release of its tree: whoever parses pays for both.
+    // The parse alone, and with the release of its tree, which every user of the parser needs.
     const auto root = std::make_shared<std::optional<Json::Value>>();
     list.addPrepared(
             "load " + document.path + "/floor",
@@ -225,7 +225,7 @@ void addOtherParsers(List& list, const Document& document) {
 }
 
 // Runs the library's load-time initialisers once more, as its dynamic section lists them. The
-// process must then end without exit handlers: those of the first run are there twice.
+// process must then end without exit handlers: those of the first run are registered twice.
 void addInitialisers(List& list) {
     Dl_info info = {};
     link_map* library = nullptr;

@@ -1,6 +1,6 @@
 # What a device build links: the device's liblog and libkcodec2_base. Sets KC2_LIBLOG,
-# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (the directory of <android/log.h>), and KC2_HAS_LIBLOG when
-# the first is the real one.
+# KC2_LIBKCODEC2_BASE, KC2_ANDROID_INCLUDE (where <android/log.h> is), and KC2_HAS_LIBLOG where the
+# first is the real one.
 #
 # When a library is not installed, an empty one of the same name is built to link against, as the NDK
 # does for the platform's libraries: the result is the device's binary, but runs only on a device.

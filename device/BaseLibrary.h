@@ -1,8 +1,8 @@
 /**
  * @file
- * What this library uses of the vendor base library, libkcodec2_base, beside kc2::PixFormat::Str
- * (kc2/PixFormat.h). Declared here, defined there; hostplatform/ replaces it on a development
- * machine.
+ * What this library uses of the vendor base library, libkcodec2_base, besides kc2::PixFormat::Str
+ * (kc2/PixFormat.h). Declared here, defined there; on a development machine hostplatform/ defines
+ * it.
  */
 #pragma once
 
@@ -21,7 +21,10 @@ void updateLogLevel();
 
 namespace OS::SystemProperty {
 
-/** @return the value of the system property `name`, or `defaultValue` when it is not set. */
+/**
+ * @return a copy of the value of the system property `name`, or of `defaultValue` if it is not set.
+ *         Both arguments are NUL-terminated and not null.
+ */
 std::string Get(const char* name, const char* defaultValue);
 
 }  // namespace OS::SystemProperty

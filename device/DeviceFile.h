@@ -1,7 +1,7 @@
-// Where a file of the device lies for this process. The library knows, returns and logs device
-// paths only; it asks here at the moment it touches one.
+// Where a file of the device is for this process. The library knows, returns and logs device paths
+// only; it calls these functions when it opens or examines one.
 //
-// In a device build a device path lies where it says, and nothing can change that
+// In a device build a device path is used as it is, and nothing can change that
 // (DeviceFile_device.cpp). In a host build a program may have mapped directories through
 // hostplatform/ (DeviceFile_host.cpp). The build chooses the file.
 #pragma once
@@ -15,10 +15,10 @@ namespace kc2 {
 // Path to open for reading or to examine.
 std::string localPath(const std::string& devicePath);
 
-// Whether stat() answers for what lies there, of whatever kind it is.
+// Whether stat() succeeds for the path, whatever kind of file it is. Sets `status` only then.
 bool examine(const std::string& devicePath, struct stat* status);
 
-// Path to open for writing; one that cannot be opened when this process must not write.
+// Path to open for writing; empty, which cannot be opened, if this process must not write.
 std::string localPathForWriting(const std::string& devicePath);
 
 }  // namespace kc2

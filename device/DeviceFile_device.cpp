@@ -1,4 +1,4 @@
-// Device builds: a device path lies where it says.
+// Device builds: a device path is used as it is.
 
 #include "device/DeviceFile.h"
 

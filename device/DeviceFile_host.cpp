@@ -1,4 +1,4 @@
-// Host builds: a device path lies where the program has mapped it.
+// Host builds: a device path is where the program has mapped it.
 
 #include "device/DeviceFile.h"
 #include "hostplatform/HostPlatform.h"

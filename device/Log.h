@@ -3,7 +3,8 @@
  * The library's log lines: tags, priorities, the level gate, and the macros that write a line.
  *
  * Error and warning lines are always written. Info and debug lines name a gate mask and are written
- * only while gateIsOpen() says so. They are macros so that a closed gate evaluates no argument.
+ * only while gateIsOpen() returns true. They are macros so that a closed gate evaluates no
+ * argument.
  */
 #pragma once
 
@@ -17,14 +18,14 @@ inline constexpr char kTagTargetSpec[] = "KC2TargetSpec";
 inline constexpr char kTagBufferLayout[] = "Platform_BufferLayout";
 inline constexpr char kTagPlatform[] = "KC2Platform";
 
-/** Gate masks: which bits of the level word let a line through. */
+/** Gate masks: bits of the base library's level word. A line needs one bit of its mask. */
 inline constexpr uint32_t kMaskInfo = 0x2;
 inline constexpr uint32_t kMaskDebugDetail = 0x4;
 inline constexpr uint32_t kMaskDebugHeading = 0x8;
 
 /**
- * Whether a line behind `mask` is written at level word `level`: one of the mask's bits is set,
- * some bit of the low byte is set, and the top byte is either 0 or has bit 25 set.
+ * Whether a line with `mask` is written at level word `level`: one of the mask's bits is set, some
+ * bit of the low byte is set, and the top byte is 0 or bit 25 is set.
  */
 constexpr bool gateIsOpen(uint32_t level, uint32_t mask) {
     return (level & mask) != 0 && (level & 0xFF) != 0 &&

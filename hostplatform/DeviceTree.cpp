@@ -1,4 +1,4 @@
-// Where the directories of the device lie on this machine.
+// Where the directories of the device are on this machine.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,7 +38,7 @@ std::string withoutTrailingSlashes(std::string directory) {
     return directory;
 }
 
-bool liesIn(const std::string& directory, const std::string& path) {
+bool isIn(const std::string& directory, const std::string& path) {
     return path.starts_with(directory) &&
            (path.size() == directory.size() || path[directory.size()] == '/');
 }
@@ -48,16 +48,16 @@ using Mappings = std::map<std::string, std::string>;
 // As many as the kernel follows on the way to one file.
 constexpr int kMaxLinks = 40;
 
-// Follows a device path link by link, as the device would: an absolute link starts again at the
-// device's root, not at this machine's. Left to this machine's kernel, such a link leads out of the
-// tree, and a correct tree seems to hold nothing or another machine's files.
-class PathWalk {
+// Resolves a device path link by link, as the device would: an absolute link starts again at the
+// device's root, not at this machine's. This machine's kernel would follow such a link out of the
+// device tree, and a correct tree would seem to be empty, or to have this machine's files.
+class PathResolver {
 public:
-    PathWalk(const Mappings& mappings, const std::string& devicePath)
+    PathResolver(const Mappings& mappings, const std::string& devicePath)
         : mMappings(mappings), mRest(devicePath) {}
 
-    // An empty path cannot be opened: it is the answer for what leads out of the tree, and for
-    // links in a loop.
+    // Returns an empty path, which cannot be opened, for one that leads out of the device tree, and
+    // for links in a loop.
     std::string run() {
         while (skipSlashes()) {
             const std::string name = mRest.substr(0, mRest.find('/'));
@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    // Whether a component is left. A slash at the very end asks for a directory and is kept.
+    // Whether a component is left. A slash at the very end requires a directory and is kept.
     bool skipSlashes() {
         const size_t start = std::min(mRest.find_first_not_of('/'), mRest.size());
         mEnd = start == mRest.size() && start > 0 ? "/" : "";
@@ -88,7 +88,7 @@ private:
         return !mRest.empty();
     }
 
-    // Goes on to `path`, or to where it links; a result ends the walk.
+    // Goes on to `path`, or to where it links. A result is the resolved path.
     std::optional<std::string> enter(const std::string& path) {
         const std::optional<std::string> host = hostOf(path);
         if (mMappings.contains(path) || leadsToMapping(path)) {
@@ -124,18 +124,18 @@ private:
         return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
     }
 
-    // A mapped directory is there even when nothing else in the tree leads to it.
+    // A mapped directory exists even if its parents are not in the device tree.
     bool leadsToMapping(const std::string& path) const {
         return std::any_of(mMappings.begin(), mMappings.end(), [&](const auto& mapping) {
-            return mapping.first.size() > path.size() && liesIn(mapping.first, path + mRest);
+            return mapping.first.size() > path.size() && isIn(mapping.first, path + mRest);
         });
     }
 
-    // Of two mapped directories that hold the path, the longer one comes later.
+    // Of two mapped directories that contain the path, the longer one is later in the map.
     std::optional<std::string> hostOf(const std::string& path) const {
         std::optional<std::string> host;
         for (const auto& [directory, hostDirectory] : mMappings) {
-            if (liesIn(directory, path)) {
+            if (isIn(directory, path)) {
                 host.emplace(hostDirectory).append(path, directory.size());
             }
         }
@@ -167,7 +167,7 @@ void clearMappings() {
 std::string hostPath(const std::string& devicePath) {
     DeviceTree& tree = deviceTree();
     const std::lock_guard<std::mutex> lock(tree.mutex);
-    return tree.mappings.empty() ? devicePath : PathWalk(tree.mappings, devicePath).run();
+    return tree.mappings.empty() ? devicePath : PathResolver(tree.mappings, devicePath).run();
 }
 
 void setReadOnly(bool readOnly) {

@@ -1,10 +1,11 @@
 /**
  * @file
- * What a program on a development machine sets of the device it plays: properties, log level, where
- * log lines go, and where the device's directories lie.
+ * What a program on a development machine sets up of a device: properties, log level, where log
+ * lines go, and where the device's directories are.
  *
- * All of it is set by function, never through the environment, and before the library is first
- * used; the functions are safe from any thread. None of it exists in a device build.
+ * All of it is set by calling functions, never through the environment, before the library is first
+ * used. The functions are safe from any thread and copy what they are given. None of this exists in
+ * a device build.
  */
 #pragma once
 
@@ -16,10 +17,10 @@ namespace kc2::host {
 
 #pragma GCC visibility push(default)
 
-/** Sets the system property `name`. One that is never set gives its readers their default. */
+/** Sets the system property `name`. A reader of one that is not set gets the reader's default. */
 void setProperty(const std::string& name, const std::string& value);
 
-/** Forgets every property, as for another device. */
+/** Removes every property, as for another device. */
 void clearProperties();
 
 /** Sets the level word that kc2::updateLogLevel() puts into kc2::gC2LogLevel. Initially 0. */
@@ -29,28 +30,29 @@ void setLogLevel(uint32_t level);
 using LogSink = std::function<void(int priority, const char* tag, const char* text)>;
 
 /**
- * Sends log lines to `sink`, one call at a time, instead of to standard error; an empty sink puts
- * standard error back, in logcat's brief form. The sink must not log.
+ * Sends log lines to `sink`, one call at a time, instead of to standard error; with an empty sink
+ * they go to standard error again, in logcat's brief form. The sink must not log. It is called on
+ * the thread that logs, and its texts are valid only during the call.
  */
 void setLogSink(LogSink sink);
 
 /**
- * Lets the device directory `deviceDirectory` lie in `hostDirectory`. The longest mapped directory
- * that holds a path decides; "/" maps the whole device. Without a mapping device paths are taken as
- * they are. A directory holds a path only at a whole component: /odm does not hold /odm2.
+ * Maps the device directory `deviceDirectory` to `hostDirectory`. For a path in several mapped
+ * directories, the longest one is used; "/" maps the whole device. Without a mapping, device paths
+ * are used as they are. Whole components are compared: /odm2 is not in /odm.
  *
  * Links in a mapped directory lead where they would lead on the device, absolute ones too. A path
  * that leaves the mapped directories that way cannot be opened.
  */
 void mapDirectory(const std::string& deviceDirectory, const std::string& hostDirectory);
 
-/** Forgets every mapping. */
+/** Removes every mapping. */
 void clearMappings();
 
-/** Where `devicePath` lies for this process; empty when it leads out of what is mapped. */
+/** Where `devicePath` is for this process; empty if it leads out of the mapped directories. */
 std::string hostPath(const std::string& devicePath);
 
-/** Keeps the library from writing any file: opening one for writing then fails. Initially off. */
+/** Whether the library may not write files: opening one for writing then fails. Initially false. */
 void setReadOnly(bool readOnly);
 bool isReadOnly();
 

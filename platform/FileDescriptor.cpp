@@ -1,4 +1,4 @@
-// Which file a descriptor refers to.
+// The identity of the file that a descriptor refers to.
 
 #include "kc2/FileDescriptor.h"
 

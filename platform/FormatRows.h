@@ -1,5 +1,5 @@
 // The pixel formats of the video core: one row each. The load-time format table, FormatMap() and
-// the printable names of a development machine all derive from these rows.
+// the printable names on a development machine are all derived from these rows.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace kc2::Platform {
 
-// Up to four planes, in the order in which a buffer holds them.
+// Up to four planes, in their order in a buffer.
 struct PlaneList {
     size_t count;
     TamraBufferLayout::PlaneID planes[4];
@@ -29,7 +29,7 @@ inline constexpr PlaneList kRgbAndMetaPlanes = {
         2, {TamraBufferLayout::RGB, TamraBufferLayout::RGB_META}};
 
 struct FormatRow {
-    const uint32_t* format;  // A pointer: this use is what puts the constants into the library.
+    const uint32_t* format;  // A pointer, so that the constants are emitted into the library.
     char name[32];           // The constant's name.
     uint32_t colorFormat;    // The video core's own number.
     PlaneList planes;
@@ -58,7 +58,7 @@ inline constexpr FormatRow kFormatRows[] = {
 };
 // clang-format on
 
-// Printed name of a plane; "?" for a value that is none.
+// Printed name of a plane; "?" for any other value.
 constexpr const char* planeName(TamraBufferLayout::PlaneID plane) {
     switch (plane) {
         case TamraBufferLayout::Y:

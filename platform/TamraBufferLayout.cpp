@@ -1,7 +1,8 @@
-// Which planes a buffer of a pixel format carries, and the format's number in the video core.
+// The planes in a buffer of each pixel format, and the format's number in the video core.
 
 #include "kc2/TamraBufferLayout.h"
 
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -22,6 +23,21 @@ uint32_t colorFormatOf(uint32_t format, std::index_sequence<Row...>) {
     return colorFormat;
 }
 
+// The rows as the table needs them. The names stay out of the library, which never prints them.
+struct TableRow {
+    const uint32_t* format;
+    uint32_t colorFormat;
+    PlaneList planes;
+};
+
+constexpr std::array<TableRow, std::size(kFormatRows)> kTableRows = [] {
+    std::array<TableRow, std::size(kFormatRows)> rows = {};
+    for (size_t i = 0; i < rows.size(); ++i) {
+        rows[i] = {kFormatRows[i].format, kFormatRows[i].colorFormat, kFormatRows[i].planes};
+    }
+    return rows;
+}();
+
 }  // namespace
 
 // The library's one load-time initialiser.
@@ -29,7 +45,7 @@ const TamraBufferLayout::FormatTable TamraBufferLayout::mFormatTable = buildForm
 
 TamraBufferLayout::FormatTable TamraBufferLayout::buildFormatTable() {
     FormatTable table;
-    for (const FormatRow& row : kFormatRows) {
+    for (const TableRow& row : kTableRows) {
         table.emplace(*row.format,
                       FormatEntry{row.colorFormat, {row.planes.begin(), row.planes.end()}});
     }

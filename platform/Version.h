@@ -1,4 +1,4 @@
-// The one place of the version: CMake, the package files and the tool take it from here.
+// The version: CMake, the package files and the tool read it from here.
 #pragma once
 
 #define KC2_VERSION "1.0.0"

@@ -6,7 +6,8 @@
 # version in its file name, and its later releases stop at 256 nested containers. Two are built from
 # Debian's sources:
 # - no-exceptions: beyond that limit it ends the process;
-# - exceptions: beyond that limit it throws. Json::Reader is deprecated, as in later releases.
+# - exceptions: beyond that limit it throws. It reads as later releases do (reads_as_later), and
+#   Json::Reader is deprecated, as it is there.
 # Needs clang, libc++-dev, libc++abi-dev, googletest, cmake, ninja-build.
 set -eu
 
@@ -39,14 +40,38 @@ build() {
 }
 
 jsoncpp() {
-    build "$1" "$work/jsoncpp/source" "-DJSONCPP_DEPRECATED_STACK_LIMIT=256 $2" \
+    build "$1" "$work/jsoncpp/$3" "-DJSONCPP_DEPRECATED_STACK_LIMIT=256 $2" \
         -DBUILD_SHARED_LIBS=ON -DBUILD_STATIC_LIBS=OFF -DBUILD_OBJECT_LIBS=OFF \
         -DJSONCPP_WITH_TESTS=OFF -DJSONCPP_WITH_POST_BUILD_UNITTEST=OFF \
         -DCMAKE_PLATFORM_NO_VERSIONED_SONAME=ON
 }
 
-jsoncpp no-exceptions "-DJSON_USE_EXCEPTION=0 -DJSONCPP_NO_LOCALE_SUPPORT -fno-exceptions"
-jsoncpp exceptions ""
+# replace FILE OLD NEW: as sed does, but fails when OLD is not there.
+replace() {
+    grep -q "$2" "$1" || { echo "build-phone-libraries.sh: $1 has no \"$2\"" >&2; exit 1; }
+    sed -i "s/$2/$3/" "$1"
+}
+
+# reads_as_later DIRECTORY: changes JsonCpp 1.9.5 to read a document as 1.9.7 does. A number beyond
+# the range of double is infinity (from 1.9.6 on); an unescaped control character in a string is an
+# error.
+reads_as_later() {
+    reader=$1/src/lib_json/json_reader.cpp
+    replace "$reader" 'if (!(is >> value))' 'if (!(is >> value) \&\& !std::isinf(value *= 2))'
+    replace "$reader" '^      decoded += c;' '      if (static_cast<unsigned char>(c) < 0x20)\
+        return addError("Control character in string", token, current);\
+      decoded += c;'
+    replace "$reader" '^#include <cassert>' '#include <cassert>\n#include <cmath>'
+    replace "$1/include/json/version.h" '^#define JSONCPP_VERSION_PATCH 5' \
+        '#define JSONCPP_VERSION_PATCH 7'
+}
+
+rm -rf "$work/jsoncpp/later"
+cp -R "$work/jsoncpp/source" "$work/jsoncpp/later"
+reads_as_later "$work/jsoncpp/later"
+
+jsoncpp no-exceptions "-DJSON_USE_EXCEPTION=0 -DJSONCPP_NO_LOCALE_SUPPORT -fno-exceptions" source
+jsoncpp exceptions "" later
 build googletest /usr/src/googletest "" -DBUILD_GMOCK=OFF
 
 # uses_reader: compiles a use of Json::Reader against the headers of the library with exceptions.

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Checks a built library as a loader and a linker see it: check-binary.py LIBRARY
 
-The library is of a host build or a device build, has 32 or 64 bits and is not stripped. Prints a line
-for each check, and exits with 1 when one fails. Reads the library with llvm-readelf, which knows the
-packed relocations of Android's linker.
+LIBRARY is one of a host build or of a device build, of 32 or 64 bits, with its symbol table (not
+stripped). Prints a line for each check, and exits with 1 when one fails. Reads it with llvm-readelf,
+which knows the packed relocations of Android's linker.
 """
 
 import re
@@ -17,7 +17,7 @@ MAP = ROOT / "libkcodec2_platform.map.txt"
 KEYS_HEADER = ROOT / "include/kc2/TargetSpecKeys.h"
 SONAME = "libkcodec2_platform.so"
 
-# From the device: liblog and the base library. "*" matches any spelling of std::string.
+# Defined by the device: liblog and the base library. "*" is the mangled std::string.
 PLATFORM_NAMES = (
     r"__android_log_print",
     r"_ZN3kc211gC2LogLevelE",
@@ -27,8 +27,8 @@ PLATFORM_NAMES = (
 )
 HOST_NAMES = r"_ZN3kc24host.*"
 JSONCPP_NAMES = r"_ZNK?4Json.*"
-# Symbols of the C and C++ libraries have a version in most builds. Where they have none: which symbols
-# of the C++ library may be used, and which of the C library are.
+# Symbols of the C and C++ libraries have a version in most builds. For those without: the names of
+# the C++ library, and the functions of the C library that are used.
 STANDARD_VERSIONS = r"(GLIBC|GLIBCXX|CXXABI|GCC|LIBC)(_\S*)?"
 CXX_NAMES = (r"(_ZNK?S[tabisod]|_ZSt|_ZT[VT]N?S[tabisod]|_ZTv0_n\d+_NSt|_ZTVN10__cxxabiv1|"
              r"_Zn[wa][jm]|_Zd[la]Pv|__gxx_personality_v0).*")
@@ -39,7 +39,10 @@ C_NAMES = (r"abort|trunc|ceilf|log2f|f?stat(64)?|open(64)?|read|close|v?snprintf
 # Hooks of the toolchain that may be absent at run time.
 OPTIONAL_NAMES = r"__gmon_start__|_ITM_.*|__cxa_finalize.*"
 
-# What code refers to that throws, catches, or cleans up while an exception passes.
+# What the largest page of a device is aligned to. Such devices run 64-bit code only.
+PAGE_SIZE = 16384
+
+# What a throw, a catch or a clean-up during an exception refers to.
 EXCEPTION_NAMES = (r"__cxa_(throw|rethrow|begin_catch|end_catch|allocate_exception)|_Unwind_Resume|"
                    r"__gxx_personality_v0")
 
@@ -116,6 +119,17 @@ class Library:
                           self.segments)
         return (int(match[1], 16), int(match[1], 16) + int(match[2], 16)) if match else (0, 0)
 
+    def alignments(self):
+        """Of the loadable segments."""
+        return [int(alignment, 16) for alignment in
+                re.findall(r"^\s*LOAD .* (0x[0-9a-f]+)$", self.segments, re.MULTILINE)]
+
+    def contains(self, text):
+        """Whether a section that is loaded contains the text, with a NUL after it."""
+        return any(text.encode() + b"\0" in self.content[s.offset:s.offset + s.size]
+                   for s in self.sections.values()
+                   if "A" in s.flags and s.name != ".bss")  # Which has no content in the file.
+
     def initialisers(self):
         """The names of the functions in .init_array."""
         addends = self._addends()
@@ -129,7 +143,7 @@ class Library:
         return functions
 
     def _addends(self):
-        """Of the relative relocations that have one; for the others it is at the relocated address."""
+        """Of relative relocations that have one; for the others it is in the place itself."""
         pattern = r"^\s*([0-9a-f]{8,16})\s+[0-9a-f]+\s+R_\w+_RELATIVE\s+([0-9a-f]+)$"
         return {int(place, 16): int(addend, 16) for place, addend
                 in re.findall(pattern, self._readelf("--relocs"), re.MULTILINE)}
@@ -162,6 +176,13 @@ def pixel_formats(library):
         elif "W" in library.sections[symbol.section].flags:
             wrong.append(f"{name} is writable")
     return wrong
+
+
+def format_names(library):
+    """no pixel format's name is in it: only the stand-ins and the tool print them"""
+    names = re.findall(r"^\s*_ZN3kc29PixFormat\d\d?([A-Z]\w+)E;", MAP.read_text(), re.MULTILINE)
+    wrong = [] if len(names) == 18 else [f"{MAP.name} lists {len(names)} of them"]
+    return wrong + [name for name in names if library.contains(name)]
 
 
 def key_names(library):
@@ -224,6 +245,21 @@ def hardening(library):
     return wrong
 
 
+def page_size(library):
+    """a 64-bit library fits pages of 16 KiB: each loadable segment is aligned to them"""
+    if library.pointer_size != 8:
+        return []
+    wrong = [] if library.alignments() else ["no loadable segment"]
+    wrong += [f"a segment is aligned to {alignment}" for alignment in library.alignments()
+              if alignment < PAGE_SIZE]
+    # The loader protects whole pages: what must stay writable may not be in one with RELRO's end.
+    _, relro_end = library.relro()
+    return wrong + [f"{section.name} shares a page with RELRO"
+                    for section in library.sections.values()
+                    if "W" in section.flags and "A" in section.flags and section.size
+                    and relro_end <= section.address < -(-relro_end // PAGE_SIZE) * PAGE_SIZE]
+
+
 def names_of_files(library):
     """the SONAME is libkcodec2_platform.so, and a device's library has no path in it"""
     wrong = []
@@ -259,8 +295,8 @@ def exceptions(library):
             if re.match(EXCEPTION_NAMES, symbol.name)]
 
 
-CHECKS = (exports, pixel_formats, key_names, unique_symbols, load_time, hardening, names_of_files,
-          undefined_symbols, exceptions)
+CHECKS = (exports, pixel_formats, format_names, key_names, unique_symbols, load_time, hardening,
+          page_size, names_of_files, undefined_symbols, exceptions)
 
 
 def main():

@@ -24,7 +24,7 @@ android-bp          -                   scripts/check-android-bp.py
 abi                 -                   scripts/check-abi.sh
 soong               -                   scripts/check-soong.py --graph
 image               dev                 scripts/check-image.sh
-performance         bench               scripts/check-performance.py
+performance         bench,phone         scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 report              dev                 scripts/check-report.py
 schema              dev                 scripts/check-schema.sh

@@ -1,4 +1,4 @@
-// The store, written to the log.
+// Writes the store to the log.
 
 #include "device/Log.h"
 #include "kc2/TargetSpec.h"

@@ -1,4 +1,4 @@
-// The two answers of a load step.
+// The two results of a load step.
 #pragma once
 
 #include <cstdint>

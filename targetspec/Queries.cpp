@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint32_t kNoBitRate = 0xFFFFFFFF;
 
-// Appends a copy of `names` to the caller's list; a null list answers `statusWithoutList`.
+// Appends a copy of `names` to the caller's list; returns `statusWithoutList` if there is no list.
 int32_t append(const std::list<std::string>& names, std::list<std::string>* list,
                int32_t statusWithoutList) {
     if (list == nullptr) {

@@ -11,10 +11,10 @@ namespace kc2 {
 
 namespace {
 
-// The two functions below hand a container over whole when the store's is empty, as the first
-// document finds it: that costs nothing.
+// The two functions below swap the containers if the store's is empty, as it is before the first
+// document: that costs nothing.
 
-// Joins what the store holds and what the document adds; where both hold a name, the store's stays.
+// Adds the document's names to the store's; for a name that is in both, the store's value stays.
 template <typename Names>
 void join(Names& names, Names& added) {
     if (names.empty()) {
@@ -35,12 +35,12 @@ void append(std::vector<NimbraBitRateEntry>& rows, std::vector<NimbraBitRateEntr
 }  // namespace
 
 void TargetSpec::merge(SpecDocument& document) {
-    // Names that the store already holds keep their value.
+    // A name that is in the store already keeps its value.
     join(mFeatures, document.features);
     join(mPresets, document.presets);
     join(mPerfResourceValues, document.perfResourceValues);
 
-    // Rows and list entries are appended, duplicates and all.
+    // Rows and list entries are appended, with duplicates.
     append(mNimbraModeBitRateTable, document.nimbraModeBitRateTable);
     mCodecPlugins.splice(mCodecPlugins.end(), document.codecPlugins);
     mPreprocessingFilters.splice(mPreprocessingFilters.end(), document.preprocessingFilters);
@@ -51,7 +51,7 @@ void TargetSpec::merge(SpecDocument& document) {
     mEncPostProcessingFilters.splice(mEncPostProcessingFilters.end(),
                                      document.encPostProcessingFilters);
 
-    // Profiles and codec names are joined.
+    // Profiles and codec names are added to the sets.
     join(mDVConfigs.profiles, document.dvProfiles);
     join(mSupportedCodecs, document.supportedCodecs);
 

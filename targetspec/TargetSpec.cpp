@@ -1,8 +1,9 @@
-// The road of a load, from Get() to the merged store: read this file first.
+// A load from Get() to the merged store: read this file first.
 
 #include "kc2/TargetSpec.h"
 
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include "device/BaseLibrary.h"
@@ -24,7 +25,7 @@ constexpr auto& kTag = log::kTagTargetSpec;
 // Logs skipped values as warnings.
 class FindingLog final : public FindingSink {
 public:
-    // `document` is its name in the log; null when it has none.
+    // `document` is its name in the log; null if it has none.
     explicit FindingLog(const char* document)
         : FindingSink({Effect::SkipsAndLogs}), mDocument(document) {}
 
@@ -46,7 +47,7 @@ private:
 
 }  // namespace
 
-// Constant-initialised: nothing of the store runs when the library is loaded.
+// Constant-initialised: no code of the store runs when the library is loaded.
 TargetSpec* TargetSpec::mInstance = nullptr;
 constinit std::atomic<uint8_t> TargetSpec::mLock{0};
 constinit std::atomic<bool> TargetSpec::mIsInitialized{false};
@@ -62,19 +63,25 @@ TargetSpec* TargetSpec::Get() {
 TargetSpec* TargetSpec::load() {
     while (mLock.exchange(1, std::memory_order_acquire) != 0) {
         while (mLock.load(std::memory_order_relaxed) != 0) {
-            // Another thread is loading; it needs milliseconds, once per process. Many that write
-            // the lock while they wait would keep it from the one that lets go.
+            // Another thread is loading; it needs milliseconds, once per process. Waiting threads
+            // only read the lock: if all of them wrote to it, its release would be delayed.
         }
     }
+    // Where an allocation throws during the load, as on a development machine, the lock must not
+    // stay taken. The store of that load is freed, and the next Get() loads anew.
+    struct Unlock {
+        ~Unlock() { mLock.store(0, std::memory_order_release); }
+    } const unlock;
     if (!mIsInitialized.load(std::memory_order_acquire)) {
         updateLogLevel();
-        mInstance = new TargetSpec();
+        auto store = std::make_unique<TargetSpec>();
+        mInstance = store.get();
         mInstance->mStatus = mInstance->extractSpecData();
         mInstance->printSpecifications();  // Before the overlay: the log shows the device's spec.
         mInstance->mStatus = mInstance->extractPrivateData();
         mIsInitialized.store(true, std::memory_order_release);
+        (void)store.release();  // It is never freed.
     }
-    mLock.store(0, std::memory_order_release);
     return mInstance;
 }
 
@@ -108,7 +115,7 @@ uint32_t TargetSpec::parseJsonData(std::ifstream& stream) {
     return parse(stream, nullptr);
 }
 
-// `streamName` is what the log calls the stream's document; null when nobody has named it.
+// `streamName` is the stream's document in the log; null if it has no name.
 uint32_t TargetSpec::parse(std::ifstream& stream, const char* streamName) {
     const char* const builtInDocument = getPrivateConfig();
     SpecDocument document;

@@ -1,7 +1,7 @@
 /**
  * @file
  * kc2::TargetSpecInspector: the members of a store, one accessor each, for tools, tests and
- * fuzz targets. The library itself does not contain it.
+ * fuzz targets. It is not part of the library.
  */
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace kc2 {
 
-/** The friend of TargetSpec. What it returns lives as long as the store that it is given. */
+/** The friend of TargetSpec. The references that it returns live as long as the store. */
 struct TargetSpecInspector {
     static const std::map<std::string, bool>& features(const TargetSpec& store) {
         return store.mFeatures;
@@ -29,7 +29,7 @@ struct TargetSpecInspector {
         return store.mCodecPlugins;
     }
     static const DVConfigs& dvConfigs(const TargetSpec& store) { return store.mDVConfigs; }
-    /** To tell whether a load step sets them. */
+    /** Lets a test find out whether a load step sets them. */
     static DVConfigs& changeableDVConfigs(TargetSpec& store) { return store.mDVConfigs; }
     static const std::list<std::string>& preprocessingFilters(const TargetSpec& store) {
         return store.mPreprocessingFilters;

@@ -2,8 +2,8 @@
 
 #include "kc2/TargetSpecKeys.h"
 
-// GCC emits file-scope variables in reverse; components rely on the globals lying in this order.
-// Clang keeps the order of the source and does not know the attribute.
+// GCC emits file-scope variables in reverse; components rely on this order in memory. Clang keeps
+// the order of the source and does not know the attribute.
 #if defined(__GNUC__) && !defined(__clang__)
 #define IN_ORDER [[gnu::no_reorder]]
 #else

@@ -12,7 +12,8 @@ namespace kc2::Platform {
 
 /**
  * Identity of the file (for a graphic buffer: of the dma-buf) that an open descriptor refers to.
- * Descriptors of the same file, duplicates included, have the same identity. Safe from any thread.
+ * Descriptors of the same file, duplicates included, have the same identity. The descriptor stays
+ * the caller's. Safe from any thread.
  *
  * @param fd any value; a descriptor that is not open is reported by one error line with the tag
  *           "KC2Platform".

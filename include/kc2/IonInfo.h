@@ -10,15 +10,15 @@ namespace kc2::Platform {
 
 #pragma GCC visibility push(default)
 
-/** Secure-memory parameters of the target. All functions answer constants, from any thread. */
+/** Secure-memory parameters of the target. All functions return constants; safe from any thread. */
 class IonInfo {
 public:
     /**
-     * A secure memory domain, named by what its buffers hold. On this target every domain is
-     * allocated alike, so any 32-bit value may be passed.
+     * A secure memory domain, named after the content of its buffers. On this target every domain
+     * is allocated alike, so any 32-bit value may be passed.
      */
     enum SecureDomain : uint32_t {
-        DEFAULT = 0,  ///< any domain: no answer of this library depends on it
+        DEFAULT = 0,  ///< any domain: no result of this library depends on it
     };
 
     IonInfo() = delete;
@@ -29,7 +29,7 @@ public:
     /** @return the allocation flags: 0, none. */
     static uint32_t AllocFlagsFor(SecureDomain domain);
 
-    /** @return the alignment of buffer sizes and addresses in bytes: 4096, one page. */
+    /** @return the alignment of buffer sizes and addresses in bytes: 4096, on every kernel. */
     static uint32_t AlignmentFor(SecureDomain domain);
 };
 

@@ -3,8 +3,8 @@
  * kc2::PixFormat: the pixel formats that the video core (Tamra) knows.
  *
  * Values belong to the numbering of Android's graphics pixel formats (HAL_PIXEL_FORMAT); those
- * without Android's name are vendor values. They follow no formula and no bit has a meaning of its
- * own: compare whole 32-bit values. Behind each format stand the planes that its buffers carry;
+ * without Android's name are vendor values. They follow no formula, and single bits mean nothing:
+ * compare whole 32-bit values. The comment after each format lists the planes of its buffers;
  * `kcodec2_spec formats` prints them with the format's colour-format number.
  */
 #pragma once

@@ -1,6 +1,6 @@
 /**
  * @file
- * kc2::Platform::TamraBufferLayout: which planes a video-core buffer of a pixel format carries.
+ * kc2::Platform::TamraBufferLayout: the planes in a video-core buffer of each pixel format.
  */
 #pragma once
 
@@ -20,8 +20,8 @@ namespace kc2::Platform {
 class TamraBufferLayout {
 public:
     /**
-     * The planes that a buffer can carry, in the video core's numbering. Any other 32-bit value may
-     * be passed too: no format has it, and messages print it as "?".
+     * The planes of a buffer, in the video core's numbering. Any other 32-bit value may be passed,
+     * too: no format has such a plane, and messages print it as "?".
      */
     enum PlaneID : uint32_t {
         Y = 0,         ///< luma
@@ -38,22 +38,23 @@ public:
      * The video core's own colour-format number of a pixel format.
      *
      * A fixed mapping in code, valid also before the library's initialiser has run and after its
-     * destructor has. TAMRA_NV21 answers 2, the number of its row.
+     * destructor has. Several formats share a number. `kcodec2_spec formats` lists the numbers.
      *
-     * @param format a kc2::PixFormat constant.
-     * @return 0 to 11; 0 also for every value that is not a format of the video core. Logs nothing.
+     * @param format any 32-bit value, a format or not.
+     * @return the number; 0 also for every value that is not a format of the video core. Logs
+     *         nothing.
      */
     static uint32_t FormatMap(unsigned int format);
 
     /**
-     * Checks that a buffer of `format` carries `plane`. A format or a plane that does not is
-     * reported by one error line with the tag "Platform_BufferLayout".
+     * Checks that a buffer of `format` has `plane`. An unknown format, or a plane that the format
+     * does not have, is reported by one error line with the tag "Platform_BufferLayout".
      *
-     * @param format a kc2::PixFormat constant.
-     * @param plane the plane asked for.
+     * @param format any 32-bit value, a format or not.
+     * @param plane any 32-bit value, a plane or not.
      * @param width picture width in pixels; any value, not read.
      * @param height picture height in pixels; any value, not read.
-     * @return 0, whether or not the pair is valid: the offset is the allocator's to compute.
+     * @return 0, whether or not the pair is valid: the allocator computes the offset.
      */
     static uint64_t Offset(unsigned int format, PlaneID plane, unsigned long width,
                            unsigned long height);

@@ -6,9 +6,10 @@
  * globals, and so does the library itself: it reads the pointer anew at each lookup, so a program
  * that assigns one before the first kc2::TargetSpec::Get() makes the library look for another key.
  * Assign only while no other thread loads a document. A null pointer names no member. The texts are
- * constants that live as long as the library.
+ * constants that live as long as the library; a text that a program assigns stays its own, and must
+ * live as long as documents are loaded.
  *
- * The globals lie one after the other in the library's memory, in the order of this file. A program
+ * The globals are one after the other in the library's memory, in the order of this file. A program
  * that GNU ld links with copy relocations has its copies in another order; the library uses those.
  */
 #pragma once
@@ -42,7 +43,7 @@ extern const char* targetSpecDVMaxHighTierLevel;
 
 /**
  * @name Members of a pre-processing filter description
- * For the components that read such descriptions; the store itself never reads them.
+ * For the components that read such descriptions; the store itself does not.
  * @{
  */
 extern const char* targetSpecPreProcessingFilterCodecName;      ///< "codec_name"

@@ -12,12 +12,12 @@ extern const char kBuiltInDocument2[];
 extern const char kBuiltInDocument3[];
 
 struct ChipDocument {
-    const char* chip;  // Code name to find in the spec file's path; empty for any other chip.
+    const char* chip;  // Code name to search the spec file's path for; empty for any other chip.
     int number;        // Of the built-in document.
     const char* text;
 };
 
-// In the order in which they are tried: the first row whose chip the path contains wins.
+// In the order in which they are tried: the first row whose chip is in the path is used.
 inline constexpr ChipDocument kChipDocuments[] = {
         {"brel", 1, kBuiltInDocument1},
         {"mirt", 1, kBuiltInDocument1},

@@ -1,4 +1,4 @@
-// The text of a document, out of a file stream.
+// The text of a document, read from a file stream.
 #pragma once
 
 #include <cstddef>
@@ -8,16 +8,16 @@
 
 namespace kc2 {
 
-// A text of up to one block, as many documents are, takes no memory but the object's own.
+// A text of up to one block, as many documents are, needs no allocation.
 class DocumentText {
 public:
-    // Reads the rest of the stream's text; false when it cannot be read to its end. Text beyond
-    // what the reader accepts is left unread. The stream's state and exception mask are put back,
-    // and a read that fails in the middle (a directory opens like a file) throws nothing, whatever
-    // the stream has been asked to throw. To be called once.
+    // Reads the rest of the stream's text; false if it cannot be read to its end. Reading stops
+    // soon after the longest text that the reader accepts. The stream's state and exception mask
+    // are restored, and a read that fails in the middle (a directory opens like a file) throws
+    // nothing, whatever the exception mask. To be called once.
     bool read(std::ifstream& stream);
 
-    // To be changed at will. Valid as long as this object.
+    // The caller may change them. Valid as long as this object.
     std::span<char> bytes() { return mLongText.empty() ? mShortText : std::span(mLongText); }
 
 private:

@@ -1,4 +1,4 @@
-// Text of unknown bytes, made fit for a log or a terminal.
+// Text of unknown bytes, escaped for a log or a terminal.
 
 #include "targetspec/reading/Escaped.h"
 
@@ -22,7 +22,7 @@ size_t utf8Length(std::string_view text) {
     }
     if ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xF0 && byte(1) < 0x90) ||
         (first == 0xED && byte(1) > 0x9F) || (first == 0xF4 && byte(1) > 0x8F)) {
-        return 0;  // Longer than it need be, half of a UTF-16 pair, or beyond Unicode.
+        return 0;  // An overlong form, half of a UTF-16 pair, or beyond Unicode.
     }
     const size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
     for (size_t at = 1; at < length; ++at) {
@@ -35,9 +35,9 @@ size_t utf8Length(std::string_view text) {
 
 namespace {
 
-// A control character, a line end of Unicode, or a mark that itself is not seen: it has no width,
-// or changes the direction of the text around it, so that a name reads as another one.
-bool isUnseen(std::string_view character) {
+// A control character, a line end of Unicode, or a character without width, which may change the
+// direction of the text around it, so that a name looks like another one.
+bool isInvisible(std::string_view character) {
     constexpr std::pair<std::string_view, std::string_view> kRanges[] = {
             {std::string_view("\0", 1), "\x1F"},
             {"\x7F", "\x7F"},
@@ -58,7 +58,7 @@ bool isUnseen(std::string_view character) {
 
 size_t plainLength(std::string_view text) {
     const size_t length = utf8Length(text);
-    return isUnseen(text.substr(0, length)) ? 0 : length;
+    return isInvisible(text.substr(0, length)) ? 0 : length;
 }
 
 std::string escaped(std::string_view text) {

@@ -1,4 +1,4 @@
-// Text of unknown bytes, made fit for a log or a terminal.
+// Text of unknown bytes, escaped for a log or a terminal.
 #pragma once
 
 #include <cstddef>
@@ -7,20 +7,20 @@
 
 namespace kc2 {
 
-// Whether the byte is a character that is shown as it is, as almost all are.
+// Whether the byte is a character that is shown unescaped, as almost all are.
 constexpr bool isPrintableAscii(char c) {
     return c >= ' ' && c <= '~';
 }
 
-// How many bytes the character takes that `text` begins with; 0 when it is empty or not UTF-8.
+// The number of bytes of the first character of `text`; 0 if it is empty or not UTF-8.
 size_t utf8Length(std::string_view text);
 
-// The same, and 0 for what must not be shown as it is, too: control characters, and marks that are
-// not seen, or that turn the text around them.
+// The same, but 0 also for a character that must be escaped: a control character, one that is
+// invisible, or one that changes the direction of the text.
 size_t plainLength(std::string_view text);
 
-// `text` with such bytes written as \xNN: a document, a path or a property may hold any, and a line
-// end in a name could pass for the end of a log line.
+// `text` with such bytes written as \xNN: a document, a path or a property may contain any, and a
+// line end in a name could pass for the end of a log line.
 std::string escaped(std::string_view text);
 
 }  // namespace kc2

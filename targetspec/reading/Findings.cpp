@@ -8,7 +8,7 @@
 namespace kc2 {
 
 std::string Place::toString() const {
-    // The log cuts a line after a thousand bytes, and what is wrong follows the place.
+    // The log cuts a line after a thousand bytes, and the reason is after the place.
     constexpr size_t kMostNameBytes = 200;
     std::string text = targetSpecRoot != nullptr ? targetSpecRoot : "";
     if (section.data() != nullptr) {

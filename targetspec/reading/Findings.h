@@ -1,4 +1,4 @@
-// What reading a document can find: every kind with its effect, and where in the document it is.
+// What reading a document can find: each kind with its effect, and where in the document it is.
 #pragma once
 
 #include <algorithm>
@@ -16,8 +16,8 @@ enum class Effect : uint8_t {
     Rejects,        // The whole document is rejected.
     SkipsAndLogs,   // The section, the named entry or the row is left out; the device logs it.
     SkipsSilently,  // It is left out, or has no effect, without a log line.
-    Changes,        // It is taken, but not as it is written.
-    Takes,          // It is taken: the section's element, the named entry, the row.
+    Changes,        // It is used, but not as it is written.
+    Takes,          // It is used: the section's element, the named entry, the row.
     Ignores,        // A member that the reader does not look up.
 };
 
@@ -41,7 +41,7 @@ enum class FindingKind : uint8_t {
     ElementNotString,
     ProfileNotUnsigned,
     Taken,
-    ObjectAsArray,  // Walked over its member values, in ascending key order.
+    ObjectAsArray,  // Its member values are used, in ascending key order.
     NumberAsBoolean,
     NullAsFalse,
     BooleanAsInteger,
@@ -50,7 +50,7 @@ enum class FindingKind : uint8_t {
     NegativeAsUnsigned,
     PerfWordUnquoted,
     PerfWordTail,
-    TierLevelAbsent,  // Counts as 0.
+    TierLevelAbsent,  // It is then 0.
     UnknownRootMember,
     UnknownMember,  // Of "Video", or of a section whose members have fixed names.
 };
@@ -58,7 +58,7 @@ enum class FindingKind : uint8_t {
 struct FindingRow {
     FindingKind kind;
     Effect effect;
-    // Why the value was skipped, as the device logs it; null for what it does not log.
+    // Why the value was skipped, as the device logs it; null if it does not log that.
     const char* reason = nullptr;
 };
 
@@ -100,34 +100,34 @@ inline constexpr FindingRow kFindingRows[] = {
         {FindingKind::UnknownMember, Effect::Ignores},
 };
 
-// A kind without a row does not compile where its effect is a constant, as it is in the reader.
+// A kind without a row does not compile where its effect is a constant, as in the reader.
 constexpr const FindingRow& rowOf(FindingKind kind) {
     return *std::find_if(std::begin(kFindingRows), std::end(kFindingRows),
                          [kind](const FindingRow& row) { return row.kind == kind; });
 }
 
-// Where in the document: Video/<section>/<name>[<index>], as far as it applies.
+// Where in the document: Video/<section>/<name>[<index>], as far as each exists.
 struct Place {
-    std::string_view section = {};  // Without data() in front of the sections.
-    std::string_view name = {};     // Member of the section; may hold any bytes.
+    std::string_view section = {};  // Its data() is null before the first section.
+    std::string_view name = {};     // Member of the section; may contain any bytes.
     int index = -1;                 // Element of the section or of the member.
 
-    // Fit for a log line: what must not be shown is escaped, a long name is cut.
+    // For a log line: escaped, with a long name cut.
     std::string toString() const;
 };
 
-// One thing found. Valid only while it is being reported.
+// One thing found. Its texts are valid only while it is being reported.
 struct Finding {
     FindingKind kind;
     Place place = {};
     // Bytes of the text that it is about: [start, limit).
     size_t start = 0;
     size_t limit = 0;
-    int64_t converted = 0;         // What became of a value that is taken, but not as written.
-    std::string_view detail = {};  // The parser's own words on a syntax error.
+    int64_t converted = 0;         // What a value is used as, if not as it is written.
+    std::string_view detail = {};  // The parser's message about a syntax error.
 };
 
-// Takes the findings of the effects that it wants; the others cost nothing.
+// Receives the findings of the effects that it wants; the others cost nothing.
 class FindingSink {
 public:
     void report(const Finding& finding) {

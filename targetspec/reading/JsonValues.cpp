@@ -3,6 +3,7 @@
 #include "targetspec/reading/JsonValues.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -20,8 +21,8 @@ struct HexadecimalText {
     bool hasTail;  // Whether anything follows the digits.
 };
 
-// As strtol() reads it, but in every locale alike: white space, sign and 0x are optional; reading
-// stops at the first character that is not a digit.
+// As strtol() reads it, but the same in every locale: white space, sign and 0x are optional;
+// reading stops at the first character that is not a digit.
 std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
     const size_t start = text.find_first_not_of(" \t\n\v\f\r");
     text.remove_prefix(start != std::string_view::npos ? start : text.size());
@@ -35,7 +36,7 @@ std::optional<HexadecimalText> readHexadecimal(std::string_view text) {
     std::from_chars_result read =
             std::from_chars(text.data() + (hasPrefix ? 2 : 0), limit, magnitude, 16);
     if (hasPrefix && read.ec == std::errc::invalid_argument) {
-        read = {text.data() + 1, std::errc()};  // A 0 with a tail.
+        read = {text.data() + 1, std::errc()};  // A 0, with text after it.
     }
     const int64_t value = isMinus ? -int64_t{magnitude} : int64_t{magnitude};
     if (read.ec != std::errc() || value < kLowest || value > kHighest) {
@@ -54,6 +55,12 @@ std::optional<int32_t> inRange(Integer value) {
 std::optional<int32_t> truncated(double real) {
     return real >= kLowest && real <= kHighest ? std::optional(static_cast<int32_t>(real))
                                                : std::nullopt;
+}
+
+// From JsonCpp 1.9.6 on, a number beyond the range of double is read as infinity (1e999); earlier
+// releases reject the document. As a boolean it would be true, and as text "1e+9999", a perf word.
+bool isInfinite(const Json::Value& value) {
+    return value.type() == Json::realValue && std::isinf(value.asDouble());
 }
 
 Converted<uint32_t> toPattern(int32_t value, const Changes& changes) {
@@ -79,6 +86,9 @@ Converted<bool> toBoolean(const Json::Value& value) {
         case Json::intValue:
         case Json::uintValue:
         case Json::realValue:
+            if (isInfinite(value)) {
+                break;
+            }
             boolean.value = value.asBool();
             boolean.changes.add(FindingKind::NumberAsBoolean, *boolean.value ? 1 : 0);
             break;
@@ -124,7 +134,7 @@ Converted<uint32_t> toUnsignedPattern(const Json::Value& value) {
 
 Converted<uint32_t> toPerfWord(const Json::Value& value) {
     const std::optional<std::string_view> text = toText(value);
-    if (!text && !value.isNumeric()) {
+    if (!text && (!value.isNumeric() || isInfinite(value))) {
         return {};
     }
     const std::string number = text ? std::string() : value.asString();

@@ -1,4 +1,4 @@
-// Makes a document's text fit for the JSON parser.
+// Prepares a document's text for the JSON parser.
 
 #include "targetspec/reading/ParserText.h"
 
@@ -14,8 +14,8 @@ namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 
-// Blanks comments from the start of a text to its end. Each search remembers what it has found, so
-// that no part of the text is searched twice for the same.
+// Blanks comments from the start of a text to its end. Each search remembers its result, so that no
+// part of the text is searched twice for the same thing.
 class CommentBlanker {
 public:
     CommentBlanker(std::span<char> bytes, std::vector<TextRange>* comments)
@@ -35,8 +35,8 @@ public:
     }
 
 private:
-    // The offset behind the comment that begins at `slash`; kNone when there is no whole one. The
-    // parser then rejects the text there, unless its root has ended before.
+    // The offset after the comment that begins at `slash`; kNone if there is no complete one. The
+    // parser then rejects the text there, unless the root has ended before.
     size_t blankComment(size_t slash) {
         size_t end = kNone;
         switch (slash + 1 < mText.size() ? mText[slash + 1] : '\0') {
@@ -75,14 +75,13 @@ private:
     const std::span<char> mBytes;
     const std::string_view mText;
     std::vector<TextRange>* const mComments;
-    size_t mLineFeed = 0;  // The first one behind the last comment.
+    size_t mLineFeed = 0;  // The first one after the last comment.
 };
 
-// Whether the text is so large, or holds so many brackets, wherever they are, that it must be
-// looked at more closely. Hardly any document is, and to find out costs a fraction of the closer
-// look.
+// Whether the text is so large, or has so many brackets anywhere, that it must be examined
+// completely. Hardly any document is, and this test costs a fraction of the examination.
 bool mayBreakLimit(std::string_view text) {
-    if (text.size() > kMaxValues) {  // Each value takes a byte.
+    if (text.size() > kMaxValues) {  // Each value needs a byte.
         return true;
     }
     size_t brackets = 0;
@@ -109,12 +108,11 @@ size_t nextMark(std::string_view text, size_t at) {
     return static_cast<size_t>(std::find_if(text.begin() + at, text.end(), isMark) - text.begin());
 }
 
-// What follows the root does not count, as it does not for the parser; nor does what is in a
-// string.
+// Ignores what follows the root, as the parser does, and what is in a string.
 std::optional<LimitBreach> findLimitBreach(std::string_view text) {
     const size_t root = text.find_first_not_of(" \t\r\n");
     if (root == kNone || (text[root] != '{' && text[root] != '[')) {
-        return std::nullopt;  // It holds no values.
+        return std::nullopt;  // It contains no values.
     }
     size_t depth = 0;
     size_t values = 1;

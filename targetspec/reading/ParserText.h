@@ -1,4 +1,4 @@
-// Makes a document's text fit for the JSON parser: without comments, and within the limits.
+// Prepares a document's text for the JSON parser: without comments, and within the limits.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ struct TextRange {
     size_t limit = 0;
 };
 
-// The offset behind the string whose opening quote is at `quote`; npos when it does not end.
+// The offset after the string whose opening quote is at `quote`; npos if it does not end.
 size_t endOfString(std::string_view text, size_t quote);
 
 struct LimitBreach {
@@ -25,12 +25,12 @@ struct LimitBreach {
     size_t offset;
 };
 
-// Overwrites every comment outside strings with blanks; line ends in it stay, so that offsets and
-// lines do, too. The parser has places where it takes no comment, or takes any token behind one.
-// What is not a whole comment stays, for the parser to reject: "/*" without "*/", a lone "/".
+// Overwrites every comment outside strings with blanks. Line ends in it stay, and so do offsets and
+// lines. In some places the parser accepts no comment, or any token after one. What is not a
+// complete comment stays, for the parser to reject: "/*" without "*/", a lone "/".
 //
-// Returns the first place where the text is beyond the limits: the parser must not see it then.
-// Adds where the comments were to `comments`, unless it is null.
+// Returns the first place where the text exceeds the limits: the parser must not see it then. Adds
+// the comments' places to `comments`, unless it is null.
 std::optional<LimitBreach> makeFitForParser(std::span<char> text,
                                             std::vector<TextRange>* comments = nullptr);
 

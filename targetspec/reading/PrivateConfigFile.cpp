@@ -12,8 +12,8 @@ namespace kc2 {
 
 namespace {
 
-// A file that fails while it is read is neither missing nor empty. Some standard libraries report
-// that as end of file, too, so the file's size has the last word.
+// A file that cannot be read is neither missing nor empty. Some standard libraries report that as
+// end of file, too, so the file's size decides.
 bool isMissingOrEmpty(std::ifstream& privateFile) {
     if (!privateFile.is_open()) {
         return true;

@@ -1,4 +1,4 @@
-// The sections of a document, a row each: what the reader looks up, and of which type it is.
+// The sections of a document, a row each: the key that the reader looks up, and its type.
 #pragma once
 
 #include <cstdint>

@@ -24,7 +24,7 @@ struct SpecDocument {
     std::map<std::string, int32_t> presets;
     std::vector<NimbraBitRateEntry> nimbraModeBitRateTable;
     std::set<uint32_t> dvProfiles;
-    std::optional<TierLevels> dvTierLevels;  // Present when the document has "DolbyVision".
+    std::optional<TierLevels> dvTierLevels;  // Present if the document has "DolbyVision".
     std::list<std::string> codecPlugins;
     std::list<std::string> preprocessingFilters;
     std::map<std::string, std::vector<uint32_t>> perfResourceValues;

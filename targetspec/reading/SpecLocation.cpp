@@ -1,4 +1,4 @@
-// Which system spec document this device is to read.
+// The path of this device's system spec document.
 
 #include "targetspec/reading/SpecLocation.h"
 
@@ -22,8 +22,8 @@ std::string locateSystemSpec() {
         return path;
     }
     path.append(kOdmSpecDirectory).append(variant).append(kSystemSpecName);
-    // A query that fails for another reason than absence answers false too: a document that cannot
-    // be examined would hardly open, and the vendor document then gets its chance.
+    // Also false if the path cannot be examined for another reason than absence: such a document
+    // would hardly open, so the vendor document is tried instead.
     struct stat ignored = {};
     if (!examine(path, &ignored)) {
         path.replace(0, std::strlen(kOdmSpecDirectory), kVendorSpecDirectory);

@@ -1,4 +1,4 @@
-// Text -> SpecDocument, and what was found on the way.
+// Text -> SpecDocument, and findings about it.
 
 #include "targetspec/reading/SpecReader.h"
 
@@ -26,18 +26,18 @@ Finding findingAbout(FindingKind kind, const Json::Value& value) {
 
 // The member of an object that a key names.
 struct Member {
-    const Json::Value* value = nullptr;  // Null when the object has no such member.
+    const Json::Value* value = nullptr;  // Null if the object has no such member.
     std::string_view key;
 
     Member() = default;
-    // A null key names no member, not even the one whose name is empty.
+    // A null key names no member, not even one whose name is empty.
     explicit Member(const char* name) : key(name != nullptr ? name : std::string_view()) {}
 
     bool isNamed(std::string_view name) const { return name == key && key.data() != nullptr; }
 };
 
-// Calls visit(iterator) for each member of an object or element of an array. Counting them is
-// cheaper than comparing with the parser's end(), and stepping behind the last one is left out.
+// Calls visit(iterator) for each member of an object or element of an array. Counting them costs
+// less than comparing with the parser's end(), and saves the step after the last one.
 template <typename Visit>
 void forEachValue(const Json::Value& container, Visit visit) {
     auto value = container.begin();
@@ -110,7 +110,7 @@ private:
         }
     }
 
-    // The value that came out of a conversion, whose changes are reported.
+    // The result of a conversion, whose changes are reported.
     template <typename T>
     std::optional<T> take(const Converted<T>& converted, const Place& place,
                           const Json::Value& value) {
@@ -120,8 +120,8 @@ private:
         return converted.value;
     }
 
-    // Finds the members that the keys name. One walk takes less than the parser's own lookups do:
-    // objects that are searched hold a handful of names.
+    // Finds the members that the keys name. One pass costs less than the parser's own lookups: the
+    // objects that are searched have a handful of names.
     template <size_t kCount>
     void findMembers(std::string_view section, const Json::Value& object,
                      std::array<Member, kCount>* members) {
@@ -153,7 +153,7 @@ private:
         return members;
     }
 
-    // Whether it is a section to take members of. A null one holds none, but is there.
+    // Whether the section may have members. A null one exists, but has none.
     bool isObjectSection(const Member& section) {
         if (!isObjectOrNull(*section.value)) {
             report(FindingKind::SectionNotObject, {.section = section.key}, *section.value);
@@ -173,8 +173,8 @@ private:
         });
     }
 
-    // Calls visit(place, value) for each element of an array. An object is walked over its member
-    // values in ascending name order; null and scalars hold no element.
+    // Calls visit(place, value) for each element of an array. Of an object, the member values are
+    // used, in ascending name order; null and scalars have no elements.
     template <typename Visit>
     void forEachElement(Place place, const Json::Value& list, Visit visit) {
         switch (list.type()) {
@@ -208,7 +208,7 @@ private:
         });
     }
 
-    // Adds the members whose values convert() takes to `values`; any other one is a finding.
+    // Adds the members whose values convert() accepts to `values`; any other one is a finding.
     template <typename Map, typename Convert>
     void readMap(const Member& section, Map* values, Convert convert, FindingKind ifNot) {
         forEachMember(section, [&](const Place& place, const Json::Value& value) {
@@ -221,7 +221,7 @@ private:
         });
     }
 
-    // A row of three values; none when a value is bad. The first bad one is reported.
+    // A row of three values; none if a value is bad. The first bad one is reported.
     std::optional<NimbraBitRateEntry> toBitRateEntry(const Place& place, const Json::Value& row) {
         NimbraBitRateEntry entry = {};
         auto value = row.begin();
@@ -287,7 +287,7 @@ private:
         levels.high = readTierLevel(section, highTier);
     }
 
-    // The words of one use case; false when an element is bad. The first bad one is reported.
+    // The words of one use case; false if an element is bad. The first bad one is reported.
     bool readPerfWords(const Place& place, const Json::Value& list, std::vector<uint32_t>* words) {
         words->reserve(list.size());
         bool isComplete = true;
@@ -332,8 +332,8 @@ private:
     FindingSink& mFindings;
 };
 
-// Later JsonCpp releases deprecate Json::Reader for a reader that is stricter: it takes no leading
-// zeros, which real documents contain.
+// Later JsonCpp releases deprecate Json::Reader for a stricter one, which rejects leading zeros;
+// real documents contain them.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
@@ -356,7 +356,7 @@ bool parse(std::string_view text, Json::Value* root, FindingSink& findings) {
 
 #pragma GCC diagnostic pop
 
-// The "Video" object of a document; null when it has none.
+// The "Video" object of a document; null if it has none.
 const Json::Value* findVideo(const Json::Value& root, FindingSink& findings) {
     const Member video(targetSpecRoot);
     const Json::Value* found = nullptr;

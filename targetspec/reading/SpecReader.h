@@ -1,4 +1,4 @@
-// Text -> SpecDocument, and what was found on the way. Knows JSON, knows no store.
+// Text -> SpecDocument, and findings about it. Does not know the store.
 #pragma once
 
 #include <span>
@@ -10,10 +10,10 @@
 
 namespace kc2 {
 
-// Reads one document into `document`, which holds nothing yet. Returns false when it is rejected;
-// `document` then still holds nothing.
+// Reads one document into `document`, which must be empty. Returns false if it is rejected;
+// `document` is then still empty.
 //
-// Blanks the comments in the text, and changes nothing else. Adds where they were to `comments`,
+// Blanks the comments in the text, and changes nothing else in it. Adds their places to `comments`,
 // unless it is null.
 bool readSpecDocument(std::span<char> text, SpecDocument* document, FindingSink& findings,
                       std::vector<TextRange>* comments = nullptr);

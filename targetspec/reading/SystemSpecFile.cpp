@@ -19,7 +19,7 @@ std::optional<std::string> openSystemSpec(std::ifstream& stream) {
     KC2_LOG_ERROR(log::kTagTargetSpec, "Failed to open %s", path.c_str());
     KC2_LOG_WARNING(log::kTagTargetSpec, "Falling back to %s", kFallbackSystemSpec);
     stream.open(localPath(kFallbackSystemSpec));
-    if (stream.is_open()) {  // Which has cleared the stream's failed state.
+    if (stream.is_open()) {  // Opening it has cleared the stream's failed state.
         return kFallbackSystemSpec;
     }
     KC2_LOG_ERROR(log::kTagTargetSpec, "Failed to open %s... Exit!", kFallbackSystemSpec);

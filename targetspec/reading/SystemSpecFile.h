@@ -7,9 +7,9 @@
 
 namespace kc2 {
 
-// Opens the system spec document that this device reads: the one at locateSystemSpec()
-// or, when that cannot be opened, the fallback. Logs what it tries. Returns the device path of the
-// document that is open; nothing when neither opens.
+// Opens this device's system spec document: the one at locateSystemSpec() or, if that cannot be
+// opened, the fallback. Logs the paths that it tries. Returns the device path of the open document;
+// nothing if neither opens.
 std::optional<std::string> openSystemSpec(std::ifstream& stream);
 
 }  // namespace kc2

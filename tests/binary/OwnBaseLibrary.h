@@ -1,5 +1,5 @@
-// The base library's names, defined by the program, and the log lines of a load on a device without
-// files: for programs that receive these lines in different ways.
+// The base library's names, defined by the program, and the lines of a load on a device without any
+// file: for the programs that differ in where those lines are written.
 #pragma once
 
 #include <cstdio>
@@ -34,7 +34,7 @@ const char* PixFormat::Str(unsigned int /*format*/) {
 
 namespace kc2::check {
 
-// The logged lines, as "priority tag: text".
+// The lines that were written, as "priority tag: text".
 inline std::vector<std::string>& lines() {
     static std::vector<std::string> lines;
     return lines;
@@ -44,7 +44,7 @@ inline void addLine(int priority, const char* tag, const char* text) {
     lines().push_back(std::to_string(priority) + " " + tag + ": " + text);
 }
 
-// Loads a store, makes the calls that log, and checks that exactly those lines were logged.
+// Loads a store, calls the functions that log, and checks that exactly those lines were written.
 inline void checkLines() {
     CHECK(kc2::TargetSpec::Get() != nullptr);
     kc2::Platform::TamraBufferLayout::Offset(0xDEAD, kc2::Platform::TamraBufferLayout::Y, 0, 0);

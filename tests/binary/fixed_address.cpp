@@ -1,5 +1,5 @@
-// In a program that is not position independent, the loader copies the key names into the program.
-// The library must see what the program writes there.
+// A program that is not position independent has the key names copied into itself when it is
+// loaded. The library must see what the program writes there.
 
 #include <fstream>
 

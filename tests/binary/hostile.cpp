@@ -1,5 +1,5 @@
 // Loads each device directory named on standard input as a device would, and prints the status of
-// each document. No document may stop it or put a control character into the log.
+// each document. No document may end the process or put a control character into the log.
 
 #include <algorithm>
 #include <fstream>

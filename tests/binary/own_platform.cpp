@@ -1,4 +1,4 @@
-// A program that defines the five platform names: the library uses these, and no others.
+// A program that defines the five platform names itself: the library uses them, and no others.
 
 #include <android/log.h>
 

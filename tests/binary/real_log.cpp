@@ -1,5 +1,5 @@
-// A program that links the real liblog: the library's lines are written through it, each with its
-// tag and priority.
+// A program that links the real liblog: it receives the library's lines, each with its tag and
+// priority.
 
 #include <android/log.h>
 
@@ -7,8 +7,8 @@
 
 namespace {
 
-// Keeps what liblog passes to its writer, and passes it on to liblog's own writer. In some releases
-// of liblog the text is in the line; in others it is a separate argument.
+// Keeps what liblog passes to its writer, and passes it on to liblog's default writer. Its releases
+// differ: the text is in the line, or is another argument.
 template <typename Line>
 void keep(const Line* line) {
     kc2::check::addLine(line->priority, line->tag, line->message);

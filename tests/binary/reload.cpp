@@ -1,4 +1,4 @@
-// Loads a component, which uses the library, and unloads both, a thousand times: nothing remains.
+// Loads a component, lets it use the library, and unloads both, a thousand times: nothing is left.
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kLibrary[] = "libkcodec2_platform.so";
 constexpr int kRounds = 1000;
-constexpr int kWarmUpRounds = 100;  // The loader's memory is stable after these.
+constexpr int kWarmUpRounds = 100;  // After these the loader allocates no more.
 constexpr size_t kSmallestBlock = 16;
 
 bool isLoaded(const char* name) {
@@ -32,7 +32,7 @@ void loadAndUse() {
     CHECK(dlclose(component) == 0);
 }
 
-// Includes the memory of the format table: if it is not destroyed, each round leaks it.
+// Includes the format table's content: a table that is not destroyed adds to it in every round.
 size_t allocatedBytes() {
     return mallinfo2().uordblks;
 }

@@ -1,4 +1,4 @@
-// Loads one document with the library, and checks what must be true for any document.
+// One document through the library, and what must be true of any document.
 
 #include "tests/fuzz/DocumentCheck.h"
 
@@ -64,7 +64,7 @@ private:
     std::string mPath;
 };
 
-// Content in each section, so that every merge finds existing names and entries.
+// Something in each section, so that every merge finds names and entries in the store.
 constexpr std::string_view kEarlierDocument = R"({"Video": {
     "Features": {"private_enc_cvp_enable": false, "a": true},
     "Presets": {"private_complexity": 7, "a": -1},
@@ -98,7 +98,7 @@ void checkParse(const std::string& path, const std::optional<ExpectedDocument>& 
     if (expected) {
         require(status == 0, "a document that the parser accepts is accepted");
         *content = merged(std::move(*content), *expected);
-        require(contentOf(*store) == *content, "the store contains what the document says");
+        require(contentOf(*store) == *content, "the store has what the document says");
         require(sLogCount == LogCount{0, expected->warnings,
                                       expected->content.encPostProcessingFilters.size()},
                 "one warning for each thing left out, one debug line per filter");
@@ -116,7 +116,7 @@ void checkDocument(std::string_view text) {
     static const TextFile file;
 
     TargetSpec store;
-    if (text.size() % 2 == 0) {  // The others are read into an empty store.
+    if (text.size() % 2 == 0) {  // The others start with an empty store.
         file.write(kEarlierDocument);
         require(parse(file.path(), &store) == 0, "the earlier document is accepted");
     }

@@ -1,4 +1,4 @@
-// Loads one document with the library, and checks what must be true for any document.
+// One document through the library, and what must be true of any document.
 #pragma once
 
 #include <string_view>

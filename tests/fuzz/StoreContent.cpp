@@ -1,4 +1,4 @@
-// The content of a store, and what it must be after a document.
+// The content of a store, and the content that a document must result in.
 
 #include "tests/fuzz/StoreContent.h"
 
@@ -6,8 +6,8 @@
 #include <json/value.h>
 
 #include <algorithm>
-#include <exception>
-#include <limits>
+#include <cmath>
+#include <stdexcept>
 
 #include "targetspec/TargetSpecInspector.h"
 #include "targetspec/reading/Limits.h"
@@ -36,8 +36,8 @@ auto attempt(Convert convert) -> std::optional<decltype(convert())> {
     }
 }
 
-// The text with a blank for each byte of a complete comment. Byte by byte, so that it is
-// independent of the code that it is compared with.
+// The text with a blank for each byte of a comment that ends; byte by byte, independently of the
+// code that it is compared with.
 std::string withoutComments(std::string_view text) {
     std::string plain(text);
     bool isInString = false;
@@ -67,8 +67,8 @@ std::string withoutComments(std::string_view text) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-// The most containers open at once until the root ends. Some releases of the parser accept more;
-// the library never does.
+// The most containers open at once until the root ends. Whether the parser accepts more depends on
+// its release; the library never does.
 size_t nestingOf(std::string_view text) {
     size_t depth = 0;
     size_t deepest = 0;
@@ -107,8 +107,14 @@ std::optional<Json::Value> parse(std::string_view documentText) {
 
 #pragma GCC diagnostic pop
 
+// From JsonCpp 1.9.6 on, a number beyond the range of double.
+bool isInfinite(const Json::Value& value) {
+    return value.isDouble() && std::isinf(value.asDouble());
+}
+
 std::optional<uint32_t> hexadecimalWord(const Json::Value& value) {
-    if (value.isBool()) {  // Its text "false" begins with digits.
+    // Their texts "false" and "1e+9999" begin with digits.
+    if (value.isBool() || isInfinite(value)) {
         return std::nullopt;
     }
     return attempt([&] {
@@ -124,8 +130,7 @@ std::optional<uint32_t> hexadecimalWord(const Json::Value& value) {
 class Expectation {
 public:
     explicit Expectation(const Json::Value& video) : mVideo(video) {
-        readMembers("Features", &mDocument.content.features,
-                    [](const Json::Value& value) { return value.asBool(); });
+        readMembers("Features", &mDocument.content.features, feature);
         readMembers("Presets", &mDocument.content.presets,
                     [](const Json::Value& value) { return value.asInt(); });
         readTable();
@@ -136,7 +141,7 @@ public:
             mDocument.content.supportedCodecs.insert(names.begin(), names.end());
         }
         if (!isObjectOrNull(mVideo["codecs-available"])) {
-            --mDocument.warnings;  // Converted twice above.
+            --mDocument.warnings;  // Counted twice above.
         }
         const std::vector<std::string> optional = strings(mVideo["OptionalCodecs"]);
         mDocument.content.supportedCodecs.insert(optional.begin(), optional.end());
@@ -184,6 +189,13 @@ private:
         }
     }
 
+    static bool feature(const Json::Value& value) {
+        if (isInfinite(value)) {
+            throw std::out_of_range("feature");
+        }
+        return value.asBool();
+    }
+
     void readTable() {
         for (const Json::Value& row : mVideo["NimbraModeBitrateTable"]) {
             const auto words = attempt([&] {
@@ -225,7 +237,7 @@ private:
     static std::vector<uint32_t> perfWords(const Json::Value& list) {
         std::vector<uint32_t> words;
         for (const Json::Value& element : list) {
-            words.push_back(hexadecimalWord(element).value());  // Throws when there is none.
+            words.push_back(hexadecimalWord(element).value());  // Throws if there is none.
         }
         return words;
     }

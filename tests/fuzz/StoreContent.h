@@ -1,4 +1,4 @@
-// The content of a store as plain values: to compare stores, and to compute the expected content.
+// The content of a store, as plain values: to compare stores, and to say what one must contain.
 #pragma once
 
 #include <cstdint>
@@ -32,16 +32,16 @@ struct StoreContent {
 
 StoreContent contentOf(const TargetSpec& spec);
 
-// The content that one document must give an empty store, and the number of its warnings.
+// The content that a document must add to an empty store, and the warnings that it must cause.
 struct ExpectedDocument {
     StoreContent content;
     bool hasDolbyVision = false;
     size_t warnings = 0;
 };
 
-// Reads a document with JsonCpp and its conversions only, in a build of JsonCpp that throws: the
-// library must leave out what JsonCpp throws on. Empty when the library must reject the text. The
-// text must be small enough not to be rejected for its size.
+// Reads a document with JsonCpp's own conversions, in a build of it that throws: what it throws on,
+// the library must skip. Nothing if the library must reject the text. The text must be small enough
+// not to be rejected for its size.
 std::optional<ExpectedDocument> expectedDocument(std::string_view text);
 
 // The content of `store` after `document` has been merged into it.

@@ -1,4 +1,4 @@
-// Fuzz target: documents with the right structure, nearly always valid JSON, with hostile values.
+// Fuzz target: documents of the right shape, nearly always valid JSON, with hostile values.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -66,7 +66,7 @@ private:
         mText += close;
     }
 
-    // White space and comments, which contain tokens that must be ignored.
+    // White space and comments, which contain what must be ignored there.
     void gap() {
         if (!rarely()) {
             return;
@@ -177,7 +177,7 @@ private:
         }
     }
 
-    // Nested containers, sometimes around the parser's limit.
+    // Containers in containers, sometimes around the parser's limit.
     void writeTower() {
         const int levels = rarely() ? mInput.ConsumeIntegralInRange(985, 1005)
                                     : mInput.ConsumeIntegralInRange(1, 4);
@@ -206,10 +206,10 @@ private:
                          "18446744073709551616", "0101", "-0", "-", "00", "-007"});
                 break;
             case 2:
-                mText += mInput.PickValueInArray({"4.0", "4.5", "-0.5", "2147483647.5",
-                                                  "-2147483648.5", "4294967295.0", "4294967295.5",
-                                                  "1e308", "-1e308", "1e-320", "1e999", "0.0",
-                                                  "-0.0", "1.", "1e", "1E+2", "9007199254740993"});
+                mText += mInput.PickValueInArray(
+                        {"4.0", "4.5", "-0.5", "2147483647.5", "-2147483648.5", "4294967295.0",
+                         "4294967295.5", "1e308", "-1e308", "1e-320", "1e999", "-1e999", "0.0",
+                         "-0.0", "1.", "1e", "1E+2", "9007199254740993"});
                 break;
             case 3:
                 mText += std::to_string(mInput.ConsumeIntegral<int64_t>());

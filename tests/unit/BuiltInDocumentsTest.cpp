@@ -10,8 +10,8 @@ namespace {
 
 constexpr const char* kVariants[] = {"_brel", "_orvelle", "_other"};  // Documents 1, 2 and 3.
 
-// What the documents contain, as contentOf() prints it: one value where all have the same, and "-"
-// where a document has none.
+// The content of the documents, as contentOf() prints it: one value where all have the same, and
+// "-" for what one of them lacks.
 struct Row {
     const char* name;
     const char* values[3];

@@ -1,4 +1,4 @@
-// A device for a test: its files in a temporary directory, its properties, and its log.
+// A device for one test: its files in a temporary directory, its properties, and its log.
 
 #include "Device.h"
 

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <new>
 #include <set>
 #include <thread>
 
@@ -242,7 +243,7 @@ TEST_F(LoadTest, NoFailureOfTheFileSystemStopsIt) {
         std::function<void()> inLoader;  // In the process that loads.
         std::string content;
         Lines log;
-        const char* fileAfterwards;  // Null: no file is compared.
+        const char* fileAfterwards;  // Null where there is no file to examine.
     } rows[] = {
             {"private: I/O error while reading", link("/proc/self/mem"), [] {}, all, {}, nullptr},
             {"private: a directory",
@@ -413,6 +414,36 @@ TEST_F(LoadTest, ManyFirstCallersShareOneLoad) {
         EXPECT_EQ((Lines{"0", "I/KC2TargetSpec: Video Core Features:"}), lines) << threadCount;
     }
 }
+
+#ifdef __cpp_exceptions  // Without exceptions a program ends where an allocation fails.
+TEST_F(LoadTest, ALoadThatThrowsIsRepeated) {
+    mDevice.write(kVariantSpec, kSpec);
+    mDevice.write(kPrivateFile, kPrivate);
+    host::setLogLevel(0x2);
+    const Lines lines = inOwnProcess([&] {
+        alarm(20);  // With the lock still taken, the next call would wait for ever.
+        Lines result;
+        // The second line is there when the first document is in the store.
+        for (const char* const failing : {"Parsing system specs", "Video Core Features:"}) {
+            host::setLogSink([failing](int, const char*, const char* text) {
+                if (std::string(text).rfind(failing, 0) == 0) {
+                    throw std::bad_alloc();
+                }
+            });
+            try {
+                TargetSpec::Get();
+            } catch (const std::bad_alloc&) {
+                result.push_back("thrown");
+            }
+        }
+        host::setLogSink([](int, const char*, const char*) {});
+        TargetSpec& spec = *TargetSpec::Get();
+        result.push_back(answersRight(spec) && TargetSpec::Get() == &spec ? "loaded" : "wrong");
+        return result;
+    });
+    EXPECT_EQ((Lines{"thrown", "thrown", "loaded"}), lines);
+}
+#endif
 
 }  // namespace
 

@@ -36,7 +36,7 @@ std::string nested(int depth, const std::string& innermost) {
     return open + innermost + close;
 }
 
-// Its array and its root are two more values.
+// With its array and its root it has two values more.
 std::string arrayOf(size_t count, const std::string& value) {
     std::string text = "[" + value;
     for (size_t i = 1; i < count; ++i) {
@@ -326,6 +326,15 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     atItsEnd.seekg(0, std::ios::end);
     atItsEnd.setstate(std::ios::eofbit);
     EXPECT_EQ(kFailed, mSpec.parseJsonData(atItsEnd)) << "end of file alone is not a failed stream";
+
+    // The flag alone, with all of the text left.
+    std::ifstream flagged(mDevice("/a.json"));
+    flagged.seekg(5);
+    flagged.setstate(std::ios::eofbit);
+    TargetSpec fromFlagged;
+    EXPECT_EQ(0u, fromFlagged.parseJsonData(flagged));
+    EXPECT_EQ("codec a\xFF\n", contentOf(fromFlagged));
+    EXPECT_EQ(std::ios::eofbit, flagged.rdstate());
 
     std::ifstream directory(mDevice("/directory/file").substr(0, mDevice("/").size() + 9));
     ASSERT_TRUE(directory.is_open());

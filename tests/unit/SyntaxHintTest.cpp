@@ -135,9 +135,9 @@ TEST(SyntaxHintTest, RawControlCharactersInStringsAreReportedOncePerString) {
                           "{\"Video\": {\"Features\": {\"a\nb\nc\": true,\t\"\\\"\t\": "
                           "true, \"c\": /* \"\n */ true}}}");
     const std::string output = run("check " + path).output;
-    EXPECT_NE(std::string::npos, output.find(":1:27: warning: a string holds a line break"))
+    EXPECT_NE(std::string::npos, output.find(":1:27: warning: a string has a line break"))
             << output;
-    EXPECT_NE(std::string::npos, output.find(":3:14: warning: a string holds a tab")) << output;
+    EXPECT_NE(std::string::npos, output.find(":3:14: warning: a string has a tab")) << output;
     size_t count = 0;
     for (size_t at = 0; (at = output.find("[control-character]", at)) != std::string::npos; ++at) {
         ++count;
@@ -145,7 +145,7 @@ TEST(SyntaxHintTest, RawControlCharactersInStringsAreReportedOncePerString) {
     EXPECT_EQ(2U, count);
 }
 
-// JsonCpp up to 1.9.5 rejects the document; a later release on the desk must not hide that.
+// JsonCpp up to 1.9.5 rejects the document; a later release on this machine must not hide that.
 TEST(SyntaxHintTest, ANumberOutOfRangeIsReportedWithEveryRelease) {
     const ScratchDirectory scratch;
     const Result result =

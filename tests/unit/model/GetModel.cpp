@@ -1,5 +1,6 @@
-// A model of how Get() and load() in targetspec/TargetSpec.cpp publish the store, on atomics that
-// try everything that the memory model allows. It has the same steps in the same order.
+// The publication of the store as a model: Get() and load() of targetspec/TargetSpec.cpp, on
+// atomics that try everything that the memory model allows. Each step there is a step here, in the
+// same order.
 
 #include <algorithm>
 #include <cstdio>
@@ -52,6 +53,10 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
                 rl::yield(1, $);
             }
         }
+        struct Unlock {
+            GetModel& model;
+            ~Unlock() { model.mLock.store(0, weaken(LockRelease, rl::mo_release), $); }
+        } const unlock{*this};
         if (!mIsInitialized.load(rl::mo_acquire, $)) {
             VAR(mInstance) = &mStores[thread];
             VAR(mLoads) = VAR(mLoads) + 1;
@@ -59,7 +64,6 @@ struct GetModel : rl::test_suite<GetModel<Weakened>, 3> {
             VAR(VAR(mInstance)->mStatus) = kLoaded;
             mIsInitialized.store(true, weaken(FlagRelease, rl::mo_release), $);
         }
-        mLock.store(0, weaken(LockRelease, rl::mo_release), $);
         return VAR(mInstance);
     }
 

@@ -555,9 +555,21 @@ inline constexpr Check kChecks[] = {
                 .summary = "a number that is too large for any parser",
                 .meaning = "The number is above 1.8e308. JsonCpp up to 1.9.5 rejects the whole "
                            "document for it, as a syntax error. Later releases read it as "
-                           "infinity, which nothing uses.",
+                           "infinity, and the value is skipped.",
                 .fix = "Write a smaller number.",
                 .whyNoExample = "some releases of the parser report a syntax error instead",
+        },
+        {
+                .id = "number-too-small",
+                .group = "document",
+                .severity = Severity::Error,
+                .summary = "a number that is too near to 0 for a phone",
+                .meaning = "The number is not 0, but nearer to 0 than 2.2e-308. The C++ library of "
+                           "every phone fails to read it, so the parser rejects the whole document "
+                           "with a syntax error. The library of a development machine may read it.",
+                .fix = "Write 0, or the number that is meant.",
+                .whyNoExample = "some C++ libraries report a syntax error instead",
+                .isRejection = true,
         },
         {
                 .id = "control-character",

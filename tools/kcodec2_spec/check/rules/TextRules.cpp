@@ -167,16 +167,30 @@ void checkLoneMinuses(const Document& document, Report* report) {
     });
 }
 
-void checkHugeNumbers(const Document& document, Report* report) {
+// Whether a number has another digit than 0 before its exponent.
+bool isNotZero(std::string_view number) {
+    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
+    return mantissa.find_first_of("123456789") != std::string_view::npos;
+}
+
+// What no double holds exactly is read differently by each parser and C++ library.
+void checkExtremeNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
         const std::string_view text = node.isNumber() ? document.source.textAt(node.value) : "";
-        const bool mayBeHuge = text.size() > std::numeric_limits<double>::max_exponent10 ||
-                               text.find_first_of("eE") != std::string_view::npos;
-        if (mayBeHuge && std::isinf(std::strtod(std::string(text).c_str(), nullptr))) {
+        const bool mayBeExtreme = text.size() > std::numeric_limits<double>::max_exponent10 ||
+                                  text.find_first_of("eE") != std::string_view::npos;
+        if (!mayBeExtreme) {
+            return;
+        }
+        const double value = std::abs(std::strtod(std::string(text).c_str(), nullptr));
+        if (std::isinf(value)) {
             report->add("number-too-large", document, node.value,
-                        "the number is too large for any parser to hold: JsonCpp up to 1.9.5 "
-                        "rejects the "
-                        "whole document for it");
+                        "the number is too large for any parser: JsonCpp up to 1.9.5 rejects the "
+                        "whole document for it, and later releases skip the value");
+        } else if (value < std::numeric_limits<double>::min() && isNotZero(text)) {
+            report->add("number-too-small", document, node.value,
+                        "the number is too near to 0: every phone rejects the whole document for "
+                        "it, though this machine may read it");
         }
     });
 }
@@ -193,11 +207,11 @@ void checkControlCharacters(const Document& document, Report* report) {
     for (const Span& span : rawControlCharacters(document.parserText)) {
         const char c = document.source.text()[span.start];
         report->add("control-character", document, span,
-                    std::string("a string holds a ") +
+                    std::string("a string has a ") +
                             (c == '\n' || c == '\r' ? "line break"
                              : c == '\t'            ? "tab"
                                                     : "control character") +
-                            " as it is: JsonCpp 1.9.8 and later reject the whole document for it. "
+                            " as it is: JsonCpp 1.9.7 and later reject the whole document for it. "
                             "Write an escape, such as \\n, or remove it");
     }
 }
@@ -213,7 +227,7 @@ void checkTexts(const Checked& checked, Report* report) {
         checkDuplicateMembers(document, report);
         checkLeadingZeros(document, report);
         checkLoneMinuses(document, report);
-        checkHugeNumbers(document, report);
+        checkExtremeNumbers(document, report);
         checkControlCharacters(document, report);
         checkTrailingText(document, report);
     });
