@@ -158,6 +158,17 @@ TEST(SyntaxHintTest, ANumberOutOfRangeIsReportedWithEveryRelease) {
             << result.output;
 }
 
+// A phone rejects the document; the library of this machine must not hide that.
+TEST(SyntaxHintTest, ANumberTooNearToZeroIsAnErrorWithEveryLibrary) {
+    const ScratchDirectory scratch;
+    const Result result = run("check --disable all " +
+                              scratch.write("a.json", R"({"Video": {"Presets": {"a": 1e-400}}})"));
+    EXPECT_EQ(1, result.exitCode);
+    EXPECT_TRUE(result.output.find("[number-too-small]") != std::string::npos ||
+                result.output.find("error: '1e-400' is not a number") != std::string::npos)
+            << result.output;
+}
+
 }  // namespace
 
 }  // namespace kc2::test
