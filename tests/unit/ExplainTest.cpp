@@ -42,7 +42,7 @@ bool isReported(const std::string& report, const std::string& id, const std::str
     return false;
 }
 
-TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
+TEST(ExplainTest, AnExampleHasItsMistakeAndItsFixHasNot) {
     const ScratchDirectory scratch;
     // All checks that a document can reach; a change that adds one adds a document with it.
     const std::string reached = run("check tests/unit/check/*.json").output;
@@ -68,7 +68,7 @@ TEST(ExplainTest, AnExampleHasItsMistakeAndItsMendHasNot) {
     EXPECT_NE(std::string::npos, mended.find("\n0 errors, 0 warnings")) << mended;
 }
 
-TEST(ExplainTest, TellsEveryKindOfName) {
+TEST(ExplainTest, ExplainsEveryKindOfName) {
     const std::string device =
             " --rootdir tests/unit/check/load-traps --property vendor.media.target_variant=";
     expectAnswers("explain ",
@@ -81,7 +81,7 @@ TEST(ExplainTest, TellsEveryKindOfName) {
                           {"DolbyVision", 0, "replaces both levels"},
                           {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
                           {"0x7FA30C09", 0, "TAMRA_TP10"},
-                          {"real-truncated", 0, "  mended    {\"Video\": {\"Presets\""},
+                          {"real-truncated", 0, "  fixed     {\"Video\": {\"Presets\""},
                           {"'parse json from file'", 0,
                            "Couldn't parse json from file stream\n  log       E"},
                           {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
@@ -91,13 +91,13 @@ TEST(ExplainTest, TellsEveryKindOfName) {
                           {"overlay", 0, "  example   none: it takes the documents of a whole"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
-                          {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},
+                          {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
                           {"no_such_name" + device, 1, "no document sets it"},
                   });
 }
 
-// The first document that sets a name wins; the other's value is told as lost.
-TEST(ExplainTest, TellsWhoSetsANameAndWhoLoses) {
+// The first document that sets a name wins; the other's value is marked as without effect.
+TEST(ExplainTest, ShowsWhichDocumentSetsANameAndWhichValueHasNoEffect) {
     const ScratchDirectory scratch;
     const std::string system = "/vendor/etc/media";
     const std::string data = "/data/vendor/media";

@@ -122,17 +122,17 @@ TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
                                         "_orvelle_tab"}),
               variants);
     for (size_t column = 1; column < variants.size(); ++column) {
-        std::vector<std::string> told;
+        std::vector<std::string> entries;
         for (const std::vector<std::string>& row : rows) {
             if (row.size() == variants.size() && row[column].find("–") == std::string::npos) {
-                told.push_back(
+                entries.push_back(
                         row[0].substr(0, row[0].find(row[0][0] == '[' ? ")" : " ") +
                                                  (row[0][0] == '[' ? 1 : 0)) +
                         " " +
                         std::regex_replace(row[column], std::regex("^(≠)?(#\\d+ ?|yes )?"), ""));
             }
         }
-        told.erase(told.begin());  // The header.
+        entries.erase(entries.begin());  // The header.
         const std::string shown =
                 run("show --rootdir examples/device --property vendor.media.target_variant=" +
                     (column == 1 ? "default" : variants[column]) + " 2> /dev/null")
@@ -141,9 +141,9 @@ TEST(ReportTest, SaysOfEachVariantWhatShowSays) {
         for (std::string& line : expected) {
             line = std::regex_replace(line, std::regex(" +"), " ");
         }
-        std::sort(told.begin(), told.end());
+        std::sort(entries.begin(), entries.end());
         std::sort(expected.begin(), expected.end());
-        EXPECT_EQ(expected, told) << variants[column];
+        EXPECT_EQ(expected, entries) << variants[column];
     }
 }
 
@@ -204,7 +204,7 @@ TEST(ReportTest, WritesAWholeFileOrNone) {
     EXPECT_EQ(5, std::distance(fs::directory_iterator(directory.path()), {}));  // Nothing beside.
 }
 
-// A page that no browser opens helps nobody, so it is cut, and says so.
+// Browsers do not open a page that is too large, so it is cut, and says so.
 TEST(ReportTest, StaysSmallEnoughForABrowser) {
     const ScratchDirectory tree;
     std::string names;

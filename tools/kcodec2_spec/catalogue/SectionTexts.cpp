@@ -1,9 +1,10 @@
-// What a section holds, by its key, and how documents merge there, by its type.
+// The texts for sections, a row for each key, and how documents merge, for each type.
 
 #include "catalogue/SectionTexts.h"
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/Sections.h"
@@ -14,38 +15,41 @@ namespace {
 
 struct SectionText {
     const char* const* key;
-    const char* text;
+    std::string_view title;
+    std::string_view meaning;
 };
 
 constexpr SectionText kSectionTexts[] = {
-        {&targetSpecRoot, "Holds every section of the document."},
-        {&targetSpecFeatures, "Switches: each name is true or false."},
-        {&targetSpecPresets, "Numbers: each name is a 32-bit integer."},
-        {&targetSpecNimbraModeBitRate,
-         "Rows [low, high, bit rate]. A row answers for the values from low up to, but not "
-         "including, high; the first row that holds a value answers."},
-        {&targetSpecDV,
-         "Dolby Vision profiles and the highest levels of the main and the high tier."},
-        {&targetSpecDVProfiles, "Numbers of the Dolby Vision profiles."},
-        {&targetSpecDVMaxMainTierLevel,
+        {&targetSpecRoot, "Video", "Contains every section of the document."},
+        {&targetSpecFeatures, "Features", "Switches: each name is true or false."},
+        {&targetSpecPresets, "Presets", "Numbers: each name is a 32-bit integer."},
+        {&targetSpecNimbraModeBitRate, "Nimbra-mode bit rates",
+         "Rows [low, high, bit rate]. A row is used for the values from low up to, but not "
+         "including, high. Of several such rows the first one is used."},
+        {&targetSpecDV, "Dolby Vision",
+         "Dolby Vision profiles, and the highest level of the main and the high tier."},
+        {&targetSpecDVProfiles, "Dolby Vision profiles", "Numbers of the Dolby Vision profiles."},
+        {&targetSpecDVMaxMainTierLevel, "Highest level of the main tier",
          "Highest level of the main tier. 0 where a document with \"DolbyVision\" leaves it out."},
-        {&targetSpecDVMaxHighTierLevel,
+        {&targetSpecDVMaxHighTierLevel, "Highest level of the high tier",
          "Highest level of the high tier. 0 where a document with \"DolbyVision\" leaves it out."},
-        {&targetSpecCodecPlugins, "Names of codec plug-ins, in order."},
-        {&targetSpecPreProcessingFilters, "Entries of encoder pre-processing filters, in order."},
-        {&targetSpecSupportedEncPostProcessingFilters,
+        {&targetSpecCodecPlugins, "Codec plug-ins", "Names of codec plug-ins, in order."},
+        {&targetSpecPreProcessingFilters, "Pre-processing filters",
+         "Entries of encoder pre-processing filters, in order."},
+        {&targetSpecSupportedEncPostProcessingFilters, "Encoder post-processing filters",
          "Names of encoder post-processing filters, in order."},
-        {&targetSpecPerfResourceValues,
+        {&targetSpecPerfResourceValues, "Perf-lock words",
          "CPU performance-lock words by use case: hexadecimal strings in pairs, a resource code, "
          "then its value."},
-        {&targetSpecSupportedCodecs, "Components that are enabled."},
-        {&targetSpecAvailableDecoders, "Names of decoder components."},
-        {&targetSpecAvailableEncoders, "Names of encoder components."},
-        {&targetSpecOptionalCodecs, "Further components that are enabled."},
+        {&targetSpecSupportedCodecs, "Codec components", "Components that are enabled."},
+        {&targetSpecAvailableDecoders, "Decoders", "Names of decoder components."},
+        {&targetSpecAvailableEncoders, "Encoders", "Names of encoder components."},
+        {&targetSpecOptionalCodecs, "Optional codec components",
+         "Further components that are enabled."},
 };
 
-// A test holds these words against a merge.
-const char* mergingOf(SectionType type) {
+// SnapshotTest compares these with what the library does.
+constexpr std::string_view mergingOf(SectionType type) {
     switch (type) {
         case SectionType::Features:
         case SectionType::Presets:
@@ -66,18 +70,47 @@ const char* mergingOf(SectionType type) {
     return "";
 }
 
+constexpr bool hasText(const char* const* key) {
+    return std::any_of(std::begin(kSectionTexts), std::end(kSectionTexts), [key](const auto& row) {
+        return row.key == key && !row.title.empty() && !row.meaning.empty();
+    });
+}
+
+constexpr bool hasTexts(const Section& section) {
+    const auto members = fixedMembersOf(section.type);
+    return hasText(section.key) && !mergingOf(section.type).empty() &&
+           std::all_of(members.begin(), members.end(), hasText);
+}
+
+static_assert(hasText(&targetSpecRoot) &&
+                      std::all_of(std::begin(kSections), std::end(kSections), hasTexts),
+              "A section needs a row in kSectionTexts, as do its fixed members, and its type a "
+              "text in mergingOf().");
+
+const SectionText* textOf(const std::string& key) {
+    const auto text = std::find_if(
+            std::begin(kSectionTexts), std::end(kSectionTexts),
+            [&key](const SectionText& row) { return *row.key != nullptr && key == *row.key; });
+    return text != std::end(kSectionTexts) ? text : nullptr;
+}
+
 }  // namespace
 
+std::string titleOfSection(const std::string& key) {
+    const SectionText* const text = textOf(key);
+    return text != nullptr ? std::string(text->title) : std::string();
+}
+
 std::string meaningOfSection(const std::string& key) {
-    const auto isNamed = [&key](const auto& row) { return *row.key != nullptr && key == *row.key; };
-    std::string meaning;
-    const auto text = std::find_if(std::begin(kSectionTexts), std::end(kSectionTexts), isNamed);
-    if (text != std::end(kSectionTexts)) {
-        meaning = text->text;
+    const SectionText* const text = textOf(key);
+    if (text == nullptr) {
+        return std::string();
     }
-    const auto section = std::find_if(std::begin(kSections), std::end(kSections), isNamed);
-    if (section != std::end(kSections)) {
-        meaning.append(meaning.empty() ? "" : " ").append(mergingOf(section->type));
+    std::string meaning(text->meaning);
+    for (const Section& section : kSections) {
+        if (section.key == text->key) {
+            meaning.append(" ").append(mergingOf(section.type));
+        }
     }
     return meaning;
 }

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "base/ExitCodes.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/CheckOptions.h"
 #include "check/rules/Rules.h"

@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "kc2/TargetSpecKeys.h"
 

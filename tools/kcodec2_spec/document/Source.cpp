@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/Text.h"
+#include "base/Utf8.h"
 
 namespace kc2::tool {
 

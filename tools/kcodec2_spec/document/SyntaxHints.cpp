@@ -12,6 +12,7 @@
 
 #include "base/OddCharacters.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "document/SyntaxWalk.h"
 #include "targetspec/reading/Escaped.h"
 

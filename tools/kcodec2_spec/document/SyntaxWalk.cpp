@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "base/Utf8.h"
 
 namespace kc2::tool {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/Terminal.h"
-#include "base/Text.h"
+#include "base/Utf8.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "base/Text.h"
+#include "base/JsonPrinter.h"
 #include "check/output/Output.h"
 
 namespace kc2::tool {

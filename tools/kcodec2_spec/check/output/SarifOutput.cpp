@@ -8,7 +8,7 @@
 #include <map>
 #include <set>
 
-#include "base/Text.h"
+#include "base/JsonPrinter.h"
 #include "check/output/Output.h"
 #include "platform/Version.h"
 

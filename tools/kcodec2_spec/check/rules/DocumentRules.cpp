@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/Text.h"
+#include "base/Spelling.h"
 #include "check/rules/Misspellings.h"
 #include "document/SyntaxHints.h"
 #include "kc2/TargetSpecKeys.h"

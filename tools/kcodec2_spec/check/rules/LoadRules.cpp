@@ -6,6 +6,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"

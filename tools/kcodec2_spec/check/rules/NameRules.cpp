@@ -12,6 +12,7 @@
 
 #include "base/OddCharacters.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "check/rules/DocumentNames.h"
 #include "check/rules/Misspellings.h"
 #include "targetspec/reading/Escaped.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "check/rules/Rules.h"
 #include "document/Mends.h"
 #include "document/SyntaxHints.h"
