@@ -97,7 +97,7 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             {"show README.md",
              "not expected: README.md. show loads a device, whose root --rootdir DIR names; check "
              "FILE checks one document"},
-            {"report examples/device --output x.html",
+            {"report examples/device --output /dev/null",
              "not expected: examples/device. Did you mean --rootdir examples/device?"},
             {"check --max-findings -1 a",
              "--max-findings: must be a whole number from 0, not \"-1\""},
@@ -148,7 +148,7 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             // Without the files of a device: what these do would be another machine's.
             {"show", noDevice},
             {"show --variant _mirt", noDevice},
-            {"report --output x.html", noDevice},
+            {"report --output /dev/null", noDevice},
             {"check", "FILE is missing, or " + noDevice},
             {"check --all-variants", "FILE is missing, or " + noDevice},
             {"explain private_complexity --variant _mirt",
