@@ -98,7 +98,7 @@ TEST(CatalogueTest, ThePageIsTheCatalogue) {
     EXPECT_EQ(2, run("explain --markdown private_complexity").exitCode);
 }
 
-// The checker also knows a vendor's names.
+// A vendor's names are known to the checker, too.
 TEST(CatalogueTest, TheCheckerUsesAVendorsFile) {
     const ScratchDirectory scratch;
     const std::string document =
@@ -115,7 +115,7 @@ TEST(CatalogueTest, TheCheckerUsesAVendorsFile) {
         found += finding["id"].asString() + "@" + finding["line"].asString() + " ";
     }
     EXPECT_EQ("setting-misplaced@2 value-range@3 name-misspelt@3 ", found) << known.output;
-    // So do the other commands that say what a name means.
+    // As to the other commands that show what a name means.
     const std::string settings = " --settings tests/unit/catalogue/vendor.json";
     const std::string empty = scratch.write("empty.json", "{}");
     const Result changes = run("diff " + empty + " " + document + settings);
@@ -191,8 +191,32 @@ constexpr VendorMistake kVendorMistakes[] = {
          "a chip must be a text"},
         {R"("section": "Presets", "type": "integer", "meaning": "m", "minimum": 5, "maximum": 4)",
          "1:97", "\"minimum\" is above \"maximum\""},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "chips": ["mirt", "orvell"])",
+         "1:104", R"(there is no chip "orvell". Did you mean "orvelle"?)"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m",
+            "needs-feature": "private_set_cpu_afinity")",
+         "2:30",
+         R"(there is no setting "private_set_cpu_afinity". Did you mean "private_set_cpu_affinity"?)"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "needs-feature": "no_such_one")",
+         "1:103", "there is no setting \"no_such_one\"\n"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m",
+            "needs-feature": "private_complexity")",
+         "2:30",
+         R"("needs-feature" must name a setting in "Features": "private_complexity" is in "Presets")"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "at-most": "no_such_preset")",
+         "1:97", "there is no setting \"no_such_preset\""},
+        {R"("section": "Presets", "type": "integer", "meaning": "m", "at-most": "n")", "1:97",
+         "\"at-most\" names the setting itself"},
+        {R"("section": "Features", "type": "boolean", "meaning": "m", "minimum": 1)", "1:98",
+         "\"minimum\" is for integers only"},
+        {R"("section": "Presets", "type": "integer", "meaning": "m",
+            "bits": [{"bit": 1, "meaning": "m", "needs-bit": 2}])",
+         "2:62", "\"needs-bit\" must be another bit of this setting"},
+        {R"({"codec-components": [{"name": "c2.x", "list": "decoders", "chips": ["Mirt"]}]})",
+         "1:70", R"(there is no chip "Mirt". Did you mean "mirt"?)", true},
         {"[]", "1:1", "this must be an object", true},
-        {R"({"setings": []})", "1:13", "the catalogue has no member \"setings\" here", true},
+        {R"({"setings": []})", "1:13",
+         R"(the catalogue has no member "setings" here. Did you mean "settings"?)", true},
         {R"({"settings": {}})", "1:14", "\"settings\" must be a list", true},
         {R"({"codec-components": [{"name": "c2.x", "list": "decoder"}]})", "1:48",
          R"("list" must be one of "decoders", "encoders")", true},
@@ -224,6 +248,44 @@ TEST(CatalogueTest, EachMistakeOfAVendorIsReportedAtItsPlace) {
             scratch.write("v.json", R"({"settings": [{"name": "n", "section": "Presets",
                 "type": "integer", "meaning": "m", "minimum": 4, "maximum": 4}]})");
     EXPECT_NE(std::string::npos, run("explain n --settings " + equal).output.find("4 to 4"));
+}
+
+// An entry may refer to one that follows, or to one of an earlier file.
+TEST(CatalogueTest, AReferenceMayBeToAnyEntryOfTheSameOrAnEarlierFile) {
+    const ScratchDirectory scratch;
+    const std::string entry = R"("section": "Presets", "type": "integer", "meaning": "m")";
+    const std::string first = scratch.write(
+            "first.json", "{\"settings\": [{\"name\": \"a\", " + entry +
+                                  R"(, "at-most": "b"}, {"name": "b", )" + entry + "}]}");
+    const std::string second =
+            scratch.write("second.json",
+                          "{\"settings\": [{\"name\": \"c\", " + entry + ", \"at-most\": \"b\"}]}");
+    EXPECT_EQ(0, run("explain c --settings " + first + " --settings " + second).exitCode);
+    const Result late = run("explain c --settings " + second + " --settings " + first);
+    EXPECT_EQ(2, late.exitCode);
+    EXPECT_NE(std::string::npos, late.output.find("there is no setting \"b\"")) << late.output;
+}
+
+// The page's example of a vendor's file is accepted, and has every member of the page's tables.
+TEST(CatalogueTest, ThePageHasAnExampleWithEachMember) {
+    const std::string page = readFile(KC2_SOURCE_DIR "/docs/settings.md");
+    const std::string start = "```json\n";
+    const size_t example = page.find(start);
+    ASSERT_NE(std::string::npos, example);
+    const std::string text = page.substr(example + start.size(),
+                                         page.find("```\n", example + 1) - example - start.size());
+    const ScratchDirectory scratch;
+    const Result result =
+            run("explain vendor_zoom_max --settings " + scratch.write("v.json", text));
+    EXPECT_EQ(0, result.exitCode) << result.output;
+    size_t members = 0;
+    const size_t tables = page.find("## A settings file of your own");
+    for (size_t at = tables; (at = page.find("\n| `", at)) < example; ++at) {
+        const std::string member = page.substr(at + 4, page.find('`', at + 4) - at - 4);
+        EXPECT_NE(std::string::npos, text.find("\"" + member + "\":")) << member;
+        ++members;
+    }
+    EXPECT_LT(25u, members);
 }
 
 }  // namespace

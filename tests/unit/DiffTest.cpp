@@ -111,7 +111,7 @@ TEST(DiffTest, ComparesEffectsNotTexts) {
              "/odm/etc/media_orvelle/video_system_specs"},
             {" tests/unit/check/load-bare --dirmap-b "
              "/data/vendor/media:tests/unit/check/load-empty",
-             1, "  B names none: every component is enabled\n"},
+             1, "  B has no entries: every component is enabled\n"},
     };
     for (const auto& row : rows) {
         const Result result = run("diff" + row.arguments);

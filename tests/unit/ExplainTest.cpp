@@ -82,7 +82,7 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                            "Skipped %s in %s: %s\n"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
-                          {"'\x1b[31m'", 1, "about \"\\x1B[31m\""},
+                          {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
                           {"no_such_name" + device, 1, "no document sets it"},
                   });
 }

@@ -122,17 +122,17 @@ TEST(ReportTest, ShowsOfEachVariantWhatShowPrints) {
                                         "_orvelle_tab"}),
               variants);
     for (size_t column = 1; column < variants.size(); ++column) {
-        std::vector<std::string> listed;
+        std::vector<std::string> entries;
         for (const std::vector<std::string>& row : rows) {
             if (row.size() == variants.size() && row[column].find("–") == std::string::npos) {
-                listed.push_back(
+                entries.push_back(
                         row[0].substr(0, row[0].find(row[0][0] == '[' ? ")" : " ") +
                                                  (row[0][0] == '[' ? 1 : 0)) +
                         " " +
                         std::regex_replace(row[column], std::regex("^(≠)?(#\\d+ ?|yes )?"), ""));
             }
         }
-        listed.erase(listed.begin());  // The header.
+        entries.erase(entries.begin());  // The header.
         const std::string shown =
                 run("show --rootdir examples/device --property vendor.media.target_variant=" +
                     (column == 1 ? "default" : variants[column]) + " 2> /dev/null")
@@ -141,9 +141,9 @@ TEST(ReportTest, ShowsOfEachVariantWhatShowPrints) {
         for (std::string& line : expected) {
             line = std::regex_replace(line, std::regex(" +"), " ");
         }
-        std::sort(listed.begin(), listed.end());
+        std::sort(entries.begin(), entries.end());
         std::sort(expected.begin(), expected.end());
-        EXPECT_EQ(expected, listed) << variants[column];
+        EXPECT_EQ(expected, entries) << variants[column];
     }
 }
 
@@ -204,7 +204,7 @@ TEST(ReportTest, WritesACompleteFileOrNone) {
     EXPECT_EQ(5, std::distance(fs::directory_iterator(directory.path()), {}));  // No other files.
 }
 
-// No browser opens a page that is too large, so it is cut, and says so.
+// Browsers do not open a page that is too large, so it is cut, and says so.
 TEST(ReportTest, StaysSmallEnoughForABrowser) {
     const ScratchDirectory tree;
     std::string names;

@@ -1,6 +1,8 @@
 // The tool's small parts: texts, widths on a terminal, places in a document.
 
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 
 #include <gtest/gtest.h>
 
@@ -57,6 +59,12 @@ TEST(TextTest, NothingIsCutInTheMiddleOfACharacter) {
     for (const auto& [character, code] : characters) {
         EXPECT_EQ(code, codePointOf(character));
     }
+    size_t at = 0;
+    std::vector<char32_t> decoded;
+    for (const std::string torn = text + "\x80\xE4\xB8"; at < torn.size();) {
+        decoded.push_back(nextCharacter(torn, &at));
+    }
+    EXPECT_EQ((std::vector<char32_t>{U'a', 0xE4, 0x4E16, 0x1F600, 0x80, 0x138}), decoded);
 }
 
 TEST(TextTest, WidthsAreThoseOfATerminal) {
@@ -67,19 +75,15 @@ TEST(TextTest, WidthsAreThoseOfATerminal) {
     }
 }
 
-TEST(TextTest, DistancesCountMistakesButNotCase) {
+TEST(TextTest, DistancesCountMistakesButIgnoreCase) {
     const struct {
         const char* a;
         const char* b;
         size_t distance;
     } rows[] = {
-            {"", "", 0},
-            {"Presets", "presets", 0},
-            {"Presets", "Preset", 1},
-            {"abc", "acb", 2},
-            {"abc", "abd", 1},
-            {"abc", "xyz", 3},
-            {"kitten", "sitting", 3},
+            {"", "", 0},       {"Presets", "presets", 0}, {"Presets", "Preset", 1},
+            {"abc", "acb", 1}, {"abcd", "badc", 2},       {"ca", "abc", 3},
+            {"abc", "abd", 1}, {"abc", "xyz", 3},         {"kitten", "sitting", 3},
             {"", "abc", 3},
     };
     for (const auto& row : rows) {
@@ -114,7 +118,7 @@ TEST(TextTest, TheNearestNameIsTheOneWithMostOfTheWord) {
     }
 }
 
-// Blanks replace a comment, so that all offsets and lines stay the same.
+// Blanks replace comments, so that every offset and line stays.
 TEST(TextTest, CommentsBecomeBlanksAndTheirPlacesAreKnown) {
     const struct {
         const char* text;

@@ -148,15 +148,15 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
     expectAnswers(
             "check ",
             {
-                    {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 0,
-                     "the library reads vendor.media.target_variant only"},
+                    {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 2,
+                     "Did you mean vendor.media.target_variant?"},
                     {"--rootdir examples/device --dirmap /oem:docs", 0,
                      "--dirmap /oem:docs has no effect"},
                     {"examples/device", 2, "For a device tree write --rootdir examples/device"},
                     {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
                     {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
                     {"--all-variants --fix --rootdir examples/device", 2,
-                     "--fix does not go together"},
+                     "--fix and --all-variants cannot be used together"},
             });
     const Result fine =
             run("check --werror --all-variants --rootdir examples/device --dirmap "

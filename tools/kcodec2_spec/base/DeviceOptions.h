@@ -1,7 +1,9 @@
-// The options that say which device the tool plays. On a device there are none: it is that device.
+// The options that name the device to load. In a build for a device there are none: the tool looks
+// at the device that it runs on.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,32 +18,44 @@ inline constexpr char kDeviceGroup[] = "The device";
 
 struct DeviceOptions {
     std::string rootDirectory;
+    std::optional<std::string> variant;   // Set by --variant.
     std::vector<std::string> mappings;    // /PREFIX:DIR
     std::vector<std::string> properties;  // NAME=VALUE
     uint32_t logLevel = 0;
     bool isEachVariant = false;
+
+    // Whether the options name the files of a device.
+    bool hasFiles() const { return !rootDirectory.empty() || !mappings.empty(); }
+    // Whether they set the target variant.
+    bool hasVariant() const;
 };
 
 // Add options to a command; `options` must outlive the parse.
 void addDeviceOptions(CLI::App& command, DeviceOptions* options);
-// The same without --rootdir for one of two devices, with `suffix` behind each option's name, and
-// --variant for short.
+// The same without --rootdir, for one of two devices: `suffix` follows each option's name.
 void addSideOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options);
 void addLogOption(CLI::App& command, DeviceOptions* options);
 void addVariantsOption(CLI::App& command, DeviceOptions* options);
 
-// Sets the device up, in place of one that an earlier call has set up. Call it before the library
-// is first used for that device. On a development machine the library writes nothing to a tree that
-// the tool is shown; on a device it may seed the private file.
+// Why these options do not say which device to load; empty when they do. A development machine is
+// no device, so its own files are read only for --rootdir /.
+std::string whyNoDevice(const DeviceOptions& options);
+// Why these options have no effect on a command that loads a device only if its files are named;
+// empty when they have.
+std::string whyUnused(const DeviceOptions& options);
+
+// Sets up the device, in place of one that an earlier call has set up. Call it before the library
+// is first used for that device. On a development machine the library writes nothing to the tree;
+// on a device it may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 
-// Sets the target variant of the device that the tool plays; on a device it is the device's own.
+// Sets the target variant; does nothing in a build for a device.
 void playVariant(const std::string& variant);
-// Whether the tool plays devices, their files and variants; on a device it is that device alone.
+// Whether the tool can load any device: its files, its variants. False in a build for a device.
 bool canPlayDevices();
 
-// Keeps what the library logs out of the tool's output, and lets it in again. On a device the log
-// is the device's own.
+// Keeps what the library logs out of the tool's output, and lets it in again. On a device both do
+// nothing: the log is the device's.
 void muteLog();
 void unmuteLog();
 

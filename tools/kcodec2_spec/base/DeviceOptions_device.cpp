@@ -1,8 +1,12 @@
-// On a device the tool looks at that device: nothing to set, and its log is the device's.
+// On a device the tool loads that device: nothing to set, and the log is the device's.
 
 #include "base/DeviceOptions.h"
 
 namespace kc2::tool {
+
+bool DeviceOptions::hasVariant() const {
+    return false;
+}
 
 void addDeviceOptions(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
@@ -12,6 +16,14 @@ void addSideOptions(CLI::App& /*command*/, const std::string& /*suffix*/,
 void addLogOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
 
 void addVariantsOption(CLI::App& /*command*/, DeviceOptions* /*options*/) {}
+
+std::string whyNoDevice(const DeviceOptions& /*options*/) {
+    return std::string();
+}
+
+std::string whyUnused(const DeviceOptions& /*options*/) {
+    return std::string();
+}
 
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 

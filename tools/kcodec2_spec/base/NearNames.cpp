@@ -1,6 +1,8 @@
-// Which known name is meant by one that is nearly it.
+// Which known name a misspelt one means.
 
 #include "base/NearNames.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <bit>
@@ -8,7 +10,9 @@
 #include <optional>
 #include <utility>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 
 namespace kc2::tool {
 
@@ -50,17 +54,6 @@ bool isOneOf(std::string_view word, const List& list) {
 
 bool isSeparator(char c) {
     return c == '_' || c == '-' || c == '.' || c == ' ' || c == '\t' || c == '/' || c == ':';
-}
-
-// The character that begins at `at`, and moves it behind. A byte that begins none is itself.
-char32_t nextCharacter(std::string_view text, size_t* at) {
-    const auto first = static_cast<unsigned char>(text[(*at)++]);
-    const int more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0;
-    char32_t character = first & (more == 0 ? 0xFF : 0x3F >> more);
-    for (int i = 0; i < more && *at < text.size() && !isFirstByteOfCharacter(text[*at]); ++i) {
-        character = character << 6 | (static_cast<unsigned char>(text[(*at)++]) & 0x3F);
-    }
-    return character;
 }
 
 char latinOf(char32_t character) {
@@ -105,35 +98,16 @@ std::string squashed(std::string_view read) {
     return text;
 }
 
-// How many letters must be inserted, removed, replaced or exchanged with their neighbour.
+// Of two texts in small letters; above kMostMistakes where they are further apart.
 int letterMistakes(std::string_view a, std::string_view b) {
-    constexpr size_t kLongest = 48;
-    if (a.size() > kLongest || b.size() > kLongest) {
-        return a == b ? 0 : kUnlike;
-    }
-    std::array<std::array<int, kLongest + 1>, kLongest + 1> table;
-    for (size_t i = 0; i <= a.size(); ++i) {
-        for (size_t j = 0; j <= b.size(); ++j) {
-            int& best = table[i][j];
-            if (i == 0 || j == 0) {
-                best = static_cast<int>(i + j);
-                continue;
-            }
-            best = std::min({table[i - 1][j] + 1, table[i][j - 1] + 1,
-                             table[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-                best = std::min(best, table[i - 2][j - 2] + 1);
-            }
-        }
-    }
-    return table[a.size()][b.size()];
+    return static_cast<int>(editDistance(a, b, kMostMistakes));
 }
 
 bool hasSameDigits(std::string_view a, std::string_view b) {
     return digitsOf(a) == digitsOf(b);
 }
 
-// Of two words; kUnlike where one that differs is no misspelling of the other.
+// Of two words; kUnlike where they are different words.
 int wordMistakes(std::string_view word, std::string_view known) {
     constexpr size_t kShort = 3;
     constexpr size_t kLong = 5;
@@ -147,7 +121,7 @@ int wordMistakes(std::string_view word, std::string_view known) {
     return mistakes <= (known.size() >= kLong ? kMostMistakes : 1) ? mistakes : kUnlike;
 }
 
-// What tells settings of this library from others.
+// The first words of the names of this library's own settings.
 size_t prefixWords(const std::vector<std::string>& words) {
     constexpr std::string_view kPrefixes[] = {"debug", "private"};
     size_t count = 0;
@@ -159,7 +133,7 @@ size_t prefixWords(const std::vector<std::string>& words) {
 
 bool isSameWithoutPrefix(const std::vector<std::string>& words,
                          const std::vector<std::string>& known) {
-    constexpr size_t kFewest = 2;  // A single word may be anybody's.
+    constexpr size_t kFewest = 2;  // A single word may mean anything.
     const size_t skip = prefixWords(words);
     const size_t skipKnown = prefixWords(known);
     return words.size() - skip >= kFewest &&
@@ -180,7 +154,7 @@ bool isSameWithoutPart(const std::vector<std::string>& parts,
     return false;
 }
 
-// How many letters of the two are in one only: of two names with as many mistakes, the one that a
+// How many letters are in only one of the two. Of two names with as many mistakes, the one that a
 // word was left out of is meant rather than one with another word.
 size_t leftOver(std::string_view a, std::string_view b) {
     return a.size() + b.size() - 2 * commonLetters(a, b);
@@ -264,7 +238,7 @@ void NearNames::add(Entry entry) {
         addWithout(1, 1);
     } else {
         addWithout(0, prefixWords(words));
-        addShape(shapeOf("debug" + known.reading.letters), index);
+        addShape(shapeOf(fmt::format("debug{}", known.reading.letters)), index);
     }
     mWords.insert(words.begin(), words.end());
 }

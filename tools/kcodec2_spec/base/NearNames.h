@@ -1,4 +1,4 @@
-// Which known name is meant by one that is nearly it.
+// Which known name a misspelt one means.
 #pragma once
 
 #include <array>
@@ -12,11 +12,11 @@
 namespace kc2::tool {
 
 // The name in small letters, with "_" for separators and blanks and the Latin letter for those that
-// look like it. Two names that a person may take for the same have the same one.
+// look like it. Two names that a person may confuse have the same one.
 std::string readAs(std::string_view name);
 
-// Known names of one kind. A search costs little where no known name has about the same letters:
-// a document may hold a hundred thousand names that nobody knows.
+// Known names of one kind. A search is cheap where no known name has about the same letters: a
+// document may have a hundred thousand unknown names.
 class NearNames {
 public:
     enum class Kind { Setting, Component };
@@ -40,7 +40,7 @@ public:
     Match find(std::string_view name, std::string_view group) const;
 
 private:
-    // What is left of a name when order and separators are not looked at.
+    // A name without order and separators.
     struct Shape {
         size_t characters = 0;
         uint64_t bits = 0;  // Of the letters and digits that it has.
@@ -50,7 +50,7 @@ private:
     struct Reading {
         explicit Reading(std::string_view name);
 
-        std::string letters;  // And digits, one behind the other.
+        std::string letters;  // And digits, without separators.
         std::vector<std::string> words;
         std::vector<std::string> sortedWords;
     };

@@ -1,4 +1,4 @@
-// Characters that pass for others, or for nothing: what they are called, and what to write instead.
+// Characters that look like others, or like nothing: their names, and what to write instead.
 #pragma once
 
 namespace kc2::tool {

@@ -1,6 +1,8 @@
-// A file that a command writes: it is there whole, or as it was before.
+// Writes a file: afterwards it is complete, or as it was before.
 
 #include "base/OutputFile.h"
+
+#include <fmt/format.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -44,7 +46,7 @@ std::string writeTo(const std::string& path, const std::string& text) {
     return close(descriptor) != 0 && wrong.empty() ? errorText() : wrong;
 }
 
-// The mode of a file that a program makes without a wish of its own.
+// The mode that a new file gets by default.
 mode_t usualMode() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -74,7 +76,7 @@ std::string writeOutputFile(const std::string& path, const std::string& text) {
 std::string replaceWhole(const fs::path& path, const std::string& text,
                          const std::function<bool(int descriptor)>& finish,
                          const std::function<std::string()>& whyNot) {
-    std::string beside = path.parent_path() / ("." + path.filename().string() + ".XXXXXX");
+    std::string beside = path.parent_path() / fmt::format(".{}.XXXXXX", path.filename().string());
     const int descriptor = mkstemp(beside.data());
     if (descriptor < 0) {
         return errorText();

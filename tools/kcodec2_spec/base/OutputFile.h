@@ -1,4 +1,4 @@
-// A file that a command writes: it is there whole, or as it was before.
+// Writes a file: afterwards it is complete, or as it was before.
 #pragma once
 
 #include <filesystem>
@@ -13,8 +13,7 @@ std::string writeOutputFile(const std::string& path, const std::string& text);
 
 // Writes `text` into a new file beside `path`, and renames it to `path`, which must not be a link.
 // finish(descriptor) gives the new file its mode and the like, and returns false with errno set
-// when it cannot; whyNot() is asked last, and may name what speaks against it. Returns what is
-// wrong.
+// when it cannot; whyNot() runs last and returns a reason not to rename it. Returns what is wrong.
 std::string replaceWhole(const std::filesystem::path& path, const std::string& text,
                          const std::function<bool(int descriptor)>& finish,
                          const std::function<std::string()>& whyNot);

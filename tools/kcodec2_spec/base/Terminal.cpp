@@ -11,7 +11,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "base/Text.h"
+#include "base/Utf8.h"
 
 namespace kc2::tool {
 

@@ -28,7 +28,7 @@ struct Colours {
 
 Colours coloursOf(const Terminal& terminal);
 
-// How many columns a printable character of UTF-8 takes: 2 for most of East Asia's, 0 for a
+// How many columns a printable character of UTF-8 has: 2 for most of East Asia's, 0 for a
 // combining mark.
 size_t columnsOf(std::string_view character);
 

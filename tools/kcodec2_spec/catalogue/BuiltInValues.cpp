@@ -2,6 +2,7 @@
 
 #include "catalogue/BuiltInValues.h"
 
+#include <fmt/format.h>
 #include <json/writer.h>
 
 #include <algorithm>
@@ -31,7 +32,7 @@ const std::vector<BuiltInDocument>& builtInDocuments() {
         for (const ChipDocument& row : kChipDocuments) {
             const std::string chip = *row.chip != '\0' ? row.chip : kOtherChips;
             if (!read.empty() && read.back().number == row.number) {
-                read.back().chips += ", " + chip;
+                read.back().chips.append(", ").append(chip);
             } else {
                 read.push_back({row.number, chip, Document({}, row.text).content});
             }
@@ -101,7 +102,8 @@ std::string builtInText(const Setting& setting) {
     }
     std::string text;
     for (const BuiltInValue& one : values) {
-        text += (text.empty() ? "" : "; ") + one.chips + ": " + writtenValue(one.value);
+        text += fmt::format("{}{}: {}", text.empty() ? "" : "; ", one.chips,
+                            writtenValue(one.value));
     }
     return text;
 }

@@ -11,11 +11,12 @@
 
 namespace kc2::tool {
 
-// What a document sets under a name in a section of named values; null when it sets nothing.
+// The value that a document gives a name in a section of named values; null when it does not set
+// it.
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name);
 
-// What the built-in document of that number says.
+// The content of the built-in document of that number.
 const SpecDocument& builtInContent(int number);
 
 // The value that one built-in document gives a setting.

@@ -2,15 +2,17 @@
 
 #include "catalogue/Catalogue.h"
 
+#include <fmt/format.h>
 #include <json/reader.h>
 #include <json/value.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <initializer_list>
 #include <utility>
 
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "catalogue/CatalogueForm.h"
 #include "document/Document.h"
 #include "document/Source.h"
 #include "targetspec/reading/Escaped.h"
@@ -20,9 +22,18 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kBuiltInPath[] = "built-in settings:";
+constexpr char kBuiltInPath[] = "built-in settings";
 
-// Reads entries, and keeps the first thing that is wrong. After that it answers with nothing.
+std::string quoted(const std::string& name) {
+    return fmt::format("\"{}\"", escaped(name));
+}
+
+std::string suggestion(const std::string& name, const std::vector<std::string>& names) {
+    const std::string near = nearest(name, names);
+    return near.empty() ? "" : fmt::format(". Did you mean {}?", quoted(near));
+}
+
+// Reads entries, and keeps the first problem. What it returns after a problem is of no use.
 class EntryReader {
 public:
     EntryReader(const std::string& path, std::string_view text) : mSource(path, text) {}
@@ -32,22 +43,26 @@ public:
         return mSource.placeOf(static_cast<size_t>(std::max<ptrdiff_t>(at.getOffsetStart(), 0)));
     }
 
-    void fail(const Json::Value& at, const std::string& what) { failAt(placeOf(at), what); }
-    void failAt(const std::string& place, const std::string& what) {
+    void fail(const Json::Value& at, const std::string& what) {
         if (mProblem.empty()) {
-            mProblem = place + ": " + what;
+            mProblem = fmt::format("{}: {}", placeOf(at), what);
         }
     }
 
-    // Whether `value` is an object with no other members than these.
-    bool isObject(const Json::Value& value, std::initializer_list<const char*> known) {
+    // Whether `value` is an object of that kind, with no other members.
+    bool isObject(const Json::Value& value, CatalogueKind kind) {
         if (!value.isObject()) {
             fail(value, "this must be an object");
             return false;
         }
+        std::vector<std::string> known;
+        for (const CatalogueMember& member : formOf(kind).members) {
+            known.emplace_back(member.name);
+        }
         for (const std::string& name : value.getMemberNames()) {
             if (std::find(known.begin(), known.end(), name) == known.end()) {
-                fail(value[name], "the catalogue has no member \"" + escaped(name) + "\" here");
+                fail(value[name], fmt::format("the catalogue has no member {} here{}", quoted(name),
+                                              suggestion(name, known)));
                 return false;
             }
         }
@@ -61,7 +76,7 @@ public:
         }
         if (isNeeded || !value.isNull()) {
             fail(value.isNull() ? entry : value,
-                 std::string("\"") + member + "\" must be a text that is not empty");
+                 fmt::format("\"{}\" must be a text that is not empty", member));
         }
         return {};
     }
@@ -71,12 +86,8 @@ public:
                      const std::vector<std::string>& words) {
         std::string value = text(entry, member);
         if (std::find(words.begin(), words.end(), value) == words.end()) {
-            std::string list;
-            for (const std::string& one : words) {
-                list += (list.empty() ? "\"" : ", \"") + one + "\"";
-            }
             fail(entry[member].isNull() ? entry : entry[member],
-                 std::string("\"") + member + "\" must be one of " + list);
+                 fmt::format("\"{}\" must be one of \"{}\"", member, joined(words, "\", \"")));
         }
         return value;
     }
@@ -87,7 +98,7 @@ public:
             return value.asInt64();
         }
         if (!value.isNull()) {
-            fail(value, std::string("\"") + member + "\" must be a whole number");
+            fail(value, fmt::format("\"{}\" must be a whole number", member));
         }
         return std::nullopt;
     }
@@ -95,7 +106,7 @@ public:
     bool flag(const Json::Value& entry, const char* member, bool otherwise) {
         const Json::Value& value = entry[member];
         if (!value.isNull() && !value.isBool()) {
-            fail(value, std::string("\"") + member + "\" must be true or false");
+            fail(value, fmt::format("\"{}\" must be true or false", member));
         }
         return value.isBool() ? value.asBool() : otherwise;
     }
@@ -104,13 +115,14 @@ public:
     const Json::Value& list(const Json::Value& entry, const char* member) {
         const Json::Value& value = entry[member];
         if (!value.isNull() && !value.isArray()) {
-            fail(value, std::string("\"") + member + "\" must be a list");
+            fail(value, fmt::format("\"{}\" must be a list", member));
             return Json::Value::nullSingleton();
         }
         return value;
     }
 
     std::vector<std::string> chips(const Json::Value& entry) {
+        const std::vector<std::string> known = chipNames();
         std::vector<std::string> names;
         for (const Json::Value& chip : list(entry, "chips")) {
             if (!chip.isString()) {
@@ -118,20 +130,25 @@ public:
                 return {};
             }
             names.push_back(chip.asString());
+            if (std::find(known.begin(), known.end(), names.back()) == known.end()) {
+                fail(chip, fmt::format("there is no chip {}{}", quoted(names.back()),
+                                       suggestion(names.back(), known)));
+            }
         }
         return names;
     }
 
     std::vector<CatalogueValue> values(const Json::Value& entry, const char* member,
-                                       const char* key) {
+                                       CatalogueKind kind) {
+        const char* const key = formOf(kind).members.front().name;
         std::vector<CatalogueValue> values;
         for (const Json::Value& value : list(entry, member)) {
-            if (!isObject(value, {key, "meaning", "supported", "needs-bit"})) {
+            if (!isObject(value, kind)) {
                 return {};
             }
             const std::optional<int64_t> one = number(value, key);
             if (!one) {
-                fail(value, std::string("\"") + key + "\" is missing");
+                fail(value, fmt::format("\"{}\" is missing", key));
                 return {};
             }
             values.push_back({*one, text(value, "meaning"), flag(value, "supported", true),
@@ -145,7 +162,7 @@ private:
     std::string mProblem;
 };
 
-// What settings in a section of this type hold; null where a section has no named settings.
+// The type of the settings in a section of this type; null where a section has no named settings.
 const char* typeOf(SectionType section) {
     switch (section) {
         case SectionType::Features:
@@ -170,29 +187,19 @@ std::string typeIn(const std::string& section) {
 
 Setting readSetting(EntryReader& reader, const Json::Value& entry) {
     Setting setting;
-    if (!reader.isObject(entry,
-                         {"name", "section", "type", "meaning", "unit", "minimum", "maximum",
-                          "values", "only-values", "bits", "chips", "needs-feature", "at-most"})) {
+    if (!reader.isObject(entry, CatalogueKind::Setting)) {
         return setting;
     }
     setting.name = reader.text(entry, "name");
-    std::vector<std::string> sections;
-    std::vector<std::string> types;
-    for (const Section& row : kSections) {
-        if (typeOf(row.type) != nullptr) {
-            sections.emplace_back(*row.key);
-            types.emplace_back(typeOf(row.type));
-        }
-    }
-    setting.section = reader.word(entry, "section", sections);
-    setting.type = reader.word(entry, "type", types);
+    setting.section = reader.word(entry, "section", settingSections());
+    setting.type = reader.word(entry, "type", settingTypes());
     setting.meaning = reader.text(entry, "meaning");
     setting.unit = reader.text(entry, "unit", false);
     setting.minimum = reader.number(entry, "minimum");
     setting.maximum = reader.number(entry, "maximum");
-    setting.values = reader.values(entry, "values", "value");
+    setting.values = reader.values(entry, "values", CatalogueKind::Value);
     setting.hasOnlyValues = reader.flag(entry, "only-values", false);
-    setting.bits = reader.values(entry, "bits", "bit");
+    setting.bits = reader.values(entry, "bits", CatalogueKind::Bit);
     setting.chips = reader.chips(entry);
     setting.neededFeature = reader.text(entry, "needs-feature", false);
     setting.atMost = reader.text(entry, "at-most", false);
@@ -203,13 +210,19 @@ Setting readSetting(EntryReader& reader, const Json::Value& entry) {
     const std::string type = typeIn(setting.section);
     if (setting.type != type) {
         reader.fail(entry["type"],
-                    "the type in \"" + setting.section + "\" must be \"" + type + "\"");
+                    fmt::format("the type in \"{}\" must be \"{}\"", setting.section, type));
+    }
+    for (const char* const member :
+         {"minimum", "maximum", "values", "only-values", "bits", "at-most"}) {
+        if (type != typeOf(SectionType::Presets) && entry.isMember(member)) {
+            reader.fail(entry[member], fmt::format("\"{}\" is for integers only", member));
+        }
     }
     return setting;
 }
 
 CodecComponent readComponent(EntryReader& reader, const Json::Value& entry) {
-    if (!reader.isObject(entry, {"name", "list", "chips"})) {
+    if (!reader.isObject(entry, CatalogueKind::Component)) {
         return {};
     }
     return {reader.text(entry, "name"),
@@ -218,7 +231,7 @@ CodecComponent readComponent(EntryReader& reader, const Json::Value& entry) {
 }
 
 PerfResourceCode readCode(EntryReader& reader, const Json::Value& entry) {
-    if (!reader.isObject(entry, {"code", "meaning"})) {
+    if (!reader.isObject(entry, CatalogueKind::Code)) {
         return {};
     }
     const std::optional<uint32_t> code = toWord(reader.text(entry, "code"));
@@ -229,7 +242,7 @@ PerfResourceCode readCode(EntryReader& reader, const Json::Value& entry) {
 }
 
 std::string shownKey(const std::string& name) {
-    return "\"" + escaped(name) + "\"";
+    return quoted(name);
 }
 std::string shownKey(uint32_t code) {
     return hexadecimal(code);
@@ -249,35 +262,97 @@ void addEach(EntryReader& reader, const Json::Value& list,
                                         [&](const Entry& one) { return one.*key == entry.*key; });
         entry.definition = element.toStyledString();
         if (known != entries->end() && known->definition == entry.definition &&
-            known->place.rfind(kBuiltInPath, 0) != 0) {
-            continue;  // Two files may say the same.
+            !known->place.starts_with(kBuiltInPath + std::string(":"))) {
+            continue;  // Two files may have the same entry.
         }
         if (known != entries->end()) {
-            reader.fail(element, shownKey(entry.*key) + " is defined already, at " + known->place);
+            reader.fail(element, fmt::format("{} is defined already, at {}", shownKey(entry.*key),
+                                             known->place));
             return;
         }
         entries->push_back(std::move(entry));
     }
 }
 
+// Checks what the settings of a file refer to, once all of them are known. A reference to nothing
+// would silently switch off the check that it is for.
+class ReferenceCheck {
+public:
+    ReferenceCheck(EntryReader* reader, const Catalogue& catalogue)
+        : mReader(*reader), mCatalogue(catalogue) {}
+
+    void check(const Json::Value& entry) {
+        checkName(entry, "needs-feature", targetSpecFeatures);
+        checkName(entry, "at-most", targetSpecPresets);
+        checkBits(entry["bits"]);
+    }
+
+private:
+    // The member must name another setting, of that section.
+    void checkName(const Json::Value& entry, const char* member, const std::string& section) {
+        const Json::Value& value = entry[member];
+        if (value.isNull()) {
+            return;
+        }
+        const std::string name = value.asString();
+        const Setting* const setting = mCatalogue.setting(name);
+        if (name == entry["name"].asString()) {
+            mReader.fail(value, fmt::format("\"{}\" names the setting itself", member));
+        } else if (setting == nullptr) {
+            mReader.fail(value, fmt::format("there is no setting {}{}", quoted(name),
+                                            suggestion(name, namesIn(section))));
+        } else if (setting->section != section) {
+            mReader.fail(value, fmt::format("\"{}\" must name a setting in \"{}\": {} is in \"{}\"",
+                                            member, section, quoted(name), setting->section));
+        }
+    }
+
+    // What a bit needs must be another one of the same setting.
+    void checkBits(const Json::Value& bits) {
+        for (const Json::Value& bit : bits) {
+            const Json::Value& needed = bit["needs-bit"];
+            const bool isOther = std::any_of(bits.begin(), bits.end(), [&](const auto& other) {
+                return other["bit"] == needed && needed != bit["bit"];
+            });
+            if (!needed.isNull() && !isOther) {
+                mReader.fail(needed, "\"needs-bit\" must be another bit of this setting");
+            }
+        }
+    }
+
+    std::vector<std::string> namesIn(const std::string& section) const {
+        std::vector<std::string> names;
+        for (const Setting& setting : mCatalogue.settings()) {
+            if (setting.section == section) {
+                names.push_back(setting.name);
+            }
+        }
+        return names;
+    }
+
+    EntryReader& mReader;
+    const Catalogue& mCatalogue;
+};
+
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-// Json::Reader, because it tells the offset of a mistake; JsonCpp's newer reader only a text.
+// Json::Reader, because it gives the offset of a mistake; JsonCpp's newer reader gives only a text.
 std::string parse(const std::string& path, std::string text, Json::Value* root) {
     const Source source(path, text);
     std::string forParser = text;
     if (const auto breach = makeFitForParser(forParser)) {
-        return source.placeOf(breach->offset) +
-               ": the text is longer or nested deeper than the "
-               "reader accepts";
+        return fmt::format("{}: the text is longer or nested deeper than the reader accepts",
+                           source.placeOf(breach->offset));
     }
     Json::Reader reader(Json::Features::strictMode());
     if (reader.parse(forParser, *root, false)) {
         return {};
     }
     const auto errors = reader.getStructuredErrors();
-    return source.placeOf(errors.empty() ? 0 : static_cast<size_t>(errors[0].offset_start)) + ": " +
-           (errors.empty() ? "not JSON" : escaped(errors[0].message));
+    return fmt::format(
+            "{}: {}",
+            source.placeOf(errors.empty() ? 0 : static_cast<size_t>(errors[0].offset_start)),
+            errors.empty() ? "not JSON" : escaped(errors[0].message));
 }
 #pragma GCC diagnostic pop
 
@@ -290,12 +365,18 @@ std::string Catalogue::add(const std::string& path, std::string text) {
         return problem;
     }
     EntryReader reader(path, text);
-    if (reader.isObject(root, {"settings", "codec-components", "perf-resource-codes"})) {
+    if (reader.isObject(root, CatalogueKind::File)) {
         addEach(reader, reader.list(root, "settings"), readSetting, &Setting::name, &mSettings);
         addEach(reader, reader.list(root, "codec-components"), readComponent, &CodecComponent::name,
                 &mComponents);
         addEach(reader, reader.list(root, "perf-resource-codes"), readCode, &PerfResourceCode::code,
                 &mCodes);
+    }
+    if (reader.problem().empty()) {
+        ReferenceCheck references(&reader, *this);
+        for (const Json::Value& entry : root["settings"]) {
+            references.check(entry);
+        }
     }
     return reader.problem();
 }
@@ -314,7 +395,7 @@ const CodecComponent* Catalogue::component(std::string_view name) const {
 
 std::optional<Catalogue> loadCatalogue(const std::vector<std::string>& paths) {
     Catalogue catalogue;
-    std::string problem = catalogue.add("built-in settings", kSettingsCatalogue);
+    std::string problem = catalogue.add(kBuiltInPath, kSettingsCatalogue);
     for (const std::string& path : paths) {
         if (!problem.empty()) {
             break;
@@ -326,8 +407,28 @@ std::optional<Catalogue> loadCatalogue(const std::vector<std::string>& paths) {
     if (problem.empty()) {
         return catalogue;
     }
-    std::fprintf(stderr, "kcodec2_spec: %s\n", problem.c_str());
+    writeError(problem);
     return std::nullopt;
+}
+
+std::vector<std::string> settingSections() {
+    std::vector<std::string> sections;
+    for (const Section& row : kSections) {
+        if (typeOf(row.type) != nullptr) {
+            sections.emplace_back(*row.key);
+        }
+    }
+    return sections;
+}
+
+std::vector<std::string> settingTypes() {
+    std::vector<std::string> types;
+    for (const Section& row : kSections) {
+        if (typeOf(row.type) != nullptr) {
+            types.emplace_back(typeOf(row.type));
+        }
+    }
+    return types;
 }
 
 }  // namespace kc2::tool

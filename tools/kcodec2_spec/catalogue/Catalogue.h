@@ -28,11 +28,11 @@ struct Setting {
     std::optional<int64_t> minimum;
     std::optional<int64_t> maximum;
     std::vector<CatalogueValue> values;
-    bool hasOnlyValues = false;  // `values` lists all that it may hold.
+    bool hasOnlyValues = false;  // No other values are allowed.
     std::vector<CatalogueValue> bits;
     std::vector<std::string> chips;  // Empty: every chip.
     std::string neededFeature;       // Has an effect only while this feature is on.
-    std::string atMost;              // The preset that it must not be above.
+    std::string atMost;              // The preset whose value it must not exceed.
     std::string place;
     std::string definition{};  // As the file has it, to compare.
 };
@@ -54,8 +54,9 @@ struct PerfResourceCode {
 
 class Catalogue {
 public:
-    // Adds what `text` holds; `path` is for messages. Returns what is wrong with it, with the
-    // place; empty when it was taken. After a problem the catalogue must not be used.
+    // Adds the entries of `text`; `path` is for messages. They may refer to each other and to
+    // entries that were added before. Returns what is wrong with the text, with the place; empty
+    // when nothing is. After a problem the catalogue must not be used.
     std::string add(const std::string& path, std::string text);
 
     const std::vector<Setting>& settings() const { return mSettings; }
@@ -72,8 +73,12 @@ private:
     std::vector<PerfResourceCode> mCodes;
 };
 
-// The built-in catalogue with those of `paths` added, in that order. Prints the first problem and
-// returns nothing when there is one.
+// The built-in catalogue with those of `paths` added, in that order. Nothing when there is a
+// problem, which is printed.
 std::optional<Catalogue> loadCatalogue(const std::vector<std::string>& paths);
+
+// The sections that settings can be in, and for each of them the type of its settings.
+std::vector<std::string> settingSections();
+std::vector<std::string> settingTypes();
 
 }  // namespace kc2::tool

@@ -1,6 +1,8 @@
-// The JSON Schema by which an editor knows the documents.
+// The JSON Schema of the documents, for editors.
 
 #include "catalogue/JsonSchema.h"
+
+#include <fmt/format.h>
 
 #include <cstdint>
 #include <limits>
@@ -20,29 +22,28 @@ namespace {
 constexpr int64_t kLowest = std::numeric_limits<int32_t>::min();
 constexpr int64_t kHighest = std::numeric_limits<int32_t>::max();
 
-// What the reader takes as a perf word without changing it: up to 7FFFFFFF, and nothing behind the
-// digits.
+// A perf word that the reader accepts unchanged: up to 7FFFFFFF, and nothing after the digits.
 constexpr char kPerfWordPattern[] =
         "^[ \\t\\n\\v\\f\\r]*(\\+?(0[xX])?0*[0-7]?[0-9a-fA-F]{1,7}|-(0[xX])?0+)$";
 
-// "object" or "array". A null one holds nothing, and the reader says nothing of it.
+// "object" or "array". Null is an empty one, and the reader does not report it.
 Json::Value typeOrNull(const char* type) {
     Json::Value schema;
     schema["type"].append(type);
     schema["type"].append("null");
-    schema["errorMessage"] = std::string("This must be an ") + type + ".";
+    schema["errorMessage"] = fmt::format("This must be an {}.", type);
     return schema;
 }
 
-// A whole number. Not "integer", for which editors do not take 1.0; the reader does.
+// A whole number. Not "integer": editors then reject 1.0, which the reader accepts.
 Json::Value wholeNumber(int64_t minimum, int64_t maximum) {
     Json::Value schema;
     schema["type"] = "number";
     schema["multipleOf"] = 1;
     schema["minimum"] = Json::Int64{minimum};
     schema["maximum"] = Json::Int64{maximum};
-    schema["errorMessage"] = "This must be a whole number from " + std::to_string(minimum) +
-                             " to " + std::to_string(maximum) + ".";
+    schema["errorMessage"] =
+            fmt::format("This must be a whole number from {} to {}.", minimum, maximum);
     return schema;
 }
 
@@ -62,7 +63,7 @@ Json::Value perfWord() {
     Json::Value schema = text();
     schema["pattern"] = kPerfWordPattern;
     schema["patternErrorMessage"] =
-            "This must be a hexadecimal string up to \"0x7FFFFFFF\", and nothing behind it.";
+            "This must be a hexadecimal string up to \"0x7FFFFFFF\", with nothing after it.";
     return schema;
 }
 
@@ -78,8 +79,8 @@ Json::Value bitRateRow() {
         const char* meaning;
         int64_t minimum;
     } kColumns[] = {
-            {"low: the lowest value that the row answers for", 0},
-            {"high: the row answers for values below it", kNoUpperBound},
+            {"low: the lowest value of the row's range", 0},
+            {"high: the end of the range, itself not in it", kNoUpperBound},
             {"the bit rate", 0},
     };
     for (const auto& column : kColumns) {
@@ -93,7 +94,7 @@ Json::Value bitRateRow() {
 std::string describedValues(const Setting& setting) {
     std::string text;
     const auto add = [&](const char* title, const CatalogueValue& value) {
-        text += std::string("\n") + title + std::to_string(value.value) + ": " + meaningOf(value);
+        text += fmt::format("\n{}{}: {}", title, value.value, meaningOf(value));
     };
     for (const CatalogueValue& value : setting.values) {
         add("", value);
@@ -105,18 +106,20 @@ std::string describedValues(const Setting& setting) {
 }
 
 std::string describedChips(const Setting& setting) {
-    return setting.chips.empty() ? "" : "\nOnly on these chips: " + joined(setting.chips, ", ");
+    return setting.chips.empty()
+                   ? ""
+                   : fmt::format("\nOnly on these chips: {}", joined(setting.chips, ", "));
 }
 
 std::string description(const Setting& setting) {
-    std::string text = setting.meaning + ".";
-    text += setting.unit.empty() ? "" : "\nUnit: " + setting.unit;
-    text += describedValues(setting) + describedChips(setting);
-    text += setting.neededFeature.empty()
-                    ? ""
-                    : "\nHas an effect only while " + setting.neededFeature + " is on.";
-    text += setting.atMost.empty() ? "" : "\nMust not be above " + setting.atMost + ".";
-    return text + "\nBuilt-in value: " + builtInText(setting);
+    const auto line = [](const char* format, const std::string& text) {
+        return text.empty() ? "" : fmt::format(fmt::runtime(format), text);
+    };
+    return fmt::format("{}.{}{}{}{}{}\nBuilt-in value: {}", setting.meaning,
+                       line("\nUnit: {}", setting.unit), describedValues(setting),
+                       describedChips(setting),
+                       line("\nHas an effect only while {} is on.", setting.neededFeature),
+                       line("\nMust not be above {}.", setting.atMost), builtInText(setting));
 }
 
 // Values to choose from, each with its meaning.
@@ -124,7 +127,8 @@ void addChoices(const Setting& setting, Json::Value* schema) {
     for (const CatalogueValue& choice : choicesOf(setting)) {
         Json::Value snippet;
         snippet["label"] = std::to_string(choice.value);
-        snippet["description"] = choice.meaning + (choice.isSupported ? "" : " (not supported)");
+        snippet["description"] =
+                fmt::format("{}{}", choice.meaning, choice.isSupported ? "" : " (not supported)");
         snippet["body"] = Json::Int64{choice.value};
         (*schema)["defaultSnippets"].append(snippet);
         if (setting.hasOnlyValues) {
@@ -191,8 +195,8 @@ Json::Value componentNames(const Catalogue& catalogue, const std::string& list) 
             known["enum"].append(component.name);
             known["enumDescriptions"].append(component.chips.empty()
                                                      ? ""
-                                                     : "only on these chips: " +
-                                                               joined(component.chips, ", "));
+                                                     : fmt::format("only on these chips: {}",
+                                                                   joined(component.chips, ", ")));
         }
     }
     Json::Value name;

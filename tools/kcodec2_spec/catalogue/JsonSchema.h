@@ -1,4 +1,4 @@
-// The JSON Schema by which an editor knows the documents.
+// The JSON Schema of the documents, for editors.
 #pragma once
 
 #include <json/value.h>

@@ -1,4 +1,4 @@
-// What the checker knows of settings: the catalogue, and its names ready for a search.
+// The settings catalogue, with its names ready for a search.
 #pragma once
 
 #include "base/NearNames.h"

@@ -1,4 +1,4 @@
-// What the catalogue says of a setting, in the words that every command uses.
+// What the catalogue says about a setting, in the words that every command uses.
 
 #include "catalogue/SettingText.h"
 
@@ -18,10 +18,10 @@ std::string meaningOfBits(const std::vector<CatalogueValue>& bits, size_t chosen
     std::string meaning;
     for (size_t i = 0; i < bits.size(); ++i) {
         if ((chosen >> i & 1) != 0) {
-            meaning += (meaning.empty() ? "" : ", ") + bits[i].meaning;
+            meaning.append(meaning.empty() ? "" : ", ").append(bits[i].meaning);
         }
     }
-    return meaning.empty() ? "none of them" : meaning;
+    return meaning.empty() ? "no bit" : meaning;
 }
 
 bool isEachNeededBitThere(const std::vector<CatalogueValue>& bits, size_t chosen, int64_t mask) {
@@ -65,8 +65,9 @@ std::string rangeOf(const Setting& setting) {
 }
 
 std::string meaningOf(const CatalogueValue& value) {
-    return value.meaning + (value.isSupported ? "" : " (not supported)") +
-           (value.neededBit ? fmt::format(" (only together with bit {})", *value.neededBit) : "");
+    return fmt::format(
+            "{}{}{}", value.meaning, value.isSupported ? "" : " (not supported)",
+            value.neededBit ? fmt::format(" (only together with bit {})", *value.neededBit) : "");
 }
 
 std::string chipsOf(const std::vector<std::string>& chips) {

@@ -1,4 +1,4 @@
-// What the catalogue says of a setting, in the words that every command uses.
+// What the catalogue says about a setting, in the words that every command uses.
 #pragma once
 
 #include <string>
@@ -11,13 +11,14 @@ namespace kc2::tool {
 // "0 to 6", "from 0"; empty where any integer is allowed.
 std::string rangeOf(const Setting& setting);
 
-// A value's meaning, and whether it counts: "off (not supported)".
+// A value's meaning, and what limits it: "off (not supported)".
 std::string meaningOf(const CatalogueValue& value);
 
 // "brel, mirt", or "all".
 std::string chipsOf(const std::vector<std::string>& chips);
 
-// What a bit mask or a list of values may hold, with the meaning of each; empty for other settings.
+// The values that a bit mask or a setting with a list of values may have, with the meaning of each;
+// empty for other settings.
 std::vector<CatalogueValue> choicesOf(const Setting& setting);
 
 }  // namespace kc2::tool

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "catalogue/CatalogueForm.h"
 #include "catalogue/SettingText.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
@@ -21,40 +22,87 @@ constexpr char kIntroduction[] =
         "\n"
         "<!-- Written by \"kcodec2_spec explain --markdown\" from the settings catalogue. -->\n"
         "\n"
-        "What is known of settings, codec components and perf resource codes. Names are free: one\n"
-        "that is not here is not a mistake. `kcodec2_spec explain NAME` prints one of them, and\n"
-        "`kcodec2_spec check` looks at their names and values. `--settings FILE` adds a vendor's\n"
-        "own to both; FILE has the form of `tools/kcodec2_spec/catalogue/settings.json`.\n";
+        "The settings, codec components and perf resource codes that the tool knows. Names are\n"
+        "free: one that is not here is not a mistake. `kcodec2_spec explain NAME` explains one of\n"
+        "them, and `kcodec2_spec check` compares names and values in documents with them.\n"
+        "[A file of your own](#a-settings-file-of-your-own) adds to them.\n";
+
+constexpr char kOwnFile[] =
+        "\n## A settings file of your own\n"
+        "\n"
+        "`--settings FILE` adds a vendor's settings, components and codes to these; `check`,\n"
+        "`explain`, `diff`, `report` and `schema` have the option, and it may be repeated.\n"
+        "`tools/kcodec2_spec/catalogue/settings.json` has the same form. The tool refuses a file\n"
+        "that has a mistake, defines a known name again, or refers to a name that neither it nor\n"
+        "an earlier file defines, and prints the place.\n";
+
+constexpr char kExample[] = R"(
+An example:
+
+```json
+{
+    "settings": [
+        {"name": "vendor_zoom", "section": "Features", "type": "boolean",
+         "meaning": "digital zoom"},
+        {"name": "vendor_zoom_max", "section": "Presets", "type": "integer",
+         "meaning": "highest zoom factor", "unit": "percent",
+         "minimum": 100, "maximum": 800, "needs-feature": "vendor_zoom"},
+        {"name": "vendor_zoom_start", "section": "Presets", "type": "integer",
+         "meaning": "zoom factor when a session starts", "at-most": "vendor_zoom_max"},
+        {"name": "vendor_zoom_filter", "section": "Presets", "type": "integer",
+         "meaning": "scaling filter", "chips": ["orvelle", "other"],
+         "values": [{"value": 0, "meaning": "bilinear"},
+                    {"value": 1, "meaning": "bicubic", "supported": false}],
+         "only-values": true},
+        {"name": "vendor_zoom_planes", "section": "Presets", "type": "integer",
+         "meaning": "planes that are scaled",
+         "bits": [{"bit": 1, "meaning": "Y"},
+                  {"bit": 2, "meaning": "UV", "needs-bit": 1}]},
+        {"name": "vendor_zoom_perf", "section": "perf-resource-values", "type": "words",
+         "meaning": "performance lock while zooming"}
+    ],
+    "codec-components": [
+        {"name": "c2.vendor.avs2.decoder", "list": "decoders", "chips": ["brel"]}
+    ],
+    "perf-resource-codes": [
+        {"code": "0x40C10000", "meaning": "cores that zooming may use"}
+    ]
+}
+```
+)";
 
 // Fit for the cell of a table.
 std::string cell(const std::string& text) {
     std::string shown;
     for (const char c : escaped(text)) {
-        shown += c == '|' ? "\\|" : std::string(1, c);
+        shown.append(c == '|' ? "\\" : "").append(1, c);
     }
     return shown;
 }
 
 void addSentence(std::string* text, const std::string& sentence) {
-    *text += (text->empty() ? "" : "; ") + sentence;
+    text->append(text->empty() ? "" : "; ").append(sentence);
 }
 
-void addValues(std::string* text, const std::vector<CatalogueValue>& values, const char* kind) {
+void addValues(std::string* text, const std::vector<CatalogueValue>& values) {
     for (const CatalogueValue& value : values) {
-        addSentence(text, fmt::format("{}{}: {}", kind, value.value, meaningOf(value)));
+        addSentence(text, fmt::format("{}: {}", value.value, meaningOf(value)));
     }
 }
 
-// Everything that a value must keep to, in one cell.
+// Everything that a value must satisfy, in one cell.
 std::string limitsOf(const Setting& setting) {
     std::string text = rangeOf(setting);
-    addValues(&text, setting.values, "");
-    addValues(&text, setting.bits, "bit ");
+    addValues(&text, setting.values);
+    for (const CatalogueValue& bit : setting.bits) {
+        addSentence(&text, fmt::format("bit {:#x}: {}", bit.value, meaningOf(bit)));
+    }
     if (!setting.atMost.empty()) {
-        addSentence(&text, "not above `" + setting.atMost + "`");
+        addSentence(&text, fmt::format("not above `{}`", setting.atMost));
     }
     if (!setting.neededFeature.empty()) {
-        addSentence(&text, "only while the feature `" + setting.neededFeature + "` is true");
+        addSentence(&text,
+                    fmt::format("has an effect only while `{}` is on", setting.neededFeature));
     }
     return text;
 }
@@ -63,7 +111,8 @@ void addSection(const Catalogue& catalogue, const std::string& section, std::str
     std::string rows;
     for (const Setting& setting : catalogue.settings()) {
         if (setting.section == section) {
-            const std::string unit = setting.unit.empty() ? "" : ", in " + setting.unit;
+            const std::string unit =
+                    setting.unit.empty() ? "" : fmt::format(", in {}", setting.unit);
             rows += fmt::format("| `{}` | {} | {} | {} |\n", cell(setting.name),
                                 cell(setting.meaning + unit), cell(limitsOf(setting)),
                                 cell(chipsOf(setting.chips)));
@@ -74,6 +123,19 @@ void addSection(const Catalogue& catalogue, const std::string& section, std::str
                 fmt::format("\n## {}\n\n| Name | Meaning | Values | Chips |\n|---|---|---|---|\n{}",
                             section, rows);
     }
+}
+
+std::string ownFile() {
+    std::string text = kOwnFile;
+    for (const CatalogueObject& object : catalogueForm()) {
+        text += fmt::format("\n### {}\n\n| Member | Value | Meaning |\n|---|---|---|\n",
+                            object.title);
+        for (const CatalogueMember& member : object.members) {
+            text += fmt::format("| `{}`{} | {} | {} |\n", member.name,
+                                member.isNeeded ? ", required" : "", member.value, member.meaning);
+        }
+    }
+    return text + kExample;
 }
 
 }  // namespace
@@ -92,7 +154,7 @@ std::string settingsPage(const Catalogue& catalogue) {
         page += fmt::format("| `{}` | {} | {} |\n", cell(component.name), component.list,
                             cell(chipsOf(component.chips)));
     }
-    return page;
+    return page + ownFile();
 }
 
 }  // namespace kc2::tool

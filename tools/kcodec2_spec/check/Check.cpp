@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "base/ExitCodes.h"
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "check/FixFiles.h"
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
@@ -40,7 +42,7 @@ bool fixFile(const std::string& path, const Document& document, const CheckOptio
     if (wrong.empty()) {
         wrong = replaceFile(path, document.text, after);
     }
-    fmt::print(stderr, "{}: {}\n", escaped(path),
+    printError("{}: {}", escaped(path),
                wrong.empty() ? "fixed" : fmt::format("not fixed: {}", escaped(wrong)));
     return wrong.empty();
 }

@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "base/Spelling.h"
 #include "device/DevicePaths.h"
 
 namespace kc2::tool {

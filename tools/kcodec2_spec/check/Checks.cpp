@@ -13,6 +13,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 
 namespace kc2::tool {
@@ -71,10 +73,10 @@ bool isFormerCheck(std::string_view name) {
 void noteFormerCheck(std::string_view name) {
     static std::set<std::string, std::less<>> noted;
     if (noted.emplace(name).second) {
-        fmt::print(stderr,
-                   "kcodec2_spec: naming the check \"{}\" has no effect: it is now the heading of "
-                   "the report\n",
-                   name);
+        printError(
+                "naming the check \"{}\" has no effect: it is now the heading of "
+                "the report",
+                name);
     }
 }
 

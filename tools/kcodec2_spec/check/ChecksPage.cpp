@@ -9,6 +9,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/Spelling.h"
 #include "check/Checks.h"
 
 namespace kc2::tool {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/OutputFile.h"
+#include "base/Spelling.h"
 #include "document/Document.h"
 #include "targetspec/reading/Escaped.h"
 

@@ -1,6 +1,7 @@
 // What a check found: the findings of a run, each with its place and what goes with it.
 
 #include "check/Report.h"
+#include "base/Spelling.h"
 
 #include <algorithm>
 #include <tuple>

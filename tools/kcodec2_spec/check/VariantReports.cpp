@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/DeviceOptions.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DevicePaths.h"

@@ -1,9 +1,9 @@
 // The check command's options.
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/OptionValues.h"
 #include "check/Check.h"
 #include "check/ChecksPage.h"
 #include "commands/Commands.h"
@@ -20,20 +21,20 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kCheckFooter[] =
-        "Without FILE it does the whole load of the device and checks across its documents.\n"
+        "Without FILE, checks everything the device would load.\n"
         "\n"
         "Examples:\n"
         "  kcodec2_spec check video_system_specs.json\n"
-        "  kcodec2_spec check --rootdir examples/device --property "
-        "vendor.media.target_variant=_orvelle\n"
+        "  kcodec2_spec check --rootdir examples/device --variant _orvelle\n"
         "\n"
-        "Each finding ends with the id of its check in brackets; --list lists them all with their "
-        "groups. Of several options on one check, the last one wins. What makes a device reject a "
-        "document is always an error. In a document, the comment \"// kcodec2_spec: allow ID\" "
-        "behind or above a place allows a finding there.\n"
+        "Each finding ends with the id of its check in brackets; --list lists all ids, in groups. "
+        "Of several options for one check, the last one wins. What makes a device reject a "
+        "document is always an error. In a document, a comment \"// kcodec2_spec: allow ID\" at "
+        "the "
+        "end of the line, or on the line above, suppresses the finding.\n"
         "\n"
-        "Exit codes: 0 fine; 1 errors (with --werror: or warnings) found; 2 wrong usage, a FILE "
-        "that cannot be read or mended, or output that cannot be written.";
+        "Exit codes: 0 fine; 1 found errors (with --werror: or warnings); 2 wrong usage, a FILE "
+        "that cannot be read or fixed, or output that cannot be written.";
 
 constexpr char kReporting[] = "The report";
 
@@ -67,33 +68,30 @@ void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
 
 void addReportOptions(CLI::App* command, CheckArguments* arguments) {
     CheckOptions& options = arguments->check;
-    static const std::map<std::string, ReportFormat> formats = {{"text", ReportFormat::Text},
-                                                                {"json", ReportFormat::Json},
-                                                                {"sarif", ReportFormat::Sarif}};
-    command->add_option("--format", options.format,
-                        "How to report: text (the default), json for scripts and editors, or sarif "
-                        "(2.1.0) for code scanners")
-            ->transform(CLI::CheckedTransformer(formats).description(""))
-            ->type_name("text|json|sarif")
+    addChoice<ReportFormat>(
+            command, "--format",
+            {{"text", ReportFormat::Text},
+             {"json", ReportFormat::Json},
+             {"sarif", ReportFormat::Sarif}},
+            [&options](ReportFormat format) { options.format = format; },
+            "Format of the report: text (the default), json for scripts and editors, or sarif "
+            "(2.1.0) for code scanners")
             ->group(kReporting);
     addLevelOption(command, &options, "--error", Severity::Error,
-                   "Make a check, or a group of checks, an error; repeatable");
+                   "Report a check, or a group of checks, as an error; repeatable");
     addLevelOption(command, &options, "--warning", Severity::Warning,
-                   "Make it a warning; repeatable");
-    addLevelOption(command, &options, "--note", Severity::Note, "Make it a note; repeatable");
-    addLevelOption(command, &options, "--disable", std::nullopt, "Leave it out; repeatable");
-    static const std::map<std::string, Severity> severities = {
-            {"note", Severity::Note}, {"warning", Severity::Warning}, {"error", Severity::Error}};
-    command->add_option_function<Severity>(
-                   "--min-severity",
-                   [&options](Severity severity) { options.levels.setLeast(severity); },
-                   "Leave out what is less severe")
-            ->transform(CLI::CheckedTransformer(severities).description(""))
-            ->type_name("note|warning|error")
+                   "Report it as a warning; repeatable");
+    addLevelOption(command, &options, "--note", Severity::Note, "Report it as a note; repeatable");
+    addLevelOption(command, &options, "--disable", std::nullopt, "Do not report it; repeatable");
+    addChoice<Severity>(
+            command, "--min-severity",
+            {{"note", Severity::Note}, {"warning", Severity::Warning}, {"error", Severity::Error}},
+            [&options](Severity severity) { options.levels.setLeast(severity); },
+            "Report only findings of this severity and above")
             ->group(kReporting);
     command->add_option("--max-findings", options.output.mostFindings,
-                        "Show at most N findings, the most severe ones (default: 0, all)")
-            ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
+                        "Print at most N findings, the most severe ones (default: 0, all)")
+            ->check(CLI::Validator(whyNotCount, ""))
             ->type_name("N")
             ->group(kReporting);
     command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")
@@ -111,24 +109,25 @@ void addReportOptions(CLI::App* command, CheckArguments* arguments) {
 void addFixOptions(CLI::App* command, CheckArguments* arguments) {
     CLI::Option* const fix = command->add_flag(
             "--fix", arguments->isFixWanted,
-            "Mend what has one certain mend: a comma missing or left over, a byte order mark, a "
+            "Fix what has exactly one safe fix: a missing or extra comma, a byte order mark, a "
             "leading plus, a misspelt known name, a perf word without quotes. Needs FILE or "
             "--rootdir, and changes nothing outside of it");
-    command->add_flag("--dry-run", arguments->isDryRun, "With --fix: show the changes as a diff")
+    command->add_flag("--dry-run", arguments->isDryRun,
+                      "With --fix: print the changes as a diff, and write nothing")
             ->needs(fix);
 }
 
-// Sets what --fix is to do. Returns what is wrong; empty when nothing is.
+// Sets what --fix does. Returns what is wrong; empty when nothing is.
 std::string prepareFix(CheckArguments* arguments) {
     if (!arguments->isFixWanted) {
         return std::string();
     }
     const std::vector<std::string>& files = arguments->files;
     if (std::find(files.begin(), files.end(), "-") != files.end()) {
-        return "--fix cannot mend standard input";
+        return "--fix cannot change standard input";
     }
     if (arguments->device.isEachVariant) {
-        return "--fix does not go together with --all-variants";
+        return "--fix and --all-variants cannot be used together";
     }
     if (files.empty() && arguments->device.rootDirectory.empty()) {
         return "--fix needs FILE or --rootdir";
@@ -145,10 +144,13 @@ int runCheck(CheckArguments* arguments) {
         std::fputs(text.c_str(), stdout);
         return kExitOk;
     }
-    const std::string wrong = prepareFix(arguments);
+    std::string wrong = prepareFix(arguments);
+    if (wrong.empty() && arguments->files.empty()) {
+        wrong = whyNoDevice(arguments->device);
+        wrong = wrong.empty() ? wrong : fmt::format("FILE is missing, or {}", wrong);
+    }
     if (!wrong.empty()) {
-        std::fprintf(stderr, "%s\n", wrong.c_str());
-        return kExitUsage;
+        throw usageError(wrong);
     }
     std::optional<Catalogue> catalogue = loadCatalogue(arguments->settingsFiles);
     if (!catalogue) {
@@ -169,10 +171,10 @@ int runCheck(CheckArguments* arguments) {
 void addCheckCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = app->add_subcommand(
-            "check", "Report every mistake in documents, or in the whole load of a device");
+            "check", "Report every mistake in documents, or in what a device loads");
     command->footer(kCheckFooter);
-    CLI::Option* const files =
-            command->add_option("FILE", arguments->files, "Documents to check, each by itself");
+    CLI::Option* const files = command->add_option(
+            "FILE", arguments->files, "Documents to check, each on its own; - is standard input");
     addSettingsOption(command, &arguments->settingsFiles);
     addReportOptions(command, arguments.get());
     addFixOptions(command, arguments.get());
@@ -180,7 +182,7 @@ void addCheckCommand(CLI::App* app, int* exitCode) {
     addVariantsOption(*command, &arguments->device);
     for (CLI::Option* const option : command->get_options(
                  [](const CLI::Option* option) { return option->get_group() == kDeviceGroup; })) {
-        files->excludes(option);  // Documents are files of this machine.
+        files->excludes(option);  // FILE is a file of this machine.
     }
     command->callback([arguments, exitCode] { *exitCode = runCheck(arguments.get()); });
 }

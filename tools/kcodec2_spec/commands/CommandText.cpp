@@ -2,10 +2,13 @@
 
 #include "commands/CommandText.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <sstream>
 
 #include "base/Text.h"
+#include "commands/HelpText.h"
 
 namespace kc2::tool {
 
@@ -28,13 +31,13 @@ public:
         const bool isArgument = option.get_positional();
         OptionText text;
         for (const std::string& name : option.get_snames()) {
-            text.names.push_back("-" + name);
+            text.names.push_back(fmt::format("-{}", name));
         }
         for (const std::string& name : option.get_lnames()) {
-            text.names.push_back("--" + name);
+            text.names.push_back(fmt::format("--{}", name));
         }
         text.label = make_option_name(&option, isArgument);
-        text.form = make_option_opts(&option);
+        text.form = formOf(option);
         text.description = option.get_description();
         text.value = isArgument ? option.get_name(true) : option.get_type_name();
         text.isFlag = option.get_items_expected_max() == 0;
@@ -44,7 +47,7 @@ public:
 
     std::string usage(const CLI::App& app, const std::string& name) const {
         const std::string text = make_usage(&app, name);
-        const std::string label = get_label("Usage") + ": ";
+        const std::string label = fmt::format("{}: ", get_label("Usage"));
         const size_t start = text.find(label);
         return start == std::string::npos ? text : text.substr(start + label.size());
     }
@@ -55,7 +58,8 @@ CommandText commandText(const CLI::App& app, bool isTool) {
     CommandText command;
     command.name = isTool ? "" : app.get_name();
     command.description = app.get_description();
-    command.usage = words.usage(app, isTool ? app.get_name() : "kcodec2_spec " + app.get_name());
+    command.usage = words.usage(
+            app, isTool ? app.get_name() : fmt::format("kcodec2_spec {}", app.get_name()));
     command.usage = withoutTrailing(command.usage, '\n');
     command.footer = app.get_footer();
     for (const CLI::Option* const option : app.get_options()) {

@@ -13,11 +13,11 @@ namespace kc2::tool {
 struct OptionText {
     std::vector<std::string> names;  // "-h", "--help"; empty for an argument without a name.
     std::string label;               // As --help shows the names: "-h,--help", "FILE".
-    std::string form;                // What follows the names there: " DIR Excludes: FILE".
+    std::string form;                // What follows the names there: " DIR".
     std::string description;
-    std::string value;                 // What it takes: "DIR", or the argument's name.
-    bool isFlag = false;               // It takes nothing.
-    std::vector<std::string> choices;  // What it takes, where that is a list.
+    std::string value;                 // What its value is: "DIR", or the argument's name.
+    bool isFlag = false;               // It has no value.
+    std::vector<std::string> choices;  // Its values, where they are a list.
 };
 
 struct CommandText {
@@ -29,7 +29,7 @@ struct CommandText {
     std::string footer;
 };
 
-// The tool itself, then each command, as the definitions behind --help have them.
+// The tool itself, then each command, from the definitions that --help prints.
 std::vector<CommandText> commandTexts(const CLI::App& app);
 
 }  // namespace kc2::tool

@@ -12,7 +12,15 @@ class App;
 
 namespace kc2::tool {
 
-// Each adds its command, which sets the exit code when it is the one that is asked for.
+// Ends the help of commands that only fail on wrong usage.
+inline constexpr char kUsualExitCodes[] =
+        "Exit codes: 0 fine; 2 wrong usage, or output that cannot be written.";
+
+inline constexpr char kExitCodesWithFile[] =
+        "Exit codes: 0 fine; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
+        "written.";
+
+// Each adds its command, which sets the exit code when it is the one that is run.
 void addShowCommand(CLI::App* app, int* exitCode);
 void addCheckCommand(CLI::App* app, int* exitCode);
 void addLogCommand(CLI::App* app, int* exitCode);
@@ -22,7 +30,8 @@ void addDefaultsCommand(CLI::App* app, int* exitCode);
 void addFormatsCommand(CLI::App* app, int* exitCode);
 void addExplainCommand(CLI::App* app, int* exitCode);
 void addSchemaCommand(CLI::App* app, int* exitCode);
-// These two tell of all commands that `app` has then.
+// These are about all commands, including those that are added later.
+void addHelpCommand(CLI::App* app, int* exitCode);
 void addManualCommand(CLI::App* app, int* exitCode);
 void addCompletionCommand(CLI::App* app, int* exitCode);
 

@@ -4,13 +4,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/OptionValues.h"
+#include "base/Print.h"
 #include "base/Text.h"
 #include "commands/CommandText.h"
 #include "commands/Commands.h"
@@ -22,12 +23,12 @@ namespace {
 constexpr std::string_view kBash = "bash";
 constexpr std::string_view kZsh = "zsh";
 
-bool takesDirectory(const OptionText& option) {
+bool isDirectory(const OptionText& option) {
     return option.value == "DIR";
 }
 
-// An argument without a name is a file unless --help says what else it is.
-bool takesFile(const OptionText& option) {
+// Whether the value is a file.
+bool isFile(const OptionText& option) {
     constexpr std::string_view kFiles[] = {"FILE", "FILE.html", "A", "B"};
     return std::find(std::begin(kFiles), std::end(kFiles), option.value) != std::end(kFiles);
 }
@@ -42,12 +43,12 @@ std::vector<std::string> namesOf(const std::vector<OptionText>& options) {
 
 // --- bash ---------------------------------------------------------------------------------
 
-// What makes the words that `option` takes; empty where nobody can tell.
+// How bash gets the values of `option`; empty where they are not known.
 std::string bashWords(const OptionText& option) {
     if (!option.choices.empty()) {
         return fmt::format("-W '{}'", joined(option.choices, " "));
     }
-    return takesDirectory(option) ? "-d" : takesFile(option) ? "-f" : "";
+    return isDirectory(option) ? "-d" : isFile(option) ? "-f" : "";
 }
 
 constexpr char kBashStart[] =
@@ -68,7 +69,7 @@ constexpr char kBashEnd[] = R"(    esac
 complete -o filenames -F _kcodec2_spec kcodec2_spec
 )";
 
-// What follows an option that takes something.
+// The values of each option that has one.
 void printBashValues(const CommandText& command) {
     for (const OptionText& option : command.options) {
         if (option.isFlag) {
@@ -78,7 +79,7 @@ void printBashValues(const CommandText& command) {
         for (const std::string& name : option.names) {
             patterns += fmt::format("{}{}:{}", patterns.empty() ? "" : "|", command.name, name);
         }
-        fmt::print("        {}) words=({}); names= ;;\n", patterns, bashWords(option));
+        printOut("        {}) words=({}); names= ;;\n", patterns, bashWords(option));
     }
 }
 
@@ -87,28 +88,28 @@ int printBash(const std::vector<CommandText>& commands) {
     for (size_t i = 1; i < commands.size(); ++i) {
         names.push_back(commands[i].name);
     }
-    fmt::print("{}            {}) command=${{COMP_WORDS[i]}}; break ;;\n        esac\n    done\n",
-               kBashStart, joined(names, "|"));
-    fmt::print("    case $command in\n");
+    printOut("{}            {}) command=${{COMP_WORDS[i]}}; break ;;\n        esac\n    done\n",
+             kBashStart, joined(names, "|"));
+    printOut("    case $command in\n");
     for (const CommandText& command : commands) {
         const std::string words = command.name.empty() ? fmt::format("-W '{}'", joined(names, " "))
                                   : command.arguments.empty()
                                           ? ""
                                           : bashWords(command.arguments.front());
-        fmt::print("        '{}') names='{}'; words=({}) ;;\n", command.name,
-                   joined(namesOf(command.options), " "), words);
+        printOut("        '{}') names='{}'; words=({}) ;;\n", command.name,
+                 joined(namesOf(command.options), " "), words);
     }
-    fmt::print("    esac\n    case $command:$before in\n");
+    printOut("    esac\n    case $command:$before in\n");
     for (const CommandText& command : commands) {
         printBashValues(command);
     }
-    std::fputs(kBashEnd, stdout);
+    writeOut(kBashEnd);
     return kExitOk;
 }
 
 // --- zsh ----------------------------------------------------------------------------------
 
-// A text inside of single quotes; what means something to zsh's own functions is escaped.
+// A text for single quotes, with the characters of `special` escaped for zsh's functions.
 std::string zshText(std::string_view text, std::string_view special) {
     std::string result;
     for (const char c : text) {
@@ -126,27 +127,27 @@ std::string zshAction(const OptionText& option) {
     if (!option.choices.empty()) {
         return fmt::format("({})", joined(option.choices, " "));
     }
-    return takesDirectory(option) ? "_files -/" : takesFile(option) ? "_files" : " ";
+    return isDirectory(option) ? "_files -/" : isFile(option) ? "_files" : " ";
 }
 
 void printZshCommand(const CommandText& command) {
-    fmt::print("                {})\n                    _arguments", command.name);
+    printOut("                {})\n                    _arguments", command.name);
     for (const OptionText& option : command.options) {
         const std::string value =
                 option.isFlag
                         ? ""
                         : fmt::format(":{}:{}", zshText(option.value, ":\\"), zshAction(option));
         for (const std::string& name : option.names) {
-            fmt::print(" \\\n                        '*{}[{}]{}'", name,
-                       zshText(option.description, "[]:\\"), value);
+            printOut(" \\\n                        '*{}[{}]{}'", name,
+                     zshText(option.description, "[]:\\"), value);
         }
     }
     if (!command.arguments.empty()) {
         const OptionText& argument = command.arguments.front();
-        fmt::print(" \\\n                        '*:{}:{}'", zshText(argument.value, ":\\"),
-                   zshAction(argument));
+        printOut(" \\\n                        '*:{}:{}'", zshText(argument.value, ":\\"),
+                 zshAction(argument));
     }
-    fmt::print("\n                    ;;\n");
+    printOut("\n                    ;;\n");
 }
 
 constexpr char kZshStart[] = R"(#compdef kcodec2_spec
@@ -177,37 +178,39 @@ fi
 )";
 
 int printZsh(const std::vector<CommandText>& commands) {
-    std::fputs(kZshStart, stdout);
+    writeOut(kZshStart);
     for (size_t i = 1; i < commands.size(); ++i) {
-        fmt::print("        '{}:{}'\n", commands[i].name, zshText(commands[i].description, ":\\"));
+        printOut("        '{}:{}'\n", commands[i].name, zshText(commands[i].description, ":\\"));
     }
-    fmt::print("    )\n    _arguments -C");
+    printOut("    )\n    _arguments -C");
     for (const OptionText& option : commands.front().options) {
         for (const std::string& name : option.names) {
-            fmt::print(" '{}[{}]'", name, zshText(option.description, "[]:\\"));
+            printOut(" '{}[{}]'", name, zshText(option.description, "[]:\\"));
         }
     }
-    fmt::print(" '1:command:->command' '*::argument:->rest'\n{}", kZshMiddle);
+    printOut(" '1:command:->command' '*::argument:->rest'\n{}", kZshMiddle);
     for (size_t i = 1; i < commands.size(); ++i) {
         printZshCommand(commands[i]);
     }
-    std::fputs(kZshEnd, stdout);
+    writeOut(kZshEnd);
     return kExitOk;
 }
 
 }  // namespace
 
 void addCompletionCommand(CLI::App* app, int* exitCode) {
-    CLI::App* const command = app->add_subcommand(
-            "completion", "Print what a shell reads to complete the tool's command lines");
+    CLI::App* const command = app->add_subcommand("completion", "Print a shell completion script");
     command->footer(
-            "Example:\n"
-            "  . <(kcodec2_spec completion bash)");
+            fmt::format("{}\n\nExample:\n  . <(kcodec2_spec completion bash)", kUsualExitCodes));
     const auto shell = std::make_shared<std::string>();
-    command->add_option("SHELL", *shell, "The shell")
+    command->add_option("SHELL", *shell, "The shell: bash or zsh")
             ->required()
-            ->check(CLI::IsMember({std::string(kBash), std::string(kZsh)}).description(""))
-            ->type_name(fmt::format("{}|{}", kBash, kZsh));
+            ->type_name(fmt::format("{}|{}", kBash, kZsh))
+            ->check(CLI::Validator(
+                    [](const std::string& name) {
+                        return whyNotOneOf({std::string(kBash), std::string(kZsh)}, name);
+                    },
+                    ""));
     command->callback(
             [=] { *exitCode = (*shell == kZsh ? printZsh : printBash)(commandTexts(*app)); });
 }

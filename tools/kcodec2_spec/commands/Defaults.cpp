@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
 
+#include "base/Print.h"
 #include "commands/Commands.h"
 #include "targetspec/reading/BuiltInDocuments.h"
 
@@ -15,13 +15,13 @@ namespace kc2::tool {
 
 namespace {
 
-// Their numbers with their chips.
+// The numbers of the built-in documents, with their chips.
 std::string chipsOfDefaults() {
     std::map<int, std::string> chips;
     for (const ChipDocument& row : kChipDocuments) {
         std::string& names = chips[row.number];
-        names += names.empty() ? "" : ", ";
-        names += *row.chip != '\0' ? row.chip : "all others; the default";
+        names.append(names.empty() ? "" : ", ");
+        names.append(*row.chip != '\0' ? row.chip : "all others; the default");
     }
     std::string text;
     for (const auto& [number, names] : chips) {
@@ -30,7 +30,7 @@ std::string chipsOfDefaults() {
     return text;
 }
 
-// Why a word is not the number of one; empty when it is.
+// What is wrong with a word that is not such a number; empty when it is one.
 std::string whyNotDefault(const std::string& word) {
     for (const ChipDocument& row : kChipDocuments) {
         if (word == std::to_string(row.number)) {
@@ -43,7 +43,7 @@ std::string whyNotDefault(const std::string& word) {
 int printDefault(int number) {
     for (const ChipDocument& row : kChipDocuments) {
         if (row.number == number) {
-            std::fputs(row.text, stdout);
+            writeOut(row.text);
             return kExitOk;
         }
     }
@@ -54,17 +54,18 @@ int printDefault(int number) {
 
 void addDefaultsCommand(CLI::App* app, int* exitCode) {
     struct Arguments {
-        int number = chipDocumentFor("").number;  // Of a chip without a document for itself.
+        int number = chipDocumentFor("").number;  // For chips without a document of their own.
         std::string variant;
     };
     const auto arguments = std::make_shared<Arguments>();
     CLI::App* const command =
             app->add_subcommand("defaults", "Print a built-in document, to start a new one from");
-    CLI::Option* const number =
-            command->add_option("NUMBER", arguments->number, "Which one: " + chipsOfDefaults())
-                    ->check(CLI::Validator(whyNotDefault, ""));
+    command->footer(kUsualExitCodes);
+    CLI::Option* const number = command->add_option("NUMBER", arguments->number,
+                                                    fmt::format("Which one: {}", chipsOfDefaults()))
+                                        ->check(CLI::Validator(whyNotDefault, ""));
     command->add_option("--variant", arguments->variant,
-                        "Instead of a number: the target variant whose chip it is for")
+                        "Print the one that a device of this target variant uses")
             ->type_name("NAME")
             ->excludes(number);
     command->callback([=] {

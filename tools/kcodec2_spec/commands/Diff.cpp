@@ -1,12 +1,12 @@
-// kcodec2_spec diff: what a component sees differently after two loads.
+// kcodec2_spec diff: what differs for a codec component between two loads.
 
+#include <fmt/format.h>
 #include <json/value.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -16,10 +16,13 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/JsonPrinter.h"
+#include "base/Print.h"
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "catalogue/Catalogue.h"
 #include "commands/Commands.h"
+#include "commands/UnknownVariant.h"
 #include "store/Load.h"
 #include "store/SnapshotDiff.h"
 #include "store/StoreSnapshot.h"
@@ -30,13 +33,13 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kDiffFooter[] =
-        "A and B are documents, or directories that hold a device's file system. A document is "
-        "loaded as the system spec document of a device that has no other file, so that the "
-        "built-in document of the chip follows; a variant names the chip. With A alone, one "
-        "device is compared under two variants.\n"
+        "A and B are documents, or root directories of a device's file system. A document is "
+        "loaded as the system spec document of a device that has no other file, so the built-in "
+        "document of the chip follows it; the variant names the chip. With A alone, one device is "
+        "compared under two variants.\n"
         "\n"
-        "Only what a codec component sees counts: comments, order of members, and values that "
-        "another one overrides do not.\n"
+        "Only what a codec component sees is compared: comments, the order of members, and values "
+        "that another one overrides make no difference.\n"
         "\n"
         "Examples:\n"
         "  kcodec2_spec diff old/video_system_specs.json new/video_system_specs.json\n"
@@ -50,7 +53,7 @@ struct Side {
     DeviceOptions device;
 };
 
-// A load of one side, and what it made of the store.
+// A load of one side, and the store after it.
 struct Loaded {
     std::string title;  // Path and variant.
     std::string systemSpec;
@@ -58,8 +61,8 @@ struct Loaded {
     std::vector<SnapshotSection> sections;
 };
 
-// The library reads documents from files, and each step is taken more than once; a pipe gives its
-// text only once. So the text is put into a file in memory.
+// The library reads documents from files, and each step runs more than once; a pipe gives its text
+// only once. So the text is put into a file in memory.
 class MemoryFile {
 public:
     explicit MemoryFile(const std::string& text)
@@ -70,7 +73,7 @@ public:
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
 
-    std::string path() const { return "/proc/self/fd/" + std::to_string(mDescriptor); }
+    std::string path() const { return fmt::format("/proc/self/fd/{}", mDescriptor); }
 
 private:
     int mDescriptor;
@@ -81,7 +84,8 @@ Loaded loadTree(const Side& side) {
     device.rootDirectory = side.path;
     applyDeviceOptions(device);
     const Load load = readLoad();
-    return {side.path + " (variant " + load.variant + ")", describeSystemSpec(load),
+    reportUnknownVariant(load);
+    return {fmt::format("{} (variant {})", side.path, load.variant), describeSystemSpec(load),
             describeOverlay(load), loadedSections(deviceSteps(load))};
 }
 
@@ -89,8 +93,7 @@ std::optional<Loaded> loadDocument(const Side& side) {
     const std::unique_ptr<Document> read = readDocumentFile(side.path);
     const Document& document = *read;
     if (!document.isReadable) {
-        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", escaped(side.path).c_str(),
-                     document.whyNotReadable.c_str());
+        printError("{} cannot be read: {}", escaped(side.path), document.whyNotReadable);
         return std::nullopt;
     }
     DeviceOptions device = side.device;
@@ -110,8 +113,9 @@ std::optional<Loaded> loadDocument(const Side& side) {
         store.parseJsonData(stream);
     };
     steps.systemSpecOrigin = "document";
-    steps.overlayOrigin = "built-in document " + std::to_string(chip.number);
-    return Loaded{side.path, document.isAccepted ? side.path : side.path + " (rejected)",
+    steps.overlayOrigin = fmt::format("built-in document {}", chip.number);
+    return Loaded{side.path,
+                  fmt::format("{}{}", side.path, document.isAccepted ? "" : " (rejected)"),
                   steps.overlayOrigin, loadedSections(steps)};
 }
 
@@ -120,25 +124,24 @@ std::optional<Loaded> loadSide(const Side& side) {
         return loadDocument(side);
     }
     if (!canPlayDevices()) {
-        std::fprintf(stderr,
-                     "kcodec2_spec: %s is a directory: on a device, diff compares documents only\n",
-                     escaped(side.path).c_str());
+        printError("{} is a directory: on a device, diff compares only documents",
+                   escaped(side.path));
         return std::nullopt;
     }
     return loadTree(side);
 }
 
 void printSide(const char* name, const Loaded& side, const Colours& colours) {
-    std::printf("%s%s  %s%s\n   system spec document  %s\n   private overlay       %s\n",
-                colours.bold, name, escaped(side.title).c_str(), colours.plain,
-                escaped(side.systemSpec).c_str(), escaped(side.overlay).c_str());
+    printOut("{}{}  {}{}\n   system spec document  {}\n   private overlay       {}\n", colours.bold,
+             name, escaped(side.title), colours.plain, escaped(side.systemSpec),
+             escaped(side.overlay));
 }
 
 std::string join(const std::string& before, const std::string& after) {
-    return before == after ? after : before + " -> " + after;
+    return before == after ? after : fmt::format("{} -> {}", before, after);
 }
 
-// A change as its line shows it.
+// A change as it is printed.
 struct Row {
     char sign;
     std::string name;
@@ -148,7 +151,7 @@ struct Row {
 
 Row rowOf(const Change& change, bool isList) {
     const auto named = [isList](const SnapshotEntry& entry, size_t index) {
-        return (isList ? "#" + std::to_string(index + 1) + " " : "") + escaped(entry.name);
+        return isList ? fmt::format("#{} {}", index + 1, escaped(entry.name)) : escaped(entry.name);
     };
     if (change.after == nullptr) {
         return {'-', named(*change.before, change.indexBefore), change.before->text,
@@ -172,15 +175,15 @@ void printWhenEmpty(const SectionChanges& section) {
     for (const auto& [name, side] :
          {std::pair("A", section.before), std::pair("B", section.after)}) {
         if (side->entries.empty()) {
-            std::printf("  %s names none%s\n", name, side->whenEmpty);
+            printOut("  {} has no entries{}\n", name, side->whenEmpty);
         }
     }
 }
 
 void printSection(const SectionChanges& section, const Catalogue& catalogue,
                   const Colours& colours) {
-    std::printf("\n%s%s (%zu)%s\n", colours.bold, section.after->title.c_str(),
-                section.changes.size(), colours.plain);
+    printOut("\n{}{} ({}){}\n", colours.bold, section.after->title, section.changes.size(),
+             colours.plain);
     printWhenEmpty(section);
     std::vector<Row> rows;
     size_t nameWidth = 0;
@@ -195,14 +198,13 @@ void printSection(const SectionChanges& section, const Catalogue& catalogue,
         const char* const colour = row.sign == '-'   ? colours.red
                                    : row.sign == '+' ? colours.green
                                                      : colours.yellow;
-        std::printf("  %s%c %s%s  %s%s%s\n", colour, row.sign, padded(row.name, nameWidth).c_str(),
-                    colours.plain, padded(row.value, valueWidth).c_str(),
-                    valueWidth == 0 ? "" : "  ", row.origin.c_str());
+        printOut("  {}{} {}{}  {}{}{}\n", colour, row.sign, padded(row.name, nameWidth),
+                 colours.plain, padded(row.value, valueWidth), valueWidth == 0 ? "" : "  ",
+                 row.origin);
         const Change& change = section.changes[i];
         const SnapshotEntry& entry = change.after != nullptr ? *change.after : *change.before;
         if (const Setting* const setting = catalogue.setting(entry.name)) {
-            std::printf("      %s%s%s\n", colours.faint, escaped(setting->meaning).c_str(),
-                        colours.plain);
+            printOut("      {}{}{}\n", colours.faint, escaped(setting->meaning), colours.plain);
         }
     }
 }
@@ -216,7 +218,7 @@ void printDifferences(const Loaded& a, const Loaded& b,
         printSection(section, catalogue, colours);
     }
     if (differences.empty()) {
-        std::puts("\nno difference in effect");
+        writeOut("\nno difference in effect\n");
     }
 }
 
@@ -291,12 +293,13 @@ int diff(const DiffArguments& arguments) {
 void addDiffCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<DiffArguments>();
     CLI::App* const command = app->add_subcommand(
-            "diff", "Tell what a codec component sees differently after two loads");
+            "diff", "Show what differs for a codec component between two loads");
     command->footer(kDiffFooter);
-    command->add_option("A", arguments->a.path, "A document, or a directory with a device's files")
+    command->add_option("A", arguments->a.path,
+                        "A document, or the root directory of a device's file system")
             ->required()
             ->check(CLI::Validator(CLI::ExistingPath).description(""));
-    command->add_option("B", arguments->b.path, "The same (default: A)")
+    command->add_option("B", arguments->b.path, "What to compare it with (default: A)")
             ->check(CLI::Validator(CLI::ExistingPath).description(""));
     command->add_flag("--json", arguments->asJson, "Print JSON, for scripts");
     addSettingsOption(command, &arguments->settingsFiles);

@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -13,6 +12,9 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/OptionValues.h"
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
@@ -21,6 +23,7 @@
 #include "catalogue/SettingsPage.h"
 #include "check/Checks.h"
 #include "commands/Commands.h"
+#include "commands/UnknownVariant.h"
 #include "kc2/TargetSpec.h"
 #include "log/LogLines.h"
 #include "platform/FormatRows.h"
@@ -34,12 +37,12 @@ namespace kc2::tool {
 namespace {
 
 void printTitle(std::string_view name) {
-    std::printf("%s\n", escaped(name).c_str());
+    printOut("{}\n", escaped(name));
 }
 
 void printLine(const char* title, std::string_view text) {
     if (!text.empty()) {
-        std::printf("  %-9s %s\n", title, escaped(text).c_str());
+        printOut("  {:9} {}\n", title, escaped(text));
     }
 }
 
@@ -49,7 +52,7 @@ void printValues(const char* title, const std::vector<CatalogueValue>& values) {
     }
 }
 
-// --- Each kind of thing: prints what `name` is when it is one of them ---------------------------
+// --- Each kind of name: prints what it is, or returns false -------------------------------------
 
 bool explainSetting(const Catalogue& catalogue, const std::string& name) {
     const Setting* const setting = catalogue.setting(name);
@@ -161,7 +164,7 @@ std::vector<const LogLine*> linesWith(std::string_view text) {
     return lines;
 }
 
-// The line that `text` ends with, behind time, process and tag; of several the one with the longest
+// The line that `text` ends with, after time, process and tag; of several the one with the longest
 // text. Null when there is none.
 const LogLine* lineAtEndOf(std::string_view text) {
     const LogLine* best = nullptr;
@@ -184,7 +187,7 @@ void printLogLine(const LogLine& line) {
     printTitle(line.text);
     printLine("log", fmt::format("{} {}, {}", letterOf(line.priority), line.tag, line.step));
     printLine("written", line.gate == 0 ? "always"
-                                        : fmt::format("with a bit of {} in the level word",
+                                        : fmt::format("if the level word has a bit of {}",
                                                       hexadecimal(line.gate)));
     printLine("meaning", line.meaning);
     printLine("to do", std::string_view(line.advice) == "-" ? "" : line.advice);
@@ -213,12 +216,10 @@ std::string valueIn(const SpecDocument& document, const std::string& section,
     return value.isNull() ? "" : writtenValue(value);
 }
 
-// What one document of the load says of `name`; empty when it says nothing.
+// What one document of the load has for `name`; empty when it does not have it.
 std::string saidBy(const Document& document, const std::string& name) {
-    for (const char* const section :
-         {targetSpecFeatures, targetSpecPresets, targetSpecPerfResourceValues}) {
-        const std::string value =
-                section != nullptr ? valueIn(document.content, section, name) : "";
+    for (const std::string& section : settingSections()) {
+        const std::string value = valueIn(document.content, section, name);
         if (!value.empty()) {
             return fmt::format("{}: {}", section, value);
         }
@@ -231,7 +232,7 @@ std::string shownOrigin(const Document& document) {
                                  : fmt::format("{}, {}", document.origin, document.path);
 }
 
-// Where the store has `name` from; empty when it does not have it.
+// The document that the store's value of `name` comes from; empty when it has none.
 std::string winnerOf(const Load& load, const std::string& name) {
     for (const SnapshotSection& section : loadedSections(deviceSteps(load))) {
         for (const SnapshotEntry& entry : section.entries) {
@@ -243,10 +244,11 @@ std::string winnerOf(const Load& load, const std::string& name) {
     return "";
 }
 
-// Who sets `name` on this device, and who loses.
+// Which document sets `name` on this device, and whose value has no effect.
 bool explainOnDevice(const std::string& name) {
     muteLog();
     const Load load = readLoad();
+    reportUnknownVariant(load);
     const std::string winner = winnerOf(load, name);
     unmuteLog();
     printLine("device",
@@ -287,8 +289,8 @@ std::vector<std::string> allNames(const Catalogue& catalogue) {
     return names;
 }
 
-// Case does not count in what somebody types.
-bool holds(const std::string& name, const std::string& part) {
+// Ignores case.
+bool contains(const std::string& name, const std::string& part) {
     return inSmallLetters(name).find(inSmallLetters(part)) != std::string::npos;
 }
 
@@ -298,13 +300,12 @@ int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
     constexpr size_t kEnough = 3;                    // Fewer letters are in many names.
     if (near.empty() && wanted.size() >= kEnough) {  // A part of a name, such as nv12?
         const auto whole = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
-            return holds(name, wanted);
+            return contains(name, wanted);
         });
         near = whole != names.end() ? *whole : "";
     }
-    std::fprintf(stderr, "kcodec2_spec: nothing is known about \"%s\".%s\n",
-                 escaped(wanted).c_str(),
-                 near.empty() ? "" : (" Did you mean " + escaped(near) + "?").c_str());
+    printError("unknown name \"{}\".{}", escaped(wanted),
+               near.empty() ? "" : fmt::format(" Did you mean {}?", escaped(near)));
     return kExitFindings;
 }
 
@@ -320,7 +321,7 @@ int printSettings(const std::vector<std::string>& settingsFiles) {
     if (!catalogue) {
         return kExitUsage;
     }
-    std::fputs(settingsPage(*catalogue).c_str(), stdout);
+    writeOut(settingsPage(*catalogue));
     return kExitOk;
 }
 
@@ -334,7 +335,7 @@ int explain(const ExplainArguments& arguments) {
                         [&](const auto& topic) { return topic(*catalogue, arguments.name); });
     bool isOnDevice = false;
     const DeviceOptions& device = arguments.device;
-    if (!device.rootDirectory.empty() || !device.mappings.empty()) {
+    if (device.hasFiles()) {
         if (!isKnown) {
             printTitle(arguments.name);
         }
@@ -346,12 +347,12 @@ int explain(const ExplainArguments& arguments) {
 
 constexpr char kExplainFooter[] =
         "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
-        "the id of a check, or a whole line of the log, or words of one "
-        "without its values. With --rootdir it also tells "
-        "which document of that device sets the name, and which one loses.\n"
+        "the id of a check, or a log line: the whole line, or a part of it without values. With "
+        "--rootdir, also shows which document of that device sets the name, and whose value has "
+        "no effect.\n"
         "\n"
-        "Exit codes: 0 known; 1 nothing is known about NAME; 2 wrong usage, or a FILE that cannot "
-        "be read.\n"
+        "Exit codes: 0 fine; 1 NAME is unknown; 2 wrong usage, a FILE that cannot be read, or "
+        "output that cannot be written.\n"
         "\n"
         "Examples:\n"
         "  kcodec2_spec explain private_outbuf_fence --rootdir examples/device\n"
@@ -362,7 +363,7 @@ constexpr char kExplainFooter[] =
 
 void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
     command->add_option("--settings", *files,
-                        "A file in the form of the settings catalogue that adds to it; repeatable")
+                        "Add the settings of this file to the known ones; repeatable")
             ->type_name("FILE")
             ->allow_extra_args(false);
 }
@@ -370,16 +371,19 @@ void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
 void addExplainCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<ExplainArguments>();
     CLI::App* const command = app->add_subcommand(
-            "explain", "Tell what a setting, a component, a format, a check or a log line is");
+            "explain", "Explain a setting, a component, a format, a check or a log line");
     command->footer(kExplainFooter);
     CLI::Option* const name = command->add_option("NAME", arguments->name, "What to explain");
-    command->add_flag("--markdown", arguments->asPage, "Instead of NAME: the catalogue as a page")
+    command->add_flag("--markdown", arguments->asPage, "Print all known settings as a page")
             ->excludes(name);
     addSettingsOption(command, &arguments->settingsFiles);
     addDeviceOptions(*command, &arguments->device);
     command->callback([=] {
         if (arguments->name.empty() && !arguments->asPage) {
             throw CLI::RequiredError("NAME");
+        }
+        if (const std::string why = whyUnused(arguments->device); !why.empty()) {
+            throw usageError(why);
         }
         *exitCode =
                 arguments->asPage ? printSettings(arguments->settingsFiles) : explain(*arguments);

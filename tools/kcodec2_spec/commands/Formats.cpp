@@ -1,14 +1,17 @@
 // kcodec2_spec formats: the pixel formats of the video core.
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "commands/Commands.h"
 #include "platform/FormatRows.h"
@@ -21,18 +24,18 @@ namespace {
 std::string planesOf(const Platform::FormatRow& row) {
     std::string text;
     for (const Platform::TamraBufferLayout::PlaneID plane : row.planes) {
-        text += (text.empty() ? "" : " ") + std::string(Platform::planeName(plane));
+        text.append(text.empty() ? "" : " ").append(Platform::planeName(plane));
     }
     return text;
 }
 
 void printHeading() {
-    std::printf("%-25s %-10s  %10s  %-6s  %s\n", "NAME", "VALUE", "DECIMAL", "NUMBER", "PLANES");
+    printOut("{:25} {:10}  {:>10}  {:6}  {}\n", "NAME", "VALUE", "DECIMAL", "NUMBER", "PLANES");
 }
 
 void printRow(const Platform::FormatRow& row) {
-    std::printf("%-25s 0x%-8X  %10u  %-6u  %s\n", row.name, *row.format, *row.format,
-                row.colorFormat, planesOf(row).c_str());
+    printOut("{:25} {:10}  {:>10}  {:<6}  {}\n", row.name, hexadecimal(*row.format), *row.format,
+             row.colorFormat, planesOf(row));
 }
 
 int printUnknown(const std::string& wanted) {
@@ -50,14 +53,13 @@ int printUnknown(const std::string& wanted) {
         });
         near = whole != names.end() ? *whole : near;
     }
-    std::fprintf(stderr, "kcodec2_spec: %s is not a pixel format of the video core.%s\n",
-                 escaped(wanted).c_str(),
-                 near.empty() ? " \"kcodec2_spec formats\" lists them."
-                              : (" Did you mean " + near + "?").c_str());
+    printError("{} is not a pixel format of the video core.{}", escaped(wanted),
+               near.empty() ? " \"kcodec2_spec formats\" lists them."
+                            : fmt::format(" Did you mean {}?", near));
     return kExitFindings;
 }
 
-// Case does not count in a name that somebody types.
+// The case of a name is ignored.
 bool isMeant(const Platform::FormatRow& row, const std::string& wanted) {
     return editDistance(wanted, row.name, 0) == 0 || toWord(wanted) == *row.format;
 }
@@ -87,9 +89,12 @@ void addFormatsCommand(CLI::App* app, int* exitCode) {
     const auto format = std::make_shared<std::string>();
     CLI::App* const command = app->add_subcommand(
             "formats", "Print the pixel formats: name, value, colour-format number, planes");
+    command->footer(
+            "Exit codes: 0 fine; 1 FORMAT is not a pixel format; 2 wrong usage, or output that "
+            "cannot be written.");
     command->add_option("FORMAT", *format,
-                        "Only this one: its name, or its value in hexadecimal (0x...) or decimal, "
-                        "as a log line shows it");
+                        "Print only this one: its name, or its value in hexadecimal (0x...) or "
+                        "decimal, as in a log line");
     command->callback([=] { *exitCode = printFormats(*format); });
 }
 

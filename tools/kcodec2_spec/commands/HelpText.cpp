@@ -1,18 +1,23 @@
-// The tool's help and its words on wrong usage, fit for any terminal.
+// Help and messages about wrong usage, wrapped for the terminal.
 
 #include "commands/HelpText.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
 #include <vector>
 
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "commands/Commands.h"
@@ -22,7 +27,7 @@ namespace kc2::tool {
 
 namespace {
 
-// Where what follows of a line goes.
+// The indentation of what follows the first part of a line.
 size_t hangingIndent(std::string_view line, size_t width) {
     const size_t start = std::min(line.find_first_not_of(' '), line.size());
     size_t indent = start == 0 ? 0 : start + 2;
@@ -71,27 +76,113 @@ public:
         return wrapped(CLI::Formatter::make_help(app, std::move(name), mode), mWidth);
     }
 
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return formOf(*option);
+    }
+
 private:
     size_t mWidth;
 };
 
-// The command or option that someone may have meant who wrote `word`.
-std::string meantBy(const CLI::App& app, const std::string& word) {
+const CLI::App& givenCommand(const CLI::App& app) {
     const std::vector<CLI::App*> given = app.get_subcommands();
+    return given.empty() ? app : *given.front();
+}
+
+bool isOption(const std::string& word) {
+    return word.starts_with("-");
+}
+
+std::string suggestion(const std::string& word) {
+    return word.empty() ? "" : fmt::format(". Did you mean {}?", word);
+}
+
+std::string nearOption(const CLI::App& command, const std::string& word) {
     std::vector<std::string> names;
-    if (word[0] != '-' && given.empty()) {
-        for (const CLI::App* const command : app.get_subcommands(nullptr)) {
-            names.push_back(command->get_name());
-        }
-    } else if (word[0] == '-') {
-        for (const CLI::Option* const option :
-             (given.empty() ? app : *given.front()).get_options()) {
-            for (const std::string& name : option->get_lnames()) {
-                names.push_back("--" + name);
-            }
+    for (const CLI::Option* const option : command.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back(fmt::format("--{}", name));
         }
     }
     return nearest(word.substr(0, word.find('=')), names);
+}
+
+// What to do with a file or directory that a command has no argument for.
+std::string pathHint(const CLI::App& command, const std::string& word) {
+    std::error_code error;
+    if (command.get_option_no_throw("--rootdir") == nullptr ||
+        !std::filesystem::exists(word, error)) {
+        return std::string();
+    }
+    if (std::filesystem::is_directory(word, error)) {
+        return suggestion(fmt::format("--rootdir {}", escaped(word)));
+    }
+    return fmt::format(
+            ". {} loads a device, whose root --rootdir DIR names; check FILE checks one document",
+            command.get_name());
+}
+
+std::string describeUnknownCommand(const CLI::App& app, const std::string& word) {
+    const std::vector<std::string> names = commandNames(app);
+    return fmt::format("there is no command {}{}\nThe commands are {}.", escaped(word),
+                       suggestion(nearest(word, names)), joined(names, ", "));
+}
+
+// What is wrong with words that nothing accepts, in the order of the command line.
+std::string describeExtras(const CLI::App& app) {
+    const std::vector<std::string> words = app.remaining(true);
+    const CLI::App& command = givenCommand(app);
+    if (&command == &app && !words.empty() && !isOption(words.front())) {
+        return describeUnknownCommand(app, words.front());
+    }
+    std::string hint;
+    for (const std::string& word : words) {
+        if (hint.empty() && !word.empty()) {
+            hint = isOption(word) ? suggestion(nearOption(command, word)) : pathHint(command, word);
+        }
+    }
+    return fmt::format("not expected: {}{}", escaped(joined(words, " ")), hint);
+}
+
+// CLI11's texts for the wrong number of values: "--format: 1 required NAME missing", "--log: At
+// Most 1 required but received 2", "json was given a disallowed flag override".
+std::string describeMismatch(const std::string& what) {
+    const std::string name = what.substr(0, what.find_first_of(": "));
+    const std::string lower = inSmallLetters(what);
+    if (lower.find("flag override") != std::string::npos) {
+        return fmt::format("{}{} accepts no value", isOption(name) ? "" : "--", name);
+    }
+    if (lower.find("at most 1 ") != std::string::npos) {
+        return fmt::format("{} can be given only once", name);
+    }
+    constexpr std::string_view kRequired = " required ";
+    constexpr std::string_view kMissing = " missing";
+    const size_t form = what.find(kRequired);
+    if (form != std::string::npos && what.ends_with(kMissing)) {
+        const size_t start = form + kRequired.size();
+        return fmt::format("{} needs a value: {}", name,
+                           what.substr(start, what.size() - kMissing.size() - start));
+    }
+    return what;
+}
+
+// What is wrong, with nothing that a terminal must not get.
+std::string describe(const CLI::App& app, const CLI::ParseError& error) {
+    const auto kind = static_cast<CLI::ExitCodes>(error.get_exit_code());
+    const std::string what = escaped(error.what());
+    if (kind == CLI::ExitCodes::ExtrasError) {
+        return describeExtras(app);
+    }
+    if (kind == CLI::ExitCodes::ArgumentMismatch) {
+        return describeMismatch(what);
+    }
+    constexpr std::string_view kExcludes = " excludes ";
+    const size_t excludes = what.find(kExcludes);
+    if (kind == CLI::ExitCodes::ExcludesError && excludes != std::string::npos) {
+        return fmt::format("{} and {} cannot be used together", what.substr(0, excludes),
+                           what.substr(excludes + kExcludes.size()));
+    }
+    return what;
 }
 
 }  // namespace
@@ -105,32 +196,46 @@ std::string wrapped(const std::string& text, size_t width) {
     return result;
 }
 
-void wrapHelp(CLI::App* app) {
-    app->formatter(std::make_shared<WrappingFormatter>(helpWidth()));
-    for (CLI::App* const command : app->get_subcommands(nullptr)) {
-        wrapHelp(command);
+std::string formOf(const CLI::Option& option) {
+    if (option.get_positional()) {
+        return option.get_expected_max() > 1 ? " ..." : "";
     }
+    if (option.get_items_expected_max() == 0) {
+        return std::string();  // A flag.
+    }
+    return fmt::format(" {}{}", option.get_type_name(), option.get_required() ? " REQUIRED" : "");
+}
+
+void prepareHelp(CLI::App* app) {
+    app->formatter(std::make_shared<WrappingFormatter>(helpWidth()));
+    for (CLI::Option* const option : app->get_options()) {
+        if (option->get_items_expected_max() == 0) {
+            option->disable_flag_override();  // --werror=no would otherwise be accepted.
+        }
+    }
+    for (CLI::App* const command : app->get_subcommands(nullptr)) {
+        prepareHelp(command);
+    }
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const command : app.get_subcommands(nullptr)) {
+        names.push_back(command->get_name());
+    }
+    return names;
 }
 
 int explainUsage(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {  // The help or the version.
         std::ostringstream output;
         app.exit(error, output, output);
-        std::fputs(output.str().c_str(), stdout);
+        writeOut(output.str());
         return kExitOk;
     }
-    std::string what = error.what();
-    for (const std::string& word : app.remaining(true)) {
-        const std::string meant = word.empty() ? "" : meantBy(app, word);
-        if (!meant.empty()) {
-            what += ". Did you mean " + meant + "?";
-            break;
-        }
-    }
     const std::vector<CLI::App*> given = app.get_subcommands();
-    const std::string command = given.empty() ? "" : " " + given.front()->get_name();
-    std::fprintf(stderr, "%s\n\"kcodec2_spec%s --help\" tells more\n", escaped(what).c_str(),
-                 command.c_str());
+    printError("{}\nSee \"kcodec2_spec{}{} --help\".", describe(app, error),
+               given.empty() ? "" : " ", given.empty() ? "" : given.front()->get_name());
     return kExitUsage;
 }
 

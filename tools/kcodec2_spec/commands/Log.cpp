@@ -3,12 +3,11 @@
 #include "log/Log.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 #include <string>
 
 #include "base/DeviceOptions.h"
-#include "device/DevicePaths.h"
+#include "base/OptionValues.h"
 
 namespace kc2::tool {
 
@@ -54,14 +53,13 @@ void addLogCommand(CLI::App* app, int* exitCode) {
             return;
         }
         const DeviceOptions& device = arguments->device;
+        if (const std::string why = whyUnused(device); !why.empty()) {
+            throw usageError(why);
+        }
         applyDeviceOptions(device);
         muteLog();
-        arguments->options.hasTree = !device.rootDirectory.empty() || !device.mappings.empty();
-        arguments->options.isVariantGiven =
-                std::any_of(device.properties.begin(), device.properties.end(),
-                            [](const std::string& property) {
-                                return property.starts_with(std::string(kVariantProperty) + "=");
-                            });
+        arguments->options.hasTree = device.hasFiles();
+        arguments->options.isVariantGiven = device.hasVariant();
         *exitCode = tellLog(arguments->file, arguments->options);
     });
 }

@@ -1,12 +1,12 @@
-// kcodec2_spec man: the manual page, made from what --help shows.
+// kcodec2_spec man: the manual page, made from the texts of --help.
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/Print.h"
 #include "commands/CommandText.h"
 #include "commands/Commands.h"
 #include "platform/Version.h"
@@ -15,7 +15,7 @@ namespace kc2::tool {
 
 namespace {
 
-// A text that roff shows as it is: no escape, no request at the start of a line.
+// A text that roff prints unchanged: no escape, no request at the start of a line.
 std::string plain(std::string_view text) {
     std::string result;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -36,35 +36,35 @@ std::string plain(std::string_view text) {
     return result;
 }
 
-// Paragraphs; lines that begin with blanks are shown as they are.
+// Paragraphs; lines that begin with blanks are kept as they are.
 void printParagraphs(const std::string& text) {
     std::istringstream lines(text);
     bool isExample = false;
     for (std::string line; std::getline(lines, line);) {
         const bool isIndented = line.rfind("  ", 0) == 0;
         if (isIndented != isExample) {
-            std::puts(isIndented ? ".EX" : ".EE");
+            writeOut(isIndented ? ".EX\n" : ".EE\n");
             isExample = isIndented;
         }
-        std::puts(line.empty() ? ".PP" : plain(line).c_str());
+        printOut("{}\n", line.empty() ? ".PP" : plain(line));
     }
-    std::fputs(isExample ? ".EE\n" : "", stdout);
+    writeOut(isExample ? ".EE\n" : "");
 }
 
 void printOptions(const std::vector<OptionText>& options) {
     for (const OptionText& option : options) {
-        std::printf(".TP\n.B %s\n%s\n", plain(option.label + option.form).c_str(),
-                    plain(option.description).c_str());
+        printOut(".TP\n.B {}{}\n{}\n", plain(option.label), plain(option.form),
+                 plain(option.description));
     }
 }
 
 void printCommand(const CommandText& command) {
-    std::printf(".SS %s\n%s.\n.PP\n.B %s\n", plain(command.name).c_str(),
-                plain(command.description).c_str(), plain(command.usage).c_str());
+    printOut(".SS {}\n{}.\n.PP\n.B {}\n", plain(command.name), plain(command.description),
+             plain(command.usage));
     printOptions(command.arguments);
     printOptions(command.options);
     if (!command.footer.empty()) {
-        std::puts(".PP");
+        writeOut(".PP\n");
         printParagraphs(command.footer);
     }
 }
@@ -72,18 +72,17 @@ void printCommand(const CommandText& command) {
 int printManual(const CLI::App& app) {
     const std::vector<CommandText> commands = commandTexts(app);
     const CommandText& tool = commands.front();
-    std::puts(".TH KCODEC2_SPEC 1 \"\" \"kcodec2_spec " KC2_VERSION "\"");
-    std::puts(".SH NAME\nkcodec2_spec \\- shows and checks system spec documents");
-    std::printf(".SH SYNOPSIS\n.B %s\n", plain(tool.usage).c_str());
-    std::puts(".SH DESCRIPTION");
+    printOut(".TH KCODEC2_SPEC 1 \"\" \"kcodec2_spec {}\"\n", KC2_VERSION);
+    writeOut(".SH NAME\nkcodec2_spec \\- shows and checks system spec documents\n");
+    printOut(".SH SYNOPSIS\n.B {}\n.SH DESCRIPTION\n", plain(tool.usage));
     printParagraphs(tool.description);
-    std::puts(".SH OPTIONS");
+    writeOut(".SH OPTIONS\n");
     printOptions(tool.options);
-    std::puts(".SH COMMANDS");
+    writeOut(".SH COMMANDS\n");
     for (size_t i = 1; i < commands.size(); ++i) {
         printCommand(commands[i]);
     }
-    std::puts(".SH EXIT STATUS");
+    writeOut(".SH EXIT STATUS\n");
     printParagraphs(tool.footer);
     return kExitOk;
 }
@@ -91,9 +90,9 @@ int printManual(const CLI::App& app) {
 }  // namespace
 
 void addManualCommand(CLI::App* app, int* exitCode) {
-    app->add_subcommand("man", "Print the manual page")->callback([=] {
-        *exitCode = printManual(*app);
-    });
+    CLI::App* const command = app->add_subcommand("man", "Print the manual page");
+    command->footer(kUsualExitCodes);
+    command->callback([=] { *exitCode = printManual(*app); });
 }
 
 }  // namespace kc2::tool

@@ -1,7 +1,6 @@
-// kcodec2_spec report: one page for an image, for those who review it.
+// kcodec2_spec report: one page about an image, for review.
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <set>
@@ -10,7 +9,9 @@
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/OptionValues.h"
 #include "base/OutputFile.h"
+#include "base/Print.h"
 #include "catalogue/Catalogue.h"
 #include "check/Levels.h"
 #include "check/VariantReports.h"
@@ -27,16 +28,17 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kReportFooter[] =
-        "The page has what each variant of the image loads, side by side, with the differences "
-        "marked and the document that set each value; the bit-rate tables as steps; and what check "
-        "finds. It is one file, and asks for no other. A variant that --property sets is a column, "
-        "too, though the image may have no document for it.\n"
+        "The page shows what each variant of the image loads, side by side, with the differences "
+        "marked and the document that set each value; the bit-rate tables as charts; and what "
+        "check finds. It is a single file that loads no other. --variant adds a column for a "
+        "variant, even if the image has no document for it.\n"
         "\n"
         "Example:\n"
         "  kcodec2_spec report --rootdir examples/device --output build/report.html\n"
         "\n"
-        "Exit codes: 0 written, whatever the page says; 2 wrong usage, or output that cannot be "
-        "written.";
+        "Exit codes: 0 the page is written, whatever check finds; 2 wrong usage, a FILE that "
+        "cannot "
+        "be read, or output that cannot be written.";
 
 struct ReportArguments {
     DeviceOptions device;
@@ -44,7 +46,7 @@ struct ReportArguments {
     std::string output;
 };
 
-// Without a variant first: what the others differ from.
+// No variant comes first: the others are compared with it.
 std::vector<std::string> variantsToShow() {
     const std::string own = readLoad().variant;
     if (!canPlayDevices()) {
@@ -66,7 +68,7 @@ int report(const ReportArguments& arguments) {
     applyDeviceOptions(arguments.device);
     muteLog();
     const std::string& root = arguments.device.rootDirectory;
-    PageContent content = {root.empty() ? "this machine" : root,
+    PageContent content = {root.empty() ? "this device" : root,
                            checkVariants(variantsToShow(), Levels(), KnownSettings(*catalogue)),
                            {},
                            {},
@@ -82,13 +84,12 @@ int report(const ReportArguments& arguments) {
     }
     const std::string page = pageOf(content);
     if (arguments.output == "-") {
-        std::fwrite(page.data(), 1, page.size(), stdout);
+        writeOut(page);
         return kExitOk;
     }
     const std::string wrong = writeOutputFile(arguments.output, page);
     if (!wrong.empty()) {
-        std::fprintf(stderr, "kcodec2_spec: %s cannot be written: %s\n",
-                     escaped(arguments.output).c_str(), escaped(wrong).c_str());
+        printError("{} cannot be written: {}", escaped(arguments.output), escaped(wrong));
     }
     return wrong.empty() ? kExitOk : kExitUsage;
 }
@@ -98,14 +99,17 @@ int report(const ReportArguments& arguments) {
 void addReportCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<ReportArguments>();
     CLI::App* const command = app->add_subcommand(
-            "report", "Write one page about an image: its variants side by side, and its findings");
+            "report", "Write an HTML page about an image: its variants side by side, and findings");
     command->footer(kReportFooter);
-    command->add_option("--output", arguments->output, "Where the page goes; - prints it")
+    command->add_option("--output", arguments->output, "The file to write; - is standard output")
             ->required()
             ->type_name("FILE.html");
     addSettingsOption(command, &arguments->settingsFiles);
     addDeviceOptions(*command, &arguments->device);
-    command->callback([arguments, exitCode] { *exitCode = report(*arguments); });
+    command->callback([arguments, exitCode] {
+        requireDevice(arguments->device);
+        *exitCode = report(*arguments);
+    });
 }
 
 }  // namespace kc2::tool

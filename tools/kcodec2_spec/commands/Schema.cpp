@@ -1,4 +1,6 @@
-// kcodec2_spec schema: the JSON Schema by which an editor knows the documents.
+// kcodec2_spec schema: the JSON Schema of the documents, for editors.
+
+#include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -6,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/Text.h"
+#include "base/JsonPrinter.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/JsonSchema.h"
 #include "commands/Commands.h"
@@ -30,10 +32,13 @@ void addSchemaCommand(CLI::App* app, int* exitCode) {
     CLI::App* const command = app->add_subcommand(
             "schema", "Print a JSON Schema of the documents, for editors (draft-07)");
     command->footer(
-            "An editor underlines only what check reports as a warning or an error.\n"
-            "\n"
-            "Example:\n"
-            "  kcodec2_spec schema > .vscode/kcodec2_spec.schema.json");
+            fmt::format("An editor underlines only what check reports as a warning or an error.\n"
+                        "\n"
+                        "Example:\n"
+                        "  kcodec2_spec schema > .vscode/kcodec2_spec.schema.json\n"
+                        "\n"
+                        "{}",
+                        kExitCodesWithFile));
     auto settingsFiles = std::make_shared<std::vector<std::string>>();
     addSettingsOption(command, settingsFiles.get());
     command->callback([=] { *exitCode = printSchema(*settingsFiles); });

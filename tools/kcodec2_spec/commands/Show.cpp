@@ -1,17 +1,21 @@
-// kcodec2_spec show: the store that TargetSpec::Get() built, and where each value came from.
+// kcodec2_spec show: the store that TargetSpec::Get() builds, and where each value comes from.
 
+#include <fmt/format.h>
 #include <json/value.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/JsonPrinter.h"
+#include "base/OptionValues.h"
+#include "base/Print.h"
 #include "base/Text.h"
 #include "commands/Commands.h"
+#include "commands/UnknownVariant.h"
 #include "kc2/TargetSpec.h"
 #include "store/Load.h"
 #include "store/StoreSnapshot.h"
@@ -21,20 +25,19 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr char kShowExample[] =
-        "A document that the device rejects is shown as rejected, and the exit code is 0: it is "
-        "for check to fail.\n"
+constexpr char kShowFooter[] =
+        "A document that the device rejects is marked as rejected, and the exit code is still 0: "
+        "use check to find errors.\n"
         "\n"
         "Example:\n"
-        "  kcodec2_spec show --rootdir examples/device --property "
-        "vendor.media.target_variant=_orvelle";
+        "  kcodec2_spec show --rootdir examples/device --variant _orvelle";
 
 void printSections(const Load& load, const std::vector<SnapshotSection>& sections) {
-    std::printf("System spec document  %s\n", escaped(describeSystemSpec(load)).c_str());
-    std::printf("Private overlay       %s\n", escaped(describeOverlay(load)).c_str());
+    printOut("System spec document  {}\n", escaped(describeSystemSpec(load)));
+    printOut("Private overlay       {}\n", escaped(describeOverlay(load)));
     for (const SnapshotSection& section : sections) {
-        std::printf("\n%s (%zu)%s\n", section.title.c_str(), section.entries.size(),
-                    section.entries.empty() ? section.whenEmpty : "");
+        printOut("\n{} ({}){}\n", section.title, section.entries.size(),
+                 section.entries.empty() ? section.whenEmpty : "");
         size_t nameWidth = 0;
         size_t textWidth = 0;
         for (const SnapshotEntry& entry : section.entries) {
@@ -42,9 +45,8 @@ void printSections(const Load& load, const std::vector<SnapshotSection>& section
             textWidth = std::max(textWidth, entry.text.size());
         }
         for (const SnapshotEntry& entry : section.entries) {
-            std::printf("  %s  %s%s%s\n", padded(escaped(entry.name), nameWidth).c_str(),
-                        padded(entry.text, textWidth).c_str(), textWidth == 0 ? "" : "  ",
-                        entry.origin.c_str());
+            printOut("  {}  {}{}{}\n", padded(escaped(entry.name), nameWidth),
+                     padded(entry.text, textWidth), textWidth == 0 ? "" : "  ", entry.origin);
         }
     }
 }
@@ -78,6 +80,7 @@ int show(bool asJson) {
     muteLog();
     const Load load = readLoad();
     unmuteLog();
+    reportUnknownVariant(load);
     const TargetSpec* const spec =
             load.hasSystemSpec() && load.systemSpec->isPipe ? nullptr : TargetSpec::Get();
     muteLog();
@@ -95,12 +98,14 @@ void addShowCommand(CLI::App* app, int* exitCode) {
     const auto device = std::make_shared<DeviceOptions>();
     const auto asJson = std::make_shared<bool>(false);
     CLI::App* const command = app->add_subcommand(
-            "show", "Print the store as a codec component sees it, and where each value came from");
-    command->footer(kShowExample);
+            "show",
+            "Print what a codec component sees after a load, and where each value comes from");
+    command->footer(fmt::format("{}\n\n{}", kShowFooter, kUsualExitCodes));
     addDeviceOptions(*command, device.get());
     addLogOption(*command, device.get());
     command->add_flag("--json", *asJson, "Print JSON, for scripts");
     command->callback([=] {
+        requireDevice(*device);
         applyDeviceOptions(*device);
         *exitCode = show(*asJson);
     });

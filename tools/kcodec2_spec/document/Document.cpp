@@ -7,6 +7,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/Spelling.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/DocumentText.h"
 #include "targetspec/reading/SpecReader.h"

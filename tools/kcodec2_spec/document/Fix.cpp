@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 
 namespace kc2::tool {

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-#include "base/Text.h"
+#include "base/Spelling.h"
+#include "base/Utf8.h"
 
 namespace kc2::tool {
 

@@ -12,7 +12,9 @@
 #include <optional>
 
 #include "base/OddCharacters.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/Escaped.h"
 

@@ -6,7 +6,9 @@
 #include <array>
 #include <cctype>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "targetspec/reading/ParserText.h"
 
 namespace kc2::tool {

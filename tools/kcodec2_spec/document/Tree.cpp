@@ -8,6 +8,7 @@
 #include <iterator>
 #include <optional>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "document/Tokens.h"
 

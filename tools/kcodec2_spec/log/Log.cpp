@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "base/ExitCodes.h"
-#include "base/Text.h"
+#include "base/JsonPrinter.h"
 #include "check/Report.h"
 #include "log/Conclusions.h"
 #include "log/LoadStory.h"

@@ -1,4 +1,4 @@
-// Text of unknown bytes, made fit for a page.
+// Text of unknown bytes, escaped for a page.
 
 #include "report/Html.h"
 

@@ -1,4 +1,4 @@
-// Stores side by side: a row for each entry that one of them has, a column for each store.
+// Stores side by side: a row for each entry that one of the stores has, a column for each store.
 
 #include "report/Matrix.h"
 
@@ -15,7 +15,7 @@ namespace kc2::tool {
 
 namespace {
 
-// Numbers in the order of their values: Dolby Vision profiles are names here.
+// Numbers by value: Dolby Vision profiles are names here.
 bool isBefore(const MatrixRow& a, const MatrixRow& b) {
     const auto isNumber = [](std::string_view name) {
         return name.find_first_not_of("0123456789") == std::string_view::npos;
@@ -36,7 +36,7 @@ public:
         }
     }
 
-    // Marks what one column does otherwise than the first.
+    // Marks what differs between one column and the first.
     void mark(const std::vector<Change>& changes, size_t column) {
         for (const Change& change : changes) {
             if (change.before != nullptr) {
@@ -60,8 +60,8 @@ private:
 
     const SnapshotSection& sectionOf(size_t column) const { return mSnapshots[column][mSection]; }
 
-    // An entry that no column before has gets a row behind the one of the entry before it, so that
-    // what a list gains is shown where it is in that list.
+    // An entry that no earlier column has gets a row after the row of the entry before it, so that
+    // a new entry of a list is shown at its place in the list.
     void addColumn(size_t column) {
         std::unordered_map<std::string_view, size_t> occurrences;
         Row next = mRows.begin();

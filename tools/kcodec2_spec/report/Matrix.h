@@ -1,4 +1,4 @@
-// Stores side by side: a row for each entry that one of them has, a column for each store.
+// Stores side by side: a row for each entry that one of the stores has, a column for each store.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace kc2::tool {
 
 struct MatrixCell {
     const SnapshotEntry* entry = nullptr;  // Null when the store does not have it.
-    size_t index = 0;                      // In its section; of a list this is what components see.
+    size_t index = 0;                      // In its section; components see it in a list.
     bool isDifferent = false;              // From the first column.
 };
 

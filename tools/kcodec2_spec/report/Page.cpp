@@ -23,14 +23,14 @@ namespace kc2::tool {
 
 namespace {
 
-// A browser opens a page of some 50 MiB still; what is left out is said.
+// Browsers open a page of some 50 MiB; the page says what is left out.
 constexpr size_t kMostCells = 200'000;
 constexpr size_t kMostFindings = 2'000;
 constexpr size_t kMostCharts = 24;
 constexpr size_t kExcerptColumns = 100;
 
-// Even if a text got past html(), it could neither run nor ask for anything. The script is named
-// by its hash: scripts/check-report.py compares the two.
+// Even if a text got past html(), it could neither run nor load anything. The policy has the hash
+// of the script; scripts/check-report.py compares the two.
 constexpr char kPolicy[] =
         "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
         "form-action 'none'; script-src 'sha256-uwIa1WG69Wnq8GpgoiZHuknvMCghGxIQsSF0fV0DMpw='";
@@ -59,8 +59,7 @@ public:
         writeFindings();
         add("</main>\n<footer>Written by kcodec2_spec {}.</footer>\n<script>{}</script>\n</body>\n"
             "</html>\n",
-            // The policy has the hash of the file, which an embedded text puts a newline in front
-            // of.
+            // The policy has the hash of the file; an embedded text starts with another newline.
             KC2_VERSION, std::string_view(kPageScript).substr(1));
         return std::move(mPage);
     }
@@ -167,7 +166,7 @@ private:
         add("</tbody>\n");
     }
 
-    // Where a store has no entry, that can mean the opposite of what the empty cells suggest.
+    // A store without entries can mean the opposite of what the empty cells suggest.
     void writeWhenEmpty(const MatrixSection& section) {
         const size_t index = static_cast<size_t>(&section - mMatrix.data());
         const std::string_view meaning = section.section->whenEmpty;
@@ -221,8 +220,9 @@ private:
         const std::vector<Steps>& all = mContent.steps;
         add("<section id=\"rates\" aria-labelledby=\"rates-title\">\n"
             "<h2 id=\"rates-title\">Nimbra-mode bit rates</h2>\n"
-            "<p>The bit rate that a component gets, by the value that it asks for. The scale of "
-            "values is that of their square roots.{}</p>\n<div class=\"charts\">\n",
+            "<p>The bit rate that a component gets, by the value that it passes. The horizontal "
+            "scale "
+            "is that of square roots.{}</p>\n<div class=\"charts\">\n",
             all[0].value_or(std::vector<Step>()).empty() ? ""
                                                          : " The dashed line is the first load.");
         const StepChart chart(all);
@@ -231,7 +231,7 @@ private:
             if (!all[i]) {
                 add("<p class=\"empty\">Too many rows to draw. The matrix has them.</p>");
             } else if (all[i]->empty()) {
-                add("<p class=\"empty\">No row: a component gets no bit rate.</p>");
+                add("<p class=\"empty\">No rows: a component gets no bit rate.</p>");
             } else {
                 mPage += chart.draw(fmt::format("chart-{}", i), describe(i), *all[i],
                                     i != 0 && all[0] ? &*all[0] : nullptr);
@@ -245,10 +245,11 @@ private:
         add("</section>\n");
     }
 
-    // The chart for those who do not see it.
+    // The chart in words, for screen readers.
     std::string describe(size_t variant) const {
         const std::string& name = mContent.checked.variants[variant];
-        std::string text = "Bit rates with " + (name == kDefaultVariant ? "no variant" : name);
+        std::string text =
+                fmt::format("Bit rates with {}", name == kDefaultVariant ? "no variant" : name);
         for (const Step& step : *mContent.steps[variant]) {
             text += fmt::format("; from {} to below {}: {}", step.low, step.limit,
                                 step.bitRate ? std::to_string(*step.bitRate) : "none");
@@ -301,7 +302,7 @@ private:
             const std::string lines = excerptOf(*entry.source, entry.span, kExcerptColumns);
             for (size_t at = 0; at < lines.size();) {  // A line end is markup here, not a byte.
                 const size_t end = std::min(lines.find('\n', at), lines.size());
-                excerpt += html(lines.substr(at, end - at)) + "\n";
+                excerpt.append(html(lines.substr(at, end - at))).append("\n");
                 at = end + 1;
             }
             add("<pre tabindex=\"0\">{}</pre>", excerpt);

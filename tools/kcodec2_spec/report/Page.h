@@ -12,14 +12,14 @@
 namespace kc2::tool {
 
 struct PageContent {
-    std::string device;  // What a person calls it: the directory of its files.
+    std::string device;  // For the heading: the root directory.
     CheckedVariants checked;
     std::vector<Snapshot> snapshots;  // Of each variant.
     std::vector<Steps> steps;         // The same.
     Catalogue catalogue;
 };
 
-// The page, whole: it asks for no other file.
+// The complete page, which loads no other file.
 std::string pageOf(const PageContent& content);
 
 }  // namespace kc2::tool

@@ -1,4 +1,4 @@
-// Bit-rate tables drawn as steps, as the stores answer: SVG for a page.
+// Bit-rate tables drawn as steps, as the stores return them: SVG for a page.
 
 #include "report/StepChart.h"
 
@@ -29,7 +29,7 @@ constexpr size_t kMostRows = 500;
 // A limit of 2^31 - 1 or more means "and all above". To scale, it would make all else a line.
 constexpr uint32_t kOpenEnd = INT32_MAX;
 
-// "1.96M": three digits tell steps apart, and fit beside each other.
+// "1.96M": three digits distinguish the steps, and fit side by side.
 std::string shortNumber(double number) {
     for (const auto& [unit, suffix] :
          {std::pair(1e9, "G"), std::pair(1e6, "M"), std::pair(1e3, "k")}) {
@@ -40,7 +40,7 @@ std::string shortNumber(double number) {
     return fmt::format("{:.0f}", number);
 }
 
-// The distance of lines of which at most five fit below `most`: 1, 2 or 5 and noughts.
+// The distance of grid lines, so that at most five are below `most`: 1, 2 or 5 and zeros.
 double gridDistance(double most) {
     double distance = std::pow(10, std::floor(std::log10(std::max(most, 1.0))) - 1);
     for (const double factor : {2.0, 2.5, 2.0, 2.0, 2.5, 2.0}) {
@@ -102,7 +102,7 @@ double StepChart::yOf(uint32_t bitRate) const {
 
 std::string StepChart::pathOf(const std::vector<Step>& steps, bool isArea) const {
     std::string path;
-    bool isDown = false;  // Whether the pen is on the paper: values without a bit rate are a gap.
+    bool isDown = false;  // Whether the line goes on: values without a bit rate are a gap.
     for (const Step& step : steps) {
         if (!step.bitRate) {
             isDown = false;
@@ -172,8 +172,8 @@ std::string StepChart::draw(const std::string& id, const std::string& title,
     if (compared != nullptr) {
         svg += fmt::format("<path class=\"compared\" d=\"{}\"/>", pathOf(*compared, false));
     }
-    return svg + fmt::format("<path class=\"steps\" d=\"{}\"/>", pathOf(steps, false)) +
-           labels(steps) + "</svg>";
+    return fmt::format("{}<path class=\"steps\" d=\"{}\"/>{}</svg>", svg, pathOf(steps, false),
+                       labels(steps));
 }
 
 }  // namespace kc2::tool

@@ -1,4 +1,4 @@
-// Bit-rate tables drawn as steps, as the stores answer: SVG for a page.
+// Bit-rate tables drawn as steps, as the stores return them: SVG for a page.
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@
 
 namespace kc2::tool {
 
-// What a store answers for the values in [low, limit).
+// The bit rate that a store returns for the values in [low, limit).
 struct Step {
     uint32_t low;
     uint32_t limit;
-    std::optional<uint32_t> bitRate;  // Nothing where no row holds the value.
+    std::optional<uint32_t> bitRate;  // Nothing where no row covers the value.
 };
 
-// Asks the store wherever its answer may change. Nothing for a table that is too long: each answer
-// takes as long as the table, and in a chart nobody could tell that many steps apart.
+// Queries the store wherever its result may change. Nothing for a table that is too long: each
+// query costs as much as the table is long, and a chart could not show that many steps.
 using Steps = std::optional<std::vector<Step>>;
 Steps stepsOf(TargetSpec* store);
 
@@ -27,7 +27,7 @@ class StepChart {
 public:
     explicit StepChart(const std::vector<Steps>& all);
 
-    // The SVG; `id` makes its parts unique on the page, `compared` is drawn behind it.
+    // The SVG; `id` makes its parts unique on the page, `compared` is drawn in the background.
     std::string draw(const std::string& id, const std::string& title,
                      const std::vector<Step>& steps, const std::vector<Step>* compared) const;
 

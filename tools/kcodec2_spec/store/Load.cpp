@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/Spelling.h"
 #include "device/BaseLibrary.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"

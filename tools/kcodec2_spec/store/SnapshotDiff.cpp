@@ -1,6 +1,7 @@
 // What differs between two stores, section by section.
 
 #include "store/SnapshotDiff.h"
+#include "base/Spelling.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -9,6 +9,7 @@
 #include <set>
 #include <unordered_set>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "catalogue/SectionTexts.h"
 #include "kc2/TargetSpecKeys.h"

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/Spelling.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 #include "store/Load.h"

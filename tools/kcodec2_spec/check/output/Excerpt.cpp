@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/Spelling.h"
 #include "base/Terminal.h"
-#include "base/Text.h"
+#include "base/Utf8.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 
-#include "base/Text.h"
+#include "base/JsonPrinter.h"
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "check/output/Output.h"
 
 namespace kc2::tool {
@@ -57,18 +59,18 @@ void printJson(const Report& report, const OutputOptions& options) {
         counts[nameOf(severity)] = Json::UInt64(report.count(severity));
     }
     const JsonPrinter printer;
-    fmt::print("{{\"version\": {}, \"counts\": ", kFormatVersion);
+    printOut("{{\"version\": {}, \"counts\": ", kFormatVersion);
     printer.print(counts);
-    fmt::print(", \"notShown\": {},\n \"loads\": ", report.count() - shown.size());
+    printOut(", \"notShown\": {},\n \"loads\": ", report.count() - shown.size());
     printer.print(toJson(report.loads()));
-    fmt::print(",\n \"findings\": [");
+    printOut(",\n \"findings\": [");
     const char* separator = "\n  ";
     for (const ReportEntry* const entry : shown) {  // One by one: there may be a million.
-        fmt::print("{}", separator);
+        printOut("{}", separator);
         printer.print(toJson(*entry));
         separator = ",\n  ";
     }
-    fmt::print("{}\n", shown.empty() ? "]}" : "\n]}");
+    printOut("{}\n", shown.empty() ? "]}" : "\n]}");
 }
 
 }  // namespace kc2::tool

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <utility>
 
+#include "base/Spelling.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {

@@ -7,6 +7,9 @@
 #include <iterator>
 #include <set>
 
+#include "base/JsonPrinter.h"
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/Checks.h"
 #include "check/ChecksPage.h"
@@ -127,22 +130,22 @@ void printSarif(const Report& report, const OutputOptions& options) {
     driver["version"] = KC2_VERSION;
     driver["rules"] = rulesJson();
     const JsonPrinter printer;
-    fmt::print(
+    printOut(
             "{{\"$schema\": \"https://json.schemastore.org/sarif-2.1.0.json\",\n"
             " \"version\": \"2.1.0\",\n \"runs\": [{{\"tool\": {{\"driver\": ");
     printer.print(driver);
-    fmt::print("}},\n  \"columnKind\": \"unicodeCodePoints\",\n  \"results\": [");
+    printOut("}},\n  \"columnKind\": \"unicodeCodePoints\",\n  \"results\": [");
     const char* separator = "\n   ";
     const std::vector<const ReportEntry*> shown = shownEntries(report, options);
     for (const ReportEntry* const entry : shown) {
-        fmt::print("{}", separator);
+        printOut("{}", separator);
         printer.print(toSarif(*entry));
         separator = ",\n   ";
     }
-    fmt::print("],\n  \"properties\": {{\"notShown\": {}, \"loads\": ",
-               report.count() - shown.size());
+    printOut("],\n  \"properties\": {{\"notShown\": {}, \"loads\": ",
+             report.count() - shown.size());
     printer.print(toJson(report.loads()));
-    fmt::print("}}}}]}}\n");
+    printOut("}}}}]}}\n");
 }
 
 }  // namespace kc2::tool

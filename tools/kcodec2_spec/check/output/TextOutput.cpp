@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/Print.h"
+#include "base/Spelling.h"
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "check/output/Excerpt.h"
@@ -31,19 +33,19 @@ const char* colourOf(Severity severity, const Colours& colours) {
 }
 
 void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) {
-    fmt::print("{}{}: {}{}:{} {} [{}]\n", colours.bold,
-               escaped(entry.source->placeOf(entry.span.start)), colourOf(entry.severity, colours),
-               nameOf(entry.severity), colours.plain, escaped(entry.message), entry.check->id);
+    printOut("{}{}: {}{}:{} {} [{}]\n", colours.bold,
+             escaped(entry.source->placeOf(entry.span.start)), colourOf(entry.severity, colours),
+             nameOf(entry.severity), colours.plain, escaped(entry.message), entry.check->id);
     if (!entry.isForFile) {
-        fmt::print("{}", excerptOf(*entry.source, entry.span, width));
+        printOut("{}", excerptOf(*entry.source, entry.span, width));
     }
     if (entry.details == nullptr) {
         return;
     }
     for (const RelatedPlace& related : entry.details->related) {
         if (!related.message.empty()) {  // Otherwise the finding's message names the place.
-            fmt::print("    {}: {}\n", escaped(related.source->placeOf(related.span.start)),
-                       escaped(related.message));
+            printOut("    {}: {}\n", escaped(related.source->placeOf(related.span.start)),
+                     escaped(related.message));
         }
     }
     std::map<std::string, size_t> changes;
@@ -51,8 +53,8 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
         ++changes[fix.what];
     }
     for (const auto& [what, places] : changes) {
-        fmt::print("    --fix would {}{}\n", escaped(what),
-                   places == 1 ? "" : fmt::format(" ({})", counted(places, "place")));
+        printOut("    --fix would {}{}\n", escaped(what),
+                 places == 1 ? "" : fmt::format(" ({})", counted(places, "place")));
     }
 }
 
@@ -70,7 +72,7 @@ void printSummary(const Report& report) {
     }
     std::sort(rows.rbegin(), rows.rend());
     for (const auto& [severity, count, id] : rows) {
-        fmt::print("{:8}  {:8} {}\n", count, nameOf(severity), id);
+        printOut("{:8}  {:8} {}\n", count, nameOf(severity), id);
     }
 }
 
@@ -78,14 +80,14 @@ void printSummary(const Report& report) {
 void printLoads(const std::vector<LoadFacts>& loads) {
     for (const LoadFacts& load : loads) {
         if (loads.size() > 1) {
-            fmt::print("{}:\n", load.variant == kDefaultVariant
-                                        ? "No variant"
-                                        : fmt::format("Variant \"{}\"", escaped(load.variant)));
+            printOut("{}:\n", load.variant == kDefaultVariant
+                                      ? "No variant"
+                                      : fmt::format("Variant \"{}\"", escaped(load.variant)));
         }
         for (const auto& [title, fact] : {std::pair("System spec document", &load.systemSpec),
                                           std::pair("Private overlay", &load.overlay)}) {
-            fmt::print("{}{:20}  {}: {}\n", loads.size() > 1 ? "  " : "", title,
-                       escaped(fact->path), escaped(fact->reason));
+            printOut("{}{:20}  {}: {}\n", loads.size() > 1 ? "  " : "", title, escaped(fact->path),
+                     escaped(fact->reason));
         }
     }
 }
@@ -104,12 +106,12 @@ void printText(const Report& report, const OutputOptions& options) {
         printSummary(report);
     }
     if (shown.size() < report.count()) {
-        fmt::print("{} not shown (--max-findings)\n",
-                   counted(report.count() - shown.size(), "finding"));
+        printOut("{} not shown (--max-findings)\n",
+                 counted(report.count() - shown.size(), "finding"));
     }
-    fmt::print("{}, {}, {}\n", counted(report.count(Severity::Error), "error"),
-               counted(report.count(Severity::Warning), "warning"),
-               counted(report.count(Severity::Note), "note"));
+    printOut("{}, {}, {}\n", counted(report.count(Severity::Error), "error"),
+             counted(report.count(Severity::Warning), "warning"),
+             counted(report.count(Severity::Note), "note"));
 }
 
 }  // namespace kc2::tool

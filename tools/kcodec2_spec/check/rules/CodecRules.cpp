@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"

@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "base/Spelling.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 

@@ -1,6 +1,7 @@
 // Names that are nearly known ones, reported with the fix where it is certain.
 
 #include "check/rules/Misspellings.h"
+#include "base/Spelling.h"
 
 #include <unordered_map>
 #include <utility>

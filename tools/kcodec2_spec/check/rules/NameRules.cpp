@@ -12,7 +12,9 @@
 #include <vector>
 
 #include "base/OddCharacters.h"
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"
 #include "check/rules/Rules.h"

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"

@@ -10,7 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
+#include "base/Utf8.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 #include "targetspec/reading/Limits.h"

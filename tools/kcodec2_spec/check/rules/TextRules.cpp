@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"

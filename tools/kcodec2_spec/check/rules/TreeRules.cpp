@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"

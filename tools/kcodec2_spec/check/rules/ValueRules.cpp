@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Spelling.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 
