@@ -1,0 +1,649 @@
+// The library's lines of a log, sorted by process and load.
+
+#include "log/LoadTrace.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "base/Text.h"
+#include "device/DevicePaths.h"
+#include "log/LineReader.h"
+
+namespace kc2::tool {
+
+namespace {
+
+// What is kept of a log; beyond it lines are counted only. A real one needs some kilobytes.
+constexpr size_t kMostKeptBytes = size_t{32} << 20;
+constexpr size_t kBytesPerRecord = 200;  // Beside its texts.
+constexpr size_t kMostShown = 5;         // Lines that are not understood, of a load.
+
+// A load needs milliseconds: what it has not written after that long it did not write. Without
+// times, many lines must do.
+constexpr double kSecondsOfLoad = 10;
+constexpr double kMostSecondsApart = 60;        // Two lines of one load.
+constexpr double kSecondsPerDay = 24.0 * 3600;  // More: somebody has set the clock.
+constexpr uint64_t kLinesOfLoad = 1000;
+
+// The words that may name a document in a line, as the library writes them.
+constexpr std::string_view kDocumentWords[] = {"system spec", "private file", "built-in document"};
+
+std::string defaultPath() {
+    return std::string(kVendorSpecDirectory) + kSystemSpecName;
+}
+
+// A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
+std::optional<LoadEvent> matchSkipped(std::string_view text, uint64_t lineNumber) {
+    const std::string_view start = literalsOf(logLine(LineId::Skipped).text).front();
+    const size_t colon = text.rfind(": ");
+    if (!text.starts_with(start) || colon == std::string_view::npos || colon < start.size()) {
+        return std::nullopt;
+    }
+    LoadEvent event = {.id = LineId::SkippedByCall, .line = lineNumber};
+    event.reason = text.substr(colon + 2);
+    std::string_view place = text.substr(start.size(), colon - start.size());
+    constexpr std::string_view kIn = " in ";
+    const size_t in = place.rfind(kIn);
+    if (in != std::string_view::npos) {
+        const std::string_view document = place.substr(in + kIn.size());
+        for (const std::string_view words : kDocumentWords) {
+            if (document.find(words) != std::string_view::npos) {
+                event.id = LineId::Skipped;
+                event.document = document;
+                place = place.substr(0, in);
+                break;
+            }
+        }
+    }
+    event.value = place;
+    return event;
+}
+
+// Which row a text belongs to. Texts without placeholder come before those that might hold them,
+// and of two that match the longer one is meant ("... Exit!").
+const LogLine* rowOf(std::string_view tag, std::string_view text) {
+    if (const std::optional<LoadEvent> skipped = matchSkipped(text, 0);
+        skipped && (tag.empty() || tag == logLine(skipped->id).tag)) {
+        return &logLine(skipped->id);
+    }
+    const LogLine* best = nullptr;
+    for (const LogLine& line : logLines()) {
+        if ((!tag.empty() && tag != line.tag) || line.id == LineId::Feature ||
+            line.id == LineId::Preset || line.id == LineId::Skipped ||
+            line.id == LineId::SkippedByCall || !match(line.text, text)) {
+            continue;  // Of the dump every entry is read as that of a list first.
+        }
+        if (best == nullptr ||
+            std::string_view(line.text).size() > std::string_view(best->text).size()) {
+            best = &line;
+        }
+    }
+    return best;
+}
+
+bool isOfCall(LineId id) {
+    return id == LineId::NoCodecs || id == LineId::UnknownFormat || id == LineId::MissingPlane ||
+           id == LineId::BadDescriptor || id == LineId::SkippedByCall;
+}
+
+// The row whose line was cut before its end to become `text`; null when it can be none or several.
+// `isAny` says whether there is one at all, `isError` whether it can only be an error's.
+const LogLine* cutRowOf(std::string_view tag, std::string_view text, bool* isAny, bool* isError) {
+    constexpr size_t kEnough = 4;  // Fewer letters might be anybody's.
+    const LogLine* found = nullptr;
+    size_t count = 0;
+    bool isErrorForSure = true;
+    for (const LogLine& line : logLines()) {
+        const std::string_view literal = literalsOf(line.text).front();
+        const bool isStart =
+                literal.starts_with(text) ||
+                (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal));
+        if (text.size() >= kEnough && isStart && (tag.empty() || tag == line.tag)) {
+            found = &line;
+            isErrorForSure &= line.priority == ANDROID_LOG_ERROR;
+            ++count;
+        }
+    }
+    *isAny = count != 0;
+    *isError = *isAny && isErrorForSure;
+    return count == 1 && literalsOf(found->text).size() == 1 ? found : nullptr;
+}
+
+bool isOurTag(std::string_view tag) {
+    return std::any_of(logLines().begin(), logLines().end(),
+                       [tag](const LogLine& line) { return tag == line.tag; });
+}
+
+// Whether a line that has no header quotes one of the library.
+bool mentionsUs(std::string_view text) {
+    constexpr size_t kEnough = 18;  // Shorter texts are other libraries', too.
+    return std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
+        const std::string_view literal = literalsOf(line.text).front();
+        return text.find(line.tag) != std::string_view::npos ||
+               (literal.size() >= kEnough && text.find(literal) != std::string_view::npos);
+    });
+}
+
+bool isSpecPath(std::string_view path) {
+    const auto isIn = [&](std::string_view directory) { return path.starts_with(directory); };
+    return (isIn(kOdmSpecDirectory) || isIn(kVendorSpecDirectory)) &&
+           path.ends_with(kSystemSpecName);
+}
+
+// Without a tag only the library's own words show whose line it is, and some are common ones.
+bool isOursWithoutTag(LineId id, std::string_view value) {
+    switch (id) {
+        case LineId::OpenFailed:
+        case LineId::NothingOpened:
+        case LineId::FallingBack:
+            return isSpecPath(value) || value.starts_with(kFallbackSystemSpec);
+        case LineId::Entry:
+        case LineId::SkippedByCall:
+            return false;
+        default:
+            return true;
+    }
+}
+
+// "name : 5" of the dump, without the blanks before it; `width` is that of the name with its
+// blanks.
+struct NamedEntry {
+    std::string_view name;
+    std::string_view value;
+    size_t width;
+};
+
+// The width that a row pads its first value to: 25 in "%-25s".
+size_t widthOf(LineId id) {
+    const std::string_view format = logLine(id).text;
+    const std::string_view rest = format.substr(format.find("%-") + 2);
+    size_t width = 0;
+    std::from_chars(rest.data(), rest.data() + rest.size(), width);
+    return width;
+}
+
+std::optional<NamedEntry> namedEntryOf(std::string_view entry) {
+    const size_t colon = entry.rfind(" : ");
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view value = entry.substr(colon + 3);
+    int32_t number = 0;
+    const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
+    if (read.ec != std::errc() || read.ptr != value.data() + value.size()) {
+        return std::nullopt;
+    }
+    return NamedEntry{withoutTrailing(entry.substr(0, colon), ' '), value, colon};
+}
+
+// Whether the dump can have written this entry as one of the row `id`: names are padded to its
+// width, longer ones are not.
+bool fits(const NamedEntry& entry, LineId id) {
+    return entry.width == std::max(widthOf(id), entry.name.size());
+}
+
+}  // namespace
+
+const LoadEvent* LoadTrace::find(LineId id) const {
+    const auto found = std::find_if(events.begin(), events.end(),
+                                    [id](const LoadEvent& event) { return event.id == id; });
+    return found != events.end() ? &*found : nullptr;
+}
+
+uint64_t LoadTrace::count(LineId id) const {
+    uint64_t sum = 0;
+    for (const LoadEvent& event : events) {
+        sum += event.id == id ? event.count : 0;
+    }
+    return sum;
+}
+
+std::string LoadTrace::firstPath() const {
+    for (const LineId id : {LineId::Parsing, LineId::OpenFailed}) {
+        if (const LoadEvent* const event = find(id); event != nullptr && !event->isCut) {
+            return event->value;
+        }
+    }
+    return find(LineId::NoVariant) != nullptr ? defaultPath() : std::string();
+}
+
+bool TraceCollector::spend(size_t bytes, LoadTrace* trace) {
+    if (mKeptBytes + bytes + kBytesPerRecord > kMostKeptBytes) {
+        mIsTooLong = true;
+        if (trace != nullptr) {
+            trace->isTooLong = true;
+        }
+        return false;
+    }
+    mKeptBytes += bytes + kBytesPerRecord;
+    return true;
+}
+
+void TraceCollector::addValue(DumpedValue value, std::vector<DumpedValue>* values,
+                              LoadTrace* trace) {
+    if (spend(value.name.size() + value.value.size(), trace)) {
+        values->push_back(std::move(value));
+    }
+}
+
+bool TraceCollector::startTrace(const LogEntry& entry, uint64_t lineNumber, Process* process) {
+    constexpr size_t kBytesPerTrace = 4 * kLongestLogLine;
+    if (!spend(kBytesPerTrace, nullptr)) {
+        return false;
+    }
+    LoadTrace trace;
+    trace.process = entry.process;
+    trace.firstTime = entry.time;
+    trace.firstLine = lineNumber;
+    for (const Mark& mark : {mRecent, mEarlier}) {
+        const std::optional<double> since = secondsBetween(mark.time, entry.time);
+        const bool isOld = since ? *since >= kSecondsOfLoad && *since < kSecondsPerDay
+                                 : entry.time.empty() && lineNumber - mark.line >= kLinesOfLoad;
+        trace.lineBefore = trace.lineBefore == 0 && isOld ? mark.line : trace.lineBefore;
+    }
+    const bool isWaiting = process->isWaiting;
+    *process = Process();
+    process->isWaiting = isWaiting;
+    process->trace = mTraces.size();
+    mTraces.push_back(std::move(trace));
+    return true;
+}
+
+TraceCollector::Process* TraceCollector::processOf(const LogEntry& entry, uint64_t lineNumber) {
+    const auto known = mProcesses.find(entry.process);
+    if (known != mProcesses.end()) {
+        return &known->second;
+    }
+    Process process;
+    if (!startTrace(entry, lineNumber, &process)) {
+        return nullptr;
+    }
+    return &mProcesses.emplace(entry.process, std::move(process)).first->second;
+}
+
+// A buffer that begins again is that of another boot, or another log: process numbers are new.
+void TraceCollector::beginBuffer(std::string_view name) {
+    if (!mBuffers.emplace(name).second) {
+        mBuffers.clear();
+        mBuffers.emplace(name);
+        forgetProcesses();
+    }
+    constexpr size_t kMostBuffers = 100;
+    if (mBuffers.size() > kMostBuffers) {
+        mBuffers.clear();
+    }
+}
+
+void TraceCollector::forgetProcesses() {
+    mProcesses.clear();
+    mWaiting.clear();
+    mRecent = mEarlier = Mark();
+    mLastTime.clear();
+}
+
+void TraceCollector::noteTime(const LogEntry& entry, uint64_t lineNumber) {
+    if (const std::optional<double> since = secondsBetween(mLastTime, entry.time);
+        since && *since < -kMostSecondsApart) {
+        forgetProcesses();
+    }
+    for (size_t left = mWaiting.size(); left > 0; --left) {
+        const auto [number, line] = mWaiting.front();
+        Process& process = mProcesses.at(number);
+        const std::optional<double> since = secondsBetween(process.lastTime, entry.time);
+        const bool isLater =
+                since ? *since >= kSecondsOfLoad : lineNumber - process.lastLine >= kLinesOfLoad;
+        const bool hasGoneOn = process.lastLine != line;
+        if (!isLater && !hasGoneOn) {
+            break;  // The others wait for less long.
+        }
+        mWaiting.pop_front();
+        process.isWaiting = !isLater;
+        if (!isLater) {
+            mWaiting.emplace_back(number, process.lastLine);
+        } else if (!since || *since < kSecondsPerDay) {
+            mTraces[process.trace].lineAfter = lineNumber;
+        }
+    }
+    const std::optional<double> since = secondsBetween(mRecent.time, entry.time);
+    if (mRecent.line == 0 ||
+        (since ? *since >= kSecondsOfLoad : lineNumber - mRecent.line >= kLinesOfLoad)) {
+        mEarlier = std::move(mRecent);
+        mRecent = {std::string(entry.time), lineNumber};
+    }
+    mLastTime = entry.time;
+}
+
+// A store is loaded once per process: a line that cannot follow in the same load is that of another
+// process, which was given the same number later.
+void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entry,
+                                    Process* process) {
+    const std::optional<double> since = secondsBetween(process->lastTime, entry.time);
+    const bool isFarApart = since && *since > kMostSecondsApart;
+    const size_t old = process->trace;
+    const bool isOver = mTraces[old].noCodecs.count != 0;  // Get() has returned.
+    if (!isFarApart && !isOver && process->position.follow(event)) {
+        return;
+    }
+    std::vector<LoadEvent>& before = mTraces[old].events;
+    // The line about the missing variant comes before the path that it leads to.
+    const bool isAfterLookup = !isFarApart && event.value == defaultPath() && !before.empty() &&
+                               before.back().id == LineId::NoVariant;
+    if (!startTrace(entry, event.line, process)) {
+        return;
+    }
+    if (isAfterLookup) {
+        std::vector<LoadEvent>& events = mTraces[old].events;
+        LoadEvent moved = events.back();
+        moved.count = 1;
+        if (--events.back().count == 0) {
+            events.pop_back();
+        }
+        process->position.follow(moved);
+        mTraces[process->trace].firstLine = moved.line;
+        mTraces[process->trace].events.push_back(std::move(moved));
+    }
+    process->position.follow(event);
+}
+
+void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* process) {
+    splitIfNewLoad(event, entry, process);
+    LoadTrace& trace = mTraces[process->trace];
+    process->lastTime = entry.time;
+    process->lastLine = event.line;
+    trace.lineAfter = 0;
+    if (!process->isWaiting) {
+        process->isWaiting = true;
+        mWaiting.emplace_back(entry.process, event.line);
+    }
+    if (!trace.events.empty()) {
+        LoadEvent& last = trace.events.back();
+        const bool isCounted = event.id == LineId::NoVariant || event.id == LineId::RowSkipped;
+        if (isCounted && last.id == event.id) {
+            last.count += event.count;
+            return;
+        }
+    }
+    if (spend(event.value.size() + event.reason.size() + event.document.size(), &trace)) {
+        trace.events.push_back(std::move(event));
+    }
+}
+
+void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber,
+                                Process* process) {
+    constexpr LineId kHeadings[] = {LineId::FeaturesHeading, LineId::PresetsHeading,
+                                    LineId::FiltersHeading, LineId::PluginsHeading,
+                                    LineId::CodecsHeading};
+    const auto section = static_cast<Section>(
+            1 + (std::find(std::begin(kHeadings), std::end(kHeadings), id) - kHeadings));
+    if (mTraces[process->trace].dump.isStarted && section <= process->section) {
+        ++mTraces[process->trace].laterDumps;  // A component has called printSpecifications().
+        process->section = Section::Later;
+        return;
+    }
+    if (process->section == Section::Later) {
+        return;
+    }
+    if (!mTraces[process->trace].dump.isStarted) {
+        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
+        Dump& dump = mTraces[process->trace].dump;
+        dump.isStarted = true;
+        dump.isWhole = id == LineId::FeaturesHeading;
+    }
+    Dump& dump = mTraces[process->trace].dump;
+    for (int lost = static_cast<int>(process->section) + 1; lost < static_cast<int>(section);
+         ++lost) {
+        const bool isFirst = dump.lostHeadings.empty();
+        dump.lostHeadings += isFirst ? "" : ", ";
+        dump.lostHeadings += logLine(kHeadings[lost - 1]).text;
+    }
+    dump.hasCodecsHeading |= id == LineId::CodecsHeading;
+    process->section = section;
+}
+
+void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process) {
+    if (process->section == Section::None && !mTraces[process->trace].dump.isStarted) {
+        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
+        mTraces[process->trace].dump.isStarted = true;  // Its start is cut off.
+    }
+    LoadTrace& trace = mTraces[process->trace];
+    Dump& dump = trace.dump;
+    const std::string_view text =
+            entry.text.substr(literalsOf(logLine(LineId::Entry).text).front().size());
+    const std::optional<NamedEntry> named = namedEntryOf(text);
+    const bool isOfFeatures = process->section == Section::Features;
+    const bool isOfPresets = process->section == Section::Presets;
+    const auto addNamed = [&](std::vector<DumpedValue>* values) {
+        addValue({std::string(named->name), std::string(named->value), lineNumber}, values, &trace);
+    };
+    if (named && process->section <= Section::Presets) {
+        const bool isFeature = fits(*named, LineId::Feature);
+        const bool isPreset = fits(*named, LineId::Preset);
+        if (isOfFeatures && isPreset && !isFeature) {
+            dump.lostHeadings = logLine(LineId::PresetsHeading).text;
+            process->section = Section::Presets;
+        }
+        const bool isUnplaced = process->section == Section::None && isFeature == isPreset;
+        addNamed(isUnplaced                                           ? &dump.unplaced
+                 : process->section == Section::Presets               ? &dump.presets
+                 : process->section == Section::Features || isFeature ? &dump.features
+                                                                      : &dump.presets);
+    } else if (isOfFeatures || isOfPresets) {
+        addCut(entry.text, lineNumber, false, &trace);
+    } else if (process->section != Section::Later) {
+        std::vector<DumpedValue>* const lists[] = {&dump.unplaced, nullptr,       nullptr,
+                                                   &dump.filters,  &dump.plugins, &dump.codecs};
+        addValue({std::string(text), "", lineNumber}, lists[static_cast<size_t>(process->section)],
+                 &trace);
+    }
+}
+
+namespace {
+
+void addShown(std::string_view text, uint64_t lineNumber, std::map<std::string, uint64_t>* shown,
+              uint64_t* count) {
+    ++*count;
+    if (shown->size() < kMostShown) {
+        shown->emplace(text, lineNumber);
+    }
+}
+
+}  // namespace
+
+void TraceCollector::addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace) {
+    addShown(text, lineNumber, &trace->strangeLines, &trace->strangeCount);
+}
+
+void TraceCollector::addCut(std::string_view text, uint64_t lineNumber, bool isError,
+                            LoadTrace* trace) {
+    trace->hasCutError |= isError;
+    addShown(text, lineNumber, &trace->cutLines, &trace->cutCount);
+}
+
+void TraceCollector::addUnread(std::string_view text, uint64_t lineNumber) {
+    if (mUnreadCount++ == 0) {
+        mFirstUnread = text;
+        mFirstUnreadLine = lineNumber;
+    }
+}
+
+// What was asked of the store or the formats: any thread may ask, also while another one loads, and
+// long after the load.
+void TraceCollector::addCall(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
+                             LoadTrace* trace) {
+    const auto add = [&](auto* calls, const auto& key, size_t bytes) {
+        const auto known = calls->find(key);
+        if (known != calls->end()) {
+            known->second.count += count;
+        } else if (spend(bytes, trace)) {
+            calls->emplace(key, Call{lineNumber, count});
+        }
+    };
+    const LineValues values = match(logLine(id).text, entry.text).value_or(LineValues());
+    const auto text = [&](size_t i) {
+        return i < values.size() ? std::string(values[i]) : std::string();
+    };
+    switch (id) {
+        case LineId::UnknownFormat:
+            return add(&trace->unknownFormats, text(0), text(0).size());
+        case LineId::MissingPlane:
+            return add(&trace->missingPlanes, std::pair(text(0), text(1)), entry.text.size());
+        case LineId::BadDescriptor:
+            return add(&trace->badDescriptors, text(0), text(0).size());
+        case LineId::SkippedByCall: {
+            const LoadEvent skipped = *matchSkipped(entry.text, lineNumber);
+            return add(&trace->skippedByCall, skipped.value + ": " + skipped.reason,
+                       entry.text.size());
+        }
+        default:
+            trace->noCodecs.line = trace->noCodecs.count == 0 ? lineNumber : trace->noCodecs.line;
+            trace->noCodecs.count += count;
+            // Get() has returned: the load is over.
+            trace->lineAfter = trace->lineAfter == 0 ? lineNumber : trace->lineAfter;
+            return;
+    }
+}
+
+// The line after "Failed to open ", where it may be cut: of which row it is.
+LoadEvent TraceCollector::pathEvent(LineId id, std::string_view path, uint64_t lineNumber,
+                                    const LoadTrace& trace) {
+    LoadEvent event = {.id = id, .line = lineNumber, .value = std::string(path)};
+    const std::string_view fallback = kFallbackSystemSpec;
+    if (id == LineId::OpenFailed) {
+        const bool isFallback = path.starts_with(fallback) ||
+                                (fallback.starts_with(path) &&
+                                 !std::string_view(kVendorSpecDirectory).starts_with(path));
+        const bool isAfterFalling = trace.find(LineId::FallingBack) != nullptr;
+        if (isFallback || (isAfterFalling && fallback.starts_with(path))) {
+            event.id = LineId::NothingOpened;
+            event.isCut = true;
+            return event;
+        }
+    }
+    event.isCut = id == LineId::Parsing || id == LineId::OpenFailed ? !isSpecPath(path)
+                                                                    : path != fallback;
+    return event;
+}
+
+void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
+                             Process* process) {
+    const LineValues values = match(logLine(id).text, entry.text).value_or(LineValues());
+    const std::string first(values.empty() ? std::string_view() : values.front());
+    switch (id) {
+        case LineId::Entry:
+            return addDumpEntry(entry, lineNumber, process);
+        case LineId::Parsing:
+        case LineId::OpenFailed:
+        case LineId::FallingBack:
+        case LineId::NothingOpened:
+            addEvent(pathEvent(id, first, lineNumber, mTraces[process->trace]), entry, process);
+            break;
+        case LineId::NoVariant:
+        case LineId::StreamRejected:
+        case LineId::BuiltInRejected:
+        case LineId::RowSkipped:
+        case LineId::EncoderFilter:
+            addEvent({.id = id, .line = lineNumber, .value = first, .count = count}, entry,
+                     process);
+            break;
+        case LineId::Skipped:
+            addEvent(*matchSkipped(entry.text, lineNumber), entry, process);
+            break;
+        default:
+            return addHeading(id, entry, lineNumber, process);
+    }
+    if (process->section != Section::None) {
+        process->section = Section::Later;  // The dump has ended: no entry belongs to it any more.
+    }
+}
+
+void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count) {
+    const LogLine* row = rowOf(entry.tag, entry.text);
+    bool isCut = false;
+    bool isCutError = false;
+    if (row == nullptr) {
+        row = cutRowOf(entry.tag, entry.text, &isCut, &isCutError);
+    }
+    const auto known = mProcesses.find(entry.process);
+    if (entry.tag.empty()) {
+        const bool isInDump = known != mProcesses.end() && known->second.section != Section::None &&
+                              known->second.section != Section::Later;
+        const bool isRaw = entry.process < 0 && entry.time.empty();
+        const LineValues values =
+                row != nullptr ? match(row->text, entry.text).value_or(LineValues()) : LineValues();
+        const bool isOurs = row != nullptr && !isCut &&
+                            ((row->id == LineId::Entry && isInDump) ||
+                             isOursWithoutTag(row->id, values.empty() ? "" : values.front()));
+        if (!isOurs || (isRaw && mHasHeaders)) {
+            if (isRaw && (isOurs || mentionsUs(entry.text))) {
+                addUnread(entry.text, lineNumber);
+            }
+            return;
+        }
+    }
+    Process* const process = processOf(entry, lineNumber);
+    if (process == nullptr) {
+        return;
+    }
+    if (isCut) {
+        addCut(entry.text, lineNumber, isCutError && row == nullptr, &mTraces[process->trace]);
+    }
+    if (row != nullptr && isOfCall(row->id)) {
+        addCall(row->id, entry, lineNumber, count, &mTraces[process->trace]);
+    } else if (row != nullptr) {
+        addLine(row->id, entry, lineNumber, count, process);
+    } else if (!isCut) {
+        addStrange(entry.text, lineNumber, &mTraces[process->trace]);
+    }
+    mTraces[process->trace].lastLine = lineNumber;
+    process->wasOurs = true;
+    process->lastTag = entry.tag;
+    process->lastText = entry.text;
+}
+
+// The device's log leaves out what repeats ("identical 2 lines") or what a process writes too much
+// of ("expire 30 lines"), and writes that as a line of the process.
+void TraceCollector::addChatty(const LogEntry& entry, uint64_t lineNumber) {
+    const auto known = mProcesses.find(entry.process);
+    if (known == mProcesses.end() || entry.process < 0) {
+        return;
+    }
+    const auto numberAfter = [&](std::string_view word) {
+        uint64_t number = 0;
+        const size_t at = entry.text.rfind(word);
+        if (at != std::string_view::npos) {
+            const std::string_view rest = entry.text.substr(at + word.size());
+            std::from_chars(rest.data(), rest.data() + rest.size(), number);
+        }
+        return number;
+    };
+    Process& process = known->second;
+    if (const uint64_t repeated = numberAfter("identical "); repeated != 0 && process.wasOurs) {
+        LogEntry again = entry;
+        const std::string tag = process.lastTag;
+        const std::string text = process.lastText;
+        again.tag = tag;
+        again.text = text;
+        addOurs(again, lineNumber, repeated);
+    } else if (const uint64_t dropped = numberAfter("expire "); dropped != 0) {
+        mTraces[process.trace].droppedLines += dropped;
+    }
+}
+
+void TraceCollector::add(const LogEntry& entry, uint64_t lineNumber) {
+    if (!entry.buffer.empty()) {
+        beginBuffer(entry.buffer);
+        return;
+    }
+    mHasHeaders |= !entry.tag.empty() || !entry.time.empty() || entry.process >= 0;
+    noteTime(entry, lineNumber);
+    if (entry.tag == "chatty") {
+        addChatty(entry, lineNumber);
+    } else if (entry.tag.empty() || isOurTag(entry.tag)) {
+        addOurs(entry, lineNumber, 1);
+    } else if (const auto other = mProcesses.find(entry.process); other != mProcesses.end()) {
+        other->second.wasOurs = false;
+    }
+}
+
+}  // namespace kc2::tool
