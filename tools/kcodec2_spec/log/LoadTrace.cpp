@@ -2,12 +2,15 @@
 
 #include "log/LoadTrace.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
 
 #include "base/Text.h"
 #include "device/DevicePaths.h"
+#include "log/LineMatch.h"
 #include "log/LineReader.h"
 
 namespace kc2::tool {
@@ -26,60 +29,8 @@ constexpr double kMostSecondsApart = 60;        // Two lines of one load.
 constexpr double kSecondsPerDay = 24.0 * 3600;  // More: somebody has set the clock.
 constexpr uint64_t kLinesOfLoad = 1000;
 
-// The words that may name a document in a line, as the library writes them.
-constexpr std::string_view kDocumentWords[] = {"system spec", "private file", "built-in document"};
-
 std::string defaultPath() {
     return std::string(kVendorSpecDirectory) + kSystemSpecName;
-}
-
-// A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
-std::optional<LoadEvent> matchSkipped(std::string_view text, uint64_t lineNumber) {
-    const std::string_view start = literalsOf(logLine(LineId::Skipped).text).front();
-    const size_t colon = text.rfind(": ");
-    if (!text.starts_with(start) || colon == std::string_view::npos || colon < start.size()) {
-        return std::nullopt;
-    }
-    LoadEvent event = {.id = LineId::SkippedByCall, .line = lineNumber};
-    event.reason = text.substr(colon + 2);
-    std::string_view place = text.substr(start.size(), colon - start.size());
-    constexpr std::string_view kIn = " in ";
-    const size_t in = place.rfind(kIn);
-    if (in != std::string_view::npos) {
-        const std::string_view document = place.substr(in + kIn.size());
-        for (const std::string_view words : kDocumentWords) {
-            if (document.find(words) != std::string_view::npos) {
-                event.id = LineId::Skipped;
-                event.document = document;
-                place = place.substr(0, in);
-                break;
-            }
-        }
-    }
-    event.value = place;
-    return event;
-}
-
-// Which row a text belongs to. Texts without placeholder come before those that might hold them,
-// and of two that match the longer one is meant ("... Exit!").
-const LogLine* rowOf(std::string_view tag, std::string_view text) {
-    if (const std::optional<LoadEvent> skipped = matchSkipped(text, 0);
-        skipped && (tag.empty() || tag == logLine(skipped->id).tag)) {
-        return &logLine(skipped->id);
-    }
-    const LogLine* best = nullptr;
-    for (const LogLine& line : logLines()) {
-        if ((!tag.empty() && tag != line.tag) || line.id == LineId::Feature ||
-            line.id == LineId::Preset || line.id == LineId::Skipped ||
-            line.id == LineId::SkippedByCall || !match(line.text, text)) {
-            continue;  // Of the dump every entry is read as that of a list first.
-        }
-        if (best == nullptr ||
-            std::string_view(line.text).size() > std::string_view(best->text).size()) {
-            best = &line;
-        }
-    }
-    return best;
 }
 
 bool isOfCall(LineId id) {
@@ -87,42 +38,9 @@ bool isOfCall(LineId id) {
            id == LineId::BadDescriptor || id == LineId::SkippedByCall;
 }
 
-// The row whose line was cut before its end to become `text`; null when it can be none or several.
-// `isAny` says whether there is one at all, `isError` whether it can only be an error's.
-const LogLine* cutRowOf(std::string_view tag, std::string_view text, bool* isAny, bool* isError) {
-    constexpr size_t kEnough = 4;  // Fewer letters might be anybody's.
-    const LogLine* found = nullptr;
-    size_t count = 0;
-    bool isErrorForSure = true;
-    for (const LogLine& line : logLines()) {
-        const std::string_view literal = literalsOf(line.text).front();
-        const bool isStart =
-                literal.starts_with(text) ||
-                (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal));
-        if (text.size() >= kEnough && isStart && (tag.empty() || tag == line.tag)) {
-            found = &line;
-            isErrorForSure &= line.priority == ANDROID_LOG_ERROR;
-            ++count;
-        }
-    }
-    *isAny = count != 0;
-    *isError = *isAny && isErrorForSure;
-    return count == 1 && literalsOf(found->text).size() == 1 ? found : nullptr;
-}
-
 bool isOurTag(std::string_view tag) {
     return std::any_of(logLines().begin(), logLines().end(),
                        [tag](const LogLine& line) { return tag == line.tag; });
-}
-
-// Whether a line that has no header quotes one of the library.
-bool mentionsUs(std::string_view text) {
-    constexpr size_t kEnough = 18;  // Shorter texts are other libraries', too.
-    return std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
-        const std::string_view literal = literalsOf(line.text).front();
-        return text.find(line.tag) != std::string_view::npos ||
-               (literal.size() >= kEnough && text.find(literal) != std::string_view::npos);
-    });
 }
 
 bool isSpecPath(std::string_view path) {
@@ -144,43 +62,6 @@ bool isOursWithoutTag(LineId id, std::string_view value) {
         default:
             return true;
     }
-}
-
-// "name : 5" of the dump, without the blanks before it; `width` is that of the name with its
-// blanks.
-struct NamedEntry {
-    std::string_view name;
-    std::string_view value;
-    size_t width;
-};
-
-// The width that a row pads its first value to: 25 in "%-25s".
-size_t widthOf(LineId id) {
-    const std::string_view format = logLine(id).text;
-    const std::string_view rest = format.substr(format.find("%-") + 2);
-    size_t width = 0;
-    std::from_chars(rest.data(), rest.data() + rest.size(), width);
-    return width;
-}
-
-std::optional<NamedEntry> namedEntryOf(std::string_view entry) {
-    const size_t colon = entry.rfind(" : ");
-    if (colon == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const std::string_view value = entry.substr(colon + 3);
-    int32_t number = 0;
-    const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
-    if (read.ec != std::errc() || read.ptr != value.data() + value.size()) {
-        return std::nullopt;
-    }
-    return NamedEntry{withoutTrailing(entry.substr(0, colon), ' '), value, colon};
-}
-
-// Whether the dump can have written this entry as one of the row `id`: names are padded to its
-// width, longer ones are not.
-bool fits(const NamedEntry& entry, LineId id) {
-    return entry.width == std::max(widthOf(id), entry.name.size());
 }
 
 }  // namespace
@@ -330,6 +211,7 @@ void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entr
     const bool isAfterLookup = !isFarApart && event.value == defaultPath() && !before.empty() &&
                                before.back().id == LineId::NoVariant;
     if (!startTrace(entry, event.line, process)) {
+        mTraces[old].isTooLong = true;
         return;
     }
     if (isAfterLookup) {
@@ -367,6 +249,16 @@ void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* p
     if (spend(event.value.size() + event.reason.size() + event.document.size(), &trace)) {
         trace.events.push_back(std::move(event));
     }
+}
+
+void TraceCollector::addSkipped(const LogEntry& entry, uint64_t lineNumber, Process* process) {
+    const SkippedText skipped = *matchSkipped(entry.text);
+    addEvent({.id = LineId::Skipped,
+              .line = lineNumber,
+              .value = std::string(skipped.place),
+              .reason = std::string(skipped.reason),
+              .document = std::string(skipped.document)},
+             entry, process);
 }
 
 void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber,
@@ -410,7 +302,7 @@ void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Pr
     Dump& dump = trace.dump;
     const std::string_view text =
             entry.text.substr(literalsOf(logLine(LineId::Entry).text).front().size());
-    const std::optional<NamedEntry> named = namedEntryOf(text);
+    const std::optional<NamedEntry> named = matchNamed(text);
     const bool isOfFeatures = process->section == Section::Features;
     const bool isOfPresets = process->section == Section::Presets;
     const auto addNamed = [&](std::vector<DumpedValue>* values) {
@@ -491,8 +383,8 @@ void TraceCollector::addCall(LineId id, const LogEntry& entry, uint64_t lineNumb
         case LineId::BadDescriptor:
             return add(&trace->badDescriptors, text(0), text(0).size());
         case LineId::SkippedByCall: {
-            const LoadEvent skipped = *matchSkipped(entry.text, lineNumber);
-            return add(&trace->skippedByCall, skipped.value + ": " + skipped.reason,
+            const SkippedText skipped = *matchSkipped(entry.text);
+            return add(&trace->skippedByCall, fmt::format("{}: {}", skipped.place, skipped.reason),
                        entry.text.size());
         }
         default:
@@ -547,7 +439,7 @@ void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumb
                      process);
             break;
         case LineId::Skipped:
-            addEvent(*matchSkipped(entry.text, lineNumber), entry, process);
+            addSkipped(entry, lineNumber, process);
             break;
         default:
             return addHeading(id, entry, lineNumber, process);
@@ -559,11 +451,8 @@ void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumb
 
 void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count) {
     const LogLine* row = rowOf(entry.tag, entry.text);
-    bool isCut = false;
-    bool isCutError = false;
-    if (row == nullptr) {
-        row = cutRowOf(entry.tag, entry.text, &isCut, &isCutError);
-    }
+    const CutText cut = row == nullptr ? matchCut(entry.tag, entry.text) : CutText();
+    row = cut.row != nullptr ? cut.row : row;
     const auto known = mProcesses.find(entry.process);
     if (entry.tag.empty()) {
         const bool isInDump = known != mProcesses.end() && known->second.section != Section::None &&
@@ -571,11 +460,11 @@ void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_
         const bool isRaw = entry.process < 0 && entry.time.empty();
         const LineValues values =
                 row != nullptr ? match(row->text, entry.text).value_or(LineValues()) : LineValues();
-        const bool isOurs = row != nullptr && !isCut &&
+        const bool isOurs = row != nullptr && !cut.isCut &&
                             ((row->id == LineId::Entry && isInDump) ||
                              isOursWithoutTag(row->id, values.empty() ? "" : values.front()));
         if (!isOurs || (isRaw && mHasHeaders)) {
-            if (isRaw && (isOurs || mentionsUs(entry.text))) {
+            if (isRaw && (isOurs || mentionsLibrary(entry.text))) {
                 addUnread(entry.text, lineNumber);
             }
             return;
@@ -585,14 +474,14 @@ void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_
     if (process == nullptr) {
         return;
     }
-    if (isCut) {
-        addCut(entry.text, lineNumber, isCutError && row == nullptr, &mTraces[process->trace]);
+    if (cut.isCut) {
+        addCut(entry.text, lineNumber, cut.isError && row == nullptr, &mTraces[process->trace]);
     }
     if (row != nullptr && isOfCall(row->id)) {
         addCall(row->id, entry, lineNumber, count, &mTraces[process->trace]);
     } else if (row != nullptr) {
         addLine(row->id, entry, lineNumber, count, process);
-    } else if (!isCut) {
+    } else if (!cut.isCut) {
         addStrange(entry.text, lineNumber, &mTraces[process->trace]);
     }
     mTraces[process->trace].lastLine = lineNumber;

@@ -128,6 +128,7 @@ private:
                  LoadTrace* trace);
     static LoadEvent pathEvent(LineId id, std::string_view path, uint64_t lineNumber,
                                const LoadTrace& trace);
+    void addSkipped(const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process);
     static void addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace);

@@ -214,9 +214,12 @@ private:
     }
 
     void printPlace(uint64_t line) const {
+        if (mIsAll) {
+            return;  // All of them come at the end.
+        }
         const auto found = std::find_if(mDiagnosis.places.begin(), mDiagnosis.places.end(),
                                         [&](const PlacedLine& one) { return one.line == line; });
-        if (found != mDiagnosis.places.end() && !mIsAll) {
+        if (found != mDiagnosis.places.end()) {
             printLine(fmt::format("        {}", found->place));
         }
     }
