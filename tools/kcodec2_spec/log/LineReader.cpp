@@ -31,7 +31,7 @@ constexpr Magic kMagics[] = {
         {"\x28\xB5\x2F\xFD", "a zstd file: use \"zstdcat FILE | kcodec2_spec log\""},
 };
 
-bool isText(char c) {
+bool isTextByte(char c) {
     return static_cast<unsigned char>(c) >= ' ' ||
            std::string_view("\t\r\n\f\b\033").find(c) != std::string_view::npos;
 }
@@ -44,17 +44,18 @@ bool hasZerosAt(std::string_view block, size_t first) {
     for (size_t i = 0; i < pairs; ++i) {
         const char zero = block[2 * i + first];
         const char letter = block[2 * i + 1 - first];
-        fitting += zero == '\0' && isText(letter) ? 1 : 0;
+        fitting += zero == '\0' && isTextByte(letter) ? 1 : 0;
     }
     return pairs >= 2 && fitting * 10 >= pairs * 9;
 }
 
 bool isBinary(std::string_view block) {
-    const auto bad = std::count_if(block.begin(), block.end(), [](char c) { return !isText(c); });
+    const auto bad =
+            std::count_if(block.begin(), block.end(), [](char c) { return !isTextByte(c); });
     return static_cast<size_t>(bad) * 20 > block.size();
 }
 
-void append(char32_t c, std::string* text) {
+void appendUtf8(char32_t c, std::string* text) {
     if (c < 0x80) {
         *text += static_cast<char>(c);
         return;
@@ -127,9 +128,9 @@ void LineReader::decode() {
         const char32_t unit = unitAt(at);
         const bool isLow = unit >= 0xDC00 && unit < 0xE000;
         if (mHighSurrogate != 0) {
-            append(isLow ? 0x10000 + ((mHighSurrogate - 0xD800) << 10) + (unit - 0xDC00)
-                         : kReplacement,
-                   &mDecoded);
+            appendUtf8(isLow ? 0x10000 + ((mHighSurrogate - 0xD800) << 10) + (unit - 0xDC00)
+                             : kReplacement,
+                       &mDecoded);
             if (std::exchange(mHighSurrogate, 0) != 0 && isLow) {
                 continue;
             }
@@ -137,7 +138,7 @@ void LineReader::decode() {
         if (unit >= 0xD800 && unit < 0xDC00) {
             mHighSurrogate = unit;
         } else {
-            append(isLow ? kReplacement : unit, &mDecoded);
+            appendUtf8(isLow ? kReplacement : unit, &mDecoded);
         }
     }
     mRest = mDecoded;

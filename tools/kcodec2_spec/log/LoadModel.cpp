@@ -16,7 +16,8 @@ namespace {
 
 // The lines of a load in their order. A document's lines come section by section.
 constexpr unsigned kSectionCount = std::size(kSections);
-enum Slot : unsigned {
+namespace slot {
+enum : unsigned {
     FirstLookup,
     Parsing,
     OpenFailed,
@@ -33,27 +34,29 @@ enum Slot : unsigned {
     PrivateSections,
     PrivateFilters = PrivateSections + kSectionCount,
     BuiltInLines,
-    SlotCount,
+    Count,
 };
-static_assert(SlotCount <= 64);
+}  // namespace slot
+static_assert(slot::Count <= 64);
 
-constexpr uint64_t bit(unsigned slot) {
+constexpr uint64_t slotBit(unsigned slot) {
     return uint64_t{1} << slot;
 }
 
-constexpr uint64_t bits(unsigned first, unsigned limit) {
-    return bit(limit) - bit(first);
+constexpr uint64_t slotBits(unsigned first, unsigned limit) {
+    return slotBit(limit) - slotBit(first);
 }
 
-constexpr uint64_t kRepeated =
-        bits(SpecSections, Dump) | bits(PrivateSections, BuiltInLines) | bit(BuiltInLines);
-constexpr uint64_t kLookups =
-        bit(FirstLookup) | bit(SpecLookup) | bit(OverlayLookup) | bit(OverlayLookupAgain);
-constexpr uint64_t kSpecLines = bits(SpecRejected, Dump);
-constexpr uint64_t kOverlayLines = bits(PrivateRejected, SlotCount);
+constexpr uint64_t kRepeated = slotBits(slot::SpecSections, slot::Dump) |
+                               slotBits(slot::PrivateSections, slot::BuiltInLines) |
+                               slotBit(slot::BuiltInLines);
+constexpr uint64_t kLookups = slotBit(slot::FirstLookup) | slotBit(slot::SpecLookup) |
+                              slotBit(slot::OverlayLookup) | slotBit(slot::OverlayLookupAgain);
+constexpr uint64_t kSpecLines = slotBits(slot::SpecRejected, slot::Dump);
+constexpr uint64_t kOverlayLines = slotBits(slot::PrivateRejected, slot::Count);
 
 // One kind of load: which slots it fills for sure, and which it may fill.
-struct Kind {
+struct LoadKind {
     uint64_t required;
     uint64_t allowed;
     bool hasVariant;
@@ -62,28 +65,32 @@ struct Kind {
     OverlayResult overlay;
 };
 
-Kind kindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool isSpecAccepted,
-            OverlayResult overlay) {
-    Kind kind = {infoLines, 0, hasVariant, source, isSpecAccepted, overlay};
+LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool isSpecAccepted,
+                    OverlayResult overlay) {
+    LoadKind kind = {infoLines, 0, hasVariant, source, isSpecAccepted, overlay};
     const bool isOpen = source != SpecSource::None;
-    kind.required |= source != SpecSource::Variant ? bit(OpenFailed) | bit(FallingBack) : 0;
-    kind.required |= isOpen ? 0 : bit(NothingOpened);
-    kind.required |= hasVariant ? 0 : kLookups & ~(isOpen ? 0 : bit(SpecLookup));
-    kind.required |= isOpen && !isSpecAccepted ? bit(SpecRejected) : 0;
-    kind.required |= overlay == OverlayResult::Rejected ? bit(PrivateRejected) : 0;
+    kind.required |= source != SpecSource::Variant
+                             ? slotBit(slot::OpenFailed) | slotBit(slot::FallingBack)
+                             : 0;
+    kind.required |= isOpen ? 0 : slotBit(slot::NothingOpened);
+    kind.required |= hasVariant ? 0 : kLookups & ~(isOpen ? 0 : slotBit(slot::SpecLookup));
+    kind.required |= isOpen && !isSpecAccepted ? slotBit(slot::SpecRejected) : 0;
+    kind.required |= overlay == OverlayResult::Rejected ? slotBit(slot::PrivateRejected) : 0;
     kind.allowed = kind.required;
-    kind.allowed |= isOpen && isSpecAccepted ? bits(SpecSections, Dump) : 0;
-    kind.allowed |= overlay == OverlayResult::Private   ? bits(PrivateSections, BuiltInLines)
-                    : overlay == OverlayResult::BuiltIn ? bit(BuiltInLines)
+    kind.allowed |= isOpen && isSpecAccepted ? slotBits(slot::SpecSections, slot::Dump) : 0;
+    kind.allowed |= overlay == OverlayResult::Private
+                            ? slotBits(slot::PrivateSections, slot::BuiltInLines)
+                    : overlay == OverlayResult::BuiltIn ? slotBit(slot::BuiltInLines)
                                                         : 0;
     return kind;
 }
 
-std::vector<Kind> allKinds() {
-    std::vector<Kind> kinds;
+std::vector<LoadKind> makeLoadKinds() {
+    std::vector<LoadKind> kinds;
     for (const bool hasVariant : {false, true}) {
         // The level word lets through nothing, a heading of the dump, or both.
-        for (const uint64_t info : {uint64_t{0}, bit(Dump), bit(Parsing) | bit(Dump)}) {
+        for (const uint64_t info :
+             {uint64_t{0}, slotBit(slot::Dump), slotBit(slot::Parsing) | slotBit(slot::Dump)}) {
             for (const SpecSource source :
                  {SpecSource::Variant, SpecSource::Fallback, SpecSource::None}) {
                 for (const bool isAccepted : {false, true}) {
@@ -93,7 +100,7 @@ std::vector<Kind> allKinds() {
                     for (const OverlayResult overlay :
                          {OverlayResult::BuiltIn, OverlayResult::Rejected,
                           OverlayResult::Private}) {
-                        kinds.push_back(kindOf(hasVariant, info, source, isAccepted, overlay));
+                        kinds.push_back(loadKindOf(hasVariant, info, source, isAccepted, overlay));
                     }
                 }
             }
@@ -102,8 +109,8 @@ std::vector<Kind> allKinds() {
     return kinds;
 }
 
-const std::vector<Kind>& kinds() {
-    static const std::vector<Kind>& all = *new std::vector<Kind>(allKinds());
+const std::vector<LoadKind>& loadKinds() {
+    static const std::vector<LoadKind>& all = *new std::vector<LoadKind>(makeLoadKinds());
     return all;
 }
 
@@ -130,68 +137,70 @@ uint64_t slotsOf(const LoadEvent& event) {
         case LineId::NoVariant:
             return kLookups;
         case LineId::Parsing:
-            return bit(Parsing);
+            return slotBit(slot::Parsing);
         case LineId::OpenFailed:
-            return bit(OpenFailed);
+            return slotBit(slot::OpenFailed);
         case LineId::FallingBack:
-            return bit(FallingBack);
+            return slotBit(slot::FallingBack);
         case LineId::NothingOpened:
-            return bit(NothingOpened);
+            return slotBit(slot::NothingOpened);
         case LineId::StreamRejected:
-            return bit(SpecRejected) | bit(PrivateRejected);
+            return slotBit(slot::SpecRejected) | slotBit(slot::PrivateRejected);
         case LineId::BuiltInRejected:
-            return bit(BuiltInLines);
+            return slotBit(slot::BuiltInLines);
         case LineId::EncoderFilter:
-            return bit(SpecFilters) | bit(PrivateFilters);
+            return slotBit(slot::SpecFilters) | slotBit(slot::PrivateFilters);
         case LineId::Skipped:
         case LineId::RowSkipped: {
             const auto named = [&](const char* words) {
                 return event.document.empty() || event.document.find(words) != std::string::npos;
             };
             const uint64_t sections = sectionsOf(event);
-            return (named("system spec") ? sections << SpecSections : 0) |
-                   (named("private file") ? sections << PrivateSections : 0) |
-                   (event.document.find("built-in") != std::string::npos ? bit(BuiltInLines) : 0);
+            return (named("system spec") ? sections << slot::SpecSections : 0) |
+                   (named("private file") ? sections << slot::PrivateSections : 0) |
+                   (event.document.find("built-in") != std::string::npos
+                            ? slotBit(slot::BuiltInLines)
+                            : 0);
         }
         default:
-            return bit(Dump);
+            return slotBit(slot::Dump);
     }
 }
 
 // From which slot on lines may be missing without anybody noticing: the slots of `targets` that
 // can follow one of `from`.
-uint64_t step(const Kind& kind, uint64_t from, uint64_t targets, bool mayMiss) {
+uint64_t nextSlots(const LoadKind& kind, uint64_t from, uint64_t targets, bool mayMiss) {
     uint64_t reached = 0;
     for (uint64_t left = targets & kind.allowed; left != 0; left &= left - 1) {
         const unsigned target = static_cast<unsigned>(std::countr_zero(left));
-        const uint64_t self = kRepeated & bit(target);
-        const uint64_t before = from & (bits(0, target) | self);
+        const uint64_t self = kRepeated & slotBit(target);
+        const uint64_t before = from & (slotBits(0, target) | self);
         if (before == 0) {
             continue;
         }
         const unsigned last = 63 - static_cast<unsigned>(std::countl_zero(before));
         const bool isSelf = last == target;
-        const uint64_t between = isSelf ? 0 : bits(last, target) & ~bit(last);
+        const uint64_t between = isSelf ? 0 : slotBits(last, target) & ~slotBit(last);
         if (mayMiss || (kind.required & between) == 0) {
-            reached |= bit(target);
+            reached |= slotBit(target);
         }
     }
     return reached;
 }
 
 // The first slots that a load can begin with in a log that may lack its start.
-uint64_t startSlots(const Kind& kind, uint64_t targets, bool mayMiss) {
+uint64_t firstSlots(const LoadKind& kind, uint64_t targets, bool mayMiss) {
     uint64_t reached = 0;
     for (uint64_t left = targets & kind.allowed; left != 0; left &= left - 1) {
         const unsigned target = static_cast<unsigned>(std::countr_zero(left));
-        if (mayMiss || (kind.required & bits(0, target)) == 0) {
-            reached |= bit(target);
+        if (mayMiss || (kind.required & slotBits(0, target)) == 0) {
+            reached |= slotBit(target);
         }
     }
     return reached;
 }
 
-uint64_t endSlots(const Kind& kind, uint64_t slots, bool mayMiss) {
+uint64_t endSlots(const LoadKind& kind, uint64_t slots, bool mayMiss) {
     const uint64_t last = mayMiss || kind.required == 0
                                   ? 0
                                   : ~uint64_t{0} << (63 - std::countl_zero(kind.required));
@@ -199,36 +208,38 @@ uint64_t endSlots(const Kind& kind, uint64_t slots, bool mayMiss) {
 }
 
 // An event as the model sees it.
-struct Place {
+struct EventSlots {
     uint64_t slots;
     uint64_t repeats;
 };
 
-Place placeOf(const LoadEvent& event) {
+EventSlots slotsFor(const LoadEvent& event) {
     constexpr uint64_t kMost = 5;  // One more than any load has.
     return {slotsOf(event), event.id == LineId::NoVariant ? std::min(event.count, kMost) : 1};
 }
 
-uint64_t go(const Kind& kind, uint64_t from, const Place& place, bool mayMiss) {
+uint64_t slotsAfter(const LoadKind& kind, uint64_t from, const EventSlots& place, bool mayMiss) {
     for (uint64_t n = 0; n < place.repeats; ++n) {
-        from = step(kind, from, place.slots, mayMiss);
+        from = nextSlots(kind, from, place.slots, mayMiss);
     }
     return from;
 }
 
-uint64_t start(const Kind& kind, const Place& place, bool mayMissStart, bool mayMiss) {
-    const uint64_t first = startSlots(kind, place.slots, mayMissStart);
-    return go(kind, first, {place.slots, place.repeats - 1}, mayMiss);
+uint64_t slotsAtStart(const LoadKind& kind, const EventSlots& place, bool mayMissStart,
+                      bool mayMiss) {
+    const uint64_t first = firstSlots(kind, place.slots, mayMissStart);
+    return slotsAfter(kind, first, {place.slots, place.repeats - 1}, mayMiss);
 }
 
 // Which slots each event can have in a load of this kind; empty when it cannot be one.
-std::vector<uint64_t> slotsIn(const Kind& kind, const std::vector<Place>& places,
+std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<EventSlots>& places,
                               const LoadLimits& limits) {
     std::vector<uint64_t> slots;
-    for (const Place& place : places) {
-        slots.push_back(slots.empty() ? start(kind, place, limits.hasGaps || !limits.isStartKnown,
-                                              limits.hasGaps)
-                                      : go(kind, slots.back(), place, limits.hasGaps));
+    for (const EventSlots& place : places) {
+        slots.push_back(slots.empty()
+                                ? slotsAtStart(kind, place, limits.hasGaps || !limits.isStartKnown,
+                                               limits.hasGaps)
+                                : slotsAfter(kind, slots.back(), place, limits.hasGaps));
         if (slots.back() == 0) {
             return {};
         }
@@ -244,7 +255,7 @@ std::vector<uint64_t> slotsIn(const Kind& kind, const std::vector<Place>& places
         uint64_t kept = 0;
         for (uint64_t left = slots[i - 1]; left != 0; left &= left - 1) {
             const uint64_t one = left & ~(left - 1);
-            kept |= (go(kind, one, places[i], limits.hasGaps) & slots[i]) != 0 ? one : 0;
+            kept |= (slotsAfter(kind, one, places[i], limits.hasGaps) & slots[i]) != 0 ? one : 0;
         }
         slots[i - 1] = kept;
     }
@@ -256,7 +267,7 @@ bool isPathOfVariant(const LoadEvent& event) {
            event.value != std::string(kVendorSpecDirectory) + kSystemSpecName;
 }
 
-bool isExcluded(const Kind& kind, std::span<const LoadEvent> events, const LoadLimits& limits) {
+bool isExcluded(const LoadKind& kind, std::span<const LoadEvent> events, const LoadLimits& limits) {
     const bool isBuiltInRejected =
             std::any_of(events.begin(), events.end(),
                         [](const LoadEvent& event) { return event.id == LineId::BuiltInRejected; });
@@ -270,13 +281,13 @@ bool isExcluded(const Kind& kind, std::span<const LoadEvent> events, const LoadL
            (!kind.hasVariant && std::any_of(events.begin(), events.end(), isPathOfVariant));
 }
 
-PossibleLoads collect(std::span<const LoadEvent> events, const LoadLimits& limits) {
+PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
     PossibleLoads loads;
     std::vector<uint64_t> slots(events.size(), 0);
-    std::vector<Place> places;
-    std::transform(events.begin(), events.end(), std::back_inserter(places), placeOf);
+    std::vector<EventSlots> places;
+    std::transform(events.begin(), events.end(), std::back_inserter(places), slotsFor);
     loads.isContradictory = true;
-    for (const Kind& kind : kinds()) {
+    for (const LoadKind& kind : loadKinds()) {
         if (isExcluded(kind, events, limits)) {
             continue;
         }
@@ -306,11 +317,11 @@ PossibleLoads collect(std::span<const LoadEvent> events, const LoadLimits& limit
 }  // namespace
 
 PossibleLoads possibleLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
-    PossibleLoads loads = collect(events, limits);
+    PossibleLoads loads = collectLoads(events, limits);
     if (loads.isContradictory && !limits.hasGaps) {
         LoadLimits withGaps = limits;
         withGaps.hasGaps = true;
-        loads = collect(events, withGaps);
+        loads = collectLoads(events, withGaps);
         loads.isIncomplete = !loads.isContradictory;
     }
     return loads;
@@ -323,14 +334,14 @@ bool LoadPosition::follow(const LoadEvent& event) {
     }
     const bool hasVariant = mHasVariant || isPathOfVariant(event);
     const bool lacksVariant = mLacksVariant || event.id == LineId::NoVariant;
-    const Place place = placeOf(event);
+    const EventSlots place = slotsFor(event);
     std::vector<uint64_t> slots;
-    for (size_t i = 0; i < kinds().size(); ++i) {
-        const Kind& kind = kinds()[i];
+    for (size_t i = 0; i < loadKinds().size(); ++i) {
+        const LoadKind& kind = loadKinds()[i];
         const bool isExcluded = kind.hasVariant ? lacksVariant : hasVariant;
         slots.push_back(isExcluded       ? 0
-                        : mSlots.empty() ? start(kind, place, true, true)
-                                         : go(kind, mSlots[i], place, true));
+                        : mSlots.empty() ? slotsAtStart(kind, place, true, true)
+                                         : slotsAfter(kind, mSlots[i], place, true));
     }
     if (std::all_of(slots.begin(), slots.end(), [](uint64_t each) { return each == 0; })) {
         return false;

@@ -55,7 +55,7 @@ struct Diagnosis {
     }
 };
 
-void printLine(const std::string& text) {
+void printEscaped(const std::string& text) {
     fmt::print("{}\n", escaped(text));
 }
 
@@ -162,11 +162,11 @@ private:
             return;
         }
         const size_t end = one.text.find('\n');
-        printLine(fmt::format("  {}: {}{} [{}]", nameOf(one.severity), one.text.substr(0, end),
-                              lineList(one.lines), one.topic));
+        printEscaped(fmt::format("  {}: {}{} [{}]", nameOf(one.severity), one.text.substr(0, end),
+                                 lineList(one.lines), one.topic));
         for (size_t at = end; at != std::string::npos;) {
             const size_t next = one.text.find('\n', at + 1);
-            printLine(fmt::format("      {}", one.text.substr(at + 1, next - at - 1)));
+            printEscaped(fmt::format("      {}", one.text.substr(at + 1, next - at - 1)));
             at = next;
         }
         for (const uint64_t line : one.lines) {
@@ -191,16 +191,16 @@ private:
         }
         constexpr size_t kMost = 5;
         const size_t shown = mIsAll ? group.size() : std::min(group.size(), kMost);
-        printLine(
+        printEscaped(
                 fmt::format("  {}: {}: [{}]", nameOf(first.severity), first.heading, first.topic));
         for (size_t i = 0; i < shown; ++i) {
-            printLine(fmt::format("      {}{}", group[i]->item, lineList(group[i]->lines)));
+            printEscaped(fmt::format("      {}{}", group[i]->item, lineList(group[i]->lines)));
             for (const uint64_t line : group[i]->lines) {
                 printPlace(line);
             }
         }
         if (shown < group.size()) {
-            printLine(fmt::format("      and {} more: --all lists them", group.size() - shown));
+            printEscaped(fmt::format("      and {} more: --all lists them", group.size() - shown));
         }
         for (size_t i = 0; i < shown; ++i) {
             printAdvice(group[i]->advice);
@@ -209,7 +209,7 @@ private:
 
     void printAdvice(const std::string& advice) {
         if (!advice.empty() && mAdvice.insert(advice).second) {
-            printLine(fmt::format("    do: {}", advice));
+            printEscaped(fmt::format("    do: {}", advice));
         }
     }
 
@@ -220,26 +220,26 @@ private:
         const auto found = std::find_if(mDiagnosis.places.begin(), mDiagnosis.places.end(),
                                         [&](const PlacedLine& one) { return one.line == line; });
         if (found != mDiagnosis.places.end()) {
-            printLine(fmt::format("        {}", found->place));
+            printEscaped(fmt::format("        {}", found->place));
         }
     }
 
     void printOutcomes() const {
         for (const OverlayOutcome& outcome : mDiagnosis.facts.outcomes) {
-            printLine(fmt::format("      {}: codec test tool {}, private file {}: {}",
-                                  outcome.isPossible ? "possible" : "excluded",
-                                  outcome.hasTestTool ? "there" : "absent", outcome.privateFile,
-                                  outcome.result()));
+            printEscaped(fmt::format("      {}: codec test tool {}, private file {}: {}",
+                                     outcome.isPossible ? "possible" : "excluded",
+                                     outcome.hasTestTool ? "there" : "absent", outcome.privateFile,
+                                     outcome.result()));
         }
     }
 
     void printPlaces() const {
         if (!mDiagnosis.places.empty()) {
-            printLine("  Where the lines come from:");
+            printEscaped("  Where the lines come from:");
         }
         for (const PlacedLine& line : mDiagnosis.places) {
-            printLine(fmt::format("    line {}: {}", line.line, line.text));
-            printLine(fmt::format("        {}", line.place));
+            printEscaped(fmt::format("    line {}: {}", line.line, line.text));
+            printEscaped(fmt::format("        {}", line.place));
         }
     }
 
@@ -253,7 +253,7 @@ private:
 void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
     const bool isOne = diagnoses.size() == 1;
     for (const Diagnosis& diagnosis : diagnoses) {
-        printLine(headlineOf(diagnosis));
+        printEscaped(headlineOf(diagnosis));
     }
     for (const Diagnosis& diagnosis : diagnoses) {
         if (!isAll && diagnosis.count(Severity::Error) + diagnosis.count(Severity::Warning) == 0) {
@@ -262,7 +262,7 @@ void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
         if (!isOne) {
             const std::string headline = headlineOf(diagnosis);
             fmt::print("\n");
-            printLine(headline.substr(0, headline.find(')') + 1));
+            printEscaped(headline.substr(0, headline.find(')') + 1));
         }
         DetailPrinter(diagnosis, isAll).print();
     }
@@ -348,7 +348,7 @@ struct ReadLog {
     uint64_t lines = 0;
 };
 
-void read(std::FILE* file, ReadLog* log) {
+void readLog(std::FILE* file, ReadLog* log) {
     LineReader reader(file);
     for (std::string_view line; reader.next(&line);) {
         if (const std::optional<LogEntry> entry = log->parser.parse(line)) {
@@ -406,7 +406,7 @@ int describeLog(const std::string& path, const LogOptions& options) {
     ReadLog log;
     log.failure = "not open";
     if (file != nullptr) {
-        read(file.get(), &log);
+        readLog(file.get(), &log);
     } else {
         log.failure = std::strerror(errno);
     }
