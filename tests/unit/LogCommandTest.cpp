@@ -421,6 +421,10 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
             {{tag + "Failed to open /vendor/etc/media_on"},
              {"/vendor/etc/media_on... (cut) does not open"}},
             {{kFailed, "W KC2TargetSpec: Falling back to /ve"}, {"is read"}},
+            // A dump without the line of the path proves no order: a component may have asked for
+            // it.
+            {{kRejected, "I KC2TargetSpec: Video Core Features:"},
+             {"error rejected: either ", "of a component that has called printSpecifications()"}},
             // The widths show where the heading of the presets is lost.
             {{"I KC2TargetSpec: Video Core Features:",
               "I KC2TargetSpec:        a                         : 1",
@@ -466,6 +470,7 @@ TEST(LogCommandTest, ANewLoadBeginsWhereALineCannotFollow) {
             // Queries begin none, and may come hours later.
             {rejected + timed({kNoCodecs}, 77, 50000), 1},
             {timed({kNoCodecs, kRejected}, 77, 3600), 2},
+            {timed({"I KC2TargetSpec: Video Core Features:", kFailed}, 77, 3600), 2},
             {timed({kFailed}, 1, 5) + timed({kRejected}, 2, 5) + timed({kFailed}, 1, 5), 3},
             {"E/Other(1): Couldn't parse json from file stream\n", 0},
     };

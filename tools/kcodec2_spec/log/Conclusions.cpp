@@ -82,9 +82,9 @@ ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
     limits.isStartKnown = trace.lineBefore != 0;
     limits.isEndKnown = trace.lineAfter != 0;
     limits.hasGaps = trace.droppedLines != 0 || trace.cutCount != 0 || trace.isTooLong;
-    limits.hasDumpEntries = !dump.features.empty() || !dump.presets.empty() ||
-                            !dump.filters.empty() || !dump.plugins.empty() ||
-                            !dump.codecs.empty() || !dump.unplaced.empty();
+    limits.hasDumpEntries = dump.isOfLoad && (!dump.features.empty() || !dump.presets.empty() ||
+                                              !dump.filters.empty() || !dump.plugins.empty() ||
+                                              !dump.codecs.empty() || !dump.unplaced.empty());
     limits.hasNoCodecs = trace.noCodecs.count != 0;
     for (const OverlayResult kind :
          {OverlayResult::BuiltIn, OverlayResult::Rejected, OverlayResult::Private}) {
@@ -368,7 +368,10 @@ private:
             return;
         }
         std::string text =
-                "after the first step, and before the second document adds to it, the store had:";
+                dump.isOfLoad ? "after the first step, and before the second document adds to it, "
+                                "the store had:"
+                              : "a dump, of the load or of a component that has called "
+                                "printSpecifications() later, shows:";
         text += listed("features", dump.features) + listed("presets", dump.presets) +
                 listed("pre-processing filters", dump.filters);
         text += listed(
@@ -392,7 +395,7 @@ private:
              dump.hasCodecsHeading ? ""
                                    : "set bit 0x8 of the level word, too: its heading shows where "
                                      "the codec components begin",
-             {lineOf(LineId::FeaturesHeading)}});
+             {dump.line}});
     }
 
     std::string builtInName() const {

@@ -38,6 +38,11 @@ bool isOfCall(LineId id) {
            id == LineId::BadDescriptor || id == LineId::SkippedByCall;
 }
 
+bool isOfLocation(LineId id) {
+    return id == LineId::Parsing || id == LineId::OpenFailed || id == LineId::FallingBack ||
+           id == LineId::NothingOpened;
+}
+
 bool isOurTag(std::string_view tag) {
     return std::any_of(logLines().begin(), logLines().end(),
                        [tag](const LogLine& line) { return tag == line.tag; });
@@ -202,7 +207,10 @@ void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entr
     const std::optional<double> since = secondsBetween(process->lastTime, entry.time);
     const bool isFarApart = since && *since > kMostSecondsApart;
     const size_t old = process->trace;
-    const bool isOver = mTraces[old].noCodecs.count != 0;  // Get() has returned.
+    // Get() has returned, or a component has written a dump.
+    const bool isOver =
+            mTraces[old].noCodecs.count != 0 ||
+            (isOfLocation(event.id) && mTraces[old].dump.isStarted && !mTraces[old].dump.isOfLoad);
     if (!isFarApart && !isOver && process->position.follow(event)) {
         return;
     }
@@ -261,6 +269,24 @@ void TraceCollector::addSkipped(const LogEntry& entry, uint64_t lineNumber, Proc
              entry, process);
 }
 
+// The dump of a load follows the line with the path, which the same bit of the level word lets
+// through. Any other may be of a component that calls printSpecifications() at any time.
+void TraceCollector::startDump(LineId first, const LogEntry& entry, uint64_t lineNumber,
+                               Process* process) {
+    const std::optional<double> since = secondsBetween(process->lastTime, entry.time);
+    const bool isFarApart = since && *since > kMostSecondsApart;
+    const bool isOfLoad = first == LineId::CodecsHeading ||
+                          (!isFarApart && mTraces[process->trace].find(LineId::Parsing) != nullptr);
+    if (isOfLoad) {
+        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
+    }
+    Dump& dump = mTraces[process->trace].dump;
+    dump.isStarted = true;
+    dump.isOfLoad = isOfLoad;
+    dump.isWhole = first == LineId::FeaturesHeading;
+    dump.line = lineNumber;
+}
+
 void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber,
                                 Process* process) {
     constexpr LineId kHeadings[] = {LineId::FeaturesHeading, LineId::PresetsHeading,
@@ -277,10 +303,7 @@ void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineN
         return;
     }
     if (!mTraces[process->trace].dump.isStarted) {
-        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
-        Dump& dump = mTraces[process->trace].dump;
-        dump.isStarted = true;
-        dump.isWhole = id == LineId::FeaturesHeading;
+        startDump(id, entry, lineNumber, process);
     }
     Dump& dump = mTraces[process->trace].dump;
     for (int lost = static_cast<int>(process->section) + 1; lost < static_cast<int>(section);
@@ -295,8 +318,7 @@ void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineN
 
 void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process) {
     if (process->section == Section::None && !mTraces[process->trace].dump.isStarted) {
-        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
-        mTraces[process->trace].dump.isStarted = true;  // Its start is cut off.
+        startDump(LineId::Entry, entry, lineNumber, process);
     }
     LoadTrace& trace = mTraces[process->trace];
     Dump& dump = trace.dump;

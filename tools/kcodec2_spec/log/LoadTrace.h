@@ -33,6 +33,8 @@ struct Dump {
     std::vector<DumpedValue> unplaced;  // No heading before them.
     bool hasCodecsHeading = false;
     bool isStarted = false;
+    bool isOfLoad = false;     // Else a component may have asked for it, after the load.
+    uint64_t line = 0;         // The first one.
     bool isWhole = false;      // Seen from its first line on.
     std::string lostHeadings;  // Of sections before the last one that is there.
 };
@@ -74,7 +76,7 @@ struct LoadTrace {
 
     const LoadEvent* find(LineId id) const;
     uint64_t count(LineId id) const;
-    bool hasLoad() const { return !events.empty(); }
+    bool hasLoad() const { return !events.empty() || dump.isStarted; }
 
     // The path that the variant selected: whole, or empty when no line shows it.
     std::string firstPath() const;
@@ -129,6 +131,7 @@ private:
     static LoadEvent pathEvent(LineId id, std::string_view path, uint64_t lineNumber,
                                const LoadTrace& trace);
     void addSkipped(const LogEntry& entry, uint64_t lineNumber, Process* process);
+    void startDump(LineId first, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process);
     static void addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace);

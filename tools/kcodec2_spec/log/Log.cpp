@@ -98,7 +98,7 @@ std::string summaryOf(const Diagnosis& diagnosis) {
 // The whole load in one line: whose it is, what is wrong, and what to do.
 std::string headlineOf(const Diagnosis& diagnosis) {
     const LoadTrace& trace = *diagnosis.trace;
-    const std::string process = trace.process < 0 ? "A process without a number"
+    const std::string process = trace.process < 0 ? "Lines without a process number, as if of one"
                                                   : fmt::format("Process {}", trace.process);
     const std::string lines =
             trace.firstLine == trace.lastLine

@@ -479,7 +479,7 @@ private:
     // Without their heading the codec components are among the plug-ins.
     void compareDump() {
         const Dump& logged = mTrace.dump;
-        if (!logged.isStarted || mSystemSpec == nullptr || !logged.lostHeadings.empty()) {
+        if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty()) {
             return;
         }
         const Dump& expected = mSystemSpec->dump();
