@@ -10,6 +10,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <string>
@@ -381,7 +382,7 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
         std::vector<std::string> lines;
         std::vector<std::string> words;
     } rows[] = {
-            {{kRejected}, {"error rejected: either ", "second document is open"}},
+            {{kRejected}, {"error rejected: either ", "second document is merged is not proved"}},
             {{kRejected, kRejected},
              {"error rejected: the system spec document", "error rejected: the private file"}},
             {{kRejected, kRow}, {"error rejected: the system spec", "private file (/data"}},
@@ -519,8 +520,10 @@ std::string threadtime(char p, const std::string& tag, const std::string& text) 
     return std::string("11-25 08:11:21.123   77   78 ") + p + " " + tag + " : " + text + "\n";
 }
 
-TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
-    using S = std::string;
+using S = std::string;
+
+// How each format writes a line.
+std::vector<std::pair<const char*, Form>> allForms() {
     const auto after = [](const S& prefix) {
         return [prefix](char p, const S& tag, const S& text) {
             return prefix + threadtime(p, tag, text);
@@ -537,8 +540,8 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
             return tag == "Other" ? S("\n") : (header.empty() ? S() : p + header) + text + "\n";
         };
     };
-    int number = 0;
-    const std::pair<const char*, Form> forms[] = {
+    const auto number = std::make_shared<int>(0);
+    return {
             {"brief",
              [](char p, S tag, S text) { return p + ("/" + tag + "  ( 77): " + text + "\r\n"); }},
             {"brief, user",
@@ -605,25 +608,28 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
             {"CI in brackets", after("[2026-11-25 08:11:22] ")},
             {"CI, clock", after("[08:11:22] ")},
             {"grep -n",
-             [&](char p, S tag, S text) {
-                 return std::to_string(++number) + ":" + threadtime(p, tag, text);
+             [number](char p, S tag, S text) {
+                 return std::to_string(++*number) + ":" + threadtime(p, tag, text);
              }},
             {"cat -n",
-             [&](char p, S tag, S text) {
-                 return "    " + std::to_string(++number) + "\t" + threadtime(p, tag, text);
+             [number](char p, S tag, S text) {
+                 return "    " + std::to_string(++*number) + "\t" + threadtime(p, tag, text);
              }},
             {"numbered brief",
-             [&](char p, S tag, S text) {
-                 return std::to_string(++number) + ":" + p + "/" + tag + "(   77): " + text + "\n";
+             [number](char p, S tag, S text) {
+                 return std::to_string(++*number) + ":" + p + "/" + tag + "(   77): " + text + "\n";
              }},
     };
+}
+
+TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
     const S expected = textOfAll(described(logIn(threadtime)));
     for (const char* words : {"variant is \"_test\"", "Video/Features/a was skipped", "1 row of",
                               "features (1): b=1", "presets (1): c=5", "plug-ins (1): plug",
                               "components (1): c2.kvx", "rejected: the private file"}) {
         EXPECT_NE(S::npos, expected.find(words)) << words << "\n" << expected;
     }
-    for (const auto& [name, form] : forms) {
+    for (const auto& [name, form] : allForms()) {
         const Json::Value loads = described(logIn(form));
         EXPECT_EQ(1u, loads.size()) << name;
         EXPECT_EQ(expected, textOfAll(loads)) << name;
@@ -638,7 +644,6 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
 
 TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {
     const ScratchDirectory scratch;
-    using S = std::string;
     const struct {
         S log;
         int exitCode;

@@ -105,6 +105,14 @@ ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
     return facts;
 }
 
+Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event) {
+    const std::string& named = trace.events[event].document;
+    return named.find("system spec") != std::string::npos    ? Which::SystemSpec
+           : named.find("private file") != std::string::npos ? Which::Overlay
+           : facts.loads.isContradictory                     ? Which::Either
+                                                             : facts.loads.of[event];
+}
+
 std::string pullAndCheck(const std::string& path) {
     return path.empty() ? fmt::format("find the document: {}; adb pull it; kcodec2_spec check FILE",
                                       kGetProperty)
@@ -141,6 +149,7 @@ public:
         describeFormats();
         describeOtherCalls();
         describeGaps();
+        describeLimits();
         return std::move(mConclusions);
     }
 
@@ -193,18 +202,36 @@ private:
     }
 
     void describeSystemSpec() {
-        const std::vector<uint64_t> lines =
-                linesThatAre({lineOf(LineId::OpenFailed), lineOf(LineId::FallingBack),
-                              lineOf(LineId::NothingOpened)});
-        const std::string tried = triedPath();
+        const bool isVariant = mFacts.isOpen(SpecSource::Variant);
         const std::string look = fmt::format(
                 "adb shell ls -lZ {}{}; {}", kFallbackSystemSpec,
                 mTrace.firstPath().empty() ? "" : fmt::format(" {}", mTrace.firstPath()),
                 kGetProperty);
+        const std::vector<uint64_t> lines = linesThatAre({lineOf(LineId::Parsing)});
+        if (!isVariant || mTrace.find(LineId::OpenFailed) != nullptr) {
+            describeOpenFailure(look);
+        } else if (mFacts.isOnly(SpecSource::Variant) && !mTrace.firstPath().empty()) {
+            add({Severity::Note, "system-spec", "",
+                 fmt::format("the system spec document is {}", mTrace.firstPath()), "", lines});
+        } else if (mFacts.isOnly(SpecSource::Variant)) {
+            add({Severity::Note, "system-spec", "",
+                 "the document that the variant selects opens; no line names it", kInfoLines});
+        } else {
+            add({Severity::Note, "system-spec", "",
+                 fmt::format("which system spec document opens is not proved; {} is tried first",
+                             triedPath()),
+                 look, lines});
+        }
+    }
+
+    void describeOpenFailure(const std::string& look) {
+        const std::string tried = triedPath();
+        const std::vector<uint64_t> lines =
+                linesThatAre({lineOf(LineId::OpenFailed), lineOf(LineId::FallingBack),
+                              lineOf(LineId::NothingOpened)});
         const std::string install = look +
                                     "; install the document there, or correct the variant, which "
                                     "follows \"media\" without a \"/\" between";
-        const bool isVariant = mFacts.isOpen(SpecSource::Variant);
         if (mFacts.isOnly(SpecSource::None)) {
             add({Severity::Error, "system-spec", "no system spec document",
                  fmt::format("there is no system spec document: neither {} nor {} opens. \"Exit!\" "
@@ -217,23 +244,12 @@ private:
                  fmt::format("{} does not open, so the fallback {} is read", tried,
                              kFallbackSystemSpec),
                  install, lines});
-        } else if (!isVariant || mTrace.find(LineId::OpenFailed) != nullptr) {
+        } else {
             add({Severity::Error, "system-spec", fmt::format("{} does not open", tried),
                  fmt::format("{} does not open, so the fallback {} is tried; whether that opens is "
                              "not in the log",
                              tried, kFallbackSystemSpec),
                  look, lines});
-        } else if (mFacts.isOnly(SpecSource::Variant) && !mTrace.firstPath().empty()) {
-            add({Severity::Note, "system-spec", "",
-                 fmt::format("the system spec document is {}", mTrace.firstPath()), "",
-                 linesThatAre({lineOf(LineId::Parsing)})});
-        } else if (mFacts.isOnly(SpecSource::Variant)) {
-            add({Severity::Note, "system-spec", "",
-                 "the document that the variant selects opens; no line names it", kInfoLines});
-        } else {
-            add({Severity::Note, "system-spec", "",
-                 fmt::format("which system spec document opens is open; {} is tried first", tried),
-                 look, linesThatAre({lineOf(LineId::Parsing)})});
         }
     }
 
@@ -243,14 +259,7 @@ private:
                                                     : "";
     }
 
-    // The line's own word, where it names its document.
-    Which whichOf(size_t event) const {
-        const std::string& named = mTrace.events[event].document;
-        return named.find("system spec") != std::string::npos    ? Which::SystemSpec
-               : named.find("private file") != std::string::npos ? Which::Overlay
-               : mFacts.loads.isContradictory                    ? Which::Either
-                                                                 : mFacts.loads.of[event];
-    }
+    Which whichOf(size_t event) const { return kc2::tool::whichOf(mTrace, mFacts, event); }
 
     std::string documentOf(size_t event) const {
         const std::string path = specPath();
@@ -442,7 +451,8 @@ private:
                     mTrace.lineAfter);
         }
         add({Severity::Note, "overlay", "",
-             fmt::format("the second document is open: {}{}", joined(results, ", or "), why),
+             fmt::format("which second document is merged is not proved: {}{}",
+                         joined(results, ", or "), why),
              fmt::format("adb shell ls -l {} {}; {}", kCodecTestTool, kPrivateConfig,
                          pullAndCheck(kPrivateConfig)),
              overlayLines()});
@@ -572,6 +582,9 @@ private:
                              counted(mTrace.droppedLines, "line")),
                  kLarger});
         }
+    }
+
+    void describeLimits() {
         if (mFacts.loads.isIncomplete) {
             add({Severity::Note, "gaps", "",
                  "lines of this load are missing: what is not in the log proves nothing here",

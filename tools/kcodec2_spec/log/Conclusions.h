@@ -55,6 +55,9 @@ struct Conclusion {
 // Everything that the log shows of one load and its process, in the order of the load.
 std::vector<Conclusion> conclude(const LoadTrace& trace, const ProvedFacts& facts);
 
+// Which document an event is about: the line's own word, where it has one.
+Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event);
+
 // "adb pull PATH; kcodec2_spec check FILE".
 std::string pullAndCheck(const std::string& path);
 

@@ -9,8 +9,8 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr size_t kBlockBytes = size_t{1} << 16;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr size_t kReadBytes = size_t{1} << 16;
+constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
 
 struct Magic {
     std::string_view bytes;
@@ -104,8 +104,8 @@ bool LineReader::fill() {
     if (hasHalf) {
         mBlock[0] = mBlock.back();
     }
-    mBlock.resize(kept + kBlockBytes);
-    const size_t size = std::fread(mBlock.data() + kept, 1, kBlockBytes, mFile);
+    mBlock.resize(kept + kReadBytes);
+    const size_t size = std::fread(mBlock.data() + kept, 1, kReadBytes, mFile);
     mBlock.resize(kept + size);
     mRest = size != 0 ? std::string_view(mBlock) : std::string_view();
     if (size != 0 && mEncoding != Encoding::Bytes) {
@@ -159,8 +159,8 @@ bool LineReader::next(std::string_view* line) {
     }
     mLineNumber += isAny ? 1 : 0;
     *line = mLine;
-    while (line->starts_with(kByteOrderMark)) {  // Also where files were joined.
-        line->remove_prefix(kByteOrderMark.size());
+    while (line->starts_with(kUtf8ByteOrderMark)) {  // Also where files were joined.
+        line->remove_prefix(kUtf8ByteOrderMark.size());
     }
     return isAny;
 }

@@ -348,7 +348,7 @@ struct ReadLog {
     uint64_t lines = 0;
 };
 
-void readLog(std::FILE* file, ReadLog* log) {
+void readLines(std::FILE* file, ReadLog* log) {
     LineReader reader(file);
     for (std::string_view line; reader.next(&line);) {
         if (const std::optional<LogEntry> entry = log->parser.parse(line)) {
@@ -396,27 +396,44 @@ std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOption
     return diagnoses;
 }
 
-}  // namespace
-
-int describeLog(const std::string& path, const LogOptions& options) {
+// Reads a file of that name, or standard input for "-".
+ReadLog readLog(const std::string& path) {
     const auto close = [](std::FILE* file) { return file == stdin ? 0 : std::fclose(file); };
     errno = 0;
     const std::unique_ptr<std::FILE, decltype(close)> file(
             path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
     ReadLog log;
-    log.failure = "not open";
     if (file != nullptr) {
-        readLog(file.get(), &log);
+        readLines(file.get(), &log);
     } else {
         log.failure = std::strerror(errno);
     }
+    if (log.failure.empty()) {
+        log.failure = whyNotUnderstood(log);
+    }
+    return log;
+}
+
+// What is left to say on standard error of a log that was read.
+void complainOf(const TraceCollector& collector) {
+    if (collector.unreadCount() != 0) {
+        complain(
+                fmt::format("{} with a text of the library cannot be read; the first is line {}: "
+                            "{}",
+                            counted(collector.unreadCount(), "line"), collector.firstUnreadLine(),
+                            collector.firstUnread()));
+    }
+    if (collector.isTooLong()) {
+        complain("the log has more than is kept: not all of it is described");
+    }
+}
+
+}  // namespace
+
+int describeLog(const std::string& path, const LogOptions& options) {
+    const ReadLog log = readLog(path);
     if (!log.failure.empty()) {
         complain(fmt::format("{} cannot be read: {}", path, log.failure));
-        return kExitUsage;
-    }
-    if (const std::string why = whyNotUnderstood(log); !why.empty()) {
-        complain(fmt::format("{} cannot be read: {}", path, why));
-        complain("take the log with adb logcat -d -v threadtime");
         return kExitUsage;
     }
     const std::vector<Diagnosis> diagnoses = diagnose(log.collector, options);
@@ -427,16 +444,7 @@ int describeLog(const std::string& path, const LogOptions& options) {
     } else {
         printText(diagnoses, options.isAll);
     }
-    if (log.collector.unreadCount() != 0) {
-        complain(
-                fmt::format("{} with a text of the library cannot be read; the first is line {}: "
-                            "{}",
-                            counted(log.collector.unreadCount(), "line"),
-                            log.collector.firstUnreadLine(), log.collector.firstUnread()));
-    }
-    if (log.collector.isTooLong()) {
-        complain("the log has more than is kept: not all of it is described");
-    }
+    complainOf(log.collector);
     const bool isAnyError =
             std::any_of(diagnoses.begin(), diagnoses.end(),
                         [](const Diagnosis& one) { return one.count(Severity::Error) != 0; });

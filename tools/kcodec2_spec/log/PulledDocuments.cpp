@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/DeviceOptions.h"
+#include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
@@ -338,57 +339,58 @@ private:
         }
     }
 
-    void describeTree() {
+    // The documents that the load reads, or may read, and the tree lacks.
+    std::vector<std::string> absentDocuments() const {
         std::vector<std::string> absent;
+        if (mSystemSpec == nullptr && mTrace.hasLoad() && !mIsOtherPath) {
+            if (mTrace.firstPath().empty()) {
+                absent.emplace_back(
+                        "the system spec document (no line names it: give the variant with "
+                        "--property)");
+            } else if (mLogFacts.isOpen(SpecSource::Variant)) {
+                absent.push_back(mTrace.firstPath());
+            } else if (mLogFacts.isOpen(SpecSource::Fallback)) {
+                absent.emplace_back(kFallbackSystemSpec);
+            }
+        }
+        if (mPrivateFile == nullptr) {
+            absent.emplace_back(kPrivateConfig);
+        }
+        return absent;
+    }
+
+    void describeTree() {
         if (mIsOtherPath) {
             contradict(fmt::format("the phone looks for {}, but the options lead to {}: give the "
                                    "variant of the phone",
                                    mTrace.firstPath(), mLoad.firstPath),
                        {mTrace.firstLine});
-        } else if (mSystemSpec == nullptr && mTrace.hasLoad()) {
-            absent.push_back(mTrace.firstPath().empty() ? "the system spec document (no line names "
-                                                          "it: give the variant with --property)"
-                             : mLogFacts.isOpen(SpecSource::Variant)  ? mTrace.firstPath()
-                             : mLogFacts.isOpen(SpecSource::Fallback) ? kFallbackSystemSpec
-                                                                      : "");
         }
-        if (mPrivateFile == nullptr) {
-            const bool isProved =
-                    !mLogFacts.loads.isContradictory && !mLogFacts.isOpen(OverlayResult::BuiltIn);
-            if (isProved) {
-                contradict("the phone has a private file, but the tree has none",
-                           mTrace.noCodecs.line != 0 ? std::vector{mTrace.noCodecs.line}
-                                                     : std::vector<uint64_t>(),
-                           fmt::format("adb pull {}", kPrivateConfig));
-            } else {
-                absent.emplace_back(kPrivateConfig);
+        if (mPrivateFile == nullptr && !mLogFacts.loads.isContradictory &&
+            !mLogFacts.isOpen(OverlayResult::BuiltIn)) {
+            contradict("the phone has a private file, but the tree has none",
+                       mTrace.noCodecs.line != 0 ? std::vector{mTrace.noCodecs.line}
+                                                 : std::vector<uint64_t>(),
+                       fmt::format("adb pull {}", kPrivateConfig));
+        }
+        std::vector<std::string> compared;
+        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
+            if (document != nullptr) {
+                compared.push_back(document->path());
             }
         }
-        absent.erase(std::remove(absent.begin(), absent.end(), ""), absent.end());
-        std::string text = fmt::format(
-                "compared with: {}{}{}", mSystemSpec != nullptr ? mSystemSpec->path() : "",
-                mSystemSpec != nullptr && mPrivateFile != nullptr ? ", " : "",
-                mPrivateFile != nullptr ? mPrivateFile->path() : "");
-        text = mSystemSpec == nullptr && mPrivateFile == nullptr ? "compared with no document"
-                                                                 : text;
-        std::string advice;
-        for (const std::string& path : absent) {
+        std::string text = fmt::format("compared with: {}",
+                                       compared.empty() ? "no document" : joined(compared, ", "));
+        std::vector<std::string> pulls;
+        for (const std::string& path : absentDocuments()) {
             text += fmt::format("; not in the tree, so it decides nothing: {}", path);
-            advice += path.starts_with("/")
-                              ? fmt::format("{}adb pull {}", advice.empty() ? "" : "; ", path)
-                              : "";
+            if (path.starts_with("/")) {
+                pulls.push_back(fmt::format("adb pull {}", path));
+            }
         }
-        mResult.conclusions.push_back({Severity::Note, "tree", "", text, advice});
+        mResult.conclusions.push_back({Severity::Note, "tree", "", text, joined(pulls, "; ")});
     }
 
-    Which whichOf(size_t event) const {
-        const std::string& named = mTrace.events[event].document;
-        return named.find("system spec") != std::string::npos    ? Which::SystemSpec
-               : named.find("private file") != std::string::npos ? Which::Overlay
-                                                                 : mLogFacts.loads.of[event];
-    }
-
-    // The document that logs the event's line; `isSure` says that it can be no other.
     void compareEvent(size_t i) {
         const LoadEvent& event = mTrace.events[i];
         if (event.id == LineId::StreamRejected) {
@@ -397,7 +399,7 @@ private:
         if (!isOfValue(event) || event.document.find("built-in") != std::string::npos) {
             return;
         }
-        const Which which = whichOf(i);
+        const Which which = whichOf(mTrace, mLogFacts, i);
         PulledDocument* const spec = which != Which::Overlay ? mSystemSpec.get() : nullptr;
         PulledDocument* const file = which != Which::SystemSpec ? mPrivateFile.get() : nullptr;
         const bool isComplete = (which == Which::Overlay || spec != nullptr) &&
