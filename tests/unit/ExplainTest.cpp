@@ -80,6 +80,15 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                            "Failed to open %s... Exit!"},
                           {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
                            "Skipped %s in %s: %s\n"},
+                          // Whole lines with their values and headers, and parts of lines.
+                          {"'0x127 is not a Tamra color format!'", 0, "  values    0x127\n"},
+                          {"'11-25 08:00:01.120  6  6 E Platform_BufferLayout: Format A does not "
+                           "contain plane-7'",
+                           0, "  values    A, 7\n"},
+                          {"'I/KC2TargetSpec( 4):        private_enc_cvp_enable    : 1'", 0,
+                           "  values    private_enc_cvp_enable, 1\nprivate_enc_cvp_enable\n"},
+                          {"'private_complexity : 60'", 0, "private_complexity\n  meaning"},
+                          {"'not a boolean'", 0, "Skipped %s in %s: %s\n"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
                           {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},

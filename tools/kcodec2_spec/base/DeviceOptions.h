@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,5 +59,12 @@ bool canPlayDevices();
 // nothing: the log is the device's.
 void muteLog();
 void unmuteLog();
+
+// Receives a line of the library's log: a priority of the Android log, the tag, and the text.
+using LogLineSink = std::function<void(int priority, const char* tag, const char* text)>;
+
+// Opens all gates of the log and sends its lines to `sink`, until muteLog() or unmuteLog(). On a
+// device the log is the device's own, and `sink` receives nothing.
+void captureLog(LogLineSink sink);
 
 }  // namespace kc2::tool

@@ -9,11 +9,13 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "base/NearNames.h"
 #include "base/Print.h"
 #include "base/Spelling.h"
 #include "base/Text.h"
+#include "device/BaseLibrary.h"
 #include "device/DevicePaths.h"
 #include "hostplatform/HostPlatform.h"
 #include "targetspec/reading/Escaped.h"
@@ -213,6 +215,12 @@ void muteLog() {
 
 void unmuteLog() {
     host::setLogSink(nullptr);
+}
+
+void captureLog(LogLineSink sink) {
+    host::setLogLevel(kLogLevels.at("debug"));
+    updateLogLevel();
+    host::setLogSink(std::move(sink));
 }
 
 }  // namespace kc2::tool

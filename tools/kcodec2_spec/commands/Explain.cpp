@@ -25,6 +25,7 @@
 #include "commands/Commands.h"
 #include "commands/UnknownVariant.h"
 #include "kc2/TargetSpec.h"
+#include "log/LineMatch.h"
 #include "log/LogLines.h"
 #include "platform/FormatRows.h"
 #include "store/Load.h"
@@ -151,38 +152,6 @@ bool explainCheck(const Catalogue&, const std::string& name) {
     return true;
 }
 
-// The lines of which `text` is a part.
-std::vector<const LogLine*> linesWith(std::string_view text) {
-    constexpr size_t kEnough = 4;  // Fewer letters are in many lines.
-    std::vector<const LogLine*> lines;
-    for (const LogLine& line : logLines()) {
-        if (text.size() >= kEnough &&
-            std::string_view(line.text).find(text) != std::string_view::npos) {
-            lines.push_back(&line);
-        }
-    }
-    return lines;
-}
-
-// The line that `text` ends with, after time, process and tag; of several the one with the longest
-// text. Null when there is none.
-const LogLine* lineAtEndOf(std::string_view text) {
-    const LogLine* best = nullptr;
-    for (const LogLine& line : logLines()) {
-        const std::string_view first = literalsOf(line.text).front();
-        const size_t start = text.find(first);
-        if (first.find_first_not_of(' ') == std::string_view::npos ||
-            start == std::string_view::npos || !match(line.text, text.substr(start))) {
-            continue;  // Where a line begins with a value, any text might be it.
-        }
-        if (best == nullptr ||
-            std::string_view(best->text).size() < std::string_view(line.text).size()) {
-            best = &line;
-        }
-    }
-    return best;
-}
-
 void printLogLine(const LogLine& line) {
     printTitle(line.text);
     printLine("log", fmt::format("{} {}, {}", letterOf(line.priority), line.tag, line.step));
@@ -193,15 +162,14 @@ void printLogLine(const LogLine& line) {
     printLine("to do", std::string_view(line.advice) == "-" ? "" : line.advice);
 }
 
-bool explainLogText(const Catalogue&, const std::string& text) {
-    std::vector<const LogLine*> lines = linesWith(text);
-    if (const LogLine* const line = lineAtEndOf(text); line != nullptr && lines.empty()) {
-        lines.push_back(line);
-    }
-    for (const LogLine* const line : lines) {
+bool explainLogText(const Catalogue& catalogue, const std::string& text) {
+    const AskedText asked = matchAsked(text);
+    for (const LogLine* const line : asked.rows) {
         printLogLine(*line);
     }
-    return !lines.empty();
+    printLine("values", joined(asked.values, ", "));
+    const bool isSetting = !asked.setting.empty() && explainSetting(catalogue, asked.setting);
+    return !asked.rows.empty() || isSetting;
 }
 
 constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {

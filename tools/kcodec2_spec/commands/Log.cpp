@@ -14,15 +14,15 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kLogFooter[] =
-        "Reads what logcat prints, in any of its formats, and tells for each load of each process: "
-        "the variant, the documents and why these, what was rejected or skipped, what the store "
-        "then held, what components asked wrongly, and what to do. Where the log proves nothing "
-        "it says what is possible. With --rootdir it reads the documents that were pulled from "
-        "the device, names the place in them of each line, and says where they contradict the "
-        "log; the variant is then the log's own unless --property sets it.\n"
+        "Reads what logcat prints or an IDE copies, in any format, in UTF-8 or UTF-16, and shows "
+        "for each load of each process, first in one line and then in detail: what was rejected or "
+        "skipped, what components asked wrongly, and what to do. What the log does not prove is "
+        "called open, with the command that decides. With --rootdir it compares the load with "
+        "the documents that were pulled from the device, and names the place of each line in them; "
+        "the variant is then the log's own unless --property sets it.\n"
         "\n"
-        "Exit codes: 0 no error told; 1 an error told; 2 wrong usage, or a FILE that cannot be "
-        "read.\n"
+        "Exit codes: 0 no error found; 1 an error found; 2 wrong usage, or a FILE that cannot be "
+        "read as a log.\n"
         "\n"
         "Examples:\n"
         "  adb logcat -d | kcodec2_spec log\n"
@@ -40,10 +40,12 @@ struct LogArguments {
 void addLogCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<LogArguments>();
     CLI::App* const command = app->add_subcommand(
-            "log", "Tell what a device's log shows of its loads, and what to do");
+            "log", "Show what a device's log proves about its loads, and what to do");
     command->footer(kLogFooter);
     command->add_option("FILE", arguments->file, "The log; - is standard input, the default");
     command->add_flag("--json", arguments->options.asJson, "Print JSON, for scripts");
+    command->add_flag("--all", arguments->options.isAll,
+                      "Print what is in order, too: the dump, every outcome, every place");
     command->add_flag("--lines", arguments->isTable,
                       "Print every line that the library writes, as a table, and what it means");
     addDeviceOptions(*command, &arguments->device);
@@ -60,7 +62,7 @@ void addLogCommand(CLI::App* app, int* exitCode) {
         muteLog();
         arguments->options.hasTree = device.hasFiles();
         arguments->options.isVariantGiven = device.hasVariant();
-        *exitCode = tellLog(arguments->file, arguments->options);
+        *exitCode = describeLog(arguments->file, arguments->options);
     });
 }
 

@@ -2,11 +2,10 @@
 
 #include "log/Conclusions.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <iterator>
-#include <optional>
-#include <set>
-#include <utility>
 
 #include "base/Text.h"
 #include "device/DevicePaths.h"
@@ -14,496 +13,463 @@
 #include "platform/FormatRows.h"
 #include "store/Load.h"
 #include "targetspec/reading/BuiltInDocuments.h"
-#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
 namespace {
 
-constexpr size_t kNone = static_cast<size_t>(-1);
-
-// --- Which document an event is about ---
-
-bool isOfDocument(const LogEvent& event) {
-    return event.id != LineId::NoVariant && event.id != LineId::FeaturesHeading;
-}
-
-bool isRejection(const LogEvent& event) {
-    return event.id == LineId::StreamRejected || event.id == LineId::BuiltInRejected;
-}
-
-// The number of the section that an event is about, in the order in which a document's lines come.
-int rankOf(const LogEvent& event) {
-    int rank = 0;
-    for (const Section& section : kSections) {
-        const std::string place = std::string(targetSpecRoot) + "/" + *section.key;
-        const bool isOfRow =
-                event.id == LineId::RowSkipped && section.type == SectionType::BitRateRows;
-        const bool isOfFilter = event.id == LineId::EncoderFilter &&
-                                *section.key == targetSpecSupportedEncPostProcessingFilters;
-        if (isOfRow || isOfFilter ||
-            (event.id == LineId::Skipped && event.place.starts_with(place) &&
-             (event.place.size() == place.size() || event.place[place.size()] == '/' ||
-              event.place[place.size()] == '['))) {
-            return rank;
-        }
-        ++rank;
-    }
-    return -1;
-}
-
-// Between which events the second step begins: each rule narrows it. Events before `earliest`
-// belong to the first step, those from `latest` on to the second.
-struct Boundary {
-    size_t earliest;
-    size_t latest;
-
-    void notBefore(size_t event) { earliest = std::max(earliest, event); }
-    void notAfter(size_t event) { latest = std::min(latest, event); }
+constexpr OverlayOutcome kOutcomes[] = {
+        {false, "missing or not readable", OverlayResult::BuiltIn, false},
+        {false, "empty", OverlayResult::Rejected, false},
+        {false, "valid", OverlayResult::Private, false},
+        {false, "not a valid document", OverlayResult::Rejected, false},
+        {true, "missing", OverlayResult::BuiltIn, true},
+        {true, "there, but not readable", OverlayResult::BuiltIn, true},
+        {true, "empty", OverlayResult::BuiltIn, true},
+        {true, "valid", OverlayResult::Private, false},
+        {true, "not a valid document", OverlayResult::Rejected, false},
 };
 
-void narrowByVariantLines(const LoadStory& story, Boundary* boundary) {
-    // A load writes the line when it looks for the path, before it reads the first document, and
-    // twice before it reads the second one.
-    if (story.nothingOpenedLine != 0 || story.droppedLines != 0 ||
-        story.count(LineId::NoVariant) != 4) {
-        return;
-    }
-    uint64_t seen = 0;
-    for (size_t i = 0; i < story.events.size(); ++i) {
-        if (story.events[i].id != LineId::NoVariant) {
-            continue;
-        }
-        const uint64_t before = seen;
-        seen += story.events[i].count;
-        if (before <= 2 && seen > 2) {
-            boundary->notBefore(i);
-            boundary->notAfter(i);
-        }
-    }
-}
+constexpr char kGetProperty[] = "adb shell getprop vendor.media.target_variant";
+constexpr char kDamaged[] = "the library is damaged: install it again";
+constexpr char kInfoLines[] =
+        "turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel; 0x4 and 0x8 add the "
+        "debug lines) and start the process again";
+constexpr char kCorrectComponent[] =
+        "correct the component; kcodec2_spec formats lists the formats";
 
-void narrowByEvents(const LoadStory& story, Boundary* boundary) {
-    const std::vector<LogEvent>& events = story.events;
-    size_t previous = kNone;
-    for (size_t i = 0; i < events.size(); ++i) {
-        const LogEvent& event = events[i];
-        if (event.id == LineId::FeaturesHeading) {  // Between the steps, and of neither.
-            boundary->notBefore(i);
-            boundary->notAfter(i + 1);
-        }
-        if (!isOfDocument(event)) {
-            continue;
-        }
-        if (event.document.find("system spec") != std::string::npos) {
-            boundary->notBefore(i + 1);
-        } else if (!event.document.empty() || event.id == LineId::BuiltInRejected) {
-            boundary->notAfter(i);
-        }
-        // A rejection is the only line about its document, and sections come in their order.
-        if (previous != kNone &&
-            (isRejection(event) || isRejection(events[previous]) ||
-             (rankOf(event) >= 0 && rankOf(event) < rankOf(events[previous])))) {
-            boundary->notBefore(previous + 1);
-            boundary->notAfter(i);
-        }
-        previous = i;
-    }
-}
-
-}  // namespace
-
-Attribution attribute(const LoadStory& story) {
-    Boundary boundary = {0, story.events.size()};
-    if (story.nothingOpenedLine != 0) {
-        boundary.latest = 0;  // The first step has read nothing.
-    }
-    narrowByVariantLines(story, &boundary);
-    narrowByEvents(story, &boundary);
-    Attribution attribution;
-    attribution.isContradictory =
-            story.nothingOpenedLine == 0 && boundary.earliest > boundary.latest;
-    for (size_t i = 0; i < story.events.size(); ++i) {
-        const bool isFirst = i < boundary.earliest;
-        const bool isSecond = i >= boundary.latest;
-        attribution.of.push_back(isFirst == isSecond || attribution.isContradictory ? Which::Either
-                                 : isFirst ? Which::SystemSpec
-                                           : Which::Overlay);
-    }
-    return attribution;
-}
-
-namespace {
-
-bool isOfBuiltIn(const LogEvent& event) {
+bool isOfBuiltIn(const LoadEvent& event) {
     return event.id == LineId::BuiltInRejected ||
            event.document.find("built-in") != std::string::npos;
 }
 
+std::string times(uint64_t count) {
+    return count == 1 ? "once" : count == 2 ? "twice" : fmt::format("{} times", count);
+}
+
+std::vector<uint64_t> linesThatAre(std::vector<uint64_t> lines) {
+    lines.erase(std::remove(lines.begin(), lines.end(), uint64_t{0}), lines.end());
+    return lines;
+}
+
 }  // namespace
 
-std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story,
-                                            const Attribution& attribution) {
-    static constexpr char kBuiltIn[] = "the built-in document is merged";
-    static constexpr char kSeeded[] =
-            "the built-in document is merged, and written into the file where that is possible";
-    static constexpr char kRejected[] = "nothing is merged";
-    static constexpr char kMerged[] = "the private file is merged";
-    std::vector<OverlayOutcome> outcomes = {
-            {false, "missing or not readable", kBuiltIn, false, false, true},
-            {false, "empty", kRejected, true, false, true},
-            {false, "valid", kMerged, false, true, true},
-            {false, "not a valid document", kRejected, true, false, true},
-            {true, "missing", kSeeded, false, false, true},
-            {true, "there, but not readable", kSeeded, false, false, true},
-            {true, "empty", kSeeded, false, false, true},
-            {true, "valid", kMerged, false, true, true},
-            {true, "not a valid document", kRejected, true, false, true},
-    };
-    bool isRejectedForSure = false;
-    bool isRejectedPerhaps = false;
-    bool isPrivateForSure = false;
-    bool isBuiltInForSure = false;
-    for (size_t i = 0; i < story.events.size(); ++i) {
-        const LogEvent& event = story.events[i];
-        const bool isOverlay = attribution.of[i] == Which::Overlay;
-        if (event.id == LineId::StreamRejected) {
-            isRejectedForSure |= isOverlay;
-            isRejectedPerhaps |= attribution.of[i] == Which::Either;
-        } else if (isOfBuiltIn(event)) {
-            isBuiltInForSure = true;
-        } else if (isOfDocument(event) && isOverlay) {
-            isPrivateForSure = true;  // The built-in documents have nothing to skip, and no filter.
-        }
+const char* OverlayOutcome::result() const {
+    switch (kind) {
+        case OverlayResult::Rejected:
+            return "nothing is merged";
+        case OverlayResult::Private:
+            return "the private file is merged";
+        default:
+            return isSeeding ? "the built-in document is merged, and written into the file where "
+                               "that is possible"
+                             : "the built-in document is merged";
     }
-    // Lines that are lost prove nothing by their absence.
-    const bool isWhole = story.droppedLines == 0 && !story.isTooLong;
-    for (OverlayOutcome& outcome : outcomes) {
-        if (isBuiltInForSure && (isRejectedForSure || isPrivateForSure)) {
-            continue;  // These lines are not of one load.
+}
+
+bool ProvedFacts::isOnly(SpecSource source) const {
+    return isOpen(source) &&
+           std::count(std::begin(loads.canOpen), std::end(loads.canOpen), true) == 1;
+}
+
+bool ProvedFacts::isOnly(OverlayResult kind) const {
+    return isOpen(kind) && std::count(std::begin(loads.canEnd), std::end(loads.canEnd), true) == 1;
+}
+
+ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
+    const Dump& dump = trace.dump;
+    LoadLimits limits = tree.limits;
+    limits.isStartKnown = trace.lineBefore != 0;
+    limits.isEndKnown = trace.lineAfter != 0;
+    limits.hasGaps = trace.droppedLines != 0 || trace.cutCount != 0 || trace.isTooLong;
+    limits.hasDumpEntries = dump.isOfLoad && (!dump.features.empty() || !dump.presets.empty() ||
+                                              !dump.filters.empty() || !dump.plugins.empty() ||
+                                              !dump.codecs.empty() || !dump.unplaced.empty());
+    limits.hasNoCodecs = trace.noCodecs.count != 0;
+    for (const OverlayResult kind :
+         {OverlayResult::BuiltIn, OverlayResult::Rejected, OverlayResult::Private}) {
+        bool canEnd = false;
+        for (size_t i = 0; i < std::size(kOutcomes); ++i) {
+            canEnd |= tree.canBe[i] && kOutcomes[i].kind == kind;
         }
-        if (isRejectedForSure) {
-            outcome.isPossible = outcome.isRejected;
-        } else if (isPrivateForSure) {
-            outcome.isPossible = outcome.isPrivateMerged;
-        } else if (isBuiltInForSure) {
-            outcome.isPossible = !outcome.isRejected && !outcome.isPrivateMerged;
-        } else if (!isRejectedPerhaps && isWhole) {
-            outcome.isPossible = !outcome.isRejected;
-        }
+        limits.canEnd[static_cast<size_t>(kind)] = canEnd;
     }
-    return outcomes;
+    ProvedFacts facts = {possibleLoads(trace.events, limits),
+                         {std::begin(kOutcomes), std::end(kOutcomes)}};
+    for (size_t i = 0; i < facts.outcomes.size(); ++i) {
+        OverlayOutcome& outcome = facts.outcomes[i];
+        // Lines of several loads prove nothing about one.
+        outcome.isPossible =
+                facts.loads.isContradictory || (tree.canBe[i] && facts.isOpen(outcome.kind));
+    }
+    return facts;
+}
+
+Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event) {
+    const std::string& named = trace.events[event].document;
+    return named.find("system spec") != std::string::npos    ? Which::SystemSpec
+           : named.find("private file") != std::string::npos ? Which::Overlay
+           : facts.loads.isContradictory                     ? Which::Either
+                                                             : facts.loads.of[event];
+}
+
+std::string pullAndCheck(const std::string& path) {
+    return path.empty() ? fmt::format("find the document: {}; adb pull it; kcodec2_spec check FILE",
+                                      kGetProperty)
+                        : fmt::format("adb pull {}; kcodec2_spec check {}", path,
+                                      path.substr(path.rfind('/') + 1));
 }
 
 namespace {
 
-std::string quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
-std::string times(uint64_t count) {
-    return count == 1 ? "once" : count == 2 ? "twice" : std::to_string(count) + " times";
-}
-
-constexpr char kGetProperty[] = "adb shell getprop vendor.media.target_variant";
-constexpr char kDamaged[] = "The library is damaged: install it again.";
-constexpr char kInfoLines[] =
-        "Turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel; 0x4 and 0x8 add the "
-        "debug lines) and start the process again.";
-
 // The topics of one load. Each function adds what it knows.
-class Story {
+class Description {
 public:
-    explicit Story(const LoadStory& story) : mStory(story), mAttribution(attribute(story)) {}
+    Description(const LoadTrace& trace, const ProvedFacts& facts) : mTrace(trace), mFacts(facts) {}
 
     std::vector<Conclusion> conclude() {
-        if (mStory.hasLoad()) {
-            tellVariant();
-            tellSystemSpec();
-            tellFindings();
-            tellDump();
-            tellOverlay();
+        if (mFacts.loads.isContradictory) {
+            add({Severity::Warning, "mixed", "lines of several loads",
+                 "these lines cannot be of one load: two processes had this number, or components "
+                 "call the load's functions themselves",
+                 "clear the log (adb logcat -c), start the process again and take it anew"});
         }
-        tellNoCodecs();
-        tellFormats();
-        tellDescriptors();
-        tellGaps();
+        if (mTrace.hasLoad()) {
+            describeVariant();
+            describeSystemSpec();
+            for (size_t i = 0; i < mTrace.events.size(); ++i) {
+                describeEvent(i);
+            }
+            describeDump();
+        }
+        if ((mTrace.hasLoad() || mTrace.noCodecs.count != 0) && !mFacts.loads.isContradictory) {
+            describeOverlay();
+        }
+        describeNoCodecs();
+        describeFormats();
+        describeOtherCalls();
+        describeGaps();
+        describeLimits();
         return std::move(mConclusions);
     }
 
 private:
-    void add(Severity severity, const char* topic, std::string text, std::string advice,
-             std::vector<uint64_t> lines = {}) {
-        mConclusions.push_back(
-                {severity, topic, std::move(text), std::move(advice), std::move(lines)});
+    void add(Conclusion conclusion) { mConclusions.push_back(std::move(conclusion)); }
+
+    uint64_t lineOf(LineId id) const {
+        const LoadEvent* const event = mTrace.find(id);
+        return event != nullptr ? event->line : 0;
     }
 
-    std::vector<uint64_t> linesOf(LineId id) const {
-        std::vector<uint64_t> lines;
-        for (const LogEvent& event : mStory.events) {
-            if (event.id == id) {
-                lines.push_back(event.line);
+    void describeVariant() {
+        const std::string path = mTrace.firstPath();
+        const std::string variant = variantIn(path);
+        if (const uint64_t line = lineOf(LineId::NoVariant); line != 0) {
+            add({Severity::Warning,
+                 "variant",
+                 "no target variant",
+                 fmt::format("the property {} (\"target-id\" in the line) is not set, or it is "
+                             "\"default\": the path is {}",
+                             kVariantProperty, path),
+                 fmt::format("{}; if the device should have a variant, set the property in its "
+                             "build",
+                             kGetProperty),
+                 {line}});
+        } else if (!variant.empty()) {
+            const bool isOdm = path.starts_with(kOdmSpecDirectory);
+            add({Severity::Note, "variant", "",
+                 fmt::format("the variant is \"{}\", which selects {}{}", variant, path,
+                             isOdm ? ""
+                                   : fmt::format(": the same under {} does not exist or cannot be "
+                                                 "examined",
+                                                 kOdmSpecDirectory)),
+                 "", linesThatAre({lineOf(LineId::Parsing), lineOf(LineId::OpenFailed)})});
+        } else {
+            add({Severity::Note, "variant", "", "no line names the variant", kGetProperty});
+        }
+    }
+
+    // The path that the variant selected, also where its line is cut.
+    std::string triedPath() const {
+        const std::string path = mTrace.firstPath();
+        for (const LineId id : {LineId::OpenFailed, LineId::Parsing}) {
+            const LoadEvent* const event = mTrace.find(id);
+            if (path.empty() && event != nullptr && !event->value.empty()) {
+                return fmt::format("{}... (cut)", event->value);
             }
         }
-        return lines;
+        return path.empty() ? "the variant's document" : path;
     }
 
-    void tellVariant() {
-        const uint64_t count = mStory.count(LineId::NoVariant);
-        const uint64_t expected = mStory.nothingOpenedLine != 0 ? 3 : 4;
-        if (count != 0) {
-            std::string text =
-                    "the target variant is missing: the property " + std::string(kVariantProperty) +
-                    " (\"target-id\" in the line) is not set, or it is \"default\"; so " +
-                    mStory.firstPath() + " is tried. ";
-            text += count == expected ? "The line is there " + times(count) + ", which is one load."
-                                      : "The line is there " + times(count) +
-                                                "; one load writes it " + times(expected) +
-                                                ": the log is not whole, or components call "
-                                                "readTargetVariant() or getPrivateConfig(), too.";
-            add(Severity::Warning, "variant", text,
-                std::string("Run \"") + kGetProperty +
-                        "\". If this device should have a variant, set the property in its build.",
-                linesOf(LineId::NoVariant));
-            return;
-        }
-        const std::string path = mStory.firstPath();
-        const std::string variant = variantIn(path);
-        if (!variant.empty()) {
-            const bool isOdm = path.starts_with(kOdmSpecDirectory);
-            add(Severity::Note, "variant",
-                "the variant is " + quoted(variant) + ", which selects " + path +
-                        (isOdm ? ""
-                               : std::string(": the same under ") + kOdmSpecDirectory +
-                                         " does not exist or cannot be examined"),
-                "", {mStory.parsingLine != 0 ? mStory.parsingLine : mStory.failedLine});
+    void describeSystemSpec() {
+        const bool isVariant = mFacts.isOpen(SpecSource::Variant);
+        const std::string look = fmt::format(
+                "adb shell ls -lZ {}{}; {}", kFallbackSystemSpec,
+                mTrace.firstPath().empty() ? "" : fmt::format(" {}", mTrace.firstPath()),
+                kGetProperty);
+        const std::vector<uint64_t> lines = linesThatAre({lineOf(LineId::Parsing)});
+        if (!isVariant || mTrace.find(LineId::OpenFailed) != nullptr) {
+            describeOpenFailure(look);
+        } else if (mFacts.isOnly(SpecSource::Variant) && !mTrace.firstPath().empty()) {
+            add({Severity::Note, "system-spec", "",
+                 fmt::format("the system spec document is {}", mTrace.firstPath()), "", lines});
+        } else if (mFacts.isOnly(SpecSource::Variant)) {
+            add({Severity::Note, "system-spec", "",
+                 "the document that the variant selects opens; no line names it", kInfoLines});
         } else {
-            add(Severity::Note, "variant", "no line names the variant",
-                std::string("Run \"") + kGetProperty + "\".");
+            add({Severity::Note, "system-spec", "",
+                 fmt::format("which system spec document opens is not proved; {} is tried first",
+                             triedPath()),
+                 look, lines});
         }
     }
 
-    void tellSystemSpec() {
-        const std::string& failed =
-                mStory.failedPath.empty() ? mStory.parsingPath : mStory.failedPath;
-        const std::string where = failed.empty() ? "the variant's document" : failed;
-        const std::string advice =
-                "Run " + (failed.empty() ? "" : "\"adb shell ls -lZ " + failed + "\" and ") +
-                quoted(kGetProperty) +
-                ": install the document there, or correct the variant, which follows \"media\" "
-                "without a \"/\" between.";
-        if (mStory.nothingOpenedLine != 0) {
-            add(Severity::Error, "system-spec",
-                "there is no system spec document: neither " + where + " nor " +
-                        mStory.fallbackPath +
-                        " opens. \"Exit!\" ends nothing: the load goes on, and only the second "
-                        "document fills the store.",
-                advice,
-                linesThatAre({mStory.failedLine, mStory.fallbackLine, mStory.nothingOpenedLine}));
-        } else if (mStory.fallbackLine != 0 || mStory.failedLine != 0) {
-            add(Severity::Warning, "system-spec",
-                where + " does not open, so the fallback " + kFallbackSystemSpec +
-                        " is read; no line says that it does not open",
-                advice, linesThatAre({mStory.failedLine, mStory.fallbackLine}));
-        } else if (!mStory.firstPath().empty()) {
-            add(Severity::Note, "system-spec",
-                "the system spec document is " + mStory.firstPath() +
-                        "; no line says that it does not open",
-                "", linesThatAre({mStory.parsingLine}));
+    void describeOpenFailure(const std::string& look) {
+        const std::string tried = triedPath();
+        const std::vector<uint64_t> lines =
+                linesThatAre({lineOf(LineId::OpenFailed), lineOf(LineId::FallingBack),
+                              lineOf(LineId::NothingOpened)});
+        const std::string install = look +
+                                    "; install the document there, or correct the variant, which "
+                                    "follows \"media\" without a \"/\" between";
+        if (mFacts.isOnly(SpecSource::None)) {
+            add({Severity::Error, "system-spec", "no system spec document",
+                 fmt::format("there is no system spec document: neither {} nor {} opens. \"Exit!\" "
+                             "ends nothing: the load goes on, and only the second document fills "
+                             "the store",
+                             tried, kFallbackSystemSpec),
+                 install, lines});
+        } else if (mFacts.isOnly(SpecSource::Fallback)) {
+            add({Severity::Warning, "system-spec", fmt::format("{} does not open", tried),
+                 fmt::format("{} does not open, so the fallback {} is read", tried,
+                             kFallbackSystemSpec),
+                 install, lines});
         } else {
-            add(Severity::Note, "system-spec",
-                "no line names the system spec document: the line that does is an info line, or it "
-                "is cut off",
-                kInfoLines);
+            add({Severity::Error, "system-spec", fmt::format("{} does not open", tried),
+                 fmt::format("{} does not open, so the fallback {} is tried; whether that opens is "
+                             "not in the log",
+                             tried, kFallbackSystemSpec),
+                 look, lines});
         }
-    }
-
-    static std::vector<uint64_t> linesThatAre(std::vector<uint64_t> lines) {
-        lines.erase(std::remove(lines.begin(), lines.end(), uint64_t{0}), lines.end());
-        return lines;
     }
 
     std::string specPath() const {
-        if (mStory.fallbackLine != 0 || mStory.failedLine != 0) {
-            return kFallbackSystemSpec;
-        }
-        return mStory.firstPath();
+        return mFacts.isOnly(SpecSource::Fallback)  ? kFallbackSystemSpec
+               : mFacts.isOnly(SpecSource::Variant) ? mTrace.firstPath()
+                                                    : "";
     }
 
-    std::string specName() const {
-        const std::string path = specPath();
-        return "the system spec document" + (path.empty() ? "" : " (" + path + ")");
-    }
-
-    // The line's own word, where it names its document.
-    Which whichOf(size_t event) const {
-        const std::string& named = mStory.events[event].document;
-        return named.find("system spec") != std::string::npos    ? Which::SystemSpec
-               : named.find("private file") != std::string::npos ? Which::Overlay
-                                                                 : mAttribution.of[event];
-    }
+    Which whichOf(size_t event) const { return kc2::tool::whichOf(mTrace, mFacts, event); }
 
     std::string documentOf(size_t event) const {
-        if (isOfBuiltIn(mStory.events[event])) {
+        const std::string path = specPath();
+        const std::string spec = path.empty() ? "the system spec document"
+                                              : fmt::format("the system spec document ({})", path);
+        if (isOfBuiltIn(mTrace.events[event])) {
             return "the built-in document";
         }
         switch (whichOf(event)) {
             case Which::SystemSpec:
-                return specName();
+                return spec;
             case Which::Overlay:
-                return std::string("the private file (") + kPrivateConfig + ")";
+                return fmt::format("the private file ({})", kPrivateConfig);
             default:
-                return "either " + specName() + " or the private file (" + kPrivateConfig + ")";
+                return fmt::format("either {} or the private file ({})", spec, kPrivateConfig);
         }
     }
 
-    std::string pullOf(size_t event) const {
-        const std::string spec = specPath().empty() ? "the system spec document" : specPath();
+    std::string adviceOn(size_t event) const {
         switch (whichOf(event)) {
             case Which::SystemSpec:
-                return "\"adb pull " + spec + "\"";
+                return pullAndCheck(specPath());
             case Which::Overlay:
-                return std::string("\"adb pull ") + kPrivateConfig + "\"";
+                return pullAndCheck(kPrivateConfig);
             default:
-                return "\"adb pull " + spec + "\" and \"adb pull " + kPrivateConfig + "\"";
+                return fmt::format("{}; {}", pullAndCheck(kPrivateConfig),
+                                   pullAndCheck(specPath()));
         }
     }
 
-    void tellRejection(size_t i) {
-        const LogEvent& event = mStory.events[i];
-        if (event.id == LineId::BuiltInRejected) {
-            add(Severity::Error, "rejected", "the built-in document was rejected", kDamaged,
-                {event.line});
-            return;
-        }
-        add(Severity::Error, "rejected",
-            documentOf(i) +
-                    " was rejected whole: it is empty, not valid JSON, beyond the limits or not "
-                    "readable to its end. Nothing of it is in the store." +
-                    (whichOf(i) == Which::Either ? " The log does not say which of them." : ""),
-            "Run " + pullOf(i) + ", then \"kcodec2_spec check\" on the file.", {event.line});
+    std::string briefOf(size_t event) const {
+        return isOfBuiltIn(mTrace.events[event])     ? "built-in document"
+               : whichOf(event) == Which::SystemSpec ? "system spec document"
+               : whichOf(event) == Which::Overlay    ? "private file"
+                                                     : "system spec document or private file";
     }
 
-    void tellFindings() {
-        if (mAttribution.isContradictory) {
-            add(Severity::Warning, "mixed",
-                "these lines cannot come from one load: two processes had this number, or lines "
-                "are missing",
-                "Clear the log (\"adb logcat -c\"), start the process again and take it anew.");
-        }
-        for (size_t i = 0; i < mStory.events.size(); ++i) {
-            const LogEvent& event = mStory.events[i];
-            if (isRejection(event)) {
-                tellRejection(i);
-            } else if (event.id == LineId::Skipped) {
-                add(Severity::Error, "skipped",
-                    documentOf(i) + ": " + event.place + " was skipped: " + event.reason,
-                    isOfBuiltIn(event) ? kDamaged
-                                       : "Correct the value there; " + pullOf(i) +
-                                                 " and \"kcodec2_spec check\" show its line and "
-                                                 "column.",
-                    {event.line});
-            } else if (event.id == LineId::RowSkipped) {
-                add(Severity::Error, "skipped",
-                    documentOf(i) + ": " + std::to_string(event.count) +
-                            (event.count == 1 ? " row" : " rows") + " of " +
-                            targetSpecNimbraModeBitRate +
-                            " skipped: a row holds three integers [low, high, bit rate]",
-                    "Run " + pullOf(i) +
-                            ", then \"kcodec2_spec check\" on the file: it names the "
-                            "rows.",
-                    {event.line});
-            } else if (event.id == LineId::EncoderFilter) {
-                add(Severity::Note, "encoder-filter",
-                    documentOf(i) + ": encoder post-processing filter " + quoted(event.place), "",
-                    {event.line});
+    void describeRejection(size_t i) {
+        const LoadEvent& event = mTrace.events[i];
+        const bool isBuiltIn = event.id == LineId::BuiltInRejected;
+        add({Severity::Error,
+             "rejected",
+             briefOf(i) + " rejected",
+             fmt::format("{} was rejected as a whole{}. Nothing of it is in the store",
+                         documentOf(i),
+                         isBuiltIn ? ""
+                                   : ": it is empty, not valid JSON, beyond the limits, or not "
+                                     "readable to its end"),
+             isBuiltIn ? kDamaged : adviceOn(i),
+             {event.line}});
+    }
+
+    void describeSkipped(size_t i) {
+        const LoadEvent& event = mTrace.events[i];
+        const std::string item =
+                event.id == LineId::RowSkipped
+                        ? fmt::format(
+                                  "{} of {} skipped: a row is three integers [low, high, bit "
+                                  "rate]",
+                                  counted(event.count, "row"), targetSpecNimbraModeBitRate)
+                        : fmt::format("{} was skipped: {}", event.value, event.reason);
+        const std::string document = documentOf(i);
+        add({Severity::Error,
+             "skipped",
+             fmt::format("values of the {} skipped", briefOf(i)),
+             fmt::format("{}: {}", document, item),
+             isOfBuiltIn(event) ? kDamaged : adviceOn(i),
+             {event.line},
+             document,
+             item});
+    }
+
+    void describeEvent(size_t i) {
+        const LoadEvent& event = mTrace.events[i];
+        switch (event.id) {
+            case LineId::StreamRejected:
+            case LineId::BuiltInRejected:
+                return describeRejection(i);
+            case LineId::Skipped:
+            case LineId::RowSkipped:
+                return describeSkipped(i);
+            case LineId::EncoderFilter: {
+                const std::string item =
+                        fmt::format("encoder post-processing filter \"{}\"", event.value);
+                const std::string document = documentOf(i);
+                return add({Severity::Note,
+                            "encoder-filter",
+                            "",
+                            fmt::format("{}: {}", document, item),
+                            "",
+                            {event.line},
+                            document,
+                            item});
             }
+            default:
+                return;
         }
     }
 
     static std::string listed(const char* title, const std::vector<DumpedValue>& values) {
         std::vector<std::string> words;
         for (const DumpedValue& value : values) {
-            words.push_back(value.value.empty() ? value.name : value.name + "=" + value.value);
+            words.push_back(value.value.empty() ? value.name
+                                                : fmt::format("{}={}", value.name, value.value));
         }
-        return std::string("\n") + title + " (" + std::to_string(values.size()) +
-               "): " + (words.empty() ? "none" : joined(words, ", "));
+        return fmt::format("\n{} ({}): {}", title, values.size(),
+                           words.empty() ? "none" : joined(words, ", "));
     }
 
-    void tellDump() {
-        const Dump& dump = mStory.dump;
+    void describeDump() {
+        const Dump& dump = mTrace.dump;
         if (!dump.isStarted) {
-            add(Severity::Note, "store",
-                "what the store held is not in this log: the dump is of info lines", kInfoLines);
+            add({Severity::Note, "store", "",
+                 "what the store had is not in this log: the dump is of info lines", kInfoLines});
             return;
         }
         std::string text =
-                "after the first step, and before the second document adds to it, the store held:";
+                dump.isOfLoad ? "after the first step, and before the second document adds to it, "
+                                "the store had:"
+                              : "a dump, of the load or of a component that has called "
+                                "printSpecifications() later, shows:";
         text += listed("features", dump.features) + listed("presets", dump.presets) +
                 listed("pre-processing filters", dump.filters);
-        std::string advice;
-        if (dump.hasCodecsHeading) {
-            text += listed("codec plug-ins", dump.plugins) +
-                    listed("codec components", dump.codecs);
-        } else {
-            text += listed("codec plug-ins, then codec components", dump.plugins);
-            text += "\nThe heading between plug-ins and components is a debug line that needs bit "
-                    "0x8, so the log does not tell where the components begin.";
-            advice = "Set bit 0x8 of the level word, too, to see where they begin.";
-        }
-        if (!dump.unplaced.empty()) {
-            text += listed("of a section whose heading is cut off", dump.unplaced);
-        }
-        if (!dump.isWhole) {
-            text += "\nThe start of the dump is cut off.";
-        }
-        add(Severity::Note, "store", text, advice, linesOf(LineId::FeaturesHeading));
+        text += listed(
+                dump.hasCodecsHeading ? "codec plug-ins" : "codec plug-ins, then codec components",
+                dump.plugins);
+        text += dump.hasCodecsHeading ? listed("codec components", dump.codecs) : "";
+        text += dump.unplaced.empty()
+                        ? ""
+                        : listed("of a section whose heading is missing", dump.unplaced);
+        text += dump.isWhole ? "" : "\nThe start of the dump is missing.";
+        text += dump.lostHeadings.empty()
+                        ? ""
+                        : fmt::format(
+                                  "\nHeadings are missing ({}): entries may be of another "
+                                  "section.",
+                                  dump.lostHeadings);
+        add({Severity::Note,
+             "store",
+             "",
+             text,
+             dump.hasCodecsHeading ? ""
+                                   : "set bit 0x8 of the level word, too: its heading shows where "
+                                     "the codec components begin",
+             {dump.line}});
     }
 
-    void tellOverlay() {
-        const std::vector<OverlayOutcome> outcomes = overlayOutcomes(mStory, mAttribution);
-        std::set<std::string> results;
-        std::string list;
-        for (const OverlayOutcome& outcome : outcomes) {
-            if (outcome.isPossible) {
-                results.insert(outcome.isRejected        ? "rejected"
-                               : outcome.isPrivateMerged ? "private"
-                                                         : "built-in");
-                list += std::string("\n- codec test tool ") +
-                        (outcome.hasTestTool ? "there" : "absent") + ", private file " +
-                        outcome.privateFile + ": " + outcome.result;
+    std::string builtInName() const {
+        const std::string path = mTrace.firstPath();
+        return path.empty() ? "the built-in document"
+                            : fmt::format("built-in document {}", chipDocumentFor(path).number);
+    }
+
+    // The lines that prove how the second step ended.
+    std::vector<uint64_t> overlayLines() const {
+        std::vector<uint64_t> lines = linesThatAre({mTrace.noCodecs.line});
+        for (size_t i = 0; i < mTrace.events.size(); ++i) {
+            if (mFacts.loads.of[i] == Which::Overlay) {
+                lines.push_back(mTrace.events[i].line);
             }
         }
-        std::string text =
-                results.size() > 1 ? "which document was merged second is not proved. Possible:"
-                : results.count("private") != 0 ? "the private file was merged second. Possible:"
-                : results.count("rejected") != 0
-                        ? "the private file was rejected and nothing was merged second. Possible:"
-                        : "the built-in document was merged second. Possible:";
-        text += list;
-        if (!mStory.firstPath().empty()) {
-            text += "\nThe built-in document of this path is number " +
-                    std::to_string(chipDocumentFor(mStory.firstPath()).number) + ".";
-        }
-        add(Severity::Note, "overlay", text,
-            std::string("Run \"adb shell ls -l ") + kCodecTestTool + " " + kPrivateConfig +
-                    "\": it shows whether each is there and whether the file is empty; then \"adb "
-                    "pull " +
-                    kPrivateConfig +
-                    "\" and \"kcodec2_spec check\" tell valid from invalid. With the test tool, a "
-                    "load fills a missing or empty file itself: afterwards it holds what "
-                    "\"kcodec2_spec defaults\" prints.");
+        return lines;
     }
 
-    void tellNoCodecs() {
-        if (mStory.noCodecsCalls != 0) {
-            add(Severity::Warning, "no-codecs",
-                "the store names no codec component: every codec is taken as enabled. Components "
-                "asked " +
-                        times(mStory.noCodecsCalls) + ".",
-                "List the components in \"codecs-available\". \"kcodec2_spec check --rootdir\" on "
-                "the pulled documents finds a misspelt section or a rejected document.",
-                {mStory.noCodecsLine});
+    void describeOverlay() {
+        std::vector<std::string> results;
+        if (mFacts.isOpen(OverlayResult::Private)) {
+            results.emplace_back("the private file");
+        }
+        if (mFacts.isOpen(OverlayResult::BuiltIn)) {
+            results.push_back(
+                    fmt::format("{} (private file missing or not readable, or empty with "
+                                "the codec test tool)",
+                                builtInName()));
+        }
+        if (mFacts.isOpen(OverlayResult::Rejected)) {
+            results.emplace_back("none, as the private file is empty or not valid");
+        }
+        if (results.size() == 1) {
+            add({Severity::Note, "overlay", "",
+                 fmt::format("the second document is {}", results.front()), "", overlayLines()});
+            return;
+        }
+        std::string why;
+        if (!mFacts.isOpen(OverlayResult::Rejected) && mTrace.lineAfter != 0) {
+            why = fmt::format(
+                    "; it was not rejected: no line says so, and the log goes on [line "
+                    "{}]",
+                    mTrace.lineAfter);
+        }
+        add({Severity::Note, "overlay", "",
+             fmt::format("which second document is merged is not proved: {}{}",
+                         joined(results, ", or "), why),
+             fmt::format("adb shell ls -l {} {}; {}", kCodecTestTool, kPrivateConfig,
+                         pullAndCheck(kPrivateConfig)),
+             overlayLines()});
+    }
+
+    void describeNoCodecs() {
+        if (mTrace.noCodecs.count != 0) {
+            add({Severity::Warning,
+                 "no-codecs",
+                 "no codec component is named",
+                 fmt::format("no document that was merged names a codec component, so every codec "
+                             "counts as enabled; every built-in document names some, so none was "
+                             "merged. Components asked {}",
+                             times(mTrace.noCodecs.count)),
+                 fmt::format("{}; list the components in \"{}\"", pullAndCheck(kPrivateConfig),
+                             targetSpecSupportedCodecs),
+                 {mTrace.noCodecs.line}});
         }
     }
 
@@ -524,88 +490,135 @@ private:
         return joined(planes, ", ");
     }
 
-    void tellFormats() {
-        for (const auto& [format, call] : mStory.unknownFormats) {
-            add(Severity::Error, "format",
-                "a component asked " + times(call.second) + " for a plane of " + format +
-                        ", which is not a format of the video core; it got 0",
-                "Correct the component. \"kcodec2_spec formats\" lists the formats, and "
-                "\"kcodec2_spec formats VALUE\" names one.",
-                {call.first});
+    // A component's mistake: what it asked, and what it got.
+    void addCall(const char* topic, std::string item, const std::string& advice, const Call& call) {
+        const std::string text = fmt::format("a component asked {} {}", times(call.count), item);
+        add({Severity::Error,
+             topic,
+             "a component asks wrongly",
+             text,
+             advice,
+             {call.line},
+             "calls of components",
+             text});
+    }
+
+    void describeFormats() {
+        for (const auto& [format, call] : mTrace.unknownFormats) {
+            addCall("format",
+                    fmt::format("for a plane of {}, which is not a format of the video core; it "
+                                "got 0",
+                                format),
+                    kCorrectComponent, call);
         }
-        for (const auto& [asked, call] : mStory.missingPlanes) {
+        for (const auto& [asked, call] : mTrace.missingPlanes) {
             const auto& [format, plane] = asked;
             const Platform::FormatRow* const row = formatNamed(format);
-            std::string text = "a component asked " + times(call.second) + " for plane " + plane +
-                               " of " + format + "; it got 0.";
-            text += plane == "?" ? " \"?\" is a value above 5, which is not a plane." : "";
-            text += row != nullptr ? " Buffers of " + std::string(row->name) +
-                                             " have: " + planesOf(*row) + "."
-                                   : "";
-            add(Severity::Error, "plane", text,
-                "Correct the component. \"kcodec2_spec formats\" lists the planes of each format.",
-                {call.first});
+            addCall("plane",
+                    fmt::format(
+                            "for plane {} of {}; it got 0.{}{}", plane, format,
+                            plane == "?" ? " \"?\" is a value above 5, which is not a plane." : "",
+                            row != nullptr ? fmt::format(" Buffers of {} have: {}.", row->name,
+                                                         planesOf(*row))
+                                           : ""),
+                    kCorrectComponent, call);
         }
     }
 
-    void tellDescriptors() {
-        for (const auto& [descriptor, call] : mStory.badDescriptors) {
-            const bool isNegative = descriptor.starts_with("-");
-            add(Severity::Error, "descriptor",
-                "a component asked " + times(call.second) + " for the identity of descriptor " +
-                        descriptor + ", which is not open" +
-                        (isNegative ? ": it is what a failed open() returns" : "") +
-                        "; it got 0, which all such calls get",
-                "Correct the component: check the descriptor before the call.", {call.first});
+    void describeOtherCalls() {
+        for (const auto& [descriptor, call] : mTrace.badDescriptors) {
+            addCall("descriptor",
+                    fmt::format("for the identity of descriptor {}, which is not open{}; it got 0, "
+                                "which all such calls get",
+                                descriptor,
+                                descriptor.starts_with("-") ? ": it is what a failed open() returns"
+                                                            : ""),
+                    "correct the component: check the descriptor before the call", call);
+        }
+        for (const auto& [skipped, call] : mTrace.skippedByCall) {
+            const std::string text = fmt::format(
+                    "of a document that a program itself gave to parseJsonData(), a "
+                    "value was skipped {}: {}",
+                    times(call.count), skipped);
+            add({Severity::Error,
+                 "skipped",
+                 "values of a program's document skipped",
+                 text,
+                 "correct the value in that document",
+                 {call.line}});
         }
     }
 
-    void tellGaps() {
-        if (mStory.strangeCount != 0) {
-            std::string text = counted(mStory.strangeCount, "line") +
-                               " under the library's tags that it does not write:";
-            std::vector<uint64_t> lines;
-            for (const auto& [line, number] : mStory.strangeLines) {
-                text += "\n  " + line;
-                lines.push_back(number);
-            }
-            add(Severity::Note, "unknown", text,
-                "The library on the device may be of another version than this tool.", lines);
+    void addLines(Severity severity, const char* topic, const char* brief, std::string text,
+                  const std::map<std::string, uint64_t>& shown, const char* advice) {
+        std::vector<uint64_t> lines;
+        for (const auto& [line, number] : shown) {
+            text += fmt::format("\n  {}", line);
+            lines.push_back(number);
         }
-        if (mStory.cutLines != 0 || mStory.droppedLines != 0) {
-            std::vector<std::string> missing;
-            if (mStory.cutLines != 0) {
-                missing.push_back(counted(mStory.cutLines, "cut line"));
-            }
-            if (mStory.droppedLines != 0) {
-                missing.push_back(counted(mStory.droppedLines, "line") +
-                                  " that the device dropped");
-            }
-            add(Severity::Note, "gaps",
-                joined(missing, ", and ") + ": what is not in the log proves nothing here",
-                "Take the log again with a larger buffer: \"adb logcat -G 16M\".");
+        add({severity, topic, brief, std::move(text), advice, std::move(lines)});
+    }
+
+    void describeGaps() {
+        constexpr char kLarger[] = "take the log again with a larger buffer: adb logcat -G 16M";
+        if (mTrace.strangeCount != 0) {
+            addLines(Severity::Note, "unknown", "",
+                     fmt::format("{} with the library's tags that it does not write:",
+                                 counted(mTrace.strangeCount, "line")),
+                     mTrace.strangeLines,
+                     "the library on the device may be of another version than this tool");
         }
-        if (mStory.laterDumps != 0) {
-            add(Severity::Note, "dump-again",
-                "a component has called printSpecifications() " + times(mStory.laterDumps) +
-                        ": those dumps show the store after both documents",
-                "");
+        if (mTrace.cutCount != 0) {
+            addLines(mTrace.hasCutError ? Severity::Error : Severity::Note, "gaps",
+                     "the line of an error is cut",
+                     fmt::format("{}: what is not in the log proves nothing here",
+                                 counted(mTrace.cutCount, "cut line")),
+                     mTrace.cutLines, kLarger);
         }
-        if (mStory.isTooLong) {
-            add(Severity::Warning, "too-long", "not every line of this process is told: too many",
-                "Cut the log down to this process: \"adb logcat --pid=PID\".");
+        if (mTrace.droppedLines != 0) {
+            add({Severity::Note, "gaps", "",
+                 fmt::format("{} that the device dropped: what is not in the log proves nothing "
+                             "here",
+                             counted(mTrace.droppedLines, "line")),
+                 kLarger});
         }
     }
 
-    const LoadStory& mStory;
-    const Attribution mAttribution;
+    void describeLimits() {
+        if (mFacts.loads.isIncomplete) {
+            add({Severity::Note, "gaps", "",
+                 "lines of this load are missing: what is not in the log proves nothing here",
+                 "take the log anew, without a filter: adb logcat -d"});
+        }
+        if (mTrace.laterDumps != 0) {
+            add({Severity::Note, "dump-again", "",
+                 fmt::format("a component has called printSpecifications() {}: those dumps show "
+                             "the store after both documents",
+                             times(mTrace.laterDumps)),
+                 ""});
+        }
+        if (mTrace.process < 0) {
+            add({Severity::Note, "no-process", "",
+                 "this format of the log has no process numbers: lines of several processes may be "
+                 "taken for one load",
+                 "adb logcat -d -v threadtime"});
+        }
+        if (mTrace.isTooLong) {
+            add({Severity::Warning, "too-long", "too many lines",
+                 "not every line of this process is described: too many",
+                 "cut the log down to this process: adb logcat --pid=PID"});
+        }
+    }
+
+    const LoadTrace& mTrace;
+    const ProvedFacts& mFacts;
     std::vector<Conclusion> mConclusions;
 };
 
 }  // namespace
 
-std::vector<Conclusion> conclude(const LoadStory& story) {
-    return Story(story).conclude();
+std::vector<Conclusion> conclude(const LoadTrace& trace, const ProvedFacts& facts) {
+    return Description(trace, facts).conclude();
 }
 
 }  // namespace kc2::tool

@@ -6,45 +6,59 @@
 #include <vector>
 
 #include "check/Report.h"
-#include "log/LoadStory.h"
+#include "log/LoadModel.h"
+#include "log/LoadTrace.h"
 
 namespace kc2::tool {
-
-// Which document an event is about: the first one, the second one, or either.
-enum class Which { SystemSpec, Overlay, Either };
-
-struct Attribution {
-    std::vector<Which> of;         // One for each event of the story.
-    bool isContradictory = false;  // The lines cannot come from one load.
-};
-
-// Attributes every event by what is proved: the document that a line names, the dump between the
-// two steps, the lines about the missing variant, the order of sections in a document, and that a
-// rejected document has no other line.
-Attribution attribute(const LoadStory& story);
 
 // How the second step can end: what is on the device, and what then happens.
 struct OverlayOutcome {
     bool hasTestTool;
     const char* privateFile;
-    const char* result;
-    bool isRejected;       // A line tells that the file was rejected.
-    bool isPrivateMerged;  // The private file's content was merged.
-    bool isPossible;
+    OverlayResult kind;
+    bool isSeeding;
+    bool isPossible = true;
+
+    const char* result() const;
 };
 
-// All of them, with those marked that the log leaves possible.
-std::vector<OverlayOutcome> overlayOutcomes(const LoadStory& story, const Attribution& attribution);
+// What is known of a load: from its lines and, with them, from the documents of the device.
+struct ProvedFacts {
+    PossibleLoads loads;
+    std::vector<OverlayOutcome> outcomes;  // All nine.
+
+    bool isOpen(SpecSource source) const { return loads.canOpen[static_cast<size_t>(source)]; }
+    bool isOnly(SpecSource source) const;
+    bool isOnly(OverlayResult kind) const;
+    bool isOpen(OverlayResult kind) const { return loads.canEnd[static_cast<size_t>(kind)]; }
+};
+
+// Which outcomes the documents of the device leave possible, beside what LoadLimits says of them.
+struct TreeFacts {
+    LoadLimits limits = {};  // Only what the tree decides.
+    bool canBe[9] = {true, true, true, true, true, true, true, true, true};
+};
+
+ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree = TreeFacts());
 
 struct Conclusion {
     Severity severity;
     std::string topic;  // A word for scripts, such as "variant".
+    std::string brief;  // In a few words; empty for what a summary leaves out.
     std::string text;
-    std::string advice;           // May be empty.
-    std::vector<uint64_t> lines;  // Of the log, that prove it.
+    std::string advice;                // May be empty.
+    std::vector<uint64_t> lines = {};  // Of the log, that prove it.
+    std::string heading = {};          // What several conclusions have in common, and of each
+    std::string item = {};             // what is its own; empty where it is printed as it is.
 };
 
-// Everything that the log tells of one load and its process, in the order of the load.
-std::vector<Conclusion> conclude(const LoadStory& story);
+// Everything that the log shows of one load and its process, in the order of the load.
+std::vector<Conclusion> conclude(const LoadTrace& trace, const ProvedFacts& facts);
+
+// Which document an event is about: the line's own word, where it has one.
+Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event);
+
+// "adb pull PATH; kcodec2_spec check FILE".
+std::string pullAndCheck(const std::string& path);
 
 }  // namespace kc2::tool

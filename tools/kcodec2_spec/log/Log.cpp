@@ -1,5 +1,8 @@
-// kcodec2_spec log: what a device's log tells of the library's loads, as a person would tell it.
+// kcodec2_spec log: what a device's log shows of the library's loads, and what to do.
 
+#include "log/Log.h"
+
+#include <fmt/format.h>
 #include <json/value.h>
 
 #include <algorithm>
@@ -7,15 +10,18 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "base/ExitCodes.h"
 #include "base/JsonPrinter.h"
+#include "base/Print.h"
+#include "base/Text.h"
 #include "check/Report.h"
 #include "log/Conclusions.h"
-#include "log/LoadStory.h"
-#include "log/Log.h"
+#include "log/LineReader.h"
+#include "log/LoadTrace.h"
 #include "log/LogLines.h"
 #include "log/Logcat.h"
 #include "log/PulledDocuments.h"
@@ -26,41 +32,51 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kNothing[] =
-        "No line of the library is in this log. A load without a fault writes none while the info "
-        "lines are off and a variant is set; or no process has called TargetSpec::Get() since the "
-        "log begins.\n"
-        "What to do: turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel), start "
-        "the media codec service again, and take the log with \"adb logcat -d\".\n";
+        "No line of the library is in the {} of this log. A load without a fault writes none while "
+        "the info lines are off and a variant is set; or no process has called TargetSpec::Get() "
+        "since the log begins.\n"
+        "  do: turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel), start the "
+        "media "
+        "codec service again, and take the log with adb logcat -d\n";
 
-struct Told {
-    const LoadStory* story;
+struct Diagnosis {
+    const LoadTrace* trace;
+    ProvedFacts facts;
     std::vector<Conclusion> conclusions;
     std::vector<PlacedLine> places;  // With the pulled documents only.
+
+    size_t count(Severity severity) const {
+        return static_cast<size_t>(
+                std::count_if(conclusions.begin(), conclusions.end(),
+                              [&](const Conclusion& one) { return one.severity == severity; }));
+    }
+    const Conclusion* first(Severity severity) const {
+        const auto found =
+                std::find_if(conclusions.begin(), conclusions.end(),
+                             [&](const Conclusion& one) { return one.severity == severity; });
+        return found != conclusions.end() ? &*found : nullptr;
+    }
 };
 
-bool hasErrors(const Told& told) {
-    return std::any_of(
-            told.conclusions.begin(), told.conclusions.end(),
-            [](const Conclusion& conclusion) { return conclusion.severity == Severity::Error; });
+void printEscaped(const std::string& text) {
+    printOut("{}\n", escaped(text));
 }
 
-std::string processName(const LoadStory& story) {
-    return story.process < 0 ? "A process that the log does not number"
-                             : "Process " + std::to_string(story.process);
+void complain(const std::string& text) {
+    std::fflush(stdout);  // It is the last word, also where both go to one place.
+    printError("{}", escaped(text));
 }
 
 std::string lineList(const std::vector<uint64_t>& lines) {
     constexpr size_t kMost = 5;
-    std::string text;
-    for (size_t i = 0; i < std::min(lines.size(), kMost); ++i) {
-        text += (i == 0 ? "" : ", ") + std::to_string(lines[i]);
-    }
+    const size_t shown = std::min(lines.size(), kMost);
     return lines.empty() ? ""
-                         : (lines.size() == 1 ? " [line " : " [lines ") + text +
-                                   (lines.size() > kMost ? ", ..." : "") + "]";
+                         : fmt::format(" [line{} {}{}]", lines.size() == 1 ? "" : "s",
+                                       fmt::join(lines.begin(), lines.begin() + shown, ", "),
+                                       lines.size() > kMost ? ", ..." : "");
 }
 
-// `text` escaped, with its own line ends: what comes out of a log holds none.
+// `text` escaped, with its own line ends: what comes out of a log has none.
 std::string escapedLines(std::string_view text) {
     std::string result;
     for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
@@ -70,49 +86,197 @@ std::string escapedLines(std::string_view text) {
     return result + escaped(text);
 }
 
-// Prints each line of `text`, escaped, behind `indent`.
-void printIndented(const std::string& indent, std::string_view text) {
-    for (;;) {
-        const size_t end = text.find('\n');
-        std::printf("%s%s\n", indent.c_str(), escaped(text.substr(0, end)).c_str());
-        if (end == std::string_view::npos) {
+// What a load without a fault used, in one line.
+std::string summaryOf(const Diagnosis& diagnosis) {
+    std::string text;
+    for (const Conclusion& one : diagnosis.conclusions) {
+        if (one.topic == "system-spec" || one.topic == "overlay") {
+            text += fmt::format("{}{}", text.empty() ? "" : "; ", one.text);
+        }
+    }
+    return diagnosis.trace->hasLoad() ? fmt::format("no fault in these lines: {}", text)
+                                      : fmt::format("no fault in these lines");
+}
+
+// The whole load in one line: whose it is, what is wrong, and what to do.
+std::string headlineOf(const Diagnosis& diagnosis) {
+    const LoadTrace& trace = *diagnosis.trace;
+    const std::string process = trace.process < 0 ? "Lines without a process number, as if of one"
+                                                  : fmt::format("Process {}", trace.process);
+    const std::string lines =
+            trace.firstLine == trace.lastLine
+                    ? fmt::format("line {}", trace.firstLine)
+                    : fmt::format("lines {} to {}", trace.firstLine, trace.lastLine);
+    const std::string who = fmt::format("{}{}{} ({})", process, trace.firstTime.empty() ? "" : ", ",
+                                        trace.firstTime, lines);
+    const size_t errors = diagnosis.count(Severity::Error);
+    const size_t warnings = diagnosis.count(Severity::Warning);
+    const Conclusion* const worst =
+            diagnosis.first(errors != 0 ? Severity::Error : Severity::Warning);
+    if (worst == nullptr) {
+        return fmt::format("{}: {}", who, summaryOf(diagnosis));
+    }
+    std::vector<std::string> counts;
+    if (errors != 0) {
+        counts.push_back(counted(errors, "error"));
+    }
+    if (warnings != 0) {
+        counts.push_back(counted(warnings, "warning"));
+    }
+    return fmt::format("{}: {}: {}: {}", who, joined(counts, ", "), worst->brief, worst->advice);
+}
+
+// Prints what is wrong with one load in detail, or all that is known of it.
+class DetailPrinter {
+public:
+    DetailPrinter(const Diagnosis& diagnosis, bool isAll) : mDiagnosis(diagnosis), mIsAll(isAll) {
+        for (const Severity severity : {Severity::Error, Severity::Warning}) {
+            if (const Conclusion* const worst = diagnosis.first(severity); worst != nullptr) {
+                mAdvice.insert(worst->advice);  // The headline has it.
+                break;
+            }
+        }
+    }
+
+    void print() {
+        for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+            for (const Conclusion& one : mDiagnosis.conclusions) {
+                if (one.severity == severity && isShown(one)) {
+                    print(one);
+                }
+            }
+        }
+        if (mIsAll) {
+            printPlaces();
+        }
+    }
+
+private:
+    bool isShown(const Conclusion& one) const {
+        const char* const kHidden[] = {"variant", "system-spec", "store", "encoder-filter",
+                                       "dump-again"};
+        return mIsAll || one.severity != Severity::Note ||
+               std::find(std::begin(kHidden), std::end(kHidden), one.topic) == std::end(kHidden);
+    }
+
+    void print(const Conclusion& one) {
+        if (!one.heading.empty()) {
+            printGroup(one);
             return;
         }
-        text.remove_prefix(end + 1);
+        const size_t end = one.text.find('\n');
+        printEscaped(fmt::format("  {}: {}{} [{}]", nameOf(one.severity), one.text.substr(0, end),
+                                 lineList(one.lines), one.topic));
+        for (size_t at = end; at != std::string::npos;) {
+            const size_t next = one.text.find('\n', at + 1);
+            printEscaped(fmt::format("      {}", one.text.substr(at + 1, next - at - 1)));
+            at = next;
+        }
+        for (const uint64_t line : one.lines) {
+            printPlace(line);
+        }
+        printAdvice(one.advice);
+        if (one.topic == "overlay" && mIsAll) {
+            printOutcomes();
+        }
+    }
+
+    // All conclusions with this one's heading, below it.
+    void printGroup(const Conclusion& first) {
+        if (!mHeadings.emplace(first.heading, first.topic).second) {
+            return;
+        }
+        std::vector<const Conclusion*> group;
+        for (const Conclusion& one : mDiagnosis.conclusions) {
+            if (one.heading == first.heading && one.topic == first.topic) {
+                group.push_back(&one);
+            }
+        }
+        constexpr size_t kMost = 5;
+        const size_t shown = mIsAll ? group.size() : std::min(group.size(), kMost);
+        printEscaped(
+                fmt::format("  {}: {}: [{}]", nameOf(first.severity), first.heading, first.topic));
+        for (size_t i = 0; i < shown; ++i) {
+            printEscaped(fmt::format("      {}{}", group[i]->item, lineList(group[i]->lines)));
+            for (const uint64_t line : group[i]->lines) {
+                printPlace(line);
+            }
+        }
+        if (shown < group.size()) {
+            printEscaped(fmt::format("      and {} more: --all lists them", group.size() - shown));
+        }
+        for (size_t i = 0; i < shown; ++i) {
+            printAdvice(group[i]->advice);
+        }
+    }
+
+    void printAdvice(const std::string& advice) {
+        if (!advice.empty() && mAdvice.insert(advice).second) {
+            printEscaped(fmt::format("    do: {}", advice));
+        }
+    }
+
+    void printPlace(uint64_t line) const {
+        if (mIsAll) {
+            return;  // All of them come at the end.
+        }
+        const auto found = std::find_if(mDiagnosis.places.begin(), mDiagnosis.places.end(),
+                                        [&](const PlacedLine& one) { return one.line == line; });
+        if (found != mDiagnosis.places.end()) {
+            printEscaped(fmt::format("        {}", found->place));
+        }
+    }
+
+    void printOutcomes() const {
+        for (const OverlayOutcome& outcome : mDiagnosis.facts.outcomes) {
+            printEscaped(fmt::format("      {}: codec test tool {}, private file {}: {}",
+                                     outcome.isPossible ? "possible" : "excluded",
+                                     outcome.hasTestTool ? "there" : "absent", outcome.privateFile,
+                                     outcome.result()));
+        }
+    }
+
+    void printPlaces() const {
+        if (!mDiagnosis.places.empty()) {
+            printEscaped("  Where the lines come from:");
+        }
+        for (const PlacedLine& line : mDiagnosis.places) {
+            printEscaped(fmt::format("    line {}: {}", line.line, line.text));
+            printEscaped(fmt::format("        {}", line.place));
+        }
+    }
+
+    const Diagnosis& mDiagnosis;
+    const bool mIsAll;
+    std::set<std::string> mAdvice;  // Which was printed.
+    std::set<std::pair<std::string, std::string>> mHeadings;
+};
+
+// First a line for each load, then what is wrong with each.
+void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
+    const bool isOne = diagnoses.size() == 1;
+    for (const Diagnosis& diagnosis : diagnoses) {
+        printEscaped(headlineOf(diagnosis));
+    }
+    for (const Diagnosis& diagnosis : diagnoses) {
+        if (!isAll && diagnosis.count(Severity::Error) + diagnosis.count(Severity::Warning) == 0) {
+            continue;
+        }
+        if (!isOne) {
+            const std::string headline = headlineOf(diagnosis);
+            printOut("\n");
+            printEscaped(headline.substr(0, headline.find(')') + 1));
+        }
+        DetailPrinter(diagnosis, isAll).print();
     }
 }
 
-void printConclusions(const Told& told) {
-    const LoadStory& story = *told.story;
-    std::string heading = processName(story);
-    if (!story.firstTime.empty()) {
-        heading += ", " + story.firstTime;
+Json::Value toJson(const std::vector<uint64_t>& lines) {
+    Json::Value json = Json::arrayValue;
+    for (const uint64_t line : lines) {
+        json.append(Json::UInt64(line));
     }
-    heading += story.hasLoad() ? ": one load of the store" : ": no load, but calls";
-    const std::string first = std::to_string(story.firstLine);
-    const std::string last = std::to_string(story.lastLine);
-    std::printf("%s (%s)\n", escaped(heading).c_str(),
-                (first == last ? "line " + first : "lines " + first + " to " + last).c_str());
-    for (const Conclusion& conclusion : told.conclusions) {
-        const std::string text = std::string(nameOf(conclusion.severity)) + ": " + conclusion.text;
-        const size_t end = text.find('\n');
-        std::printf("  %s%s [%s]\n", escaped(text.substr(0, end)).c_str(),
-                    lineList(conclusion.lines).c_str(), conclusion.topic.c_str());
-        if (end != std::string::npos) {
-            printIndented("      ", std::string_view(text).substr(end + 1));
-        }
-        if (!conclusion.advice.empty()) {
-            printIndented("    What to do: ", conclusion.advice);
-        }
-    }
-    if (!told.places.empty()) {
-        std::printf("  Where the lines come from:\n");
-    }
-    for (const PlacedLine& line : told.places) {
-        printIndented("    ", "line " + std::to_string(line.line) + ": " + line.text);
-        printIndented("        ", line.place);
-    }
-    std::printf("\n");
+    return json;
 }
 
 Json::Value toJson(const Conclusion& conclusion) {
@@ -121,10 +285,7 @@ Json::Value toJson(const Conclusion& conclusion) {
     json["topic"] = conclusion.topic;
     json["text"] = escapedLines(conclusion.text);
     json["advice"] = escapedLines(conclusion.advice);
-    json["lines"] = Json::arrayValue;
-    for (const uint64_t line : conclusion.lines) {
-        json["lines"].append(Json::UInt64(line));
-    }
+    json["lines"] = toJson(conclusion.lines);
     return json;
 }
 
@@ -140,8 +301,19 @@ Json::Value toJson(const OverlayOutcome& outcome) {
     Json::Value json;
     json["testTool"] = outcome.hasTestTool;
     json["privateFile"] = outcome.privateFile;
-    json["result"] = outcome.result;
+    json["result"] = outcome.result();
     json["isPossible"] = outcome.isPossible;
+    return json;
+}
+
+// Which ends of the first step are possible.
+Json::Value firstStepToJson(const ProvedFacts& facts) {
+    Json::Value json;
+    json["variant"] = facts.isOpen(SpecSource::Variant);
+    json["fallback"] = facts.isOpen(SpecSource::Fallback);
+    json["none"] = facts.isOpen(SpecSource::None);
+    json["accepted"] = facts.loads.canAccept;
+    json["rejected"] = facts.loads.canReject;
     return json;
 }
 
@@ -154,78 +326,136 @@ Json::Value listOf(const Items& items) {
     return list;
 }
 
-Json::Value toJson(const Told& told) {
-    const LoadStory& story = *told.story;
+Json::Value toJson(const Diagnosis& diagnosis) {
+    const LoadTrace& trace = *diagnosis.trace;
+    const bool isAnyKnown = trace.hasLoad() || trace.noCodecs.count != 0;
     Json::Value json;
-    json["process"] = story.process < 0 ? Json::Value() : Json::Value(story.process);
-    json["time"] = escaped(story.firstTime);
-    json["firstLine"] = Json::UInt64(story.firstLine);
-    json["lastLine"] = Json::UInt64(story.lastLine);
-    json["isLoad"] = story.hasLoad();
-    json["firstPath"] = escaped(story.firstPath());
-    json["conclusions"] = listOf(told.conclusions);
-    json["places"] = listOf(told.places);
-    json["outcomes"] = story.hasLoad() ? listOf(overlayOutcomes(story, attribute(story)))
-                                       : Json::Value(Json::arrayValue);
+    json["process"] = trace.process < 0 ? Json::Value() : Json::Value(trace.process);
+    json["time"] = escaped(trace.firstTime);
+    json["firstLine"] = Json::UInt64(trace.firstLine);
+    json["lastLine"] = Json::UInt64(trace.lastLine);
+    json["isLoad"] = trace.hasLoad();
+    json["firstPath"] = escaped(trace.firstPath());
+    json["conclusions"] = listOf(diagnosis.conclusions);
+    json["places"] = listOf(diagnosis.places);
+    json["systemSpec"] = isAnyKnown ? firstStepToJson(diagnosis.facts) : Json::Value();
+    json["outcomes"] =
+            isAnyKnown ? listOf(diagnosis.facts.outcomes) : Json::Value(Json::arrayValue);
     return json;
 }
 
-bool readLog(const std::string& path, StoryCollector* collector) {
-    const auto close = [](std::FILE* file) { return file == stdin ? 0 : std::fclose(file); };
-    const std::unique_ptr<std::FILE, decltype(close)> file(
-            path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
-    if (file == nullptr) {
-        return false;
-    }
-    LineReader reader(file.get());
+struct ReadLog {
+    TraceCollector collector;
     LogcatParser parser;
+    std::string failure;  // Why the file could not be read as a log; empty when it could.
+    uint64_t lines = 0;
+};
+
+void readLines(std::FILE* file, ReadLog* log) {
+    LineReader reader(file);
     for (std::string_view line; reader.next(&line);) {
-        if (const std::optional<LogEntry> entry = parser.parse(line)) {
-            collector->take(*entry, reader.lineNumber());
+        if (const std::optional<LogEntry> entry = log->parser.parse(line)) {
+            log->collector.add(*entry, reader.lineNumber());
         }
     }
-    return !reader.isFailed();
+    log->lines = reader.lineNumber();
+    log->failure = reader.isFailed() ? std::strerror(errno) : reader.whyNotText();
+}
+
+// Why nothing can be said of a log without any line of a load; empty where that says something.
+std::string whyNotUnderstood(const ReadLog& log) {
+    if (log.collector.unreadCount() != 0 && log.collector.traces().empty()) {
+        return fmt::format(
+                "{} with a tag or a text of the library, but in no known format. The "
+                "first is line {}: {}",
+                counted(log.collector.unreadCount(), "line"), log.collector.firstUnreadLine(),
+                log.collector.firstUnread());
+    }
+    if (log.collector.traces().empty() && log.parser.knownLines() == 0) {
+        return log.lines == 0 ? "the log is empty"
+                              : fmt::format(
+                                        "none of {} is one that logcat prints, so this says "
+                                        "nothing about the library",
+                                        counted(log.lines, "line"));
+    }
+    return "";
+}
+
+std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOptions& options) {
+    std::vector<Diagnosis> diagnoses;
+    for (const LoadTrace& trace : collector.traces()) {
+        Diagnosis diagnosis = {&trace, factsOf(trace), {}, {}};
+        std::vector<Conclusion> compared;
+        if (options.hasTree && (trace.hasLoad() || trace.noCodecs.count != 0)) {
+            PulledComparison pulled = comparePulled(trace, options.isVariantGiven);
+            diagnosis.facts = std::move(pulled.facts);
+            diagnosis.places = std::move(pulled.places);
+            compared = std::move(pulled.conclusions);
+        }
+        diagnosis.conclusions = conclude(trace, diagnosis.facts);
+        diagnosis.conclusions.insert(diagnosis.conclusions.end(), compared.begin(), compared.end());
+        diagnoses.push_back(std::move(diagnosis));
+    }
+    return diagnoses;
+}
+
+// Reads a file of that name, or standard input for "-".
+ReadLog readLog(const std::string& path) {
+    const auto close = [](std::FILE* file) { return file == stdin ? 0 : std::fclose(file); };
+    errno = 0;
+    const std::unique_ptr<std::FILE, decltype(close)> file(
+            path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
+    ReadLog log;
+    if (file != nullptr) {
+        readLines(file.get(), &log);
+    } else {
+        log.failure = std::strerror(errno);
+    }
+    if (log.failure.empty()) {
+        log.failure = whyNotUnderstood(log);
+    }
+    return log;
+}
+
+// What is left to say on standard error of a log that was read.
+void complainOf(const TraceCollector& collector) {
+    if (collector.unreadCount() != 0) {
+        complain(
+                fmt::format("{} with a text of the library cannot be read; the first is line {}: "
+                            "{}",
+                            counted(collector.unreadCount(), "line"), collector.firstUnreadLine(),
+                            collector.firstUnread()));
+    }
+    if (collector.isTooLong()) {
+        complain("the log has more than is kept: not all of it is described");
+    }
 }
 
 }  // namespace
 
-int tellLog(const std::string& path, const LogOptions& options) {
-    StoryCollector collector;
-    errno = 0;
-    if (!readLog(path, &collector)) {
-        std::fprintf(stderr, "kcodec2_spec: %s cannot be read: %s\n", escaped(path).c_str(),
-                     std::strerror(errno));
+int describeLog(const std::string& path, const LogOptions& options) {
+    const ReadLog log = readLog(path);
+    if (!log.failure.empty()) {
+        complain(fmt::format("{} cannot be read: {}", path, log.failure));
         return kExitUsage;
     }
-    Json::Value json(Json::arrayValue);
-    bool isAnyError = false;
-    for (const LoadStory& story : collector.stories()) {
-        Told told = {&story, conclude(story), {}};
-        if (options.hasTree && story.hasLoad()) {
-            comparePulled(story, options.isVariantGiven, &told.conclusions, &told.places);
-        }
-        isAnyError |= hasErrors(told);
-        if (options.asJson) {
-            json.append(toJson(told));
-        } else {
-            printConclusions(told);
-        }
-    }
+    const std::vector<Diagnosis> diagnoses = diagnose(log.collector, options);
     if (options.asJson) {
-        print(json);
-    } else if (collector.stories().empty()) {
-        std::fputs(kNothing, stdout);
+        print(listOf(diagnoses));
+    } else if (diagnoses.empty()) {
+        printOut(kNothing, counted(log.lines, "line"));
+    } else {
+        printText(diagnoses, options.isAll);
     }
-    if (collector.isTooLong()) {
-        std::fflush(stdout);  // It is the last word, also where both go to one place.
-        std::fputs("kcodec2_spec: the log holds more than is kept; not all of it is told\n",
-                   stderr);
-    }
+    complainOf(log.collector);
+    const bool isAnyError =
+            std::any_of(diagnoses.begin(), diagnoses.end(),
+                        [](const Diagnosis& one) { return one.count(Severity::Error) != 0; });
     return isAnyError ? kExitFindings : kExitOk;
 }
 
 int printLogLines() {
-    std::fputs(logLineTable().c_str(), stdout);
+    printOut("{}", logLineTable());
     return kExitOk;
 }
 

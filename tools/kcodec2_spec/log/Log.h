@@ -7,12 +7,13 @@ namespace kc2::tool {
 
 struct LogOptions {
     bool asJson = false;
+    bool isAll = false;           // Also what is in order, and every place.
     bool hasTree = false;         // The documents were pulled, too.
-    bool isVariantGiven = false;  // By an option; otherwise the log's counts.
+    bool isVariantGiven = false;  // By an option; otherwise the log's is used.
 };
 
-// Tells what the log in that file, or on standard input for "-", shows.
-int tellLog(const std::string& path, const LogOptions& options);
+// Prints what the log in that file, or on standard input for "-", shows; the exit code.
+int describeLog(const std::string& path, const LogOptions& options);
 
 // Prints every line that the library writes.
 int printLogLines();

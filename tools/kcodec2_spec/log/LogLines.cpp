@@ -2,6 +2,8 @@
 
 #include "log/LogLines.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -46,22 +48,22 @@ constexpr LogLine kLines[] = {
          "reading of a document", "The built-in document was rejected: the library is damaged.",
          "Install the library again."},
         {LineId::Skipped, kSpec, kWarning, 0, "Skipped %s in %s: %s", "reading of a document",
-         "One value is of a wrong type or out of range. It is left out; the rest counts. A perf "
-         "word costs all words of its name, a tier level counts as 0.",
+         "One value is of a wrong type or out of range. It is left out; the rest is used. For a "
+         "perf word all words of its name are left out; a tier level becomes 0.",
          "Correct the value at the place that the line names."},
         {LineId::SkippedByCall, kSpec, kWarning, 0, "Skipped %s: %s", "call of parseJsonData()",
-         "The same of a document that a program has handed over itself: it has no name.",
+         "The same, of a document that a program gave to the call: it has no name.",
          "Correct the value at the place that the line names."},
         {LineId::RowSkipped, kSpec, kWarning, 0,
          "Unable to queue the json entry due to inappropriate size", "reading of a document",
-         "A row of \"NimbraModeBitrateTable\" does not hold three values. It is left out. One line "
+         "A row of \"NimbraModeBitrateTable\" does not have three values. It is left out. One line "
          "for each such row.",
          "`kcodec2_spec check` names the row."},
         {LineId::EncoderFilter, kSpec, kDebug, log::kMaskDebugDetail,
          "mEncPostProcessingFilters %s", "reading of a document",
          "An encoder post-processing filter that is appended to the store's list.", "-"},
         {LineId::FeaturesHeading, kSpec, kInfo, log::kMaskInfo, "Video Core Features:", "dump",
-         "The dump begins: what the store holds after the system spec document and before the "
+         "The dump begins: what the store has after the system spec document and before the "
          "second document.",
          "-"},
         {LineId::Feature, kSpec, kInfo, log::kMaskInfo, "       %-25s : %d", "dump",
@@ -74,7 +76,7 @@ constexpr LogLine kLines[] = {
          "The pre-processing filters follow.", "-"},
         {LineId::PluginsHeading, kSpec, kInfo, log::kMaskInfo, "Codec plugins:", "dump",
          "The codec plug-ins follow and, when the next heading is not written, the codec "
-         "components behind them.",
+         "components after them.",
          "-"},
         {LineId::CodecsHeading, kSpec, kDebug, log::kMaskDebugHeading, "HW Codec entries:", "dump",
          "The codec components follow.",
@@ -83,8 +85,8 @@ constexpr LogLine kLines[] = {
          "An entry of the list whose heading is above it.", "-"},
         {LineId::NoCodecs, kSpec, kWarning, 0,
          "List of Supported Codecs is Empty. All codecs will be enabled..", "query",
-         "No document of the load names a codec component, so a component that asks takes every "
-         "codec as enabled. One line for each call of getSupportedCodecs().",
+         "No document of the load names a codec component, so every codec counts as "
+         "enabled. One line for each call of getSupportedCodecs().",
          "List the components in \"codecs-available\"; a misspelt section has this effect, too."},
         {LineId::UnknownFormat, log::kTagBufferLayout, kError, 0, "%s is not a Tamra color format!",
          "query",
@@ -127,13 +129,9 @@ std::string logLineTable() {
             "| Line | Tag | Priority | Gate | Step | What it means | What to do |\n"
             "|---|---|---|---|---|---|---|\n";
     for (const LogLine& line : kLines) {
-        for (const std::string& cell :
-             {std::string("`") + line.text + "`", std::string("`") + line.tag + "`",
-              std::string(1, letterOf(line.priority)), gateText(line.gate), std::string(line.step),
-              std::string(line.meaning), std::string(line.advice)}) {
-            text += "| " + cell + " ";
-        }
-        text += "|\n";
+        text += fmt::format("| `{}` | `{}` | {} | {} | {} | {} | {} |\n", line.text, line.tag,
+                            letterOf(line.priority), gateText(line.gate), line.step, line.meaning,
+                            line.advice);
     }
     return text;
 }

@@ -67,7 +67,7 @@ std::optional<LineValues> match(std::string_view format, std::string_view text);
 // The letter that logcat shows for a priority.
 char letterOf(int priority);
 
-// The rows as a Markdown table, which docs/log.md holds, too.
+// The rows as a Markdown table, which docs/log.md has, too.
 std::string logLineTable();
 
 }  // namespace kc2::tool

@@ -1,57 +1,49 @@
-// What `logcat` prints, line by line, whatever its format: who wrote it, under which tag, and what.
+// The lines of a log, whatever tool printed or copied them: who wrote each, under which tag, and
+// what.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace kc2::tool {
 
-// A log may be any file: of gigabytes, in one line, of any bytes. Lines longer than what a device
-// logs at once are cut here, and nothing else of the log is kept.
-inline constexpr size_t kLongestLogLine = 2048;
-
-class LineReader {
-public:
-    explicit LineReader(std::FILE* file) : mFile(file) {}
-
-    // The next line without its end; false at the end of the file. Valid until the next call.
-    bool next(std::string_view* line);
-
-    uint64_t lineNumber() const { return mLineNumber; }
-    bool isFailed() const { return std::ferror(mFile) != 0; }
-
-private:
-    std::FILE* mFile;
-    char mBlock[1 << 16];
-    size_t mAt = 0;
-    size_t mLimit = 0;
-    std::string mLine;
-    uint64_t mLineNumber = 0;
-};
-
 struct LogEntry {
     std::string_view time = {};  // As the log has it; empty when the format has none.
     int process = -1;            // -1 when the format has none.
     std::string_view tag = {};   // Empty when the format has none.
     std::string_view text = {};
+    std::string_view buffer = {};  // Which buffer begins here: nothing else is in the entry then.
 };
 
-// Takes the lines of one log in order: in the long format the head has its own line.
+// Reads the lines of one log in order: in the long format the header has its own line.
 class LogcatParser {
 public:
-    // The entry of a line; nothing for a line that carries none.
+    // The entry of a line; nothing for a line that has none. Valid until the next call.
     std::optional<LogEntry> parse(std::string_view line);
 
+    // Lines with a header, or with what logcat prints between entries.
+    uint64_t knownLines() const { return mKnownLines; }
+    // Other lines that are not empty: the raw format's, or what somebody else has written.
+    uint64_t rawLines() const { return mRawLines; }
+
 private:
-    bool takeLongHead(std::string_view line);
+    std::optional<LogEntry> parseKnown(std::string_view line);
+    std::optional<LogEntry> parseAfterPrefix(std::string_view line);
+    bool readLongHeader(std::string_view line);
 
     bool mIsInLong = false;
     std::string mLongTime;
     std::string mLongTag;
     int mLongProcess = -1;
+    std::string mPrefixShape;  // Of what precedes each line, digits as 0.
+    uint64_t mKnownLines = 0;
+    uint64_t mRawLines = 0;
 };
+
+// How many seconds after `earlier` the time `later` is; nothing where that cannot be known. A log
+// may have no years: its times are then compared as those of one winter.
+std::optional<double> secondsBetween(std::string_view earlier, std::string_view later);
 
 }  // namespace kc2::tool

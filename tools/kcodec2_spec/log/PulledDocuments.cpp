@@ -1,4 +1,4 @@
-// A log beside the documents that were pulled from the same device.
+// A load of a log beside the documents that were pulled from the same device.
 
 #include "log/PulledDocuments.h"
 
@@ -7,38 +7,67 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <optional>
+#include <set>
+#include <tuple>
 #include <utility>
 
 #include "base/DeviceOptions.h"
+#include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
+#include "kc2/TargetSpec.h"
 #include "kc2/TargetSpecKeys.h"
 #include "store/Load.h"
-#include "targetspec/reading/Escaped.h"
-#include "targetspec/reading/Sections.h"
+#include "targetspec/reading/PrivateConfigFile.h"
 
 namespace kc2::tool {
 
 namespace {
 
-// Where a value begins in its document; nothing where there is none.
-using Offset = std::optional<size_t>;
-using PlacesByLine = std::multimap<std::pair<std::string, std::string>, size_t>;
+// What a line says of a value, to compare the phone's lines with the library's.
+using LineKey = std::tuple<LineId, std::string, std::string>;
 
-// The key of a line about a skipped value: its place and its reason, as the device logs them.
-std::pair<std::string, std::string> lineOf(const Verdict& verdict) {
-    const Place place = {.section = verdict.section, .name = verdict.name, .index = verdict.index};
-    const char* const reason = rowOf(verdict.kind).reason;
-    return {reason != nullptr ? place.toString() : "", reason != nullptr ? reason : ""};
+LineKey keyOf(const LoadEvent& event) {
+    return {event.id, event.value, event.reason};
 }
 
-// One document of the tree: its places, and the lines that a device would write about it.
+std::string textOf(const LoadEvent& event) {
+    return event.id == LineId::Skipped ? fmt::format("Skipped {}: {}", event.value, event.reason)
+           : event.id == LineId::EncoderFilter ? fmt::format("filter {}", event.value)
+                                               : logLine(event.id).text;
+}
+
+bool isOfValue(const LoadEvent& event) {
+    return event.id == LineId::Skipped || event.id == LineId::RowSkipped ||
+           event.id == LineId::EncoderFilter;
+}
+
+// What the library logs while it does `work`, as a device's log would show it.
+template <typename Work>
+LoadTrace traceOf(const Work& work) {
+    constexpr size_t kMostTextBytes = 1023;  // The device's log cuts a line there.
+    TraceCollector collector;
+    captureLog([&](int, const char* tag, const char* text) {
+        std::string_view rest = std::string_view(text).substr(0, kMostTextBytes);
+        for (bool isMore = true; isMore;) {
+            const size_t end = rest.find('\n');
+            collector.add({.process = 0, .tag = tag, .text = rest.substr(0, end)}, 1);
+            isMore = end != std::string_view::npos;
+            rest.remove_prefix(isMore ? end + 1 : rest.size());
+        }
+    });
+    work();
+    muteLog();
+    return collector.traces().empty() ? LoadTrace() : collector.traces().front();
+}
+
+// One document of the tree: what the library logs of it, and where its values are.
 class PulledDocument {
 public:
-    explicit PulledDocument(const Document& document) : mDocument(document) {
+    PulledDocument(const Document& document, std::string path, LoadTrace trace)
+        : mDocument(document), mPath(std::move(path)), mTrace(std::move(trace)) {
         const KnownSettings nothing{Catalogue()};
         Report report{Levels()};
         checkReading(Checked(document, nothing), &report);
@@ -46,373 +75,482 @@ public:
             mMessages.emplace(entry->span.start,
                               fmt::format("{} [{}]", entry->message, entry->check->id));
         }
-        for (const Verdict& verdict : document.verdicts) {
-            if (rowOf(verdict.kind).effect == Effect::SkipsAndLogs) {
-                mLogged.emplace(lineOf(verdict), verdict.start);
+        for (const LoadEvent& event : mTrace.events) {
+            for (uint64_t n = 0; isOfValue(event) && n < event.count; ++n) {
+                mLeft.insert(keyOf(event));
             }
         }
+        index();
     }
 
     const Document& document() const { return mDocument; }
-    const std::string& path() const { return mDocument.source.path(); }
+    const Dump& dump() const { return mTrace.dump; }
+    const std::string& path() const { return mPath; }
 
-    // Takes the next value that leaves this line.
-    Offset take(const std::pair<std::string, std::string>& line) {
-        const auto found = mLogged.find(line);
-        if (found == mLogged.end()) {
-            return std::nullopt;
+    // Whether the library logs this line about the document (once more), and its place if it is
+    // known.
+    bool logs(const LoadEvent& event, std::string* place) {
+        const auto found = mLeft.find(keyOf(event));
+        if (found == mLeft.end()) {
+            return false;
         }
-        const size_t offset = found->second;
-        mLogged.erase(found);
-        return offset;
+        mLeft.erase(found);
+        if (event.id == LineId::EncoderFilter) {
+            *place = element(targetSpecSupportedEncPostProcessingFilters, mFilters++);
+        } else if (const auto value = mLogged.find({event.value, event.reason});
+                   value != mLogged.end()) {
+            *place = placeOf(value->second);
+            mLogged.erase(value);
+        }
+        return true;
     }
 
-    // What a device would have logged and nobody took.
-    const PlacesByLine& untaken() const { return mLogged; }
-
-    // "path:line:column", and what the checker says there, if anything.
-    std::string placeOf(size_t offset) const {
-        const auto message = mMessages.find(offset);
-        return mDocument.source.placeOf(offset) +
-               (message != mMessages.end() ? ": " + message->second : "");
-    }
+    // What the library logs of the document and the log did not have.
+    const std::multiset<LineKey>& left() const { return mLeft; }
 
     std::string whyRejected() const {
         if (!mDocument.isReadable) {
-            return path() + ": cannot be read: " + mDocument.whyNotReadable;
+            return fmt::format("{}: cannot be read: {}", path(), mDocument.whyNotReadable);
         }
         return mMessages.empty() ? path() : placeOf(mMessages.begin()->first);
     }
 
-    Offset named(const char* section, const std::string& name) const {
-        const Node* const node = mDocument.section(section);
-        const Node* const member = node != nullptr ? findMember(*node, name) : nullptr;
-        return member != nullptr && member->isUsed() ? Offset(member->value.start) : std::nullopt;
+    // Places, empty where there is no such value.
+    std::string named(const char* section, const std::string& name) const {
+        const auto found = mNamed.find({section, name});
+        return found != mNamed.end() ? placeOf(found->second) : "";
     }
 
-    Offset element(const char* section, size_t number) const {
-        const std::vector<const Node*> elements = usedElements(mDocument, section);
-        return number < elements.size() ? Offset(elements[number]->value.start) : std::nullopt;
+    std::string element(const char* section, size_t number) const {
+        const auto found = mElements.find(section);
+        return found != mElements.end() && number < found->second.size()
+                       ? placeOf(found->second[number]->value.start)
+                       : "";
     }
 
-    Offset codec(const std::string& name) const {
-        Offset offset;
-        forEachEntry(mDocument, isOfCodecs, [&](const DocumentName& entry) {
-            offset = entry.text == name ? Offset(entry.span.start) : offset;
-        });
-        return offset;
+    std::string codec(const std::string& name) const {
+        const auto found = mCodecs.find(name);
+        return found != mCodecs.end() ? placeOf(found->second) : "";
     }
 
 private:
-    const Document& mDocument;
-    PlacesByLine mLogged;
-    std::map<size_t, std::string> mMessages;  // By where they are.
-};
+    // "path:line:column", and what the checker says there, if anything.
+    std::string placeOf(size_t offset) const {
+        const auto message = mMessages.find(offset);
+        const std::string place = mDocument.source.placeOf(offset);
+        return message != mMessages.end() ? fmt::format("{}: {}", place, message->second) : place;
+    }
 
-constexpr char kOtherDocument[] = ". The phone runs another document than the one in the tree.";
+    // Both a document and a log may have a hundred thousand values.
+    void index() {
+        for (const Verdict& verdict : mDocument.verdicts) {
+            const FindingRow& row = rowOf(verdict.kind);
+            const Place place = {
+                    .section = verdict.section, .name = verdict.name, .index = verdict.index};
+            if (row.effect == Effect::SkipsAndLogs) {
+                mLogged.emplace(row.reason != nullptr ? std::pair(place.toString(), row.reason)
+                                                      : std::pair(std::string(), ""),
+                                verdict.start);
+            }
+        }
+        forEachSection(mDocument, [&](const Section& row, const Node& section) {
+            if (row.type == SectionType::Names) {
+                mElements.emplace(*row.key, usedElements(mDocument, *row.key));
+            }
+            for (const Node& member : section.children) {
+                if (isOfNamedValues(row.type) && member.isUsed()) {
+                    mNamed.emplace(std::pair(*row.key, member.key), member.value.start);
+                }
+            }
+        });
+        forEachEntry(mDocument, isOfCodecs, [&](const DocumentName& entry) {
+            mCodecs.emplace(entry.text, entry.span.start);
+        });
+    }
+
+    const Document& mDocument;
+    const std::string mPath;
+    LoadTrace mTrace;
+    std::multiset<LineKey> mLeft;
+    size_t mFilters = 0;
+    std::multimap<std::pair<std::string, std::string>, size_t> mLogged;
+    std::map<size_t, std::string> mMessages;  // By where they are.
+    std::map<std::pair<std::string, std::string>, size_t> mNamed;
+    std::map<std::string, std::vector<const Node*>> mElements;
+    std::map<std::string, size_t, std::less<>> mCodecs;
+};
 
 class LogComparison {
 public:
-    LogComparison(const LoadStory& story, std::vector<Conclusion>* conclusions,
-                  std::vector<PlacedLine>* places)
-        : mStory(story),
-          mAttribution(attribute(story)),
-          mLoad(readLoad()),
-          mConclusions(*conclusions),
-          mPlaces(*places) {
-        if (mLoad.hasSystemSpec()) {
-            mSystemSpec = std::make_unique<PulledDocument>(*mLoad.systemSpec);
+    LogComparison(const LoadTrace& trace, bool isSpecKnown)
+        : mTrace(trace), mLogFacts(factsOf(trace)), mLoad(readLoad()) {
+        const bool isTriedNext = mTrace.find(LineId::OpenFailed) != nullptr ||
+                                 mTrace.find(LineId::FallingBack) != nullptr;
+        const std::string path = mTrace.firstPath();
+        mIsOtherPath = !path.empty() && path != mLoad.firstPath;
+        const bool isSpecDecided = isSpecKnown && !mIsOtherPath && mLoad.hasSystemSpec() &&
+                                   !mLoad.systemSpec->isPipe && (isFirst() || isTriedNext);
+        TargetSpec store;
+        if (isSpecDecided) {
+            LoadTrace step = traceOf([&] {
+                store.extractSpecData();
+                store.printSpecifications();
+            });
+            mSystemSpec = std::make_unique<PulledDocument>(
+                    *mLoad.systemSpec, localPath(mLoad.systemSpec->path), std::move(step));
         }
-        mOverlay = std::make_unique<PulledDocument>(*mLoad.overlay);
+        if (mLoad.isPrivateFileOpen) {
+            LoadTrace step = traceOf([&] { store.extractPrivateData(); });
+            mPrivateFile = std::make_unique<PulledDocument>(
+                    *mLoad.overlay, localPath(kPrivateConfig), std::move(step));
+        }
     }
 
-    void run() {
-        tellDocuments();
-        comparePaths();
-        for (size_t i = 0; i < mStory.events.size(); ++i) {
-            compareEvent(i);
+    PulledComparison run() {
+        mResult.facts = factsOf(mTrace, treeFacts());
+        if (mResult.facts.loads.isContradictory) {
+            mResult.facts = mLogFacts;
+            contradictSteps();
         }
-        compareRejections();
-        compareDump();
-        if (mStory.droppedLines == 0 && mStory.cutLines == 0 && !mStory.isTooLong) {
-            tellMissingLines(mSystemSpec.get());
-            tellMissingLines(mOverlay.get());
+        describeTree();
+        if (!mIsOtherPath) {
+            for (size_t i = 0; i < mTrace.events.size(); ++i) {
+                compareEvent(i);
+            }
+            compareDump();
+            compareCodecs();
+            compareMissingLines();
         }
-        std::stable_sort(mPlaces.begin(), mPlaces.end(),
+        std::stable_sort(mResult.places.begin(), mResult.places.end(),
                          [](const PlacedLine& a, const PlacedLine& b) { return a.line < b.line; });
+        return std::move(mResult);
     }
 
 private:
-    void contradict(std::string text, std::vector<uint64_t> lines = {}) {
+    // Whether the tree has the document that the variant selects.
+    bool isFirst() const {
+        return mLoad.hasSystemSpec() && mLoad.systemSpec->path == mLoad.firstPath;
+    }
+
+    // A file in the tree decides; one that is not there may not have been pulled.
+    TreeFacts treeFacts() const {
+        TreeFacts facts;
+        if (mSystemSpec != nullptr) {
+            std::fill(std::begin(facts.limits.canOpen), std::end(facts.limits.canOpen), false);
+            facts.limits.canOpen[static_cast<size_t>(isFirst() ? SpecSource::Variant
+                                                               : SpecSource::Fallback)] = true;
+            facts.limits.canAccept = mLoad.systemSpec->isAccepted;
+            facts.limits.canReject = !mLoad.systemSpec->isAccepted;
+        }
+        const bool hasTool = isTestToolInstalled();
+        for (size_t i = 0; i < std::size(facts.canBe); ++i) {
+            const OverlayOutcome& outcome = mLogFacts.outcomes[i];
+            facts.canBe[i] = (outcome.hasTestTool || !hasTool) && canBe(outcome);
+        }
+        return facts;
+    }
+
+    bool canBe(const OverlayOutcome& outcome) const {
+        if (mPrivateFile == nullptr) {
+            return true;
+        }
+        const Document& file = mPrivateFile->document();
+        const std::string_view state = outcome.privateFile;
+        if (mLoad.isSeeded || (file.text.empty() && file.isReadable)) {
+            return state == "empty";
+        }
+        // With the test tool the load may have written it itself.
+        const bool isSeeded =
+                std::any_of(std::begin(kChipDocuments), std::end(kChipDocuments),
+                            [&](const ChipDocument& chip) { return file.text == chip.text; });
+        return file.isAccepted ? state == "valid" || (isSeeded && outcome.isSeeding)
+                               : state == "not a valid document";
+    }
+
+    void contradict(std::string text, std::vector<uint64_t> lines = {},
+                    std::string advice =
+                            "pull the documents of this phone again, and see that "
+                            "the variant is the right one") {
         constexpr size_t kMost = 20;  // More of them say nothing more.
         if (++mContradictions <= kMost) {
-            mConclusions.push_back({Severity::Error, "contradiction", std::move(text),
-                                    "Pull the documents of this phone again, and see that the "
-                                    "variant is the right one.",
-                                    std::move(lines)});
+            mResult.conclusions.push_back({Severity::Error, "contradiction",
+                                           "log and tree contradict each other", text,
+                                           std::move(advice), std::move(lines),
+                                           "the log and the tree contradict each other", text});
         }
     }
 
-    void tellDocuments() {
-        const std::string spec =
-                mSystemSpec == nullptr
-                        ? "none opens"
-                        : mSystemSpec->path() + (mLoad.systemSpec->isPipe       ? ", a pipe"
-                                                 : mLoad.systemSpec->isAccepted ? ""
-                                                                                : ", rejected");
-        mConclusions.push_back(
-                {Severity::Note,
-                 "tree",
-                 "in the tree, the system spec document is: " + spec +
-                         "; the second document is: " + mLoad.overlay->origin +
-                         (mLoad.overlay->path.empty() ? "" : " " + mOverlay->path()) +
-                         (mLoad.overlay->isAccepted ? "" : ", rejected") +
-                         (mLoad.isSeeded ? "; a device would write it into the private file" : ""),
-                 "",
-                 {}});
+    uint64_t lineOf(LineId id) const {
+        const LoadEvent* const event = mTrace.find(id);
+        return event != nullptr ? event->line : 0;
     }
 
-    void comparePaths() {
-        const std::string path = mStory.firstPath();
-        if (!path.empty() && path != mLoad.firstPath) {
-            contradict("the log shows that the device looks for " + path +
-                               ", but the options and the tree lead to " + mLoad.firstPath +
-                               ": the variant is another one, or the tree lacks a document",
-                       {mStory.firstLine});
-            return;
+    // What the lines prove about the two steps, and the documents disprove.
+    void contradictSteps() {
+        const ProvedFacts& log = mLogFacts;
+        const size_t before = mContradictions;
+        if (mSystemSpec != nullptr) {
+            const std::string path = mSystemSpec->path();
+            if (log.isOnly(SpecSource::None)) {
+                contradict(fmt::format("no system spec document opens on the phone, but the tree "
+                                       "has {}",
+                                       path),
+                           {lineOf(LineId::NothingOpened)});
+            } else if (isFirst() && !log.isOpen(SpecSource::Variant)) {
+                contradict(fmt::format("{} does not open on the phone, but in the tree it does",
+                                       mLoad.firstPath),
+                           {lineOf(LineId::OpenFailed)});
+            }
+            contradictRejection(*mSystemSpec, Which::SystemSpec, log.loads.canAccept,
+                                log.loads.canReject);
         }
-        const bool isFallback = mLoad.hasSystemSpec() && mLoad.systemSpec->path != mLoad.firstPath;
-        const std::vector<uint64_t> lines = {std::max(mStory.failedLine, mStory.nothingOpenedLine)};
-        if (mStory.nothingOpenedLine != 0 && mLoad.hasSystemSpec()) {
-            contradict("the log shows that no system spec document opens, but the tree has " +
-                               mSystemSpec->path(),
+        if (mPrivateFile != nullptr) {
+            contradictRejection(
+                    *mPrivateFile, Which::Overlay,
+                    log.isOpen(OverlayResult::Private) || log.isOpen(OverlayResult::BuiltIn),
+                    log.isOpen(OverlayResult::Rejected));
+        }
+        if (mContradictions == before && !log.loads.isContradictory) {
+            contradict("the lines of this load cannot come from these documents",
+                       {mTrace.firstLine});
+        }
+    }
+
+    void contradictRejection(const PulledDocument& document, Which which, bool canAccept,
+                             bool canReject) {
+        const bool isAccepted = document.document().isAccepted;
+        if (isAccepted && !canAccept && canReject) {
+            std::vector<uint64_t> lines;
+            for (size_t i = 0; i < mTrace.events.size(); ++i) {
+                if (mTrace.events[i].id == LineId::StreamRejected &&
+                    mLogFacts.loads.of[i] == which) {
+                    lines.push_back(mTrace.events[i].line);
+                }
+            }
+            contradict(fmt::format("the phone rejected {}, but the library accepts the tree's: the "
+                                   "phone has another document",
+                                   document.path()),
                        lines);
-        } else if (mStory.failedLine != 0 && mLoad.hasSystemSpec() && !isFallback) {
-            contradict("the log shows that " + mStory.failedPath +
-                               " does not open, but in the tree it does",
-                       lines);
-        } else if (mStory.fallbackLine != 0 && mStory.nothingOpenedLine == 0 &&
-                   !mLoad.hasSystemSpec()) {
-            contradict("the log shows that the fallback opens, but the tree has none",
-                       {mStory.fallbackLine});
-        } else if (mStory.failedLine == 0 && mStory.droppedLines == 0 &&
-                   (isFallback || !mLoad.hasSystemSpec())) {
-            contradict("in the tree " + mLoad.firstPath +
-                       " does not open, but no line of the log says so");
+        } else if (!isAccepted && !canReject && canAccept) {
+            contradict(
+                    fmt::format("the library rejects {}; but no line of the log says so: the "
+                                "phone has another document",
+                                document.whyRejected()));
         }
     }
 
-    std::vector<PulledDocument*> documentsOf(size_t event) const {
-        std::vector<PulledDocument*> documents;
-        if (mSystemSpec != nullptr && mAttribution.of[event] != Which::Overlay) {
-            documents.push_back(mSystemSpec.get());
+    // The documents that the load reads, or may read, and the tree lacks.
+    std::vector<std::string> absentDocuments() const {
+        std::vector<std::string> absent;
+        if (mSystemSpec == nullptr && mTrace.hasLoad() && !mIsOtherPath) {
+            if (mTrace.firstPath().empty()) {
+                absent.emplace_back(
+                        "the system spec document (no line names it: give the variant with "
+                        "--property)");
+            } else if (mLogFacts.isOpen(SpecSource::Variant)) {
+                absent.push_back(mTrace.firstPath());
+            } else if (mLogFacts.isOpen(SpecSource::Fallback)) {
+                absent.emplace_back(kFallbackSystemSpec);
+            }
         }
-        if (mAttribution.of[event] != Which::SystemSpec) {
-            documents.push_back(mOverlay.get());
+        if (mPrivateFile == nullptr) {
+            absent.emplace_back(kPrivateConfig);
         }
-        return documents;
+        return absent;
+    }
+
+    void describeTree() {
+        if (mIsOtherPath) {
+            contradict(fmt::format("the phone looks for {}, but the options lead to {}: give the "
+                                   "variant of the phone",
+                                   mTrace.firstPath(), mLoad.firstPath),
+                       {mTrace.firstLine});
+        }
+        if (mPrivateFile == nullptr && !mLogFacts.loads.isContradictory &&
+            !mLogFacts.isOpen(OverlayResult::BuiltIn)) {
+            contradict("the phone has a private file, but the tree has none",
+                       mTrace.noCodecs.line != 0 ? std::vector{mTrace.noCodecs.line}
+                                                 : std::vector<uint64_t>(),
+                       fmt::format("adb pull {}", kPrivateConfig));
+        }
+        std::vector<std::string> compared;
+        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
+            if (document != nullptr) {
+                compared.push_back(document->path());
+            }
+        }
+        std::string text = fmt::format("compared with: {}",
+                                       compared.empty() ? "no document" : joined(compared, ", "));
+        std::vector<std::string> pulls;
+        for (const std::string& path : absentDocuments()) {
+            text += fmt::format("; not in the tree, so it decides nothing: {}", path);
+            if (path.starts_with("/")) {
+                pulls.push_back(fmt::format("adb pull {}", path));
+            }
+        }
+        mResult.conclusions.push_back({Severity::Note, "tree", "", text, joined(pulls, "; ")});
     }
 
     void compareEvent(size_t i) {
-        const LogEvent& event = mStory.events[i];
-        if (event.id == LineId::EncoderFilter) {
-            placeFilter(i);
+        const LoadEvent& event = mTrace.events[i];
+        if (event.id == LineId::StreamRejected) {
+            placeRejection(i);
+        }
+        if (!isOfValue(event) || event.document.find("built-in") != std::string::npos) {
             return;
         }
-        if (event.id != LineId::Skipped && event.id != LineId::RowSkipped) {
-            return;
-        }
+        const Which which = whichOf(mTrace, mLogFacts, i);
+        PulledDocument* const spec = which != Which::Overlay ? mSystemSpec.get() : nullptr;
+        PulledDocument* const file = which != Which::SystemSpec ? mPrivateFile.get() : nullptr;
+        const bool isComplete = (which == Which::Overlay || spec != nullptr) &&
+                                (which == Which::SystemSpec || file != nullptr);
         for (uint64_t n = 0; n < event.count; ++n) {
-            Offset finding;
-            for (PulledDocument* const document : documentsOf(i)) {
-                finding = document->take({event.place, event.reason});
-                if (finding) {
-                    mPlaces.push_back({event.line, textOf(event), document->placeOf(*finding)});
-                    break;
+            std::string place;
+            if ((spec == nullptr || !spec->logs(event, &place)) &&
+                (file == nullptr || !file->logs(event, &place))) {
+                if (isComplete) {
+                    contradict(fmt::format("the library does not log \"{}\" for the documents in "
+                                           "the tree",
+                                           textOf(event)),
+                               {event.line});
                 }
-            }
-            if (!finding) {
-                contradict("no document in the tree leaves the line \"" + textOf(event) + "\"" +
-                                   kOtherDocument,
-                           {event.line});
                 return;
+            }
+            if (!place.empty()) {
+                mResult.places.push_back({event.line, textOf(event), place});
             }
         }
     }
 
-    static std::string textOf(const LogEvent& event) {
-        return event.id == LineId::Skipped ? "Skipped " + event.place + ": " + event.reason
-                                           : logLine(event.id).text;
-    }
-
-    void placeFilter(size_t i) {
-        const LogEvent& event = mStory.events[i];
-        for (PulledDocument* const document : documentsOf(i)) {
-            const Offset finding = document->element(targetSpecSupportedEncPostProcessingFilters,
-                                                     mFilters[document]);
-            if (finding) {
-                mFilters[document] += event.count;
-                mPlaces.push_back(
-                        {event.line, "filter " + event.place, document->placeOf(*finding)});
-                return;
+    void placeRejection(size_t i) {
+        for (const auto& [document, which] : {std::pair(mSystemSpec.get(), Which::SystemSpec),
+                                              std::pair(mPrivateFile.get(), Which::Overlay)}) {
+            const Which of = mResult.facts.loads.of[i];
+            if (document != nullptr && of == which && !document->document().isAccepted) {
+                mResult.places.push_back(
+                        {mTrace.events[i].line, textOf(mTrace.events[i]), document->whyRejected()});
             }
         }
-        contradict("no document in the tree has the encoder post-processing filter \"" +
-                           event.place + "\" at this place of its list" + kOtherDocument,
-                   {event.line});
     }
 
-    void compareRejections() {
-        bool isSpecRejected = false;
-        bool isOverlayRejected = false;
-        for (size_t i = 0; i < mStory.events.size(); ++i) {
-            if (mStory.events[i].id != LineId::StreamRejected) {
+    void compareValues(const std::vector<DumpedValue>& logged, std::vector<DumpedValue> expected,
+                       const char* section, bool isOrdered) {
+        std::multimap<std::string, std::string> left;
+        for (const DumpedValue& value : expected) {
+            left.emplace(value.name, value.value);
+        }
+        const std::string document = mSystemSpec->path();
+        for (size_t i = 0; i < logged.size(); ++i) {
+            const DumpedValue& value = logged[i];
+            const std::string text = value.value.empty()
+                                             ? value.name
+                                             : fmt::format("{} : {}", value.name, value.value);
+            const auto found = left.find(value.name);
+            const bool isInPlace =
+                    !isOrdered || (i < expected.size() && expected[i].name == value.name);
+            const std::string place = isOrdered ? mSystemSpec->element(section, i)
+                                      : section == targetSpecSupportedCodecs
+                                              ? mSystemSpec->codec(value.name)
+                                              : mSystemSpec->named(section, value.name);
+            if (found == left.end() || !isInPlace) {
+                contradict(fmt::format("the dump shows \"{}\", which {} does not have {}", text,
+                                       document, isInPlace ? "" : "at this place of its list"),
+                           {value.line});
                 continue;
             }
-            bool isAny = false;
-            for (PulledDocument* const document : documentsOf(i)) {
-                bool* const isRejected =
-                        document == mOverlay.get() ? &isOverlayRejected : &isSpecRejected;
-                if (!document->document().isAccepted && !*isRejected) {
-                    mPlaces.push_back({mStory.events[i].line, logLine(LineId::StreamRejected).text,
-                                       document->whyRejected()});
-                    *isRejected = true;
-                    isAny = true;
-                    break;
+            if (found->second != value.value) {
+                contradict(fmt::format("the dump shows \"{}\", but {} makes it {}", text, place,
+                                       found->second),
+                           {value.line});
+            }
+            left.erase(found);
+            mResult.places.push_back({value.line, text, place});
+        }
+        if (!left.empty() && mTrace.dump.isWhole && isWhole()) {
+            contradict(fmt::format("the dump does not show {} of {}, which {} has",
+                                   left.begin()->first, section, document));
+        }
+    }
+
+    bool isWhole() const {
+        return mTrace.lineAfter != 0 && mTrace.droppedLines == 0 && mTrace.cutCount == 0 &&
+               !mTrace.isTooLong && !mLogFacts.loads.isIncomplete &&
+               !mLogFacts.loads.isContradictory;
+    }
+
+    // Without their heading the codec components are among the plug-ins.
+    void compareDump() {
+        const Dump& logged = mTrace.dump;
+        if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty()) {
+            return;
+        }
+        const Dump& expected = mSystemSpec->dump();
+        compareValues(logged.features, expected.features, targetSpecFeatures, false);
+        compareValues(logged.presets, expected.presets, targetSpecPresets, false);
+        compareValues(logged.filters, expected.filters, targetSpecPreProcessingFilters, true);
+        const size_t plugins = logged.hasCodecsHeading
+                                       ? logged.plugins.size()
+                                       : std::min(logged.plugins.size(), expected.plugins.size());
+        const auto middle = logged.plugins.begin() + static_cast<std::ptrdiff_t>(plugins);
+        compareValues({logged.plugins.begin(), middle}, expected.plugins, targetSpecCodecPlugins,
+                      true);
+        std::vector<DumpedValue> codecs(middle, logged.plugins.end());
+        codecs.insert(codecs.end(), logged.codecs.begin(), logged.codecs.end());
+        compareValues(codecs, expected.codecs, targetSpecSupportedCodecs, false);
+    }
+
+    void compareCodecs() {
+        if (mTrace.noCodecs.count == 0) {
+            return;
+        }
+        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
+            if (document != nullptr && !document->document().content.supportedCodecs.empty()) {
+                contradict(fmt::format("no document that the phone merged names a codec component, "
+                                       "but {} does",
+                                       document->path()),
+                           {mTrace.noCodecs.line});
+            }
+        }
+    }
+
+    // The lines about encoder filters need a bit of the level word.
+    void compareMissingLines() {
+        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
+            if (document == nullptr || !isWhole() || mTrace.lineBefore == 0) {
+                continue;
+            }
+            for (const auto& [id, value, reason] : document->left()) {
+                if (id != LineId::EncoderFilter || mTrace.find(id) != nullptr) {
+                    contradict(
+                            fmt::format("no line of the log is about {} of {}: the phone has "
+                                        "another document, or the log was filtered",
+                                        textOf({.id = id, .value = value, .reason = reason}),
+                                        document->path()));
                 }
             }
-            if (!isAny) {
-                contradict(std::string("the log shows that a document was rejected, but the tree's "
-                                       "is accepted") +
-                                   kOtherDocument,
-                           {mStory.events[i].line});
-            }
-        }
-        if (mStory.droppedLines != 0) {
-            return;
-        }
-        if (mSystemSpec != nullptr && !mLoad.systemSpec->isAccepted && !isSpecRejected) {
-            contradict("a device rejects " + mSystemSpec->whyRejected() +
-                       "; but no line of the log says so" + kOtherDocument);
-        }
-        if (!mLoad.overlay->isAccepted && !isOverlayRejected) {
-            contradict("a device rejects " + mOverlay->whyRejected() +
-                       "; but no line of the log says so" + kOtherDocument);
         }
     }
 
-    void compareValue(const DumpedValue& dumped, Offset finding, const std::string& value) {
-        const std::string text = dumped.name + (dumped.value.empty() ? "" : " : " + dumped.value);
-        if (!finding) {
-            contradict("the dump shows \"" + text +
-                               "\", which the tree's system spec document does not have" +
-                               kOtherDocument,
-                       {dumped.line});
-            return;
-        }
-        mPlaces.push_back({dumped.line, text, mSystemSpec->placeOf(*finding)});
-        if (value != dumped.value) {
-            contradict("the dump shows \"" + text + "\", but " + mSystemSpec->placeOf(*finding) +
-                               " makes it " + value + kOtherDocument,
-                       {dumped.line});
-        }
-    }
-
-    template <typename Values>
-    void compareNamed(const std::vector<DumpedValue>& dumped, const char* section,
-                      const Values& values) {
-        for (const DumpedValue& value : dumped) {
-            const auto stored = values.find(value.name);
-            compareValue(
-                    value,
-                    stored != values.end() ? mSystemSpec->named(section, value.name) : Offset(),
-                    stored != values.end() ? std::to_string(stored->second) : "");
-        }
-        tellMissing(dumped.size(), values.size(), section);
-    }
-
-    void compareList(const std::vector<DumpedValue>& dumped, const char* section,
-                     const std::list<std::string>& names) {
-        size_t number = 0;
-        for (const std::string& name : names) {
-            if (number == dumped.size()) {
-                break;
-            }
-            const Offset finding = mSystemSpec->element(section, number);
-            compareValue(dumped[number], dumped[number].name == name ? finding : Offset(), "");
-            ++number;
-        }
-        tellMissing(dumped.size(), names.size(), section);
-    }
-
-    void tellMissing(size_t dumped, size_t stored, const char* section) {
-        if (mStory.dump.isWhole && dumped < stored && mStory.droppedLines == 0 &&
-            !mStory.isTooLong) {
-            contradict("the dump shows " + std::to_string(dumped) + " of " + section +
-                               ", but the tree's system spec document has " +
-                               std::to_string(stored) + kOtherDocument,
-                       {});
-        }
-    }
-
-    // Behind the plug-ins there may be the codec components, without a heading between.
-    void compareDump() {
-        const Dump& dump = mStory.dump;
-        if (!dump.isStarted || mSystemSpec == nullptr) {
-            return;
-        }
-        const SpecDocument& content = mLoad.systemSpec->content;
-        compareNamed(dump.features, targetSpecFeatures, content.features);
-        compareNamed(dump.presets, targetSpecPresets, content.presets);
-        compareList(dump.filters, targetSpecPreProcessingFilters, content.preprocessingFilters);
-        const size_t plugins = dump.hasCodecsHeading
-                                       ? dump.plugins.size()
-                                       : std::min(dump.plugins.size(), content.codecPlugins.size());
-        const auto middle = dump.plugins.begin() + static_cast<std::ptrdiff_t>(plugins);
-        compareList({dump.plugins.begin(), middle}, targetSpecCodecPlugins, content.codecPlugins);
-        std::vector<DumpedValue> codecs(middle, dump.plugins.end());
-        codecs.insert(codecs.end(), dump.codecs.begin(), dump.codecs.end());
-        for (const DumpedValue& codec : codecs) {
-            compareValue(codec,
-                         content.supportedCodecs.count(codec.name) != 0
-                                 ? mSystemSpec->codec(codec.name)
-                                 : Offset(),
-                         "");
-        }
-        tellMissing(codecs.size(), content.supportedCodecs.size(), targetSpecSupportedCodecs);
-    }
-
-    void tellMissingLines(const PulledDocument* document) {
-        if (document == nullptr) {
-            return;
-        }
-        for (const auto& [line, finding] : document->untaken()) {
-            contradict("no line of the log is about " + document->placeOf(finding) +
-                       kOtherDocument);
-        }
-    }
-
-    const LoadStory& mStory;
-    const Attribution mAttribution;
+    const LoadTrace& mTrace;
+    const ProvedFacts mLogFacts;
     const Load mLoad;
-    std::unique_ptr<PulledDocument> mSystemSpec;
-    std::unique_ptr<PulledDocument> mOverlay;
-    std::map<const PulledDocument*, size_t> mFilters;  // How many filters of each are placed.
+    bool mIsOtherPath = false;
+    std::unique_ptr<PulledDocument> mSystemSpec;  // Null where the tree does not decide.
+    std::unique_ptr<PulledDocument> mPrivateFile;
     size_t mContradictions = 0;
-    std::vector<Conclusion>& mConclusions;
-    std::vector<PlacedLine>& mPlaces;
+    PulledComparison mResult;
 };
 
 }  // namespace
 
-void comparePulled(const LoadStory& story, bool isVariantGiven,
-                   std::vector<Conclusion>* conclusions, std::vector<PlacedLine>* places) {
-    const std::string path = story.firstPath();
-    if (!isVariantGiven && !path.empty()) {
+PulledComparison comparePulled(const LoadTrace& trace, bool isVariantGiven) {
+    const std::string path = trace.firstPath();
+    if (!isVariantGiven) {
         const std::string variant = variantIn(path);
         playVariant(variant.empty() ? kDefaultVariant : variant);
     }
-    LogComparison(story, conclusions, places).run();
+    muteLog();
+    return LogComparison(trace, isVariantGiven || !path.empty()).run();
 }
 
 }  // namespace kc2::tool

@@ -1,4 +1,4 @@
-// A log beside the documents that were pulled from the same device.
+// A load of a log beside the documents that were pulled from the same device.
 #pragma once
 
 #include <cstdint>
@@ -6,20 +6,25 @@
 #include <vector>
 
 #include "log/Conclusions.h"
-#include "log/LoadStory.h"
+#include "log/LoadTrace.h"
 
 namespace kc2::tool {
 
 struct PlacedLine {
     uint64_t line;      // Of the log.
-    std::string text;   // What it tells, in short.
+    std::string text;   // What it says, in short.
     std::string place;  // "path:line:column", and what the checker says of it.
 };
 
-// Loads the tree that the device options name, finds the place in its documents of each line of
-// the load, and adds where the log and the documents contradict each other. Without a variant from
-// the options it takes the one that the log shows.
-void comparePulled(const LoadStory& story, bool isVariantGiven,
-                   std::vector<Conclusion>* conclusions, std::vector<PlacedLine>* places);
+struct PulledComparison {
+    ProvedFacts facts;                    // Of the lines and the documents together.
+    std::vector<Conclusion> conclusions;  // What to pull, and where both contradict each other.
+    std::vector<PlacedLine> places;       // In the documents, of lines of the log.
+};
+
+// Loads the tree that the device options name with the library, and compares what it logs with the
+// lines of the load. Without a variant from the options it uses the one that the log shows. A
+// document that is not in the tree proves nothing: it may not have been pulled.
+PulledComparison comparePulled(const LoadTrace& trace, bool isVariantGiven);
 
 }  // namespace kc2::tool

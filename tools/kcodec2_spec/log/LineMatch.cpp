@@ -1,0 +1,206 @@
+// Which line of the library a text is: a whole line, a cut one, an entry of the dump, or words.
+
+#include "log/LineMatch.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include "base/Text.h"
+#include "log/Logcat.h"
+#include "targetspec/reading/Findings.h"
+
+namespace kc2::tool {
+
+namespace {
+
+// The words that may name a document in a line, as the library writes them.
+constexpr std::string_view kDocumentWords[] = {"system spec", "private file", "built-in document"};
+
+// The width that a row pads its first value to: 25 in "%-25s".
+size_t widthOf(LineId id) {
+    const std::string_view format = logLine(id).text;
+    const std::string_view rest = format.substr(format.find("%-") + 2);
+    size_t width = 0;
+    std::from_chars(rest.data(), rest.data() + rest.size(), width);
+    return width;
+}
+
+}  // namespace
+
+// A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
+std::optional<SkippedText> matchSkipped(std::string_view text) {
+    const std::string_view start = literalsOf(logLine(LineId::Skipped).text).front();
+    const size_t colon = text.rfind(": ");
+    if (!text.starts_with(start) || colon == std::string_view::npos || colon < start.size()) {
+        return std::nullopt;
+    }
+    SkippedText skipped = {
+            text.substr(start.size(), colon - start.size()), text.substr(colon + 2), {}};
+    constexpr std::string_view kIn = " in ";
+    const size_t in = skipped.place.rfind(kIn);
+    if (in != std::string_view::npos) {
+        const std::string_view document = skipped.place.substr(in + kIn.size());
+        const bool isName = std::any_of(std::begin(kDocumentWords), std::end(kDocumentWords),
+                                        [&](std::string_view words) {
+                                            return document.find(words) != std::string_view::npos;
+                                        });
+        skipped.document = isName ? document : std::string_view();
+        skipped.place = isName ? skipped.place.substr(0, in) : skipped.place;
+    }
+    return skipped;
+}
+
+// Which row a text belongs to. Texts without placeholder come before those that might hold them,
+// and of two that match the longer one is meant ("... Exit!").
+const LogLine* rowOf(std::string_view tag, std::string_view text) {
+    const std::optional<SkippedText> skipped = matchSkipped(text);
+    if (skipped && (tag.empty() || tag == logLine(LineId::Skipped).tag)) {
+        return &logLine(skipped->document.empty() ? LineId::SkippedByCall : LineId::Skipped);
+    }
+    const LogLine* best = nullptr;
+    for (const LogLine& line : logLines()) {
+        if ((!tag.empty() && tag != line.tag) || line.id == LineId::Feature ||
+            line.id == LineId::Preset || line.id == LineId::Skipped ||
+            line.id == LineId::SkippedByCall || !match(line.text, text)) {
+            continue;  // Of the dump every entry is read as that of a list first.
+        }
+        if (best == nullptr ||
+            std::string_view(line.text).size() > std::string_view(best->text).size()) {
+            best = &line;
+        }
+    }
+    return best;
+}
+
+CutText matchCut(std::string_view tag, std::string_view text) {
+    constexpr size_t kEnough = 4;  // Fewer letters might be anybody's.
+    CutText cut = {.isCut = false, .isError = true};
+    for (const LogLine& line : logLines()) {
+        const std::string_view literal = literalsOf(line.text).front();
+        const bool isStart =
+                literal.starts_with(text) ||
+                (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal));
+        if (text.size() >= kEnough && isStart && (tag.empty() || tag == line.tag)) {
+            cut.row = cut.isCut || literalsOf(line.text).size() != 1 ? nullptr : &line;
+            cut.isError &= line.priority == ANDROID_LOG_ERROR;
+            cut.isCut = true;
+        }
+    }
+    cut.isError &= cut.isCut;
+    return cut;
+}
+
+bool mentionsLibrary(std::string_view text) {
+    constexpr size_t kEnough = 18;  // Shorter texts are other libraries', too.
+    return std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
+        const std::string_view literal = literalsOf(line.text).front();
+        return text.find(line.tag) != std::string_view::npos ||
+               (literal.size() >= kEnough && text.find(literal) != std::string_view::npos);
+    });
+}
+
+std::optional<NamedEntry> matchNamed(std::string_view entry) {
+    const size_t colon = entry.rfind(" : ");
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view value = entry.substr(colon + 3);
+    int32_t number = 0;
+    const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
+    if (read.ec != std::errc() || read.ptr != value.data() + value.size()) {
+        return std::nullopt;
+    }
+    return NamedEntry{withoutTrailing(entry.substr(0, colon), ' '), value, colon};
+}
+
+bool fits(const NamedEntry& entry, LineId id) {
+    return entry.width == std::max(widthOf(id), entry.name.size());
+}
+
+namespace {
+
+// The rows of which `text` is a part.
+std::vector<const LogLine*> rowsWith(std::string_view text) {
+    constexpr size_t kEnough = 4;  // Fewer letters are in many lines.
+    std::vector<const LogLine*> rows;
+    for (const LogLine& line : logLines()) {
+        if (text.size() >= kEnough &&
+            std::string_view(line.text).find(text) != std::string_view::npos) {
+            rows.push_back(&line);
+        }
+    }
+    return rows;
+}
+
+// The row of a line that `text` ends with, after a header of an unknown format; of several the one
+// with the longest text. Null when there is none.
+const LogLine* rowAtEndOf(std::string_view text) {
+    const LogLine* best = nullptr;
+    for (const LogLine& line : logLines()) {
+        const std::string_view first = literalsOf(line.text).front();
+        const size_t start = text.find(first);
+        if (first.find_first_not_of(' ') == std::string_view::npos ||
+            start == std::string_view::npos || !match(line.text, text.substr(start))) {
+            continue;  // Where a line begins with a value, any text might be it.
+        }
+        if (best == nullptr ||
+            std::string_view(best->text).size() < std::string_view(line.text).size()) {
+            best = &line;
+        }
+    }
+    return best;
+}
+
+bool isReason(std::string_view text) {
+    return std::any_of(
+            std::begin(kFindingRows), std::end(kFindingRows),
+            [&](const FindingRow& row) { return row.reason != nullptr && row.reason == text; });
+}
+
+// A whole line, without its header.
+AskedText askedLine(std::string_view tag, std::string_view text) {
+    const std::string_view blanks = literalsOf(logLine(LineId::Entry).text).front();
+    const bool isEntry = text.starts_with(blanks);
+    const std::optional<NamedEntry> named = matchNamed(isEntry ? text.substr(blanks.size()) : text);
+    for (const LineId id : {LineId::Feature, LineId::Preset}) {
+        if (named && fits(*named, id)) {
+            return {{&logLine(id)},
+                    {std::string(named->name), std::string(named->value)},
+                    std::string(named->name)};
+        }
+    }
+    const LogLine* const row = rowOf(tag, text);
+    if (row == nullptr) {  // Perhaps an entry of the dump that has lost its blanks.
+        return {{}, {}, named ? std::string(named->name) : ""};
+    }
+    if (const std::optional<SkippedText> skipped = matchSkipped(text)) {
+        return {{row}, {std::string(skipped->place), std::string(skipped->reason)}, ""};
+    }
+    const LineValues values = match(row->text, text).value_or(LineValues());
+    return {{row}, {values.begin(), values.end()}, ""};
+}
+
+}  // namespace
+
+AskedText matchAsked(const std::string& text) {
+    LogcatParser parser;
+    const std::optional<LogEntry> entry = parser.parse(text);
+    const bool hasHeader = entry && parser.knownLines() != 0;
+    AskedText asked = hasHeader ? askedLine(entry->tag, entry->text) : AskedText();
+    if (asked.rows.empty()) {
+        asked = askedLine("", text);
+    }
+    if (asked.rows.empty()) {
+        asked.rows = rowsWith(text);
+    }
+    if (asked.rows.empty() && isReason(text)) {
+        asked.rows = {&logLine(LineId::Skipped)};
+    }
+    if (const LogLine* const row = rowAtEndOf(text); row != nullptr && asked.rows.empty()) {
+        asked.rows = {row};
+    }
+    return asked;
+}
+
+}  // namespace kc2::tool
