@@ -142,13 +142,13 @@ def count_instructions(command, scratch):
             for name, (total, runs) in counts.items()}
 
 
-def count_walks(operation, scratch):
-    """Instructions of one run that follow paths through a mapped tree; no device does."""
+def count_path_resolution(operation, scratch):
+    """Instructions of one run that resolve paths in a mapped tree, as no device does."""
     for dump in scratch.glob("out.*"):
         if f"Client Request: {operation}:1\n" in dump.read_text():
             lines = run("callgrind_annotate", "--inclusive=yes", "--threshold=100", dump).stdout
-            walks = re.search(r"^ *([\d,]+) .*:kc2::host::hostPath\(", lines, re.MULTILINE)
-            return int(walks[1].replace(",", ""))
+            resolution = re.search(r"^ *([\d,]+) .*:kc2::host::hostPath\(", lines, re.MULTILINE)
+            return int(resolution[1].replace(",", ""))
     sys.exit(f"{operation} has no dump.")
 
 
@@ -183,23 +183,24 @@ def report_operations(instructions, allocations):
 def report_loads(names, instructions, scratch):
     rows = []
     # The one path of a load is the same for every document.
-    walks = count_walks(f"load {names[0]}", scratch)
+    resolution = count_path_resolution(f"load {names[0]}", scratch)
     for name in names:
-        cost, parse = instructions[f"load {name}"] - walks, instructions[f"load {name}/floor"]
+        cost = instructions[f"load {name}"] - resolution
+        parse = instructions[f"load {name}/floor"]
         limit = next(limit for pattern, limit in LOAD_LIMITS if pattern in name)
         release = instructions[f"parse and release {name}"]
         rows.append([name, cost, parse, f"{cost / parse:.3f}",
                      limited(f"load {name}", cost / parse, limit), release,
                      f"{cost / release:.3f}"])
-    table(f"Loads: parseJsonData() without its path walks ({walks}), beside the parse of the same "
-          "bytes alone, and with its release",
+    table(f"Loads: parseJsonData() without path resolution ({resolution}), beside the parse of the "
+          "same bytes alone, and with its release",
           ["document", "load", "parse", "ratio", "limit", "and release", "ratio"], rows)
-    walks = count_walks("first Get", scratch)
-    cost, floor = instructions["first Get"] - walks, instructions["first Get/floor"]
-    table("The first Get() without its path walks, beside reading and parsing its two files",
-          ["operation", "instructions", "floor", "ratio", "limit", "path walks"],
+    resolution = count_path_resolution("first Get", scratch)
+    cost, floor = instructions["first Get"] - resolution, instructions["first Get/floor"]
+    table("The first Get() without path resolution, beside reading and parsing its two files",
+          ["operation", "instructions", "floor", "ratio", "limit", "resolution"],
           [["first Get", cost, floor, f"{cost / floor:.3f}",
-            limited("first Get", cost / floor, FIRST_GET_LIMIT), walks]])
+            limited("first Get", cost / floor, FIRST_GET_LIMIT), resolution]])
 
     growth = instructions["load 100000 entries"] / instructions["load 1000 entries"] / 100
     print(f"\nFrom 1,000 to 100,000 entries the load's cost per entry rises {growth:.3f} times "
