@@ -208,8 +208,8 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
     }
 }
 
-// Every way in which a file really fails. The tool is installed, so the private file may be
-// written.
+// Every way in which a file really fails. But for one row the tool is installed, so that the
+// private file may be written.
 TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
     namespace fs = std::filesystem;
     host::mapDirectory("/proc", "/proc");  // A file that opens and fails when it is read.
@@ -248,6 +248,15 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
             {"private: I/O error while reading", link("/proc/self/mem"), [] {}, all, {}, nullptr},
             {"private: a directory",
              [&] { fs::create_directory(mDevice(kPrivateFile)); },
+             [] {},
+             all,
+             {},
+             nullptr},
+            {"private: a directory, without the tool",
+             [&] {
+                 fs::remove(mDevice(kTestTool));
+                 fs::create_directory(mDevice(kPrivateFile));
+             },
              [] {},
              all,
              {},
@@ -315,6 +324,14 @@ TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
             EXPECT_EQ(row.fileAfterwards, mDevice.read(kPrivateFile));
         }
     }
+}
+
+TEST_F(LoadTest, AReadOnlyProcessSeedsNothing) {
+    mDevice.write(kTestTool, "");
+    mDevice.write(kPrivateFile, "");
+    const Loaded loaded = load(mDevice, [] { host::setReadOnly(true); });
+    EXPECT_EQ(builtIn(), loaded.content);
+    EXPECT_EQ("", mDevice.read(kPrivateFile));
 }
 
 // With libc++ the last bytes are written no earlier than when the file is closed.

@@ -157,6 +157,8 @@ TEST_F(ParseTest, ABadValueCostsOnlyItself) {
              "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
             {R"("perf-resource-values": {"a": [true, "x"], "b": ["2"]})",
              "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
+            {R"("perf-resource-values": {"a": [false], "b": ["2"]})",
+             "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
             {R"("codecs-available": ["x"], "OptionalCodecs": ["y"])", "Video/codecs-available",
              noObject, "codec y\n"},
     };
@@ -189,6 +191,7 @@ TEST_F(ParseTest, TheLogShowsANameSafely) {
             {"\xE0\xA0\x80", "\xE0\xA0\x80"},
             {"\xE2\x80\x8A", "\xE2\x80\x8A"},
             {"\xE2\x80\x8B", "\\xE2\\x80\\x8B"},
+            {"\xE2\x80\x8F\xE2\x80\x90", "\\xE2\\x80\\x8F\xE2\x80\x90"},
             {"\xE2\x80\xAE", "\\xE2\\x80\\xAE"},
             {"\xE2\x80\xAF", "\xE2\x80\xAF"},
             {"\xE2\x81\xA9", "\\xE2\\x81\\xA9"},
