@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "Device.h"
 #include "device/BaseLibrary.h"
@@ -377,6 +378,20 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     EXPECT_EQ(0u, builtIn.parseJsonData(failed));
     EXPECT_EQ(0u, parse(expected, TargetSpec::getPrivateConfig()));
     EXPECT_EQ(contentOf(expected), contentOf(builtIn));
+}
+
+// Only the assigned key makes a built-in document contain values that are skipped.
+TEST_F(ParseTest, ASkippedValueIsLoggedWithTheBuiltInDocument) {
+    const char* const key = std::exchange(targetSpecPresets, "codecs-available");
+    std::ifstream failed;
+    failed.setstate(std::ios::failbit);
+    EXPECT_EQ(0u, mSpec.parseJsonData(failed));
+    targetSpecPresets = key;
+    const std::string reason =
+            " in the built-in document: not an integer in the signed 32-bit range";
+    EXPECT_EQ((Lines{"W/KC2TargetSpec: Skipped Video/codecs-available/decoders" + reason,
+                     "W/KC2TargetSpec: Skipped Video/codecs-available/encoders" + reason}),
+              mDevice.takeLog());
 }
 
 TEST_F(ParseTest, LooksKeysUpThroughTheGlobals) {
