@@ -208,6 +208,22 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
     }
 }
 
+TEST_F(LoadTest, EachStepNamesItsDocumentAndReturnsItsStatus) {
+    mDevice.write(kVariantSpec, R"({"Video": {"Features": {"a": ""}}})");
+    mDevice.write(kPrivateFile, R"({"Video": {"Features": {"b": ""}}})");
+    TargetSpec spec;
+    EXPECT_EQ(0u, spec.extractSpecData());
+    EXPECT_EQ(0u, spec.extractPrivateData());
+    const std::string skipped = "W/KC2TargetSpec: Skipped Video/Features/";
+    EXPECT_EQ((Lines{skipped + "a in the system spec: not a boolean",
+                     skipped + "b in the private file: not a boolean"}),
+              mDevice.takeLog());
+    mDevice.write(kVariantSpec, "{");
+    mDevice.write(kPrivateFile, "{");
+    EXPECT_EQ(kFailed, spec.extractSpecData());
+    EXPECT_EQ(kFailed, spec.extractPrivateData());
+}
+
 // Every way in which a file really fails. But for one row the tool is installed, so that the
 // private file may be written.
 TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
