@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Checks what Soong does not check in the Android.bp files: their format, and that they build the
-sources that CMake builds.
+"""Checks what Soong does not check in the Android.bp files: their format, that they build the sources
+that CMake builds, and that they link for its page size.
 
 Gets the sources from Soong (scripts/soong/platform_tree.py) and from CMake, and builds nothing. Also
 needs bpfmt (blueprint-tools). Prints a line for each check, and exits with 1 when one fails.
 """
 
 import json
+import re
 import subprocess
 import sys
 from pathlib import Path
@@ -59,6 +60,22 @@ def differences(in_soong, in_cmake):
             [f"{file} is only in Android.bp" for file in sorted(in_soong - in_cmake)])
 
 
+def page_sizes(tree):
+    """64-bit variants of the library that are not linked for the pages that CMake links it for."""
+    wanted = re.search(r"max-page-size=(\d+)", (ROOT / "CMakeLists.txt").read_text())[1]
+    wrong = []
+    for module in ("libkcodec2_platform", "libkcodec2_platform_hosted"):
+        shared = [variant for variant in tree.modules()[module]
+                  if re.search("64.*_shared$", variant)]
+        wrong += [] if shared else [f"{module} has no 64-bit variant"]
+        for variant in shared:
+            flags = re.search(r"^ *ldFlags = (.*)$", tree.text(module, variant), re.MULTILINE)
+            sizes = re.findall(r"max-page-size=(\d+)", flags[1]) if flags else []
+            if sizes[-1:] != [wanted]:  # The last one is used.
+                wrong.append(f"{module}, {variant}: {sizes}, not {wanted}")
+    return wrong
+
+
 def check_layout():
     files = run(["git", "ls-files", "*.bp"], cwd=ROOT).split()
     result = subprocess.run(["bpfmt", "-d", *files], cwd=ROOT, text=True, capture_output=True)
@@ -77,6 +94,7 @@ def main():
         results.append((f"{title}: {len(expected)} sources, the same as CMake's",
                         differences(soong_sources(tree, modules), expected)
                         if expected else ["CMake has none"]))
+    results.append(("64-bit libraries are linked for the page size that CMake has", page_sizes(tree)))
     for title, wrong in results:
         print(f"{'FAILED' if wrong else 'ok':6} {title}")
         for line in wrong:

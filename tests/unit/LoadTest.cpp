@@ -208,9 +208,25 @@ TEST_F(LoadTest, EachOutcomeOfTheOverlay) {
     }
 }
 
-// Every way in which a file can fail. kcodec2_test is installed, so the private file may be
-// written.
-TEST_F(LoadTest, NoFailureOfTheFileSystemStopsIt) {
+TEST_F(LoadTest, EachStepNamesItsDocumentAndReturnsItsStatus) {
+    mDevice.write(kVariantSpec, R"({"Video": {"Features": {"a": ""}}})");
+    mDevice.write(kPrivateFile, R"({"Video": {"Features": {"b": ""}}})");
+    TargetSpec spec;
+    EXPECT_EQ(0u, spec.extractSpecData());
+    EXPECT_EQ(0u, spec.extractPrivateData());
+    const std::string skipped = "W/KC2TargetSpec: Skipped Video/Features/";
+    EXPECT_EQ((Lines{skipped + "a in the system spec: not a boolean",
+                     skipped + "b in the private file: not a boolean"}),
+              mDevice.takeLog());
+    mDevice.write(kVariantSpec, "{");
+    mDevice.write(kPrivateFile, "{");
+    EXPECT_EQ(kFailed, spec.extractSpecData());
+    EXPECT_EQ(kFailed, spec.extractPrivateData());
+}
+
+// Every way in which a file really fails. But for one row the tool is installed, so that the
+// private file may be written.
+TEST_F(LoadTest, NoFaultOfTheFileSystemStopsIt) {
     namespace fs = std::filesystem;
     host::mapDirectory("/proc", "/proc");  // A file that opens and fails when it is read.
     const auto link = [&](const char* target) {
@@ -248,6 +264,15 @@ TEST_F(LoadTest, NoFailureOfTheFileSystemStopsIt) {
             {"private: I/O error while reading", link("/proc/self/mem"), [] {}, all, {}, nullptr},
             {"private: a directory",
              [&] { fs::create_directory(mDevice(kPrivateFile)); },
+             [] {},
+             all,
+             {},
+             nullptr},
+            {"private: a directory, without the tool",
+             [&] {
+                 fs::remove(mDevice(kTestTool));
+                 fs::create_directory(mDevice(kPrivateFile));
+             },
              [] {},
              all,
              {},
@@ -317,8 +342,16 @@ TEST_F(LoadTest, NoFailureOfTheFileSystemStopsIt) {
     }
 }
 
-// With libc++ the last bytes are written when the file is closed.
-TEST_F(LoadTest, ASeedIsWrittenCompletelyOrNotAtAll) {
+TEST_F(LoadTest, AReadOnlyProcessSeedsNothing) {
+    mDevice.write(kTestTool, "");
+    mDevice.write(kPrivateFile, "");
+    const Loaded loaded = load(mDevice, [] { host::setReadOnly(true); });
+    EXPECT_EQ(builtIn(), loaded.content);
+    EXPECT_EQ("", mDevice.read(kPrivateFile));
+}
+
+// With libc++ the last bytes are written no earlier than when the file is closed.
+TEST_F(LoadTest, ASeedIsWrittenWholeOrNotAtAll) {
     mDevice.write(kTestTool, "");
     for (const char* const variant : {"_brel", "_orvelle", "_test"}) {
         setVariant(variant);

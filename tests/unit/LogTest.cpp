@@ -64,6 +64,11 @@ TEST(LogTest, TheDumpIsGatedLineByLine) {
     EXPECT_EQ((Lines{all[0], all[4], all[7], all[9], all[12]}), device.takeLog());
 }
 
+TEST(LogTest, AMaskAboveTheLowByteNeedsABitInIt) {
+    EXPECT_FALSE(log::gateIsOpen(0x100, 0x100));
+    EXPECT_TRUE(log::gateIsOpen(0x101, 0x100));
+}
+
 TEST(LogTest, AClosedGateEvaluatesNoArgument) {
     Device device;
     int evaluations = 0;

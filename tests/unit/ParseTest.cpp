@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "Device.h"
 #include "device/BaseLibrary.h"
@@ -157,6 +158,8 @@ TEST_F(ParseTest, OnlyTheBadValueIsSkipped) {
              "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
             {R"("perf-resource-values": {"a": [true, "x"], "b": ["2"]})",
              "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
+            {R"("perf-resource-values": {"a": [false], "b": ["2"]})",
+             "Video/perf-resource-values/a[0]", noWord, "perf b 2\n"},
             {R"("codecs-available": ["x"], "OptionalCodecs": ["y"])", "Video/codecs-available",
              noObject, "codec y\n"},
     };
@@ -189,9 +192,12 @@ TEST_F(ParseTest, TheLogShowsANameSafely) {
             {"\xE0\xA0\x80", "\xE0\xA0\x80"},
             {"\xE2\x80\x8A", "\xE2\x80\x8A"},
             {"\xE2\x80\x8B", "\\xE2\\x80\\x8B"},
+            {"\xE2\x80\x8F\xE2\x80\x90", "\\xE2\\x80\\x8F\xE2\x80\x90"},
+            {"\xE2\x80\xA7\xE2\x80\xA8", "\xE2\x80\xA7\\xE2\\x80\\xA8"},
             {"\xE2\x80\xAE", "\\xE2\\x80\\xAE"},
             {"\xE2\x80\xAF", "\xE2\x80\xAF"},
-            {"\xE2\x81\xA9", "\\xE2\\x81\\xA9"},
+            {"\xE2\x81\x9F\xE2\x81\xA0", "\xE2\x81\x9F\\xE2\\x81\\xA0"},
+            {"\xE2\x81\xAF\xE2\x81\xB0", "\\xE2\\x81\\xAF\xE2\x81\xB0"},
             {"\xD8\x9C\xEF\xBB\xBF", "\\xD8\\x9C\\xEF\\xBB\\xBF"},
             {"\xED\x9F\xBF", "\xED\x9F\xBF"},
             {"\xED\xA0\x80", "\\xED\\xA0\\x80"},
@@ -374,6 +380,20 @@ TEST_F(ParseTest, ReadsTheStreamThatItIsGiven) {
     EXPECT_EQ(0u, builtIn.parseJsonData(failed));
     EXPECT_EQ(0u, parse(expected, TargetSpec::getPrivateConfig()));
     EXPECT_EQ(contentOf(expected), contentOf(builtIn));
+}
+
+// Only the assigned key makes a built-in document contain values that are skipped.
+TEST_F(ParseTest, ASkippedValueIsLoggedWithTheBuiltInDocument) {
+    const char* const key = std::exchange(targetSpecPresets, "codecs-available");
+    std::ifstream failed;
+    failed.setstate(std::ios::failbit);
+    EXPECT_EQ(0u, mSpec.parseJsonData(failed));
+    targetSpecPresets = key;
+    const std::string reason =
+            " in the built-in document: not an integer in the signed 32-bit range";
+    EXPECT_EQ((Lines{"W/KC2TargetSpec: Skipped Video/codecs-available/decoders" + reason,
+                     "W/KC2TargetSpec: Skipped Video/codecs-available/encoders" + reason}),
+              mDevice.takeLog());
 }
 
 TEST_F(ParseTest, LooksKeysUpThroughTheGlobals) {

@@ -54,7 +54,7 @@ TEST(QueriesTest, ReturnWhatTheStoreContains) {
                  spec.isFeatureEnabled("on "));
 
     int value = 77;
-    EXPECT_EQ(SPEC_NOT_FOUND, spec.getPresetValue("Max", &value));
+    EXPECT_EQ(2, spec.getPresetValue("Max", &value));
     EXPECT_EQ(77, value);
     EXPECT_EQ(SPEC_OK, spec.getPresetValue("max", &value));
     EXPECT_EQ(-4, value);
