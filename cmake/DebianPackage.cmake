@@ -3,6 +3,7 @@
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kcodec2-platform)
+set(CPACK_PACKAGE_VERSION ${KC2_VERSION})
 set(CPACK_PACKAGE_CONTACT "kcodec2-platform maintainers <kcodec2-platform@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -27,9 +28,9 @@ set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The platform library, and its stand-ins
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, and files for CMake and pkg-config")
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "Shows and checks system spec documents")
 # All three are from one build: none works with another version of the library.
-set(same_library "libkcodec2-platform (= ${PROJECT_VERSION})")
+set(same_library "libkcodec2-platform (= ${KC2_VERSION})")
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${same_library}")
 # The targets that CMake finds name the tool, too.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "${same_library}, kcodec2-spec (= ${PROJECT_VERSION})")
+    "${same_library}, kcodec2-spec (= ${KC2_VERSION})")
 include(CPack)

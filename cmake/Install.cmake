@@ -23,6 +23,7 @@ if(KC2_PLATFORM STREQUAL "host")
     # The library finds the stand-ins in its own directory, wherever the package is moved.
     set_target_properties(kcodec2_platform PROPERTIES INSTALL_RPATH "$ORIGIN")
     list(APPEND exported_targets kcodec2_hostplatform)
+    set(pkgconfig_stand_ins " -lkcodec2_hostplatform")
     if(TARGET kcodec2_spec)
         file(RELATIVE_PATH bin_to_lib
             ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
@@ -32,6 +33,9 @@ if(KC2_PLATFORM STREQUAL "host")
         install(TARGETS kcodec2_spec EXPORT ${PROJECT_NAME}-targets COMPONENT tool)
         if(TARGET kcodec2_spec_texts)
             install(FILES ${kc2_tool_texts}/kcodec2_spec.schema.json
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/kcodec2 COMPONENT tool)
+            # A vendor's file for --settings has the catalogue's form; the page describes both.
+            install(FILES tools/kcodec2_spec/catalogue/settings.json docs/settings.md
                 DESTINATION ${CMAKE_INSTALL_DATADIR}/kcodec2 COMPONENT tool)
             install(FILES examples/editor/settings.json RENAME vscode-settings.json
                 DESTINATION ${CMAKE_INSTALL_DATADIR}/kcodec2 COMPONENT tool)
@@ -57,7 +61,7 @@ install(EXPORT ${PROJECT_NAME}-targets NAMESPACE kcodec2:: DESTINATION ${package
 configure_package_config_file(cmake/package/${PROJECT_NAME}-config.cmake.in
     ${PROJECT_NAME}-config.cmake INSTALL_DESTINATION ${package_directory})
 write_basic_package_version_file(${PROJECT_NAME}-config-version.cmake
-    COMPATIBILITY SameMajorVersion)
+    VERSION ${KC2_VERSION} COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${PROJECT_NAME}-config.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/${PROJECT_NAME}-config-version.cmake
     DESTINATION ${package_directory} COMPONENT development)

@@ -13,7 +13,9 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent / "soong"))
-from platform_tree import BOTH, BUILD, OURS, ROOT, PlatformTree, fail, run  # noqa: E402
+sys.dont_write_bytecode = True  # It would be in the source tree.
+from platform_tree import (BOTH, BUILD, OURS, ROOT, PlatformTree, fail, run,  # noqa: E402
+                           source_files)
 
 GENERATED = "EmbeddedDocuments.cpp"
 # A title, Soong modules, CMake targets. A new target needs a line.
@@ -77,7 +79,7 @@ def page_sizes(tree):
 
 
 def check_layout():
-    files = run(["git", "ls-files", "*.bp"], cwd=ROOT).split()
+    files = sorted(str(file) for file in source_files() if file.suffix == ".bp")
     result = subprocess.run(["bpfmt", "-d", *files], cwd=ROOT, text=True, capture_output=True)
     return (result.stdout + result.stderr).splitlines()
 

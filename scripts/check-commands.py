@@ -99,7 +99,7 @@ def sandbox(directory):
     (directory / 'vendor-settings.json').write_text('{"settings": []}')
     (directory / 'logcat.txt').write_text('11-25 10:00:00.000   400   401 E KC2TargetSpec: '
                                           "Couldn't read target-id, target-id = default is chosen.\n")
-    (directory / 'examples').symlink_to(ROOT / 'examples')
+    shutil.copytree(ROOT / 'examples', directory / 'examples')
     programs = directory / 'bin'
     programs.mkdir()
     (programs / 'kcodec2_spec').symlink_to(TOOL)

@@ -27,6 +27,15 @@ for page in namespacekc2 namespacekc2_1_1Platform classkc2_1_1TargetSpec structk
     [ -f "$output/html/$page.html" ] || { echo "check-docs: no page $page" >&2; exit 1; }
 done
 
+echo "The version is that of CHANGELOG.md"
+newest=$(sed -n 's/^## //p' CHANGELOG.md | head -n 1)
+released=$(sed -n 's/^## \([0-9].*\)/\1/p' CHANGELOG.md | head -n 1)
+[ "$newest" != Unreleased ] || newest=$released+dev
+[ "$version" = "$newest" ] || {
+    echo "check-docs: platform/Version.h has $version; by CHANGELOG.md it is $newest" >&2
+    exit 1
+}
+
 echo "Limits, where a page or an example quotes one"
 # limit SOURCE NAME UNIT DIVISOR PAGE...: every number before UNIT must be the constant, and some page
 # must quote it.

@@ -22,14 +22,27 @@ cmake -S "$scratch/image" -B "$scratch/build" -DCMAKE_PREFIX_PATH="$scratch/pack
 cmake --build "$scratch/build" > "$scratch/log" 2>&1 || fail "good documents fail the build"
 cmake --install "$scratch/build" --prefix "$scratch/out" > "$scratch/log" 2>&1 || fail "no image"
 
+# must_fail FILE: the build fails, and says that a section of FILE is misspelt.
+must_fail() {
+    if cmake --build "$scratch/build" > "$scratch/log" 2>&1; then
+        fail "a misspelt section in $1 does not fail the build"
+    fi
+    grep -q "$1.*unknown-member" "$scratch/log" || fail "the build does not say what is wrong in $1"
+}
+
 for document in odm/etc/media_orvelle vendor/etc/media; do
     file=$document/video_system_specs.json
     cmp "$scratch/image/$file" "$scratch/out/$file" || fail "$file is not in the image"
     sed -i 's/"Presets"/"Preset"/' "$scratch/image/$file"
-    if cmake --build "$scratch/build" > "$scratch/log" 2>&1; then
-        fail "a misspelt section in $file does not fail the build"
-    fi
-    grep -q 'unknown-member' "$scratch/log" || fail "the build does not say what is wrong in $file"
+    must_fail "$file"
     cp "$source/examples/image/$file" "$scratch/image/$file"
 done
+
+# A variant that is new is not forgotten.
+cmake --build "$scratch/build" > "$scratch/log" 2>&1 || fail "good documents fail the build again"
+file=vendor/etc/media_new/video_system_specs.json
+mkdir "$scratch/image/vendor/etc/media_new"
+sed 's/"Presets"/"Preset"/' "$source/examples/image/vendor/etc/media/video_system_specs.json" \
+    > "$scratch/image/$file"
+must_fail "$file"
 echo "check-image: good documents pass, a broken one fails the build"

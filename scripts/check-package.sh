@@ -77,6 +77,27 @@ done
 LD_LIBRARY_PATH=$libraries run_consumer "$scratch/decoder_setup"
 LD_LIBRARY_PATH=$libraries quietly "$scratch/decoder_setup_test" "$scratch/consumer/device"
 
+echo "What the headers declare and the device's own library defines: linked with kcodec2_platform alone"
+cp -r "$scratch/consumer" "$scratch/declared"
+cat > "$scratch/declared/decoder_setup.cpp" << 'PROGRAM'
+#include <cstdio>
+
+#include "kc2/PixFormat.h"
+
+int main() {
+    std::puts(kc2::PixFormat::Str(kc2::PixFormat::TAMRA_NV12));
+}
+PROGRAM
+quietly cmake -S "$scratch/declared" -B "$scratch/declared-build" -DCMAKE_PREFIX_PATH="$prefix"
+quietly cmake --build "$scratch/declared-build" --target decoder_setup
+"$scratch/declared-build/decoder_setup" > "$scratch/name"
+# shellcheck disable=SC2046
+quietly "${CXX:-c++}" -std=c++17 "$scratch/declared/decoder_setup.cpp" -o "$scratch/declared-program" \
+    $(pkg-config --cflags --libs kcodec2_platform)
+LD_LIBRARY_PATH=$libraries "$scratch/declared-program" | cmp - "$scratch/name" ||
+    fail "the two programs differ"
+[ -s "$scratch/name" ] || fail "the stand-in names no format"
+
 echo "The program in docs/components.md is the consumer's"
 program_in docs/components.md | diff - "$source/examples/consumer/decoder_setup.cpp" ||
     fail "the programs differ"
@@ -111,6 +132,9 @@ check_tool() {
     groff -man -Tascii -P-cbou -ww "$page" > "$scratch/page" 2> "$scratch/log"
     [ ! -s "$scratch/log" ] || { cat "$scratch/log" >&2; fail "the manual page has mistakes"; }
     "$tool" schema | cmp - "$1/share/kcodec2/kcodec2_spec.schema.json" || fail "the schema is not what the tool prints"
+    "$tool" explain --markdown | cmp - "$1/share/kcodec2/settings.md" ||
+        fail "the page of the settings is not what the tool prints"
+    quietly cmp "$source/tools/kcodec2_spec/catalogue/settings.json" "$1/share/kcodec2/settings.json"
     [ -s "$1/share/kcodec2/vscode-settings.json" ] || fail "no settings for the editor"
     for option in $("$tool" check --help | grep -o '^ *--[a-z-]*'); do
         grep -q -e "$option" "$scratch/page" || fail "the manual page lacks $option"
@@ -145,7 +169,7 @@ fi
 
 echo "The commands of docs/packages.md, word for word"
 mkdir -p "$scratch/tree/build"
-ln -s "$source/examples" "$scratch/tree/examples"
+cp -r "$source/examples" "$scratch/tree/examples"
 ln -s "$build" "$scratch/tree/build/run"
 {
     echo 'set -eux'

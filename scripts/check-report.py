@@ -21,6 +21,9 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 PICTURE = (1240, 800)
 MOST_PICTURE_BYTES = 150 * 1024
+# What can be read in the README's picture, written with it: when the page changes, this shows it.
+PICTURE_TEXT = ROOT / "docs/images/report.txt"
+TAKE_PICTURE = "scripts/check-report.py --picture docs/images/report.png"
 
 RUN = "window.ran = 1"
 HOSTILE_NAMES = (
@@ -321,7 +324,14 @@ def check_policy(page):
            f"the page's policy must name the hash of page.js, sha256-{digest}")
 
 
+def text_of_picture(browser, page):
+    """The page's text up to the first group of the matrix."""
+    browser.open(page)
+    return browser.value("document.body.innerText").split("\nPresets")[0] + "\n"
+
+
 def take_picture(browser, page, path):
+    PICTURE_TEXT.write_text(text_of_picture(browser, page))
     browser.open(page, width=PICTURE[0], height=PICTURE[1])
     picture = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
     path.write_bytes(picture)
@@ -346,6 +356,8 @@ def main():
             take_picture(browser, page, picture)
         else:
             check_policy(page)
+            expect(text_of_picture(browser, page) == PICTURE_TEXT.read_text(),
+                   f"the README's picture is not of this page: {TAKE_PICTURE}")
             failures.extend(faults_of(browser, page))
             rows, differing = check_controls(browser, page)
             check_without_script(browser, page, rows, differing)

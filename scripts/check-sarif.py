@@ -21,6 +21,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / 'build/sarif'
 PACKAGE = '@microsoft/sarif-multitool-linux'
 VALIDATOR = WORK / 'node_modules' / PACKAGE / 'Sarif.Multitool'
+SAMPLES = WORK / 'samples'  # A copy, which the tool may write to.
 
 # The tool has no web page that a report could link to.
 ACCEPTED = {'SARIF2005'}
@@ -59,7 +60,7 @@ def complaints(logs):
 
 def report(tool, *arguments):
     result = subprocess.run([tool, 'check', '--format', 'sarif', *arguments], check=False,
-                            capture_output=True, cwd=ROOT / 'tests/unit/check')
+                            capture_output=True, cwd=SAMPLES)
     if result.returncode not in (0, 1):
         sys.exit(f'check-sarif: the tool failed: {result.stderr.decode()}')
     return json.loads(result.stdout)
@@ -96,23 +97,27 @@ def main():
     tool = parser.parse_args().build.resolve() / 'kcodec2_spec'
     install()
 
-    documents = sorted(path.name for path in (ROOT / 'tests/unit/check').glob('*.json'))
+    shutil.rmtree(SAMPLES, ignore_errors=True)
+    shutil.copytree(ROOT / 'tests/unit/check', SAMPLES)
+    documents = sorted(path.name for path in SAMPLES.glob('*.json'))
     log = report(tool, *documents)
     first_with(log, 'relatedLocations')  # Without one, nothing is proved.
     trees = {tree.name: report(tool, '--rootdir', tree.name, '--property',
                                'vendor.media.target_variant=_test')
-             for tree in sorted((ROOT / 'tests/unit/check').glob('load-*'))}
+             for tree in sorted(SAMPLES.glob('load-*'))}
     plants = {plant.__name__: plant for plant in (plant_version, plant_region, plant_fix)}
     logs = {'documents': log, **trees,
             **{name: with_fault(log, plant) for name, plant in plants.items()}}
     failures = []
     for name, found in complaints(logs).items():
-        print(f'check-sarif: {name}: {sorted(found) or "valid"}')
+        expected = ', as it must: this fault was planted' if name in plants else ''
+        print(f'check-sarif: {name}: ' + (f'found {sorted(found)}{expected}' if found else 'valid'))
         if name in plants and not any(level == 'error' for _, level in found):
             failures.append(f'the fault of {name} is not found')
         elif name not in plants and found:
             failures.append(f'{name} is not valid')
-    for failure in failures:
+    for failure in failures or [f'{len(logs) - len(plants)} reports are valid, and each of '
+                                f'{len(plants)} planted faults was found']:
         print(f'check-sarif: {failure}')
     return 1 if failures else 0
 

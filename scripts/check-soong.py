@@ -16,6 +16,7 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent / "soong"))
+sys.dont_write_bytecode = True  # It would be in the source tree.
 from platform_tree import (ARM, ARM64, BOTH, BUILD, HERE, IMAGE, OURS, VENDOR,  # noqa: E402
                            PlatformTree, fail)
 

@@ -57,23 +57,15 @@ quietly() {
 echo "Reading Debian's package lists"
 quietly $as_root apt-get update
 # shellcheck disable=SC2086  # A list of packages, to be split.
-set -- apt-get install -y --no-install-recommends $missing
+set -- apt-get install --no-install-recommends $missing
 count=$("$@" --simulate | grep -c '^Inst ') || { "$@" --simulate; exit 1; }
 echo "Installing $(echo "$missing" | wc -w) packages that are missing ($count with what they need):"
 echo "$missing" | fold -s -w 100
-progress() {
-    $as_root env DEBIAN_FRONTEND=noninteractive "$@" 2>&1 | tee "$log" |
-        awk -v count="$count" '
-            /^Get:/ { ++fetched; show("downloaded", fetched) }
-            /^Setting up / { ++done; show("set up", done) }
-            function show(what, number) {
-                if (number % 25 == 0 || number == count) {
-                    print "  " what " " number " of " count
-                    fflush()
-                }
-            }'
-}
-progress "$@"
+# What apt says of the cost before it asks whether to go on.
+{ $as_root env LC_ALL=C "$@" --assume-no || true; } 2>&1 |
+    sed -n 's/^Need to get .*/  &/p; s/^After this operation, .* used\.$/  &/p'
+$as_root env DEBIAN_FRONTEND=noninteractive LC_ALL=C "$@" -y 2>&1 | tee "$log" |
+    "$(dirname "$0")/progress.sh" apt "$count"
 # The pipe hides how apt ended: what counts is that the packages are there.
 for package in $missing; do
     is_installed "$package" || {

@@ -48,6 +48,16 @@ def run(command, **options):
     return result.stdout
 
 
+def source_files():
+    """The files of the source tree, from its root, without those of builds; it may be without git."""
+    for folder, folders, files in os.walk(ROOT):
+        folders[:] = [name for name in folders if name not in (".git", "__pycache__")
+                      and (name != "build" or Path(folder) != ROOT)]
+        for name in files:
+            if name != ".git":  # A file, in a worktree.
+                yield (Path(folder) / name).relative_to(ROOT)
+
+
 def build_program(name, package):
     """Builds a Go program, with Debian's Go packages only."""
     BUILD.mkdir(parents=True, exist_ok=True)
@@ -70,14 +80,10 @@ class PlatformTree:
         self._lay_out_platform()
 
     def _copy_ours(self):
-        """The files that git tracks or could add: new files are included, build/ is not."""
-        files = run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
-                    cwd=ROOT).split("\0")
-        for file in filter(None, files):
-            if (ROOT / file).is_file():
-                copy = self.path / OURS / file
-                copy.parent.mkdir(parents=True, exist_ok=True)
-                shutil.copy2(ROOT / file, copy)
+        for file in source_files():
+            copy = self.path / OURS / file
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy2(ROOT / file, copy)
 
     def _lay_out_platform(self):
         self.write("external/Android.bp", (HERE / "stand-ins.bp").read_text())

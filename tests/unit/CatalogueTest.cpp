@@ -46,11 +46,11 @@ bool allows(const Json::Value& entry, const Json::Value& value) {
            (!entry.isMember("maximum") || number <= entry["maximum"].asInt64());
 }
 
-class Names : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+class Names : public testing::TestWithParam<std::pair<std::string, std::string>> {};
 
 TEST_P(Names, OfTheCatalogueAndOfTheBuiltInDocumentAreTheSame) {
     const auto& [number, chip] = GetParam();
-    const Json::Value video = parsed(run(std::string("defaults ") + number).output)["Video"];
+    const Json::Value video = parsed(run("defaults " + number).output)["Video"];
     const Json::Value known = catalogue();
     std::set<std::string> inCatalogue;
     for (const Json::Value& entry : known["settings"]) {
@@ -89,7 +89,8 @@ TEST_P(Names, OfTheCatalogueAndOfTheBuiltInDocumentAreTheSame) {
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, Names,
                          testing::Values(std::pair("1", "brel"), std::pair("1", "mirt"),
-                                         std::pair("2", "orvelle"), std::pair("3", "other")));
+                                         std::pair("2", "orvelle"), std::pair("3", "other")),
+                         [](const auto& chosen) { return chosen.param.second; });
 
 // docs/settings.md is what the tool prints.
 TEST(CatalogueTest, ThePageIsTheCatalogue) {

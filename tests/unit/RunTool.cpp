@@ -19,10 +19,29 @@ namespace kc2::test {
 
 namespace {
 
+// What the command lines name, copied: a tool that writes where it must not leaves the source tree
+// as it is. Made once in a process, and removed when it ends.
+const std::string& copiedTree() {
+    static const ScratchDirectory tree;
+    static const std::string path = [] {
+        for (const char* const directory :
+             {"examples", "targetspec/defaults", "tests/unit/catalogue", "tests/unit/check",
+              "tests/unit/transcripts", "tools/kcodec2_spec/catalogue"}) {
+            const std::filesystem::path copy = std::filesystem::path(tree.path()) / directory;
+            std::filesystem::create_directories(copy.parent_path());
+            std::filesystem::copy(std::filesystem::path(KC2_SOURCE_DIR) / directory, copy,
+                                  std::filesystem::copy_options::recursive |
+                                          std::filesystem::copy_options::copy_symlinks);
+        }
+        return tree.path();
+    }();
+    return path;
+}
+
 std::string commandFor(const std::string& arguments, const std::string& environment,
                        const std::string& directory) {
-    return "cd " KC2_SOURCE_DIR "/" + directory + " && " + environment + " " + kToolCommand + " " +
-           arguments;
+    return "cd " + copiedTree() + "/" + directory + " && " + environment + " " + kToolCommand +
+           " " + arguments;
 }
 
 }  // namespace

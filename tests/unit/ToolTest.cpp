@@ -33,7 +33,7 @@ TEST(ToolTest, EachCommandWorks) {
                      "private_perf_resource_values_video_encode  0x40800000=0xFFF 0x40C00000=0x1  "
                      "system"},
                     {tree + "--log info", 0, "I/KC2TargetSpec("},
-                    {"show --rootdir scripts " + variant + "_mirt", 0,
+                    {"show --rootdir tests " + variant + "_mirt", 0,
                      "built-in document 1 (\"mirt\" in the"},
                     {"show --json --rootdir examples/device", 0, "\"private_complexity\" : \n"},
                     {"show --rootdir examples/device > /dev/full", 2, ""},

@@ -150,8 +150,8 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
             {
                     {"--rootdir examples/device --property vendor.media.taget_variant=_orvelle", 2,
                      "Did you mean vendor.media.target_variant?"},
-                    {"--rootdir examples/device --dirmap /oem:docs", 0,
-                     "--dirmap /oem:docs has no effect"},
+                    {"--rootdir examples/device --dirmap /oem:tests", 0,
+                     "--dirmap /oem:tests has no effect"},
                     {"examples/device", 2, "For a device tree write --rootdir examples/device"},
                     {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
                     {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
