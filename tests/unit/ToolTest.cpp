@@ -94,8 +94,9 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             {"check --fromat json", "not expected: --fromat. Did you mean --format?"},
             {"show --colour", "not expected: --colour"},
             {"show --varaint x", "not expected: --varaint x. Did you mean --variant?"},
-            {"show README.md",
-             "not expected: README.md. show loads a device, whose root --rootdir DIR names; check "
+            {"show examples/image/Android.bp",
+             "not expected: examples/image/Android.bp. show loads a device, whose root --rootdir "
+             "DIR names; check "
              "FILE checks one document"},
             {"report examples/device --output /dev/null",
              "not expected: examples/device. Did you mean --rootdir examples/device?"},
@@ -123,7 +124,7 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             {"show --log warn",
              "--log: \"warn\" is neither quiet, info nor debug, nor a 32-bit level word"},
             {"show --rootdir no/such", "--rootdir: Directory does not exist: no/such"},
-            {"show --rootdir tests --rootdir docs", "--rootdir can be given only once"},
+            {"show --rootdir tests --rootdir examples", "--rootdir can be given only once"},
             {"show --dirmap vendor:examples",
              "--dirmap: \"vendor:examples\" is not of the form /PREFIX:DIR"},
             {"show --dirmap /vendor:no/such", "--dirmap: Directory does not exist: no/such"},
