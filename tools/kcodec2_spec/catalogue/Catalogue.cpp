@@ -24,13 +24,13 @@ namespace {
 
 constexpr char kBuiltInPath[] = "built-in settings";
 
-std::string quoted(const std::string& name) {
+std::string inQuotes(const std::string& name) {
     return fmt::format("\"{}\"", escaped(name));
 }
 
 std::string suggestion(const std::string& name, const std::vector<std::string>& names) {
     const std::string near = nearest(name, names);
-    return near.empty() ? "" : fmt::format(". Did you mean {}?", quoted(near));
+    return near.empty() ? "" : fmt::format(". Did you mean {}?", inQuotes(near));
 }
 
 // Reads entries, and keeps the first problem. What it returns after a problem is of no use.
@@ -61,7 +61,7 @@ public:
         }
         for (const std::string& name : value.getMemberNames()) {
             if (std::find(known.begin(), known.end(), name) == known.end()) {
-                fail(value[name], fmt::format("the catalogue has no member {} here{}", quoted(name),
+                fail(value[name], fmt::format("the catalogue has no member {} here{}", inQuotes(name),
                                               suggestion(name, known)));
                 return false;
             }
@@ -131,7 +131,7 @@ public:
             }
             names.push_back(chip.asString());
             if (std::find(known.begin(), known.end(), names.back()) == known.end()) {
-                fail(chip, fmt::format("there is no chip {}{}", quoted(names.back()),
+                fail(chip, fmt::format("there is no chip {}{}", inQuotes(names.back()),
                                        suggestion(names.back(), known)));
             }
         }
@@ -242,7 +242,7 @@ PerfResourceCode readCode(EntryReader& reader, const Json::Value& entry) {
 }
 
 std::string shownKey(const std::string& name) {
-    return quoted(name);
+    return inQuotes(name);
 }
 std::string shownKey(uint32_t code) {
     return hexadecimal(code);
@@ -299,11 +299,11 @@ private:
         if (name == entry["name"].asString()) {
             mReader.fail(value, fmt::format("\"{}\" names the setting itself", member));
         } else if (setting == nullptr) {
-            mReader.fail(value, fmt::format("there is no setting {}{}", quoted(name),
+            mReader.fail(value, fmt::format("there is no setting {}{}", inQuotes(name),
                                             suggestion(name, namesIn(section))));
         } else if (setting->section != section) {
             mReader.fail(value, fmt::format("\"{}\" must name a setting in \"{}\": {} is in \"{}\"",
-                                            member, section, quoted(name), setting->section));
+                                            member, section, inQuotes(name), setting->section));
         }
     }
 
