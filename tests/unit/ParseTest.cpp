@@ -181,6 +181,7 @@ TEST_F(ParseTest, TheLogShowsANameSafely) {
         std::string name;
         std::string shown;
     } rows[] = {
+            {"del\x7F", "del\\x7F"},
             {"\xC2\x80", "\\xC2\\x80"},
             {"\xC2\x9F", "\\xC2\\x9F"},
             {"\xC2\xA0\xC2\xAD", "\xC2\xA0\\xC2\\xAD"},

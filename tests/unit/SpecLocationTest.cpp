@@ -61,7 +61,8 @@ TEST(SpecLocationTest, ThePathChoosesTheBuiltInDocument) {
             {"_orvelle", "document 2"},     {"_orvelle_mirt", "document 1"},
             {"brel/orvelle", "document 1"}, {"_Brel", "document 3"},
             {"_ORVELLE", "document 3"},     {"default", "document 3"},
-            {"_bre", "document 3"},
+            {"_bre", "document 3"},         {"_orvell", "document 3"},
+            {"_mir", "document 3"},
     };
     for (const auto& [variant, title] : rows) {
         setVariant(variant);
