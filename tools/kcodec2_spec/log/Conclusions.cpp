@@ -464,7 +464,7 @@ private:
                  "no-codecs",
                  "no codec component is named",
                  fmt::format("no document that was merged names a codec component, so every codec "
-                             "counts as enabled; every built-in document names some, so none was "
+                             "is enabled; every built-in document names some, so none was "
                              "merged. Components asked {}",
                              times(mTrace.noCodecs.count)),
                  fmt::format("{}; list the components in \"{}\"", pullAndCheck(kPrivateConfig),

@@ -51,7 +51,7 @@ std::optional<SkippedText> matchSkipped(std::string_view text) {
     return skipped;
 }
 
-// Which row a text belongs to. Texts without placeholder come before those that might hold them,
+// Which row a text belongs to. Texts without placeholder come before those that might contain them,
 // and of two that match the longer one is meant ("... Exit!").
 const LogLine* rowOf(std::string_view tag, std::string_view text) {
     const std::optional<SkippedText> skipped = matchSkipped(text);

@@ -50,11 +50,16 @@ struct Diagnosis {
                 std::count_if(conclusions.begin(), conclusions.end(),
                               [&](const Conclusion& one) { return one.severity == severity; }));
     }
-    const Conclusion* first(Severity severity) const {
-        const auto found =
-                std::find_if(conclusions.begin(), conclusions.end(),
-                             [&](const Conclusion& one) { return one.severity == severity; });
-        return found != conclusions.end() ? &*found : nullptr;
+    // The first error, else the first warning, else null.
+    const Conclusion* worst() const {
+        for (const Severity severity : {Severity::Error, Severity::Warning}) {
+            for (const Conclusion& one : conclusions) {
+                if (one.severity == severity) {
+                    return &one;
+                }
+            }
+        }
+        return nullptr;
     }
 };
 
@@ -111,8 +116,7 @@ std::string headlineOf(const Diagnosis& diagnosis) {
                                         trace.firstTime, lines);
     const size_t errors = diagnosis.count(Severity::Error);
     const size_t warnings = diagnosis.count(Severity::Warning);
-    const Conclusion* const worst =
-            diagnosis.first(errors != 0 ? Severity::Error : Severity::Warning);
+    const Conclusion* const worst = diagnosis.worst();
     if (worst == nullptr) {
         return fmt::format("{}: {}", who, summaryOf(diagnosis));
     }
@@ -129,14 +133,9 @@ std::string headlineOf(const Diagnosis& diagnosis) {
 // Prints what is wrong with one load in detail, or all that is known of it.
 class DetailPrinter {
 public:
-    DetailPrinter(const Diagnosis& diagnosis, bool isAll) : mDiagnosis(diagnosis), mIsAll(isAll) {
-        for (const Severity severity : {Severity::Error, Severity::Warning}) {
-            if (const Conclusion* const worst = diagnosis.first(severity); worst != nullptr) {
-                mAdvice.insert(worst->advice);  // The headline has it.
-                break;
-            }
-        }
-    }
+    // `printed` is the advice that was printed before, for any load.
+    DetailPrinter(const Diagnosis& diagnosis, bool isAll, std::set<std::string>* printed)
+        : mDiagnosis(diagnosis), mIsAll(isAll), mPrinted(*printed) {}
 
     void print() {
         for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
@@ -211,7 +210,7 @@ private:
     }
 
     void printAdvice(const std::string& advice) {
-        if (!advice.empty() && mAdvice.insert(advice).second) {
+        if (!advice.empty() && mPrinted.insert(advice).second) {
             printEscaped(fmt::format("    do: {}", advice));
         }
     }
@@ -248,18 +247,22 @@ private:
 
     const Diagnosis& mDiagnosis;
     const bool mIsAll;
-    std::set<std::string> mAdvice;  // Which was printed.
+    std::set<std::string>& mPrinted;
     std::set<std::pair<std::string, std::string>> mHeadings;
 };
 
 // First a line for each load, then what is wrong with each.
 void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
     const bool isOne = diagnoses.size() == 1;
+    std::set<std::string> printed;
     for (const Diagnosis& diagnosis : diagnoses) {
         printEscaped(headlineOf(diagnosis));
+        if (const Conclusion* const worst = diagnosis.worst(); worst != nullptr) {
+            printed.insert(worst->advice);
+        }
     }
     for (const Diagnosis& diagnosis : diagnoses) {
-        if (!isAll && diagnosis.count(Severity::Error) + diagnosis.count(Severity::Warning) == 0) {
+        if (!isAll && diagnosis.worst() == nullptr) {
             continue;
         }
         if (!isOne) {
@@ -267,7 +270,7 @@ void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
             printOut("\n");
             printEscaped(headline.substr(0, headline.find(')') + 1));
         }
-        DetailPrinter(diagnosis, isAll).print();
+        DetailPrinter(diagnosis, isAll, &printed).print();
     }
 }
 

@@ -85,7 +85,7 @@ constexpr LogLine kLines[] = {
          "An entry of the list whose heading is above it.", "-"},
         {LineId::NoCodecs, kSpec, kWarning, 0,
          "List of Supported Codecs is Empty. All codecs will be enabled..", "query",
-         "No document of the load names a codec component, so every codec counts as "
+         "No document of the load names a codec component, so every codec is "
          "enabled. One line for each call of getSupportedCodecs().",
          "List the components in \"codecs-available\"; a misspelt section has this effect, too."},
         {LineId::UnknownFormat, log::kTagBufferLayout, kError, 0, "%s is not a Tamra color format!",
@@ -146,7 +146,7 @@ std::vector<std::string_view> literalsOf(std::string_view format) {
     return literals;
 }
 
-// The last literals are looked for from the end: what is in front of them may hold anything.
+// The last literals are looked for from the end: what is in front of them may be anything.
 std::optional<LineValues> match(std::string_view format, std::string_view text) {
     if (!text.starts_with(format.substr(0, format.find('%')))) {
         return std::nullopt;  // Nearly every row: a log may have many lines.
