@@ -93,20 +93,23 @@ tool_tests='tool_tests() {
         xargs -P 0 -I SHARD env GTEST_SHARD_INDEX=SHARD build/dev/kcodec2_tool_tests
 }
 '
-# The processor time of all commands so far, in seconds.
-processor_time() {
+# Sets `processor` to the processor time of all commands so far, in seconds. Not printed: what a shell
+# starts to read it would have used none.
+count_processor() {
     times > build/times
-    awk -F '[ms ]+' 'NR == 2 { print int(($1 + $3) * 60 + $2 + $4) }' build/times
+    processor=$(awk -F '[ms ]+' 'NR == 2 { print int(($1 + $3) * 60 + $2 + $4) }' build/times)
 }
 
 # begin, then end TITLE RESULT: adds a row to the table.
 begin() {
     began=$(date +%s)
-    used=$(processor_time)
+    count_processor
+    used=$processor
 }
 end() {
+    count_processor
     row=$(printf '%-24s %-8s %5d s %6d s' "$1" "$2" $(($(date +%s) - began)) \
-        $(($(processor_time) - used)))
+        $((processor - used)))
     table="$table$row
 "
     printf -- '-- %s\n' "$row"
@@ -168,7 +171,7 @@ for name in $chosen; do
 done
 
 printf '\n%-33s %7s %8s\n%s%-33s %5d s %6d s\n' '' time processor "$table" \
-    all $(($(date +%s) - started)) "$(processor_time)"
+    all $(($(date +%s) - started)) "$processor"
 [ -z "$skipped" ] || printf '\nSkipped:%s\n' "$skipped"
 [ -z "$not_run" ] || printf '\nNot run:%s\n' "$not_run"
 if [ -n "$failed" ]; then
