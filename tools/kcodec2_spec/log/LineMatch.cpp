@@ -51,8 +51,8 @@ std::optional<SkippedText> matchSkipped(std::string_view text) {
     return skipped;
 }
 
-// Which row a text belongs to. Texts without placeholder come before those that might hold them,
-// and of two that match the longer one is meant ("... Exit!").
+// Which row a text belongs to. Texts without placeholders come before those that might contain
+// them, and of two that match the longer one is meant ("... Exit!").
 const LogLine* rowOf(std::string_view tag, std::string_view text) {
     const std::optional<SkippedText> skipped = matchSkipped(text);
     if (skipped && (tag.empty() || tag == logLine(LineId::Skipped).tag)) {
