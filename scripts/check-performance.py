@@ -27,6 +27,8 @@ LOAD_LIMITS = (("defaults/", 1.25), ("device/vendor/etc/media/", 1.36), ("device
                ("100000 ", 1.40), ("10000 ", 1.40), ("", 1.33))
 FIRST_GET_LIMIT = 1.18
 LINEAR_LIMIT = 1.20  # Rise of the cost per entry from 1,000 entries on: the maps get deeper.
+LOAD_ENTRIES = 10000  # Of each document of the load that is checked.
+CHECK_LOAD_LIMIT = 99  # `kcodec2_spec check` of a load, as a multiple of both parses.
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
 FINDINGS = 20000
 ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
@@ -208,12 +210,23 @@ def report_loads(names, instructions, scratch):
           f"(limit {limited('rise of the cost per entry', growth, LINEAR_LIMIT)}).")
 
 
-def count_check(name, scratch):
-    """Instructions of the process that checks a document."""
+def count_check(scratch, *arguments):
+    """Instructions of the process that checks what the arguments name."""
     errors = run("valgrind", "--tool=cachegrind", "--cache-sim=no",
-                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", "check",
-                 scratch / "documents" / name, LD_LIBRARY_PATH=str(scratch)).stderr
+                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", "check", *arguments,
+                 LD_LIBRARY_PATH=str(scratch)).stderr
     return int(re.search(r"I +refs: +([\d,]+)", errors)[1].replace(",", ""))
+
+
+def write_load(root):
+    """A device whose two documents have LOAD_ENTRIES entries each, and nothing in common."""
+    text = generated(LOAD_ENTRIES).replace(".low_latency", "")
+    other = text.replace('"private_', '"own_').replace("plugin_", "own_").replace("codec_", "own_")
+    other = re.sub(r"\d+(?=, \d+, 500\]|, 500\])", lambda bound: f"{int(bound[0]) + 10**6}", other)
+    for path, document in (("vendor/etc/media/video_system_specs.json", text),
+                           ("data/vendor/media/video_private_configs.json", other)):
+        (root / path).parent.mkdir(parents=True)
+        (root / path).write_text(document)
 
 
 def peak_of_check(name, scratch):
@@ -240,8 +253,11 @@ class Checks:
                        for number in range(FINDINGS))
             (scratch / "documents" / name).write_text(
                 f'{{"Video": {{"Presets": {{{",".join(members)}}}}}}}\n')
-        self._instructions = {name: pool.submit(count_check, name, scratch)
+        self._instructions = {name: pool.submit(count_check, scratch, scratch / "documents" / name)
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
+        write_load(scratch / "load")
+        self._instructions["load"] = pool.submit(count_check, scratch, "--rootdir",
+                                                 scratch / "load")
         self._peaks = [pool.submit(peak_of_check, name, scratch) for name in self.MANY_FINDINGS]
 
     def instructions(self, name):
@@ -258,6 +274,11 @@ def report_check(instructions, checks):
         parse = instructions[f"load {name}/floor"]
         rows.append([name, cost, parse, f"{cost / parse:.3f}",
                      limited(f"check {name}", cost / parse, CHECK_LIMIT)])
+    # Both documents, and the store that the library merges of them.
+    cost = checks.instructions("load")
+    parse = 2 * instructions[f"load {LOAD_ENTRIES} entries/floor"]
+    rows.append([f"a load, 2 x {LOAD_ENTRIES} entries", cost, parse, f"{cost / parse:.3f}",
+                 limited("check of a load", cost / parse, CHECK_LOAD_LIMIT)])
     table("kcodec2_spec check, the whole process, beside the parse",
           ["document", "check", "parse", "ratio", "limit"], rows)
 

@@ -49,7 +49,7 @@ as_root=
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 
-# Package lists, archives and installation: what apt tells goes into a file, shown when it fails.
+# Package lists, archives and installation: apt's output goes into a file, shown when it fails.
 quietly() {
     "$@" > "$log" 2>&1 || { cat "$log" >&2; echo "install-packages.sh: failed: $*" >&2; exit 1; }
 }

@@ -110,7 +110,7 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
         messages += finding["message"].asString() + "\n";
     }
     for (const char* const words :
-         {"line 5 has no finding \"duplicate-member\" to allow", "must go on with \"allow\"",
+         {"line 5 has no finding \"duplicate-member\" to allow", "must continue with \"allow\"",
           "Did you mean \"real-truncated\"?", "syntax cannot be allowed",
           "no finding of the group \"value\" to allow"}) {
         EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
@@ -200,7 +200,7 @@ std::string modeOf(const std::string& path) {
     return text.str();
 }
 
-constexpr char kMendable[] =
+constexpr char kFixable[] =
         "\xEF\xBB\xBF{ // \"x\" , }\r\n"
         "\t\"Video\": {\n"
         "        \"features\": {\"private_enc_cvp_enabel\": true,  },\r\n"
@@ -209,7 +209,7 @@ constexpr char kMendable[] =
         "        \"perf-resource-values\": {\"a\": [0x40800000, 16], \"b\": [\"0x1\", \"2\"]}\n"
         "    }\n"
         "}";
-constexpr char kMended[] =
+constexpr char kFixed[] =
         "{ // \"x\" , }\r\n"
         "\t\"Video\": {\n"
         "        \"Features\": {\"private_enc_cvp_enable\": true  },\r\n"
@@ -222,26 +222,26 @@ constexpr char kMended[] =
 
 TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
     const ScratchDirectory scratch;
-    const std::string path = scratch.write("spec.json", kMendable);
+    const std::string path = scratch.write("spec.json", kFixable);
     const std::string link = scratch.path() + "/link.json";
     std::filesystem::create_symlink("spec.json", link);
     ASSERT_EQ(0, chmod(path.c_str(), 0640));
 
     const Result shown = run("check --fix --dry-run " + path + " > " + scratch.path() + "/diff");
     EXPECT_EQ(1, shown.exitCode);
-    EXPECT_EQ(kMendable, readFile(path));
-    scratch.write("patched.json", kMendable);
+    EXPECT_EQ(kFixable, readFile(path));
+    scratch.write("patched.json", kFixable);
     EXPECT_EQ(0, std::system(("cd " + scratch.path() +
                               " && sed -i 's/\\\\xEF\\\\xBB\\\\xBF/\xEF\xBB\xBF/' "
                               "diff && patch --binary -s patched.json diff")
                                      .c_str()));
-    EXPECT_EQ(kMended, readFile(scratch.path() + "/patched.json"));
+    EXPECT_EQ(kFixed, readFile(scratch.path() + "/patched.json"));
 
     EXPECT_EQ(0, run("check --fix " + link).exitCode);
-    EXPECT_EQ(kMended, readFile(path));
+    EXPECT_EQ(kFixed, readFile(path));
     EXPECT_EQ("640", modeOf(path));
     EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_EQ(std::string::npos, run("check --fix " + link).output.find(": mended"));
+    EXPECT_EQ(std::string::npos, run("check --fix " + link).output.find(": fixed"));
 
     // Where two readings are possible, a person must decide.
     for (const std::string uncertain :
@@ -261,10 +261,10 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
 TEST(CheckReportTest, FixStaysInsideTheRootDirectory) {
     const ScratchDirectory scratch;
     const std::string name = "vendor/etc/media/video_system_specs.json";
-    const std::string spec = scratch.write("tree/" + name, kMendable);
-    const std::string outside = scratch.write("outside/" + name, kMendable);
+    const std::string spec = scratch.write("tree/" + name, kFixable);
+    const std::string outside = scratch.write("outside/" + name, kFixable);
     EXPECT_EQ(0, run("check --fix --rootdir " + scratch.path() + "/tree").exitCode);
-    EXPECT_EQ(kMended, readFile(spec));
+    EXPECT_EQ(kFixed, readFile(spec));
 
     const std::string mapped = " --dirmap /vendor:" + scratch.path() + "/outside/vendor";
     for (const std::string& arguments :
@@ -272,7 +272,7 @@ TEST(CheckReportTest, FixStaysInsideTheRootDirectory) {
           scratch.path() + "/none.json"}) {
         EXPECT_EQ(2, run("check --fix " + arguments).exitCode) << arguments;
     }
-    EXPECT_EQ(kMendable, readFile(outside));
+    EXPECT_EQ(kFixable, readFile(outside));
     EXPECT_EQ(2, run("check --dry-run " + outside).exitCode);
 }
 

@@ -12,7 +12,7 @@ enum class Fate {
     Read,       // Every parser reads it.
     TooLarge,   // Beyond the largest double. JsonCpp up to 1.9.5: rejected. From 1.9.6 on, it is
                 // infinity, which is skipped wherever it is.
-    TooSmall,   // Not 0, but nearer to 0 than the smallest normal double, 2.2250738585072014e-308.
+    TooSmall,   // Not 0, but closer to 0 than the smallest normal double, 2.2250738585072014e-308.
                 // libc++, as on every phone: rejected. libstdc++ reads it; the row has as what.
     Malformed,  // Rejected by every parser.
 };

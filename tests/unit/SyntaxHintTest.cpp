@@ -26,21 +26,21 @@ const std::vector<Row> kRows = {
          "a comma is missing: write it after the value that ends at 1:7"},
         {"{\"a\": 1 // ,\n/* , */ \"b\": 2}", "2:9", "ends at 1:7"},
         {R"(["x" "y"])", "1:6", "ends at 1:4"},
-        {"{\"a\": 1, /* c */\n}", "1:8", "a comma is left over before the '}'"},
-        {"[1, 2, // c\n]", "1:6", "a comma is left over before the ']'"},
+        {"{\"a\": 1, /* c */\n}", "1:8", "there is an extra comma before the '}'"},
+        {"[1, 2, // c\n]", "1:6", "there is an extra comma before the ']'"},
         {"[1,, 2]", "1:4", "two commas in a row"},
-        {"[, 1]", "1:2", "nothing is before this comma"},
+        {"[, 1]", "1:2", "there is nothing before this comma"},
         {R"({"a": })", "1:7", "a value is missing"},
         {R"({"a"})", "1:5", "\"a\" has no value"},
         {R"({"a" 1})", "1:6", "a ':' is missing"},
-        {R"(["a": 1])", "1:5", "belongs into { }, not into the list that opens at 1:1"},
+        {R"(["a": 1])", "1:5", "belongs in { }, not in the list that opens at 1:1"},
         {R"({"a" = 1})", "1:6", "write ':' between a name and its value"},
         {R"({"a": 1; "b": 2})", "1:8", "write ',' between values, not ';'"},
         // Strings and names.
         {"{\"a\": [\"x,\n \"y\"]}", "1:8",
-         "string that opens at 1:8 runs over the end of its line"},
+         "string that opens at 1:8 runs past the end of its line"},
         {"{\"a\": [\"x\",\n \"y]\n}", "2:2",
-         "string that opens at 2:2 runs over the end of its line"},
+         "string that opens at 2:2 runs past the end of its line"},
         {R"({"a": ["x]})", "1:8", "string that opens at 1:8 never ends"},
         {R"({"Video: {"a": 1}})", "1:12", "string that opens at 1:2 ends before this"},
         {R"({Video": {}})", "1:2", "the opening quote of \"Video\" is missing"},
@@ -91,7 +91,7 @@ const std::vector<Row> kRows = {
         {R"({"a": [4080FFFF]})", "1:8", "put a perf word in double quotes"},
         {R"({"a": 500ms})", "1:7", "write 500"},
         {"{\"a\": 5µs}", "1:8", "no unit or suffix"},
-        {R"({"a": 12e})", "1:7", "12e is not a number"},
+        {R"({"a": 12e})", "1:7", "12e is not a JSON number"},
         {R"({"a": NaN})", "1:7", "write a number"},
         {R"({"a": -Infinity})", "1:7", "write a number"},
         {R"({"a": True})", "1:7", "write true in small letters"},
@@ -135,9 +135,11 @@ TEST(SyntaxHintTest, RawControlCharactersInStringsAreReportedOncePerString) {
                           "{\"Video\": {\"Features\": {\"a\nb\nc\": true,\t\"\\\"\t\": "
                           "true, \"c\": /* \"\n */ true}}}");
     const std::string output = run("check " + path).output;
-    EXPECT_NE(std::string::npos, output.find(":1:27: warning: a string has a line break"))
+    EXPECT_NE(std::string::npos,
+              output.find(":1:27: warning: a string has an unescaped line break"))
             << output;
-    EXPECT_NE(std::string::npos, output.find(":3:14: warning: a string has a tab")) << output;
+    EXPECT_NE(std::string::npos, output.find(":3:14: warning: a string has an unescaped tab"))
+            << output;
     size_t count = 0;
     for (size_t at = 0; (at = output.find("[control-character]", at)) != std::string::npos; ++at) {
         ++count;

@@ -95,9 +95,8 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             {"show --colour", "not expected: --colour"},
             {"show --varaint x", "not expected: --varaint x. Did you mean --variant?"},
             {"show examples/image/Android.bp",
-             "not expected: examples/image/Android.bp. show loads a device, whose root --rootdir "
-             "DIR names; check "
-             "FILE checks one document"},
+             "not expected: examples/image/Android.bp. show loads a whole device: name its root "
+             "with --rootdir DIR. check FILE checks one document"},
             {"report examples/device --output /dev/null",
              "not expected: examples/device. Did you mean --rootdir examples/device?"},
             {"check --max-findings -1 a",

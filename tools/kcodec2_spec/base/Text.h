@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-// Until every room includes what it uses.
+// Included for files that include only this one.
 #include "base/JsonPrinter.h"
 #include "base/Spelling.h"
 #include "base/Utf8.h"

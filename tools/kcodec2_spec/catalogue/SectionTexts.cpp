@@ -14,7 +14,7 @@ namespace {
 
 // In the order in which what they give is shown: named values first.
 constexpr SectionText kSectionTexts[] = {
-        {&targetSpecRoot, "Contains every section of the document."},
+        {&targetSpecRoot, "Contains all sections of the document."},
         {&targetSpecFeatures, "Switches: each name is true or false.", "Features", "features"},
         {&targetSpecPresets, "Numbers: each name is a 32-bit integer.", "Presets", "presets"},
         {&targetSpecPerfResourceValues,

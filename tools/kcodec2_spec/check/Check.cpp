@@ -79,7 +79,7 @@ int finish(const Report& report, const CheckOptions& options) {
     return isFailed ? kExitFindings : kExitOk;
 }
 
-// Documents are checked by themselves; for a tree there is an option.
+// FILE is a document; a device tree has its own option.
 std::string whyNotReadable(const std::string& path, const Document& document) {
     std::error_code error;
     return std::filesystem::is_directory(path, error)
@@ -108,7 +108,7 @@ void check(const Checked& checked, Report* report) {
 }
 
 std::string withSafeFixes(const Document& document, const CheckOptions& options) {
-    constexpr int kMostRounds = 4;  // A text that the parser accepts at last may have more to fix.
+    constexpr int kMostRounds = 4;  // Once the parser accepts a text, there may be more to fix.
     std::string text = document.text;
     bool isAccepted = document.isAccepted;
     for (int round = 0; round < kMostRounds; ++round) {

@@ -22,7 +22,7 @@ struct Check {
     const char* mistake = "";  // A document that has it; empty where no short one shows it.
     const char* fixed = "";    // The same document, fixed.
     const char* whyNoExample = "";
-    // The device uses nothing of the document, so no option and no comment may hide the finding.
+    // The device uses nothing in the document, so no option and no comment may hide the finding.
     bool isRejection = false;
 };
 
@@ -79,7 +79,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "a file that cannot be read",
                 .meaning = "The file cannot be read, or not to its end, so a device uses nothing "
-                           "of it. A directory is an example: it opens, but cannot be read. A pipe "
+                           "in it. A directory is an example: it opens, but cannot be read. A pipe "
                            "makes the load wait until something is written into it.",
                 .fix = "Install a regular file that others can read, or name another one.",
                 .whyNoExample = kNeedsTree,
@@ -140,8 +140,8 @@ inline constexpr Check kChecks[] = {
                            "variant contains a chip's name by accident (\"_umbrella\" contains "
                            "\"brel\") or a misspelt one, so the built-in document may be the wrong "
                            "one.",
-                .fix = "Rename the variant so that it contains the name of its own chip and of no "
-                       "other.",
+                .fix = "Rename the variant so that it contains its chip's name, and no other "
+                       "chip's.",
                 .whyNoExample = kNeedsTree,
         },
         {
@@ -161,8 +161,8 @@ inline constexpr Check kChecks[] = {
                 .group = "reader",
                 .severity = Severity::Error,
                 .summary = "a document longer than a device reads",
-                .meaning = "The document is longer than 32 MiB. The device rejects it: no value "
-                           "of it is used.",
+                .meaning = "The document is longer than 32 MiB. The device rejects it: nothing in "
+                           "it is used.",
                 .fix = "Shorten the document.",
                 .whyNoExample = kTooLarge,
                 .isRejection = true,
@@ -173,7 +173,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "more values than a device reads",
                 .meaning = "The document has more than 1,048,576 values. The device rejects it: "
-                           "no value of it is used.",
+                           "nothing in it is used.",
                 .fix = "Shorten the document.",
                 .whyNoExample = kTooLarge,
                 .isRejection = true,
@@ -184,7 +184,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "nested deeper than a device reads",
                 .meaning = "The document is nested deeper than 255 levels. The device rejects it: "
-                           "no value of it is used.",
+                           "nothing in it is used.",
                 .fix = "Close the brackets that were left open: no section needs more than five "
                        "levels.",
                 .whyNoExample = kTooLarge,
@@ -195,7 +195,7 @@ inline constexpr Check kChecks[] = {
                 .group = "reader",
                 .severity = Severity::Error,
                 .summary = "not valid JSON",
-                .meaning = "The device rejects the document: no value of it is used. Comments and "
+                .meaning = "The device rejects the document: nothing in it is used. Comments and "
                            "leading zeros are allowed.",
                 .fix = "Add, remove or correct what the message names.",
                 .mistake = R"({"Video": {"Presets": {"private_complexity": 50,}}})",
@@ -208,7 +208,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "a root that is not an object",
                 .meaning = "The root is neither an object nor null. The device rejects the "
-                           "document: no value of it is used.",
+                           "document: nothing in it is used.",
                 .fix = "Put the sections into {\"Video\": {...}}.",
                 .mistake = R"([{"Video": {"Presets": {"private_complexity": 50}}}])",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
@@ -220,7 +220,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "a \"Video\" that is not an object",
                 .meaning = "\"Video\" is neither an object nor null. The device rejects the "
-                           "document: no value of it is used.",
+                           "document: nothing in it is used.",
                 .fix = "Write \"Video\" as an object.",
                 .mistake = R"({"Video": [{"Presets": {"private_complexity": 50}}]})",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
@@ -323,7 +323,7 @@ inline constexpr Check kChecks[] = {
                 .group = "reader",
                 .severity = Severity::Error,
                 .summary = "a list that is a single value",
-                .meaning = "The device reads nothing of the list and logs nothing. A use case of "
+                .meaning = "The device reads nothing in the list and logs nothing. A use case of "
                            "\"perf-resource-values\" is stored without words, so no later document "
                            "can set it.",
                 .fix = "Put the value into brackets: [...].",
@@ -357,7 +357,7 @@ inline constexpr Check kChecks[] = {
                 .group = "reader",
                 .severity = Severity::Warning,
                 .summary = "a document without \"Video\"",
-                .meaning = "The root has no member \"Video\", so the device uses nothing of the "
+                .meaning = "The root has no member \"Video\", so the device uses nothing in the "
                            "document.",
                 .fix = "Put the sections into \"Video\".",
                 .mistake = R"({"Features": {"private_enc_cvp_enable": true}})",
@@ -563,8 +563,8 @@ inline constexpr Check kChecks[] = {
                 .id = "number-too-small",
                 .group = "document",
                 .severity = Severity::Error,
-                .summary = "a number that is too near to 0 for a phone",
-                .meaning = "The number is not 0, but nearer to 0 than 2.2e-308. The C++ library of "
+                .summary = "a number that is too close to 0 for a phone",
+                .meaning = "The number is not 0, but closer to 0 than 2.2e-308. The C++ library of "
                            "every phone fails to read it, so the parser rejects the whole document "
                            "with a syntax error. The library of a development machine may read it.",
                 .fix = "Write 0, or the number that is meant.",
@@ -576,8 +576,8 @@ inline constexpr Check kChecks[] = {
                 .group = "document",
                 .severity = Severity::Warning,
                 .summary = "an unescaped line break, tab or other control character in a string",
-                .meaning = "JsonCpp up to 1.9.7 accepts characters below U+0020 in a string. Later "
-                           "releases reject the whole document for them.",
+                .meaning = "JsonCpp before 1.9.7 accepts characters below U+0020 in a string. From "
+                           "1.9.7 on it rejects the whole document for them.",
                 .fix = R"(Write an escape, such as \n, \t or \u001f, or remove the character.)",
                 .mistake = R"({"Video": {"KC2CodecPlugins": ["plug)"
                            "\t"

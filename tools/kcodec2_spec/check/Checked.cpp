@@ -1,4 +1,4 @@
-// What the rules of a check look at: documents, and what the library makes of them together.
+// What the rules of a check look at: documents, and the library's merge of them.
 
 #include "check/Checked.h"
 

@@ -1,4 +1,4 @@
-// What the rules of a check look at: documents, and what the library makes of them together.
+// What the rules of a check look at: documents, and the library's merge of them.
 #pragma once
 
 #include <memory>
@@ -32,7 +32,7 @@ public:
     const SpecDocument& before() const { return mMerged ? mMerged->before : alone().content; }
     const SpecDocument& whole() const { return mMerged ? mMerged->whole : alone().content; }
 
-    // Calls visit(document) for each that somebody has written: nobody can change a built-in one.
+    // Calls visit(document) for each that is not built in: nobody can change a built-in one.
     template <typename Visit>
     void forEachWritten(Visit visit) const {
         for (const Document* const document : documents) {

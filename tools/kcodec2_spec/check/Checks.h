@@ -13,7 +13,7 @@ const char* nameOf(Severity severity);
 // The name of all groups together.
 inline constexpr char kAllChecks[] = "all";
 
-// Names the error when a CheckId is not in the table: it is no constant expression.
+// Appears in the compiler's message about an id that no row has: it is not a constant expression.
 void noCheckHasThisId();
 
 // The row of an id. An id that no row has does not compile: add("row-gap", ...).
@@ -49,14 +49,14 @@ constexpr bool isInGroup(const Check& check, std::string_view name) {
     return name == kAllChecks || name == check.group;
 }
 
-// Whether there was a check of that name whose findings are now the heading of the report: options
-// and comments may still name it, without effect.
+// Whether there once was a check of that name, whose findings are now the heading of the report:
+// options and comments may still name it, without effect.
 bool isFormerCheck(std::string_view name);
 
 // Says on standard error, once for each name, that naming such a check has no effect.
 void noteFormerCheck(std::string_view name);
 
-// That there is no check of that name, with the nearest that there is.
+// A message that there is no check of that name, with the nearest one.
 std::string unknownCheck(std::string_view name);
 
 }  // namespace kc2::tool

@@ -118,7 +118,7 @@ std::string replaceFile(const std::string& path, const std::string& before,
         return error ? error.message() : std::strerror(errno);
     }
     const auto finish = [&](int descriptor) {
-        // The owner of a file that belongs to somebody else can be kept by the superuser alone.
+        // Only the superuser can keep another user as the owner.
         [[maybe_unused]] const int owned = fchown(descriptor, status.st_uid, status.st_gid);
         return fchmod(descriptor, status.st_mode & 07777) == 0 && fsync(descriptor) == 0;
     };

@@ -5,7 +5,7 @@
 
 namespace kc2::tool {
 
-// Shows the lines in which two texts of as many lines differ, as a unified diff.
+// Prints a unified diff of two texts that have the same number of lines.
 void printDiff(const std::string& path, const std::string& before, const std::string& after);
 
 // Why the file cannot be fixed: it is not a regular file, or it is outside of the root directory

@@ -13,7 +13,7 @@ std::string Levels::set(const std::string& name, std::optional<Severity> severit
     }
     if (const Check* const check = findCheck(name)) {
         if (check->isRejection && severity != Severity::Error) {
-            return fmt::format("\"{}\" is always an error: the device uses nothing of the document",
+            return fmt::format("\"{}\" is always an error: the device uses nothing in the document",
                                name);
         }
         mChanged[check->id] = severity;

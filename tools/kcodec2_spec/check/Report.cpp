@@ -1,4 +1,4 @@
-// What a check found: the findings of a run, each with its place and what goes with it.
+// What a check found: the findings of a run, each with its place, related places and fixes.
 
 #include "check/Report.h"
 #include "base/Spelling.h"
@@ -39,7 +39,7 @@ void Report::add(ReportEntry entry) {
     const auto suppressions = mSuppressions.find(entry.source);
     if (suppressions != mSuppressions.end() && !entry.isForFile &&
         suppressions->second.suppress(*entry.check, entry.span.start)) {
-        return;  // Before the options: a comment is in use though its check is left out.
+        return;  // Before the options: a comment is used even if its check is left out.
     }
     const std::optional<Severity> severity = mLevels.of(*entry.check);
     if (!severity) {

@@ -1,4 +1,4 @@
-// What a check found: the findings of a run, each with its place and what goes with it.
+// What a check found: the findings of a run, each with its place, related places and fixes.
 #pragma once
 
 #include <map>
@@ -17,7 +17,7 @@
 
 namespace kc2::tool {
 
-// What goes with a finding beside its place and message. Most have nothing.
+// What a finding may have besides its place and message. Most have neither.
 struct FindingDetails {
     std::vector<RelatedPlace> related = {};
     std::vector<Fix> fixes = {};  // All of them together fix it.
@@ -41,7 +41,7 @@ struct ReportEntry {
 // Whether its findings are about comments that suppress nothing.
 bool isUnusedSuppression(const Check& check);
 
-// Which documents a load reads, and why: what the findings of a load stand on.
+// Which documents a load reads, and why.
 struct LoadFacts {
     struct Fact {
         std::string path;  // As it is shown.
@@ -59,7 +59,7 @@ public:
     // Sources are reported in the order in which they are first named, here or by a finding. They
     // must outlive the report.
     void addSource(const Source& source);
-    // The same, of a file whose text nobody has read.
+    // The same for a file whose text was not read.
     void addFile(const std::string& shownPath) { sourceOf(shownPath); }
 
     // A finding at a place. Rules put in names and values as they are; what prints the report makes

@@ -14,7 +14,7 @@ namespace kc2::tool {
 namespace {
 
 constexpr std::string_view kMark = "kcodec2_spec:";
-constexpr size_t kMostSuggestions = 100;  // A search through all ids for each of a million is long.
+constexpr size_t kMostSuggestions = 100;  // Searching all ids a million times takes too long.
 
 }  // namespace
 
@@ -24,7 +24,8 @@ Suppressions::Suppressions(const Source& source, const std::vector<Span>& commen
     if (text.find(kMark) == std::string_view::npos) {
         return;
     }
-    // From the last comment to the first: a comment may be for the line that the next one is for.
+    // From the last comment to the first: a comment on its own line is for the same line as the
+    // next.
     size_t nextStart = text.size();
     size_t nextLine = source.lineOf(text.size());
     for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {
@@ -65,7 +66,8 @@ void Suppressions::readComment(Span comment, size_t line) {
         at = limit;
     }
     if (!hasId) {
-        mMistakes.push_back({comment, "the comment must go on with \"allow\" and ids of checks"});
+        mMistakes.push_back(
+                {comment, "the comment must continue with \"allow\" and the ids of checks"});
     }
 }
 
@@ -79,11 +81,11 @@ void Suppressions::addId(Span span, size_t line) {
                                            ? unknownCheck(id)
                                            : fmt::format("there is no check \"{}\"", id)});
     } else if (check != nullptr && check->isRejection) {
-        mMistakes.push_back({span, fmt::format("{} cannot be allowed: the device uses nothing of "
-                                               "the document",
-                                               id)});
+        mMistakes.push_back(
+                {span,
+                 fmt::format("{} cannot be allowed: the device uses nothing in the document", id)});
     } else if (!mByPlace.emplace(std::pair(line, id), Suppression{span, false}).second) {
-        mMistakes.push_back({span, fmt::format("{} is allowed here already", id)});
+        mMistakes.push_back({span, fmt::format("{} is already allowed here", id)});
     }
 }
 

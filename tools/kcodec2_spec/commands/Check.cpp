@@ -30,8 +30,7 @@ constexpr char kCheckFooter[] =
         "Each finding ends with the id of its check in brackets; --list lists all ids, in groups. "
         "Of several options for one check, the last one wins. What makes a device reject a "
         "document is always an error. In a document, a comment \"// kcodec2_spec: allow ID\" at "
-        "the "
-        "end of the line, or on the line above, suppresses the finding.\n"
+        "the end of the line, or on the line above, suppresses the finding.\n"
         "\n"
         "Exit codes: 0 fine; 1 found errors (with --werror: or warnings); 2 wrong usage, a FILE "
         "that cannot be read or fixed, or output that cannot be written.";
@@ -110,7 +109,7 @@ void addFixOptions(CLI::App* command, CheckArguments* arguments) {
     CLI::Option* const fix = command->add_flag(
             "--fix", arguments->isFixWanted,
             "Fix what has exactly one safe fix: a missing or extra comma, a byte order mark, a "
-            "leading plus, a misspelt known name, a perf word without quotes. Needs FILE or "
+            "leading plus, a misspelt known name, missing or wrong quotes. Needs FILE or "
             "--rootdir, and changes nothing outside of it");
     command->add_flag("--dry-run", arguments->isDryRun,
                       "With --fix: print the changes as a diff, and write nothing")

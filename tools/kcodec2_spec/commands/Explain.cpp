@@ -184,7 +184,7 @@ std::string valueIn(const SpecDocument& document, const std::string& section,
     return value.isNull() ? "" : writtenValue(value);
 }
 
-// What one document of the load has for `name`; empty when it does not have it.
+// The value of `name` in one document of the load; empty when it has none.
 std::string saidBy(const Document& document, const std::string& name) {
     for (const std::string& section : settingSections()) {
         const std::string value = valueIn(document.content, section, name);

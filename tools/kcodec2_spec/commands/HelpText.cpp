@@ -118,7 +118,8 @@ std::string pathHint(const CLI::App& command, const std::string& word) {
         return suggestion(fmt::format("--rootdir {}", escaped(word)));
     }
     return fmt::format(
-            ". {} loads a device, whose root --rootdir DIR names; check FILE checks one document",
+            ". {} loads a whole device: name its root with --rootdir DIR. check FILE checks one "
+            "document",
             command.get_name());
 }
 

@@ -37,8 +37,7 @@ constexpr char kReportFooter[] =
         "  kcodec2_spec report --rootdir examples/device --output build/report.html\n"
         "\n"
         "Exit codes: 0 the page is written, whatever check finds; 2 wrong usage, a FILE that "
-        "cannot "
-        "be read, or output that cannot be written.";
+        "cannot be read, or output that cannot be written.";
 
 struct ReportArguments {
     DeviceOptions device;

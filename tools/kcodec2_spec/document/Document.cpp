@@ -68,8 +68,8 @@ Document::Document(DocumentId name, std::string from)
     joinVerdicts(&tree.root, verdicts);
 }
 
-// Fixes are for a text that is accepted once all of them are made: else something else is wrong,
-// too, and what is meant is for a person to say.
+// Fixes are kept only if the text is accepted once all of them are made. Otherwise something else
+// is wrong as well, and only a person can say what is meant.
 void Document::addSyntaxErrors(size_t rejectedAt) {
     tree = treeOfRejected(source, parserText, rejectedAt);
     std::vector<Fix> fixes;

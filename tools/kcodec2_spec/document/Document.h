@@ -21,7 +21,7 @@ struct DocumentId {
     std::string shownPath = {};  // On this machine; empty: the path, or without one the origin.
 };
 
-// Others point into it, so it stays where it is.
+// Other objects point into it, so it is neither copied nor moved.
 class Document {
 public:
     // Reads `text` with the library's reader.

@@ -1,4 +1,4 @@
-// What goes with something found in a text: a second place, a change that fixes it.
+// What a finding may have besides its place: related places, and changes that fix it.
 #pragma once
 
 #include <string>
@@ -23,8 +23,8 @@ struct Fix {
     std::string what;  // What the change does, as in "remove the comma".
 };
 
-// `text` with the changes made. One that touches an earlier one, or a line end, is left out: the
-// lines stay as many as they were.
+// `text` with the changes made. A change that overlaps an earlier one, or that has a line end, is
+// left out: the number of lines stays the same.
 std::string withFixes(std::string_view text, std::vector<Fix> fixes);
 
 // Writes the known name `meant` in place of a name, given with its quotes; empty when another one

@@ -34,7 +34,7 @@ public:
     // "path:line:column", with the path's bytes as they are.
     std::string placeOf(size_t offset) const;
 
-    // Lines count from 1. An offset behind the text is at its end.
+    // The first line is 1. An offset past the end of the text is at its end.
     size_t lineOf(size_t offset) const;
     size_t startOf(size_t line) const { return mLineStarts[line - 1]; }
 

@@ -1,5 +1,5 @@
-// What is wrong with a text that the JSON parser rejects: tables from what is there to what to
-// write.
+// What is wrong with a text that the JSON parser rejects, and what to write instead: tables and
+// functions, the special before the general.
 
 #include "document/SyntaxHints.h"
 
@@ -48,10 +48,10 @@ constexpr StartRow kStarts[] = {
 // --- Beginnings of tokens ---
 
 constexpr StartRow kTokenStarts[] = {
-        {"<<<<<<<"sv, "a merge mark: the merge was not finished; keep one of both sides"},
-        {"======="sv, "a merge mark: the merge was not finished; keep one of both sides"},
-        {">>>>>>>"sv, "a merge mark: the merge was not finished; keep one of both sides"},
-        {"|||||||"sv, "a merge mark: the merge was not finished; keep one of both sides"},
+        {"<<<<<<<"sv, "a merge mark: the merge was not finished; keep one of the two sides"},
+        {"======="sv, "a merge mark: the merge was not finished; keep one of the two sides"},
+        {">>>>>>>"sv, "a merge mark: the merge was not finished; keep one of the two sides"},
+        {"|||||||"sv, "a merge mark: the merge was not finished; keep one of the two sides"},
         {"/*"sv, "the comment never ends: \"*/\" is missing"},
         {"*/"sv, "this ends a comment that nothing opened (comments do not nest)"},
         {"/"sv, "a lone '/': a comment starts with // or /*"},
@@ -174,7 +174,7 @@ MaybeHint nestedComment(const Context& context) {
 
 MaybeHint stringOverLines(const Context& context, const Token& string) {
     return SyntaxHint{{string.span.start, string.span.start + 1},
-                      fmt::format("the string that opens at {} runs over the end of its line: its "
+                      fmt::format("the string that opens at {} runs past the end of its line: its "
                                   "closing quote is missing",
                                   positionIn(context.source, string.span.start))};
 }
@@ -316,7 +316,7 @@ bool isNumberToken(const Context& context, const Token& token) {
     return token.kind == Token::kWord && (isDigit(text[0]) || text[0] == '-');
 }
 
-// The separator may be what the parser takes for the end of the member or element.
+// The parser may read the separator as the end of the member or element.
 MaybeHint thousands(const Context& context) {
     const Misfit& misfit = context.misfit;
     if (!context.token().empty() && !isDigit(context.token()[0]) && context.token()[0] != '\'' &&
@@ -330,8 +330,9 @@ MaybeHint thousands(const Context& context) {
         (isInList && context.of(number->span).find(',') != kNowhere)) {
         return std::nullopt;
     }
-    return SyntaxHint{number->span, fmt::format("a number has no thousands separator: write {}",
-                                                shown(number->digits))};
+    return SyntaxHint{number->span,
+                      fmt::format("JSON numbers have no thousands separators: write {}",
+                                  shown(number->digits))};
 }
 
 // A comma or a digit may be missing: nobody can say which.
@@ -348,10 +349,10 @@ MaybeHint twoNumbers(const Context& context) {
     return SyntaxHint{
             {misfit.previous.span.start, misfit.token.span.start + after.size()},
             after[0] == '-'
-                    ? fmt::format("a comma is missing, or a blank is around a minus sign: "
+                    ? fmt::format("a comma is missing, or there is a space next to a minus sign: "
                                   "write {}, {} or what is meant",
                                   shown(before), shown(after))
-                    : fmt::format("a comma is missing, or a blank is inside a number: "
+                    : fmt::format("a comma is missing, or there is a space inside a number: "
                                   "write {}, {} or {}",
                                   shown(before), shown(after), shown(before + std::string(after)))};
 }
@@ -384,23 +385,24 @@ std::string numberHint(std::string_view number) {
         return hexadecimalHint(number);
     }
     if (number[0] == '+') {
-        return fmt::format("a number has no plus sign: write {}", shown(magnitude));
+        return fmt::format("JSON numbers have no plus sign: write {}", shown(magnitude));
     }
     if (number[0] == '.') {
-        return fmt::format("a number needs a digit before its point: write 0{}", shown(number));
+        return fmt::format("JSON numbers need a digit before the point: write 0{}", shown(number));
     }
     if (magnitude.find('_') != kNowhere) {
         std::string plain(number);
         plain.erase(std::remove(plain.begin(), plain.end(), '_'), plain.end());
-        return fmt::format("a number has no '_' between its digits: write {}", shown(plain));
+        return fmt::format("JSON numbers have no '_' between their digits: write {}", shown(plain));
     }
     const size_t end = std::min(magnitude.find_first_not_of("0123456789."), magnitude.size());
     if (end < magnitude.size() && consistsOf(magnitude.substr(end), std::isalpha) &&
         inSmallLetters(magnitude[end]) != 'e') {
-        return fmt::format("a number has no unit or suffix: write {}, or a string in double quotes",
-                           shown(number.substr(0, digits + end)));
+        return fmt::format(
+                "JSON numbers have no unit or suffix: write {}, or a string in double quotes",
+                shown(number.substr(0, digits + end)));
     }
-    return fmt::format("{} is not a number of JSON", shown(number));
+    return fmt::format("{} is not a JSON number", shown(number));
 }
 
 bool beginsNumber(std::string_view word) {
@@ -421,8 +423,8 @@ MaybeHint numberForm(const Context& context) {
     const std::string_view run = runFrom(context.text, token.span.start);
     const Span whole = {token.span.start, token.span.start + run.size()};
     if (context.misfit.previous.kind == Token::kWord && context.follows(token.span.start)) {
-        return SyntaxHint{whole, fmt::format("this follows {} without a blank or a comma: a number "
-                                             "has no unit or suffix",
+        return SyntaxHint{whole, fmt::format("this follows {} without a blank or a comma: JSON "
+                                             "numbers have no unit or suffix",
                                              shown(context.of(context.misfit.previous.span)))};
     }
     if (!context.expectsValue() || !beginsNumber(context.token())) {
@@ -446,7 +448,7 @@ std::optional<std::string> wordHint(std::string_view word) {
             inSmallLetters(word.substr(word.find_first_not_of("+-") == 1 ? 1 : 0));
     for (const WordRow& row : kWords) {
         if (small == row.word) {
-            return fmt::format("{} is not a value of JSON: {}", word, row.remedy);
+            return fmt::format("{} is not a JSON value: {}", word, row.remedy);
         }
     }
     return std::nullopt;
@@ -526,14 +528,14 @@ MaybeHint strayComma(const Context& context) {
     const char end = misfit.open.empty() ? '\0' : misfit.open.back().kind == '{' ? '}' : ']';
     if (isAfterComma && kind != Token::kEnd && kind == end) {
         return withFix({misfit.previous.span,
-                        fmt::format("a comma is left over before the '{}': remove it", kind)},
+                        fmt::format("there is an extra comma before the '{}': remove it", kind)},
                        {misfit.previous.span, "", "remove the comma before the bracket"},
                        Recovery::DropComma);
     }
     if (kind == ',' &&
         (isAfterComma || misfit.previous.kind == '{' || misfit.previous.kind == '[')) {
         return atToken(context, isAfterComma ? "two commas in a row: remove one"
-                                             : "nothing is before this comma: remove it");
+                                             : "there is nothing before this comma: remove it");
     }
     return std::nullopt;
 }
@@ -557,7 +559,7 @@ MaybeHint missingComma(const Context& context) {
     if (misfit.token.kind == ':') {
         return atToken(context,
                        misfit.open.back().kind == '['
-                               ? fmt::format("a name with a value belongs into {{ }}, not into the "
+                               ? fmt::format("a name with a value belongs in {{ }}, not in the "
                                              "list that opens at {}",
                                              positionIn(context.source, misfit.open.back().at))
                                : "a second ':': a ',' or a '{' is missing before it");

@@ -32,7 +32,7 @@ struct Misfit {
 // How reading goes on after an error: as if its fix were made.
 enum class Recovery {
     Stop,         // There is no certain fix.
-    SkipStart,    // What the text starts with is not there.
+    SkipStart,    // The start of the text is not there.
     InsertComma,  // A comma is before the token.
     DropComma,    // The comma before the token, an end, is not there.
     AcceptToken,  // The token is a value.
@@ -40,7 +40,7 @@ enum class Recovery {
 
 struct SyntaxHint {
     Span span;            // From the first character of what is wrong.
-    std::string message;  // Empty when nothing is known beyond the parser's words.
+    std::string message;  // Empty where only the parser's own words describe it.
     std::vector<RelatedPlace> related = {};
     std::vector<Fix> fixes = {};  // Empty exactly when reading stops here.
     Recovery recovery = Recovery::Stop;

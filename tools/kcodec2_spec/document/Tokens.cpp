@@ -49,7 +49,7 @@ size_t skipDigits(std::string_view word, size_t at) {
     return at;
 }
 
-// As the parser reads a number: it wants no digit, but after an exponent.
+// As the parser reads a number: it requires a digit only after an exponent.
 size_t numberLength(std::string_view word) {
     size_t at = skipDigits(word, 1);
     if (at < word.size() && word[at] == '.') {

@@ -42,7 +42,7 @@ struct Node {
 
 struct Tree {
     Node root;
-    size_t limit = 0;  // Where the document ends: after the root value and the blanks behind it.
+    size_t limit = 0;  // Where the document ends: after the root value and its blanks.
     std::vector<SyntaxHint> errors;          // Of a text that the parser rejects, in its order.
     std::forward_list<std::string> decoded;  // What has escapes in the text; nodes point to it.
 };

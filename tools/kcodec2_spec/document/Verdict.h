@@ -1,4 +1,4 @@
-// What the library's reader said about a value, kept after the reading.
+// What the library's reader found about a value, kept after the reading.
 #pragma once
 
 #include <cstddef>

@@ -132,7 +132,7 @@ public:
             add({Severity::Warning, "mixed", "lines of several loads",
                  "these lines cannot be of one load: two processes had this number, or components "
                  "call the load's functions themselves",
-                 "clear the log (adb logcat -c), start the process again and take it anew"});
+                 "clear the log (adb logcat -c), start the process again, and take a new log"});
         }
         if (mTrace.hasLoad()) {
             describeVariant();
@@ -303,7 +303,7 @@ private:
         add({Severity::Error,
              "rejected",
              briefOf(i) + " rejected",
-             fmt::format("{} was rejected as a whole{}. Nothing of it is in the store",
+             fmt::format("{} was rejected as a whole{}. Nothing from it is in the store",
                          documentOf(i),
                          isBuiltIn ? ""
                                    : ": it is empty, not valid JSON, beyond the limits, or not "
@@ -495,7 +495,7 @@ private:
         const std::string text = fmt::format("a component asked {} {}", times(call.count), item);
         add({Severity::Error,
              topic,
-             "a component asks wrongly",
+             "a wrong call by a component",
              text,
              advice,
              {call.line},
@@ -529,7 +529,7 @@ private:
         for (const auto& [descriptor, call] : mTrace.badDescriptors) {
             addCall("descriptor",
                     fmt::format("for the identity of descriptor {}, which is not open{}; it got 0, "
-                                "which all such calls get",
+                                "as every such call does",
                                 descriptor,
                                 descriptor.starts_with("-") ? ": it is what a failed open() returns"
                                                             : ""),
@@ -588,7 +588,7 @@ private:
         if (mFacts.loads.isIncomplete) {
             add({Severity::Note, "gaps", "",
                  "lines of this load are missing: what is not in the log proves nothing here",
-                 "take the log anew, without a filter: adb logcat -d"});
+                 "take the log again, without a filter: adb logcat -d"});
         }
         if (mTrace.laterDumps != 0) {
             add({Severity::Note, "dump-again", "",
@@ -605,7 +605,7 @@ private:
         }
         if (mTrace.isTooLong) {
             add({Severity::Warning, "too-long", "too many lines",
-                 "not every line of this process is described: too many",
+                 "this process has too many lines: not all are described",
                  "cut the log down to this process: adb logcat --pid=PID"});
         }
     }

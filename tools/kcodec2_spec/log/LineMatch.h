@@ -19,7 +19,7 @@ struct SkippedText {
 
 std::optional<SkippedText> matchSkipped(std::string_view text);
 
-// The row that a line with that tag belongs to; null when it is no line of the library. With an
+// The row that a line with that tag belongs to; null when it is not one of the library's. With an
 // empty tag it may be any. Each entry of the dump belongs to the row of an entry of a list.
 const LogLine* rowOf(std::string_view tag, std::string_view text);
 

@@ -36,7 +36,7 @@ struct LoadLimits {
     bool isEndKnown = true;    // Nothing of the load is after the last one.
     bool hasGaps = false;      // Lines may be missing anywhere.
     bool hasDumpEntries = false;
-    bool hasNoCodecs = false;  // A component was answered that no document names a codec.
+    bool hasNoCodecs = false;  // A component got the empty set of codecs.
     // What the documents of the device leave possible.
     bool canOpen[3] = {true, true, true};  // By SpecSource.
     bool canAccept = true;
@@ -57,7 +57,7 @@ struct PossibleLoads {
 
 PossibleLoads possibleLoads(std::span<const LoadEvent> events, const LoadLimits& limits);
 
-// Where in a load the lines have come to; lines may be missing.
+// The point in a load that the lines have reached; lines may be missing.
 class LoadPosition {
 public:
     // Goes on to `event`; false, and no change, when it cannot follow in the same load.

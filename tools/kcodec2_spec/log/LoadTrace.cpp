@@ -22,8 +22,8 @@ constexpr size_t kMostKeptBytes = size_t{32} << 20;
 constexpr size_t kBytesPerRecord = 200;  // Beside its texts.
 constexpr size_t kMostShown = 5;         // Lines that are not understood, of a load.
 
-// A load needs milliseconds: what it has not written after that long it did not write. Without
-// times, many lines must do.
+// A load takes milliseconds: a line that is not there after this long was not written. In a log
+// without times, this many lines are enough.
 constexpr double kSecondsOfLoad = 10;
 constexpr double kMostSecondsApart = 60;        // Two lines of one load.
 constexpr double kSecondsPerDay = 24.0 * 3600;  // More: somebody has set the clock.
@@ -467,7 +467,7 @@ void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumb
             return addHeading(id, entry, lineNumber, process);
     }
     if (process->section != Section::None) {
-        process->section = Section::Later;  // The dump has ended: no entry belongs to it any more.
+        process->section = Section::Later;  // The dump has ended: later entries do not belong to it.
     }
 }
 

@@ -32,12 +32,11 @@ namespace kc2::tool {
 namespace {
 
 constexpr char kNothing[] =
-        "No line of the library is in the {} of this log. A load without a fault writes none while "
-        "the info lines are off and a variant is set; or no process has called TargetSpec::Get() "
-        "since the log begins.\n"
+        "No line of the library is in the {} of this log. Either no process has called "
+        "TargetSpec::Get() since the log began, or each load was without a fault: while a variant "
+        "is set and the info lines are off, such a load writes nothing.\n"
         "  do: turn the info lines on (bit 0x2 of the level word kc2::gC2LogLevel), start the "
-        "media "
-        "codec service again, and take the log with adb logcat -d\n";
+        "media codec service again, and take the log with adb logcat -d\n";
 
 struct Diagnosis {
     const LoadTrace* trace;
@@ -106,8 +105,9 @@ std::string summaryOf(const Diagnosis& diagnosis) {
 // The whole load in one line: whose it is, what is wrong, and what to do.
 std::string headlineOf(const Diagnosis& diagnosis) {
     const LoadTrace& trace = *diagnosis.trace;
-    const std::string process = trace.process < 0 ? "Lines without a process number, as if of one"
-                                                  : fmt::format("Process {}", trace.process);
+    const std::string process = trace.process < 0
+                                        ? "Lines without a process number, read as one process"
+                                        : fmt::format("Process {}", trace.process);
     const std::string lines =
             trace.firstLine == trace.lastLine
                     ? fmt::format("line {}", trace.firstLine)
@@ -377,7 +377,7 @@ std::string whyNotUnderstood(const ReadLog& log) {
     if (log.collector.traces().empty() && log.parser.knownLines() == 0) {
         return log.lines == 0 ? "the log is empty"
                               : fmt::format(
-                                        "none of {} is one that logcat prints, so this says "
+                                        "none of {} is in a format of logcat, so this log says "
                                         "nothing about the library",
                                         counted(log.lines, "line"));
     }
@@ -430,7 +430,7 @@ void complainOf(const TraceCollector& collector) {
                             collector.firstUnread()));
     }
     if (collector.isTooLong()) {
-        complain("the log has more than is kept: not all of it is described");
+        complain("the log is too long: not all of it is described");
     }
 }
 

@@ -1,4 +1,4 @@
-// The command "log": what its options ask for, and what it does.
+// What the command "log" does, and its options.
 #pragma once
 
 #include <string>

@@ -40,9 +40,9 @@ constexpr LogLine kLines[] = {
          "Install one of the two documents that the lines name."},
         {LineId::StreamRejected, kSpec, kError, 0, "Couldn't parse json from file stream",
          "reading of a document",
-         "A file was opened and rejected whole: it is empty, not valid JSON, beyond the limits, or "
-         "cannot be read to its end. Nothing of it is stored. The first step writes it about the "
-         "system spec document, the second about the private file.",
+         "A file was opened and rejected as a whole: it is empty, not valid JSON, beyond the "
+         "limits, or cannot be read to its end. Nothing in it is stored. The first step writes it "
+         "about the system spec document, the second about the private file.",
          "Pull the file and run `kcodec2_spec check` on it."},
         {LineId::BuiltInRejected, kSpec, kError, 0, "Couldn't parse json from string literal",
          "reading of a document", "The built-in document was rejected: the library is damaged.",
@@ -52,7 +52,7 @@ constexpr LogLine kLines[] = {
          "perf word all words of its name are left out; a tier level becomes 0.",
          "Correct the value at the place that the line names."},
         {LineId::SkippedByCall, kSpec, kWarning, 0, "Skipped %s: %s", "call of parseJsonData()",
-         "The same, of a document that a program gave to the call: it has no name.",
+         "As above, for a document that a program passes to the call: such a document has no name.",
          "Correct the value at the place that the line names."},
         {LineId::RowSkipped, kSpec, kWarning, 0,
          "Unable to queue the json entry due to inappropriate size", "reading of a document",

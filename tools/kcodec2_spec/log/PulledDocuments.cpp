@@ -267,10 +267,10 @@ private:
                                : state == "not a valid document";
     }
 
-    void contradict(std::string text, std::vector<uint64_t> lines = {},
-                    std::string advice =
-                            "pull the documents of this phone again, and see that "
-                            "the variant is the right one") {
+    void contradict(
+            std::string text, std::vector<uint64_t> lines = {},
+            std::string advice =
+                    "pull the documents of this phone again, and check that the variant is right") {
         constexpr size_t kMost = 20;  // More of them say nothing more.
         if (++mContradictions <= kMost) {
             mResult.conclusions.push_back({Severity::Error, "contradiction",
@@ -361,7 +361,7 @@ private:
 
     void describeTree() {
         if (mIsOtherPath) {
-            contradict(fmt::format("the phone looks for {}, but the options lead to {}: give the "
+            contradict(fmt::format("the phone looks for {}, but the options select {}: give the "
                                    "variant of the phone",
                                    mTrace.firstPath(), mLoad.firstPath),
                        {mTrace.firstLine});

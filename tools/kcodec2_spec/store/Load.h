@@ -9,14 +9,14 @@
 
 namespace kc2::tool {
 
-// The variant that selects the document of this device path; empty when it needs none, or when no
-// variant does.
+// The variant that selects the document of this device path; empty for the path that is used
+// without a variant, and when no variant selects it.
 std::string variantIn(const std::string& path);
 
 // The documents of one load, and why it is these.
 struct Load {
     std::string variant;    // As the property has it; kDefaultVariant when it is not set.
-    std::string firstPath;  // Where the system spec document is looked for first.
+    std::string firstPath;  // The system spec document that is tried first.
     std::unique_ptr<Document> systemSpec;  // Null when none opened.
     std::unique_ptr<Document> overlay;     // The private file or a built-in document; never null.
     const ChipDocument* chip;  // The chip's row: what the overlay is without a private file.
@@ -34,7 +34,7 @@ Load readLoad();
 // The built-in document of a chip.
 std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip);
 
-// Which documents these are, and why, each in a line: "/odm/... (fallback: ... does not open)".
+// Which documents these are, and why, on one line each: "/odm/... (fallback: ... does not open)".
 std::string describeSystemSpec(const Load& load);
 std::string describeOverlay(const Load& load);
 

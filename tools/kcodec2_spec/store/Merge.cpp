@@ -1,4 +1,4 @@
-// What documents give together when the library merges them.
+// What two documents result in when the library merges them.
 
 #include "store/Merge.h"
 

@@ -1,4 +1,4 @@
-// What documents give together when the library merges them.
+// What two documents result in when the library merges them.
 #pragma once
 
 #include <algorithm>
@@ -17,8 +17,8 @@ inline bool operator==(const NimbraBitRateEntry& a, const NimbraBitRateEntry& b)
 
 namespace kc2::tool {
 
-// What a store has after a load step, and after the next one. No rule of merging is written here:
-// the library merges, and what each document gave is seen by comparing.
+// What a store has after a load step, and after the next one. No merge rule is repeated here: the
+// library merges, and comparing the two shows what each document added.
 struct MergedStore {
     SpecDocument before;
     SpecDocument whole;

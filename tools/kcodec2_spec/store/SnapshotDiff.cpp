@@ -46,7 +46,7 @@ std::vector<Change> changesByName(const Entries& before, const Entries& after) {
     return changes;
 }
 
-// The least that must be removed and added to make one list of the other.
+// The fewest removals and additions that turn one list into the other.
 class ListComparison {
 public:
     ListComparison(const Entries& before, const Entries& after) : mBefore(before), mAfter(after) {

@@ -73,7 +73,7 @@ SnapshotEntry toEntry(const NimbraBitRateEntry& row) {
             std::to_string(row.bitRate), ""};
 }
 
-// Levels that no step can have left behind by setting those of `store`.
+// Sets levels that differ from those of `store`: a step that sets the latter is then noticed.
 void markTierLevels(TargetSpec& marked, const TargetSpec& store) {
     const DVConfigs& limits = Inspector::dvConfigs(store);
     DVConfigs& mark = Inspector::changeableDVConfigs(marked);
@@ -177,9 +177,9 @@ private:
                             entry(targetSpecDVMaxHighTierLevel, whole->high)};
     }
 
-    // Numbers that are always there. Two documents may set the same ones, and a document may set
-    // those of an empty store, so each step is taken on a store that has others: the document that
-    // changes those sets them.
+    // A store always has levels, and a document may set them to the values that they have already.
+    // So each step is repeated on a store with other levels: the document that changes those sets
+    // them.
     std::string tierLevelOrigin() const {
         TargetSpec store;
         mSteps.systemSpec(store);
@@ -197,7 +197,7 @@ private:
     const TargetSpec& mStore;
     const LoadSteps& mSteps;
     TargetSpec mBeforeStore;  // After the first step.
-    SpecDocument mBefore;     // What that has.
+    SpecDocument mBefore;     // Its content.
     SpecDocument mWhole;
 };
 

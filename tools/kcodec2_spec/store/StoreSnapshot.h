@@ -14,8 +14,8 @@ namespace kc2::tool {
 
 enum class SectionForm {
     Named,  // Each entry has a name that occurs once.
-    List,   // Entries in an order that counts; an entry may occur twice.
-    Set,    // Each entry occurs once; the order says nothing.
+    List,   // The order of entries matters; an entry may occur twice.
+    Set,    // Each entry occurs once; the order does not matter.
 };
 
 struct SnapshotEntry {
@@ -33,8 +33,8 @@ struct SnapshotSection {
     std::vector<SnapshotEntry> entries;
 };
 
-// The two steps of a load, to be repeated on any store. The snapshot learns from them who set what:
-// it does not know how documents merge.
+// The two steps of a load, to be repeated on any store. Comparing their results shows which
+// document set what: the snapshot does not know how documents merge.
 struct LoadSteps {
     std::function<void(TargetSpec&)> systemSpec;
     std::function<void(TargetSpec&)> overlay;
@@ -42,11 +42,11 @@ struct LoadSteps {
     std::string overlayOrigin;
 };
 
-// The steps that TargetSpec::Get() takes on this device.
+// The steps of TargetSpec::Get() on this device.
 LoadSteps deviceSteps(const Load& load);
 
-// All that `whole` holds; `whole` is what both steps make of an empty store. Takes the steps again,
-// so a step may log, and on a device it may seed the private file.
+// Everything in `whole`, which must be the result of both steps on an empty store. Repeats the
+// steps, so they may log, and on a device they may seed the private file.
 std::vector<SnapshotSection> sectionsOf(const TargetSpec& whole, const LoadSteps& steps);
 
 // The same for a store that these steps load.

@@ -7,8 +7,8 @@
 
 namespace kc2::tool {
 
-// "/odm/etc", then "media_x", then "sub": the deepest that documents are looked for. A tree may
-// have links that lead to directories above them.
+// "/odm/etc", then "media_x", then "sub": no document is looked for below that. The limit ends
+// the search where links lead to a directory above them.
 inline constexpr int kTreeDepth = 3;
 
 // Calls visit(path) for every file in a directory of the device and `depth` - 1 levels below it,

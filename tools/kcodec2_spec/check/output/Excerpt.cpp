@@ -16,7 +16,7 @@ namespace {
 
 constexpr size_t kLeastColumns = 20;  // Of a line's text, however narrow the terminal is.
 constexpr size_t kTabColumns = 8;
-// Marks that take no column must not make a line endless.
+// Combining marks, which have no column, must not make a line endless.
 constexpr size_t kMostBytesPerColumn = 8;
 
 // How many printable characters of a byte and a column `text` begins with: a line may be shown for
@@ -128,7 +128,7 @@ std::string excerptOf(const Source& source, Span span, size_t width) {
     const size_t start = fitting == line.size() ? 0 : cutBefore(line, offset, columns);
     const size_t size = start == 0 ? fitting : fittingBytes(line.substr(start), columns);
 
-    // What is before the mark, above it, and behind it.
+    // What is before the mark, above it, and after it.
     const size_t markStart = std::min(offset, start + size);
     const size_t markLimit = std::min(marked, start + size);
     std::string shown;
@@ -136,7 +136,7 @@ std::string excerptOf(const Source& source, Span span, size_t width) {
     draw(line.substr(start, markStart - start), &shown, &column);
     const size_t before = column;
     draw(line.substr(markStart, markLimit - markStart), &shown, &column);
-    // The caret takes the first column of its character, and one where that has none.
+    // The caret is in the first column of its character, or in one more where that has none.
     const size_t first =
             markStart < markLimit ? firstCell(line.substr(markStart), before).columns : 0;
     const size_t more = column - before - std::min<size_t>(first, 1);

@@ -14,7 +14,7 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr int kFormatVersion = 2;  // A change that a reader must know of makes it another one.
+constexpr int kFormatVersion = 2;  // Raised by each change that readers must know about.
 
 Json::Value toJson(const Source& source, Span span) {
     const Source::Position start = source.positionOf(span.start);

@@ -26,8 +26,8 @@ Json::Value toJson(const std::vector<LoadFacts>& loads);
 // The entries to show: at most so many, the most severe ones, in the report's order.
 std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options);
 
-// `bytes` as UTF-8 that can be turned back: a byte that is not part of a printable UTF-8 character
-// is written \xNN, and a backslash is doubled, so that no two texts become one.
+// `bytes` as UTF-8 that can be converted back: a byte that is not part of a printable UTF-8
+// character is written \xNN, and a backslash is doubled, so that no two texts become one.
 std::string reversible(std::string_view bytes);
 
 // `path` as a URI reference, with %NN for every byte that a URI does not allow.

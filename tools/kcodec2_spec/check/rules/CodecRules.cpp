@@ -1,4 +1,4 @@
-// Names of codec components: misspelt, in the wrong list, and what the lists give together.
+// Names of codec components: misspelt, in the wrong list, and what the lists result in.
 
 #include <fmt/format.h>
 
@@ -146,7 +146,7 @@ bool isAddition(const Document& document) {
 }
 
 // The known components that misspelt names mean, and those names: what is missing because of them
-// is reported.
+// is reported already.
 std::unordered_set<std::string> misspeltAndMeant(const Checked& checked) {
     std::unordered_set<std::string> names;
     for (const Document* const document : checked.documents) {
@@ -227,7 +227,7 @@ bool hasLostCodecs(const Checked& checked) {
     return false;
 }
 
-// At the first section of components that there is.
+// At the first section of components.
 void reportAtCodecs(CheckId check, const Checked& checked, const std::string& message,
                     Report* report) {
     for (const Document* const document : checked.documents) {

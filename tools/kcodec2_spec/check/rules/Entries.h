@@ -1,4 +1,4 @@
-// The entries of a document where they are in the text: names of settings, entries of lists, rows.
+// The entries of a document and their places: names of settings, entries of lists, rows.
 #pragma once
 
 #include <algorithm>

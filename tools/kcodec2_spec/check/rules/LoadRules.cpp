@@ -85,7 +85,7 @@ void checkUnreadable(const Checked& checked, Report* report) {
             report->addForFile("unreadable", document->source.path(),
                                document->isPipe ? fmt::format("it is {}", why)
                                                 : fmt::format("the file opens, but cannot be read "
-                                                              "({}): the device uses nothing of it",
+                                                              "({}): the device uses nothing in it",
                                                               why));
         }
     }

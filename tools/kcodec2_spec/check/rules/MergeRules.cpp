@@ -1,5 +1,5 @@
-// What the documents of a load give together. One document alone is a merge of one. Which value is
-// used is seen by comparing the store with the documents: no rule of merging is written here.
+// What the documents of a load result in together; a document alone is a load of one. Which value
+// is used is found by comparing the store with the documents: no merge rule is repeated here.
 
 #include <fmt/format.h>
 
@@ -47,7 +47,7 @@ std::unordered_map<std::string_view, const Node*> usedMembers(const Document& do
     return members;
 }
 
-// Reports each name that both documents set: with one value, or one of the two has no effect.
+// Reports each name that both documents set: to the same value, or one value has no effect.
 template <typename Values>
 void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDocument::*member,
                       Report* report) {

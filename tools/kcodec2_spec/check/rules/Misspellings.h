@@ -15,8 +15,8 @@ struct Misspelling {
     std::string message;
 };
 
-// Reports each. A fix must be certain: of two misspelt names nobody can say which one is meant, nor
-// of one beside the right name. `isPresent` says whether that is there.
+// Reports each. A fix must be certain, so there is none for two misspelt names of one setting, nor
+// for one beside the right name. `isPresent` says whether the document has a name.
 void reportMisspellings(CheckId check, const Document& document,
                         std::vector<Misspelling> misspellings,
                         const std::function<bool(const std::string& name)>& isPresent,

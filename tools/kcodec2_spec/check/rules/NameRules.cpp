@@ -112,7 +112,7 @@ void checkCaseTwins(const Document& document, const KnownSettings& known, Report
             report->add(
                     "name-case", document, name.span,
                     fmt::format(
-                            "\"{}\" differs in case alone from the name at {}: these are two names",
+                            "\"{}\" differs only in case from the name at {}: these are two names",
                             name.text, document.source.placeOf(earlier->span.start)),
                     besides(document.source, earlier->span));
         }
@@ -230,7 +230,7 @@ void checkOddNames(const Document& document, const KnownSettings& known, Report*
         const NearNames& names = *name.list != '\0' || name.section == targetSpecOptionalCodecs
                                          ? known.components
                                          : known.settings;
-        // What control-character says of the string, or the misspelt known name, is the mistake.
+        // Otherwise control-character, or the misspelt known name, is reported.
         if (!hasRaw && names.find(name.text, name.section).entry == nullptr) {
             report->add("name-characters", document, name.span,
                         fmt::format("the name has {}: names are compared byte by byte", odd));

@@ -36,7 +36,7 @@ std::set<std::string> missingFrom(const std::unordered_set<std::string>& some,
     return missing;
 }
 
-// A load cannot take a component away: a spec with fewer of them does not disable the others.
+// A load cannot remove a component: a spec that lists fewer does not disable the others.
 void checkAddedCodecs(const Checked& checked, Report* report) {
     const auto& listed = checked.before().supportedCodecs;
     if (listed.empty() || !checked.load->hasSystemSpec() || checked.load->hasPrivateFile()) {
@@ -95,7 +95,7 @@ void addLost(const List& with, const List& without, Lost* lost) {
     }
 }
 
-// What the load would have with the built-in document in place of the private file, and has not.
+// What the load would have with the built-in document in place of the private file, but lacks.
 Lost lostBy(const Checked& checked) {
     const std::unique_ptr<Document> builtIn = readBuiltIn(*checked.load->chip);
     const SpecDocument spec =
@@ -127,7 +127,7 @@ std::string describe(const Lost& lost) {
     return joined(parts, " and ");
 }
 
-// How much a document sets: a file with one setting is there for that one.
+// How much a document sets: a file with one setting is there for that setting only.
 size_t settingsIn(const SpecDocument& content) {
     size_t count = 0;
     forEachContainer([&](const char* const* /*key*/, auto member) {

@@ -1,4 +1,4 @@
-// Perf words: pairs of a resource code and its value that do not look like it.
+// Perf words: what does not look like pairs of a resource code and its value.
 
 #include <fmt/format.h>
 
@@ -17,7 +17,7 @@ namespace kc2::tool {
 
 namespace {
 
-// A list of words that the device uses, where it is in the text and what it says.
+// A list of words that the device uses: where it is in the text, and its words.
 struct UseCase {
     const Node& member;
     const std::vector<uint32_t>& words;
@@ -117,10 +117,9 @@ void checkSwappedPairs(const UseCases& cases, const KnownSettings& known, Report
 void checkEmptyUseCases(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
         if (words.empty()) {
-            report->add(
-                    "perf-empty", cases.document, member.name,
-                    fmt::format("\"{}\" has no words, and no later document can set them any more",
-                                member.key));
+            report->add("perf-empty", cases.document, member.name,
+                        fmt::format("\"{}\" has no words, and no later document can set them",
+                                    member.key));
         }
     }
 }

@@ -1,4 +1,4 @@
-// What the library's reader said, in words: whatever a load rejects, skips or changes.
+// What the library's reader found, in words: whatever a load rejects, skips or changes.
 
 #include <fmt/format.h>
 
@@ -91,7 +91,7 @@ bool isOpenUpperBound(const Verdict& verdict, const Document& document) {
            verdict.converted == int64_t{std::numeric_limits<uint32_t>::max()};
 }
 
-// The description of a pre-processing filter, which components may come to read.
+// The description of a pre-processing filter, which the store does not keep.
 bool isFilterDescription(const Verdict& verdict, const Document& document) {
     const Node* const filter = findValueAt(document.tree.root, verdict.start);
     if (filter == nullptr || verdict.section != targetSpecPreProcessingFilters) {
@@ -104,8 +104,8 @@ bool isFilterDescription(const Verdict& verdict, const Document& document) {
                        [&](const char* key) { return findMember(*filter, key) != nullptr; });
 }
 
-// Whether an object in place of an array has other values than the array would: the first one is
-// skipped.
+// Whether an object in place of an array has values of another type than the array would: then its
+// first value is skipped.
 bool isNoArrayAtAll(const Verdict& verdict, const Document& document) {
     const Verdict* const next = nextOf(verdict, document);
     return next != nullptr && isSkippedIn(verdict, *next);
@@ -123,7 +123,7 @@ bool isQuotedBoolean(const Verdict& verdict, const Document& document) {
     return text == "true" || text == "false";
 }
 
-// The number that a plain decimal says, without a sign of plus and without a leading zero.
+// The value of a plain decimal number, without a plus sign and without a leading zero.
 std::optional<int32_t> plainDecimal(std::string_view text) {
     int32_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -192,7 +192,7 @@ constexpr ReaderRule kReaderRules[] = {
          "them",
          isUseCase},
         {FindingKind::ListNotArray, "list-not-array",
-         "{place} must be an array: nothing of it is read, and the device does not log it"},
+         "{place} must be an array: nothing in it is read, and the device does not log it"},
         {FindingKind::ElementNotString, "filter-description",
          "{place} is a filter description: the store ignores it and keeps only names, written as "
          "strings",
@@ -203,7 +203,7 @@ constexpr ReaderRule kReaderRules[] = {
          "{place} must be an integer from 0 to 4294967295: the profile is skipped, and the device "
          "does not log it"},
         {FindingKind::NoVideo, "no-video",
-         "the document has no member \"Video\": nothing of it is read"},
+         "the document has no member \"Video\": nothing in it is read"},
         {FindingKind::ObjectAsArray, "object-not-array",
          "{place} must be an array [...]: only the object's values of the right type are used",
          isNoArrayAtAll},
@@ -239,7 +239,7 @@ constexpr ReaderRule kReaderRules[] = {
          "{place} is absent: the level becomes 0, whatever an earlier document set"},
 };
 
-// Whether the table of checks says of each what it does on a device.
+// Whether kChecks marks a check as a rejection exactly where the reader rejects the document.
 constexpr bool areRejectionsMarked() {
     return std::all_of(std::begin(kReaderRules), std::end(kReaderRules), [](const auto& rule) {
         return rule.check->isRejection == (rowOf(rule.kind).effect == Effect::Rejects);
@@ -279,8 +279,8 @@ bool isInRange(const Setting* setting, int32_t value) {
                                   (!setting->maximum || value <= *setting->maximum));
 }
 
-// Quotes around digits make no difference to what the device reads, but to what a person does: the
-// digits must be the same number either way, or be a resource code.
+// Quotes around digits change what a person reads, but not what the device reads: the digits must
+// be the same number either way, or be a resource code.
 bool isSameInQuotes(std::string_view digits, const Verdict& verdict, const Catalogue& catalogue) {
     uint32_t word = 0;
     const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), word, 16);

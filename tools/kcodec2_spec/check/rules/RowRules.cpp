@@ -143,7 +143,7 @@ Rows rowsOf(const Checked& checked) {
 // --- What the rows look like in ascending order ---
 
 // The rows that are used for all of their values, by lower bound. Those with a negative bound,
-// which is stored as a large one, are not looked at: that is reported.
+// which is stored as a large one, are left out: the reader reports them.
 std::vector<const PlacedRow*> inAscendingOrder(const Rows& rows, bool isWithOverlaps) {
     std::vector<const PlacedRow*> ordered;
     for (const PlacedRow& placed : rows) {
@@ -182,7 +182,7 @@ void reportOnce(CheckId check, const std::vector<Neighbours>& found, std::string
 }
 
 struct Gaps {
-    std::vector<Neighbours> ofOne;  // As where an upper bound is taken for part of the range.
+    std::vector<Neighbours> ofOne;  // As if upper bounds were inclusive.
     std::vector<Neighbours> wide;
     size_t joints = 0;  // Rows that begin where the one before ended.
 };
@@ -274,9 +274,8 @@ void checkZeroRates(const Table& table, Report* report) {
     for (const PlacedRow& placed : table.rows) {
         if (placed.row.bitRate == 0 && !placed.matchesNothing() && placed.left != Left::Nothing) {
             report->add("rate-zero", *placed.document, placed.span,
-                        "the bit rate is 0, and a component uses that as a rate: for a value "
-                        "without a row it "
-                        "gets 0xFFFFFFFF");
+                        "the bit rate is 0, and a component uses it as a rate: for a value without "
+                        "a row it gets 0xFFFFFFFF");
         }
     }
 }
@@ -290,7 +289,7 @@ std::string missingValues(const Neighbours& gap) {
                          : fmt::format("the values {} to {} have", first, last);
 }
 
-// Rows that are apart are meant so where hardly any two touch.
+// Gaps are intended in a table where hardly any two rows touch.
 bool isWideGapMeant(const Gaps& gaps) {
     return gaps.joints < gaps.wide.size();
 }
@@ -314,7 +313,7 @@ void checkRowsApart(const Table& table, Report* report) {
     }
 }
 
-// A rate that falls now and then is a slip; a table of falling rates is meant so.
+// A rate that falls now and then is a slip; a table of falling rates is intended.
 void checkFallingRates(const Table& table, Report* report) {
     constexpr size_t kOneOf = 3;
     const std::vector<const PlacedRow*> ordered = inAscendingOrder(table.rows, false);
@@ -329,7 +328,7 @@ void checkFallingRates(const Table& table, Report* report) {
     if (!falls.empty() && (falls.size() == 1 || falls.size() * kOneOf <= ordered.size())) {
         const auto& [before, after] = falls.front();
         reportOnce("rate-falls", falls,
-                   fmt::format("the bit rate falls to {}, from {} of the values below",
+                   fmt::format("the bit rate falls to {}; for smaller values it is {}",
                                after->row.bitRate, before->row.bitRate),
                    report);
     }

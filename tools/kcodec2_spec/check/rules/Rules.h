@@ -1,6 +1,6 @@
 // The rules of the checker. Each looks at the documents of a check, together or one by one, and
-// reports what it finds; the table of checks has the words and the severity of each kind. To add
-// one, add its row to that table and its code to the file that fits.
+// reports what it finds; CheckRows.h has the texts and the severity of each check. To add a check,
+// add its row there and its code to the file that fits.
 #pragma once
 
 #include "check/Checked.h"
@@ -12,17 +12,17 @@ using Rule = void (*)(const Checked& checked, Report* report);
 
 void checkLoads(const Checked& checked, Report* report);      // Which documents a load reads.
 void checkTrees(const Checked& checked, Report* report);      // Files that nothing can read.
-void checkReading(const Checked& checked, Report* report);    // What the reader said.
+void checkReading(const Checked& checked, Report* report);    // What the reader found.
 void checkTexts(const Checked& checked, Report* report);      // What the reader does not look at.
 void checkNames(const Checked& checked, Report* report);      // Of settings and list entries.
 void checkCodecs(const Checked& checked, Report* report);     // Codec components.
 void checkValues(const Checked& checked, Report* report);     // Presets, and empty sections.
 void checkPerfWords(const Checked& checked, Report* report);  // Perf-lock words.
-void checkMerging(const Checked& checked, Report* report);    // What documents give together.
+void checkMerging(const Checked& checked, Report* report);    // What documents result in.
 void checkBitRates(const Checked& checked, Report* report);   // Rows of the bit-rate table.
 void checkOverlays(const Checked& checked, Report* report);   // What the second document adds.
 
-// Files of the tree that no load reads, and that look as if one should: once for all variants.
+// Files of the tree that look like documents, but that no load reads: once for all variants.
 void checkTreeFiles(Report* report);
 
 // In the order in which findings at one place are reported.

@@ -1,4 +1,4 @@
-// What the text of a document says that the library's reader does not look at.
+// Mistakes in the text of a document that the library's reader does not look for.
 
 #include <fmt/format.h>
 
@@ -163,7 +163,7 @@ void checkLoneMinuses(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
         if (node.kind == '-' && node.value.limit == node.value.start + 1) {
             report->add("lone-minus", document, node.value,
-                        "a minus sign without digits counts as 0");
+                        "a minus sign without digits is read as 0");
         }
     });
 }
@@ -174,7 +174,7 @@ bool isNotZero(std::string_view number) {
     return mantissa.find_first_of("123456789") != std::string_view::npos;
 }
 
-// What no double holds exactly is read differently by each parser and C++ library.
+// Parsers and C++ libraries differ in how they read a number beyond the range of double.
 void checkExtremeNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
         const std::string_view text = node.isNumber() ? document.source.textAt(node.value) : "";
@@ -190,7 +190,7 @@ void checkExtremeNumbers(const Document& document, Report* report) {
                         "whole document for it, and later releases skip the value");
         } else if (value < std::numeric_limits<double>::min() && isNotZero(text)) {
             report->add("number-too-small", document, node.value,
-                        "the number is too near to 0: every phone rejects the whole document for "
+                        "the number is too close to 0: every phone rejects the whole document for "
                         "it, though this machine may read it");
         }
     });
@@ -208,11 +208,11 @@ void checkControlCharacters(const Document& document, Report* report) {
     for (const Span& span : rawControlCharacters(document.parserText)) {
         const char c = document.source.text()[span.start];
         report->add("control-character", document, span,
-                    std::string("a string has a ") +
+                    std::string("a string has an unescaped ") +
                             (c == '\n' || c == '\r' ? "line break"
                              : c == '\t'            ? "tab"
                                                     : "control character") +
-                            " as it is: JsonCpp 1.9.7 and later reject the whole document for it. "
+                            ": JsonCpp 1.9.7 and later reject the whole document for it. "
                             "Write an escape, such as \\n, or remove it");
     }
 }

@@ -80,7 +80,7 @@ void checkPrivateName(const Load& load, Report* report) {
     const size_t slash = path.rfind('/');
     const std::string wanted = path.substr(slash + 1);
     if (load.isPrivateFileOpen) {
-        return;  // Another one beside it may be a copy that is kept.
+        return;  // A similar name beside it may be a backup.
     }
     visitFiles(path.substr(0, slash), 1, [&](const std::string& found) {
         const std::string name = found.substr(slash + 1);
@@ -105,7 +105,8 @@ void forEachWord(std::string_view text, Visit visit) {
     }
 }
 
-// A chip's name of four letters has real words for neighbours, so only its own letters count.
+// Real words resemble a chip's name of four letters, so there only a new order of its letters is a
+// mistake.
 bool isMisspelt(std::string_view word, std::string_view chip) {
     constexpr size_t kShort = 4;
     if (word == chip || editDistance(word, chip, kMostNameMistakes) > kMostNameMistakes) {
@@ -120,7 +121,7 @@ bool isMisspelt(std::string_view word, std::string_view chip) {
 
 void checkChipName(const Load& load, Report* report) {
     if (!load.isVariantSet() || load.hasPrivateFile()) {
-        return;  // The private file takes the place of the chip's document.
+        return;  // The private file replaces the chip's document.
     }
     const std::string built = fmt::format("built-in document {}", load.chip->number);
     const std::string_view chosen = load.chip->chip;

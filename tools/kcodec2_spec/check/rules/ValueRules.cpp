@@ -1,4 +1,4 @@
-// Values that the settings catalogue does not allow, settings that need others, and what is empty.
+// Values that the settings catalogue does not allow, settings that need others, empty sections.
 
 #include <fmt/format.h>
 
@@ -207,9 +207,9 @@ void checkEmptySections(const Document& document, Report* report) {
     });
 }
 
-// --- Settings that need others, in the store that the documents give together ---
+// --- Settings that need others, in the merged store ---
 
-// The document whose value of the preset the store has; null when none is.
+// The document that the store's value of the preset comes from; null when there is none.
 const Document* setterOf(const Checked& checked, const std::string& name) {
     const auto& presets = checked.whole().presets;
     const auto used = presets.find(name);
