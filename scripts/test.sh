@@ -90,7 +90,7 @@ tool_tests='tool_tests() {
     [ "$1" != asan ] || export KC2_TOOL_MEMORY=unlimited
     export KC2_SPEC_TOOL=$PWD/build/$1/kcodec2_spec GTEST_BRIEF=1 GTEST_TOTAL_SHARDS=$(nproc)
     seq 0 $(($(nproc) - 1)) |
-        xargs -P 0 -I SHARD env GTEST_SHARD_INDEX=SHARD build/dev/kcodec2_tool_tests
+        xargs -P 0 -I {} env GTEST_SHARD_INDEX={} build/dev/kcodec2_tool_tests
 }
 '
 # Sets `processor` to the processor time of all commands so far, in seconds. Not printed: what a shell

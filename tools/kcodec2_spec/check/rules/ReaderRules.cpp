@@ -123,15 +123,26 @@ bool isQuotedBoolean(const Verdict& verdict, const Document& document) {
     return text == "true" || text == "false";
 }
 
-// The value of a plain decimal number, without a plus sign and without a leading zero.
+// The value of a plain decimal number, without a plus sign and without a leading zero. Not by
+// std::from_chars(), which wraps around zero in libc++ where a minus sign comes first.
 std::optional<int32_t> plainDecimal(std::string_view text) {
-    int32_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const std::string_view digits = text.starts_with('-') ? text.substr(1) : text;
-    const bool isPlain = digits == "0" || (!digits.empty() && digits[0] != '0');
-    return error == std::errc() && end == text.data() + text.size() && isPlain && text != "-0"
-                   ? std::optional(number)
-                   : std::nullopt;
+    constexpr size_t kMostDigits = 10;
+    const bool isNegative = text.starts_with('-');
+    const std::string_view digits = text.substr(isNegative ? 1 : 0);
+    const bool isPlain = !digits.empty() && digits.size() <= kMostDigits &&
+                         std::all_of(digits.begin(), digits.end(), isDigit) &&
+                         (digits[0] != '0' || text == "0");
+    if (!isPlain) {
+        return std::nullopt;
+    }
+    int64_t number = 0;
+    for (const char digit : digits) {
+        number = number * 10 + (digit - '0');
+    }
+    number = isNegative ? -number : number;
+    const bool fits = number >= std::numeric_limits<int32_t>::min() &&
+                      number <= std::numeric_limits<int32_t>::max();
+    return fits ? std::optional(static_cast<int32_t>(number)) : std::nullopt;
 }
 
 bool isQuotedNumber(const Verdict& verdict, const Document& document) {
