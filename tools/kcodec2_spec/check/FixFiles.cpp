@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
 #include <vector>
 
 #include "base/OutputFile.h"
+#include "base/Print.h"
 #include "base/Spelling.h"
 #include "document/Document.h"
 #include "targetspec/reading/Escaped.h"
@@ -42,14 +42,14 @@ void printLine(char mark, std::string_view line) {
     line.remove_suffix(isEnded ? 1 : 0);
     const bool hasReturn = !line.empty() && line.back() == '\r';
     line.remove_suffix(hasReturn ? 1 : 0);
-    std::putchar(mark);
+    printOut("{}", mark);
     for (size_t at = 0; at <= line.size();) {
         const size_t tab = std::min(line.find('\t', at), line.size());
-        std::fputs(escaped(line.substr(at, tab - at)).c_str(), stdout);
-        std::fputs(tab < line.size() ? "\t" : "", stdout);
+        writeOut(escaped(line.substr(at, tab - at)));
+        writeOut(tab < line.size() ? "\t" : "");
         at = tab + 1;
     }
-    std::printf("%s\n%s", hasReturn ? "\r" : "", isEnded ? "" : "\\ No newline at end of file\n");
+    printOut("{}\n{}", hasReturn ? "\r" : "", isEnded ? "" : "\\ No newline at end of file\n");
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ void printDiff(const std::string& path, const std::string& before, const std::st
         }
         return line;
     };
-    std::printf("--- %s\n+++ %s\n", escaped(path).c_str(), escaped(path).c_str());
+    printOut("--- {0}\n+++ {0}\n", escaped(path));
     for (size_t change = nextChange(0); change < count;) {
         const size_t start = change - std::min(change, kContext);
         size_t limit = change;  // After the last change that is near enough for the same hunk.
@@ -72,7 +72,7 @@ void printDiff(const std::string& path, const std::string& before, const std::st
             limit = change + 1;
         }
         const size_t end = std::min(limit + kContext, count);
-        std::printf("@@ -%zu,%zu +%zu,%zu @@\n", start + 1, end - start, start + 1, end - start);
+        printOut("@@ -{0},{1} +{0},{1} @@\n", start + 1, end - start);
         for (size_t line = start; line < end;) {
             if (old[line] == now[line]) {
                 printLine(' ', old[line++]);

@@ -12,6 +12,7 @@
 
 #include "base/DeviceOptions.h"
 #include "base/OptionValues.h"
+#include "base/Print.h"
 #include "check/Check.h"
 #include "check/ChecksPage.h"
 #include "commands/Commands.h"
@@ -140,7 +141,7 @@ int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
         const std::string text =
                 arguments->asPage ? checksPage() : checksList(arguments->check.levels);
-        std::fputs(text.c_str(), stdout);
+        writeOut(text);
         return kExitOk;
     }
     std::string wrong = prepareFix(arguments);
