@@ -17,8 +17,8 @@ struct Result {
     int exitCode;
 };
 
-// Through a shell, in a directory of a copy of the source tree, which has the examples, the built-in
-// documents and the samples of the tests.
+// Through a shell, in a directory of a copy of the source tree, which has the examples, the
+// built-in documents and the samples of the tests.
 Result run(const std::string& arguments, const std::string& directory = ".");
 
 // A command line, and its expected result.

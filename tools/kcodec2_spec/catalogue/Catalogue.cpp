@@ -61,8 +61,8 @@ public:
         }
         for (const std::string& name : value.getMemberNames()) {
             if (std::find(known.begin(), known.end(), name) == known.end()) {
-                fail(value[name], fmt::format("the catalogue has no member {} here{}", inQuotes(name),
-                                              suggestion(name, known)));
+                fail(value[name], fmt::format("the catalogue has no member {} here{}",
+                                              inQuotes(name), suggestion(name, known)));
                 return false;
             }
         }

@@ -467,7 +467,8 @@ void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumb
             return addHeading(id, entry, lineNumber, process);
     }
     if (process->section != Section::None) {
-        process->section = Section::Later;  // The dump has ended: later entries do not belong to it.
+        process->section =
+                Section::Later;  // The dump has ended: later entries do not belong to it.
     }
 }
 
