@@ -41,7 +41,7 @@ DEVICE_BUILD = re.compile(r'(cmake -S \. -B build/device|-DCMAKE_TOOLCHAIN_FILE=
 
 ADB = r'''#!/bin/sh
 case "$1 $2" in
-    "logcat -d") cat logcat.txt ;;
+    "logcat -d") cat phone.txt ;;
     "shell getprop") echo _orvelle ;;
     "shell ls") ;;
     "pull "*) cp -r "device$2" "${3:-.}" ;;
@@ -97,7 +97,8 @@ def sandbox(directory):
         (directory / ('old.json' if name == 'private_x' else 'new.json')).write_text(json.dumps(document))
     shutil.copy(directory / 'new.json', directory / 'video_system_specs.json')
     (directory / 'vendor-settings.json').write_text('{"settings": []}')
-    (directory / 'logcat.txt').write_text('11-25 10:00:00.000   400   401 E KC2TargetSpec: '
+    for log in ('logcat.txt', 'phone.txt'):  # Commands may redirect the second into the first.
+        (directory / log).write_text('11-25 10:00:00.000   400   401 E KC2TargetSpec: '
                                           "Couldn't read target-id, target-id = default is chosen.\n")
     shutil.copytree(ROOT / 'examples', directory / 'examples')
     programs = directory / 'bin'
