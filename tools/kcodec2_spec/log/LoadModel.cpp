@@ -251,7 +251,8 @@ std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<EventSlots
         }
     }
     // Of an event's slots those from which the next event's can be reached.
-    for (size_t i = slots.size(); i-- > 1;) {
+    for (size_t next = slots.size(); next > 1; --next) {
+        const size_t i = next - 1;
         uint64_t kept = 0;
         for (uint64_t left = slots[i - 1]; left != 0; left &= left - 1) {
             const uint64_t one = left & ~(left - 1);
