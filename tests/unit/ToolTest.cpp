@@ -38,6 +38,8 @@ TEST(ToolTest, EachCommandWorks) {
                     {"show --json --rootdir examples/device", 0, "\"private_complexity\" : \n"},
                     {"show --rootdir examples/device > /dev/full", 2, ""},
                     {"completion zsh > /dev/full", 2, ""},
+                    {"check tests/unit/check/*.json > /dev/full", 2, ""},
+                    {"check --format sarif tests/unit/check/*.json > /dev/full", 2, ""},
                     {"--help", 0, "Exit codes:"},
                     {"help", 0, "Exit codes:"},
                     {"help show", 0, "Usage: kcodec2_spec show [OPTIONS]"},

@@ -10,8 +10,8 @@
 
 #include "base/Text.h"
 #include "document/Document.h"
-#include "kc2/TargetSpecKeys.h"
 #include "targetspec/reading/BuiltInDocuments.h"
+#include "targetspec/reading/Sections.h"
 
 namespace kc2::tool {
 
@@ -42,32 +42,35 @@ const std::vector<BuiltInDocument>& builtInDocuments() {
     return documents;
 }
 
-template <typename Value>
-Json::Value valueIn(const std::map<std::string, Value>& section, const std::string& name) {
-    const auto found = section.find(name);
-    return found != section.end() ? Json::Value(found->second) : Json::Value();
+Json::Value jsonOf(bool value) {
+    return value;
 }
-
-Json::Value wordsIn(const SpecDocument& document, const std::string& name) {
-    const auto found = document.perfResourceValues.find(name);
-    if (found == document.perfResourceValues.end()) {
-        return Json::Value();
+Json::Value jsonOf(int32_t value) {
+    return value;
+}
+Json::Value jsonOf(const std::vector<uint32_t>& words) {
+    Json::Value json(Json::arrayValue);
+    for (const uint32_t word : words) {
+        json.append(hexadecimal(word));
     }
-    Json::Value words(Json::arrayValue);
-    for (const uint32_t word : found->second) {
-        words.append(hexadecimal(word));
-    }
-    return words;
+    return json;
 }
 
 }  // namespace
 
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name) {
-    if (section == targetSpecFeatures) {
-        return valueIn(document.features, name);
-    }
-    return section == targetSpecPresets ? valueIn(document.presets, name) : wordsIn(document, name);
+    Json::Value value;
+    forEachContainer([&](const char* const* key, auto member) {
+        const auto& values = document.*member;
+        if constexpr (requires { values.find(name)->second; }) {  // Named values.
+            const auto found = values.find(name);
+            if (*key != nullptr && section == *key && found != values.end()) {
+                value = jsonOf(found->second);
+            }
+        }
+    });
+    return value;
 }
 
 const SpecDocument& builtInContent(int number) {
