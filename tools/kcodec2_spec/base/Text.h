@@ -8,11 +8,6 @@
 #include <string_view>
 #include <vector>
 
-// Included for files that include only this one.
-#include "base/JsonPrinter.h"
-#include "base/Spelling.h"
-#include "base/Utf8.h"
-
 namespace kc2::tool {
 
 // JSON's white space. The comparisons are much faster than a search.

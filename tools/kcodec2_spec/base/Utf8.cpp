@@ -29,4 +29,10 @@ std::string_view clipped(std::string_view text, size_t bytes) {
     return text.substr(0, size);
 }
 
+std::string shortened(std::string_view text) {
+    constexpr size_t kLongest = 40;
+    const std::string_view start = clipped(text, kLongest);
+    return std::string(start) + (start.size() < text.size() ? "..." : "");
+}
+
 }  // namespace kc2::tool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace kc2::tool {
@@ -22,5 +23,8 @@ char32_t codePointOf(std::string_view character);
 
 // The start of `text`, of at most `bytes` bytes and of whole characters.
 std::string_view clipped(std::string_view text, size_t bytes);
+
+// `text` as a message shows it: at most 40 bytes of it, and "..." where it is cut.
+std::string shortened(std::string_view text);
 
 }  // namespace kc2::tool

@@ -73,13 +73,6 @@ Json::Value settingIn(const SpecDocument& document, const std::string& section,
     return value;
 }
 
-const SpecDocument& builtInContent(int number) {
-    const std::vector<BuiltInDocument>& documents = builtInDocuments();
-    return std::find_if(documents.begin(), documents.end(),
-                        [number](const BuiltInDocument& one) { return one.number == number; })
-            ->content;
-}
-
 std::vector<BuiltInValue> builtInValuesOf(const Setting& setting) {
     std::vector<BuiltInValue> values;
     for (const BuiltInDocument& document : builtInDocuments()) {

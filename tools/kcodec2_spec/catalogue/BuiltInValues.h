@@ -16,9 +16,6 @@ namespace kc2::tool {
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name);
 
-// The content of the built-in document of that number.
-const SpecDocument& builtInContent(int number);
-
 // The value that one built-in document gives a setting.
 struct BuiltInValue {
     int number;         // Of the built-in document.

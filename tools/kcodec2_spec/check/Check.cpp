@@ -109,12 +109,11 @@ void check(const Checked& checked, Report* report) {
 
 std::string withSafeFixes(const Document& document, const CheckOptions& options) {
     constexpr int kMostRounds = 4;  // Once the parser accepts a text, there may be more to fix.
-    std::string text = document.text;
-    bool isAccepted = document.isAccepted;
+    const Document* current = &document;
+    std::unique_ptr<Document> fixed;
     for (int round = 0; round < kMostRounds; ++round) {
-        const Document current({document.origin, document.path}, text);
         Report report(options.levels);
-        check(Checked(current, *options.known), &report);
+        check(Checked(*current, *options.known), &report);
         std::vector<Fix> fixes;
         for (const ReportEntry* const entry : report.inOrder()) {
             if (entry->details != nullptr) {
@@ -122,15 +121,18 @@ std::string withSafeFixes(const Document& document, const CheckOptions& options)
                              entry->details->fixes.end());
             }
         }
-        std::string next = withFixes(text, std::move(fixes));
-        const bool isNextAccepted = next != text && Document({}, next).isAccepted;
-        if (next == text || (isAccepted && !isNextAccepted)) {
+        if (fixes.empty()) {
             break;
         }
-        isAccepted = isNextAccepted;
-        text = std::move(next);
+        auto next = std::make_unique<Document>(DocumentId{document.origin, document.path},
+                                               withFixes(current->text, std::move(fixes)));
+        if (next->text == current->text || (current->isAccepted && !next->isAccepted)) {
+            break;
+        }
+        fixed = std::move(next);
+        current = fixed.get();
     }
-    return text;
+    return current->text;
 }
 
 int checkFiles(const std::vector<std::string>& paths, const CheckOptions& options) {

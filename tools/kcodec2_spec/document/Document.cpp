@@ -39,6 +39,18 @@ bool isOfText(FindingKind kind) {
            kind == FindingKind::NestingTooDeep || kind == FindingKind::SyntaxError;
 }
 
+// Whether a reading has found what makes a text no JSON for a device.
+bool isRejectedText(const std::vector<Verdict>& verdicts) {
+    return !verdicts.empty() && isOfText(verdicts.back().kind);
+}
+
+bool isAcceptedByParser(std::string text) {
+    VerdictKeeper keeper;
+    SpecDocument content;
+    readSpecDocument(text, &content, keeper);
+    return !isRejectedText(keeper.verdicts);
+}
+
 std::string firstOf(std::string a, std::string b, std::string c) {
     return !a.empty() ? a : !b.empty() ? b : c;
 }
@@ -55,8 +67,8 @@ Document::Document(DocumentId name, std::string from)
     isAccepted = readSpecDocument(parserText, &content, keeper, &comments);
     verdicts = std::move(keeper.verdicts);
     parserWords = std::move(keeper.parserWords);
-    if (!verdicts.empty() && isOfText(verdicts.back().kind)) {
-        hasSyntaxError = true;
+    if (isRejectedText(verdicts)) {
+        mHasSyntaxError = true;
         if (verdicts.back().kind == FindingKind::SyntaxError) {
             addSyntaxErrors(parserWords.empty() ? text.size() : verdicts.back().start);
         }
@@ -80,7 +92,7 @@ void Document::addSyntaxErrors(size_t rejectedAt) {
         }
         fixes.insert(fixes.end(), error.fixes.begin(), error.fixes.end());
     }
-    if (fixes.empty() || !Document({}, withFixes(text, std::move(fixes))).isJson()) {
+    if (fixes.empty() || !isAcceptedByParser(withFixes(text, std::move(fixes)))) {
         for (SyntaxHint& error : tree.errors) {
             error.fixes.clear();
         }

@@ -34,7 +34,7 @@ public:
 
     bool isBuiltIn() const { return path.empty(); }
     // Whether the parser accepts the text, with any root.
-    bool isJson() const { return isReadable && !hasSyntaxError; }
+    bool isJson() const { return isReadable && !mHasSyntaxError; }
     // The section of that key, or null: a text that the parser rejects has none.
     const Node* section(std::string_view key) const;
     const Node* video() const;
@@ -57,7 +57,7 @@ public:
 private:
     void addSyntaxErrors(size_t rejectedAt);
 
-    bool hasSyntaxError = false;
+    bool mHasSyntaxError = false;
 };
 
 // Reads a file of this machine; it is called `name`, or without one, by its path.

@@ -131,12 +131,6 @@ std::string positionIn(const Source& source, size_t offset) {
     return fmt::format("{}:{}", position.line, position.column);
 }
 
-std::string shown(std::string_view text) {
-    constexpr size_t kLongest = 40;
-    const std::string_view start = clipped(text, kLongest);
-    return fmt::format("{}{}", start, start.size() < text.size() ? "..." : "");
-}
-
 // The text from `at` to the next blank, mark or quote.
 std::string_view runFrom(std::string_view text, size_t at) {
     const auto end =
@@ -332,7 +326,7 @@ MaybeHint thousands(const Context& context) {
     }
     return SyntaxHint{number->span,
                       fmt::format("JSON numbers have no thousands separators: write {}",
-                                  shown(number->digits))};
+                                  shortened(number->digits))};
 }
 
 // A comma or a digit may be missing: nobody can say which.
@@ -351,10 +345,11 @@ MaybeHint twoNumbers(const Context& context) {
             after[0] == '-'
                     ? fmt::format("a comma is missing, or there is a space next to a minus sign: "
                                   "write {}, {} or what is meant",
-                                  shown(before), shown(after))
+                                  shortened(before), shortened(after))
                     : fmt::format("a comma is missing, or there is a space inside a number: "
                                   "write {}, {} or {}",
-                                  shown(before), shown(after), shown(before + std::string(after)))};
+                                  shortened(before), shortened(after),
+                                  shortened(before + std::string(after)))};
 }
 
 // A perf word without its quotes: "0x" says how it is meant.
@@ -385,24 +380,26 @@ std::string numberHint(std::string_view number) {
         return hexadecimalHint(number);
     }
     if (number[0] == '+') {
-        return fmt::format("JSON numbers have no plus sign: write {}", shown(magnitude));
+        return fmt::format("JSON numbers have no plus sign: write {}", shortened(magnitude));
     }
     if (number[0] == '.') {
-        return fmt::format("JSON numbers need a digit before the point: write 0{}", shown(number));
+        return fmt::format("JSON numbers need a digit before the point: write 0{}",
+                           shortened(number));
     }
     if (magnitude.find('_') != kNowhere) {
         std::string plain(number);
         plain.erase(std::remove(plain.begin(), plain.end(), '_'), plain.end());
-        return fmt::format("JSON numbers have no '_' between their digits: write {}", shown(plain));
+        return fmt::format("JSON numbers have no '_' between their digits: write {}",
+                           shortened(plain));
     }
     const size_t end = std::min(magnitude.find_first_not_of("0123456789."), magnitude.size());
     if (end < magnitude.size() && consistsOf(magnitude.substr(end), std::isalpha) &&
         inSmallLetters(magnitude[end]) != 'e') {
         return fmt::format(
                 "JSON numbers have no unit or suffix: write {}, or a string in double quotes",
-                shown(number.substr(0, digits + end)));
+                shortened(number.substr(0, digits + end)));
     }
-    return fmt::format("{} is not a JSON number", shown(number));
+    return fmt::format("{} is not a JSON number", shortened(number));
 }
 
 bool beginsNumber(std::string_view word) {
@@ -425,7 +422,7 @@ MaybeHint numberForm(const Context& context) {
     if (context.misfit.previous.kind == Token::kWord && context.follows(token.span.start)) {
         return SyntaxHint{whole, fmt::format("this follows {} without a blank or a comma: JSON "
                                              "numbers have no unit or suffix",
-                                             shown(context.of(context.misfit.previous.span)))};
+                                             shortened(context.of(context.misfit.previous.span)))};
     }
     if (!context.expectsValue() || !beginsNumber(context.token())) {
         return std::nullopt;
@@ -463,22 +460,23 @@ MaybeHint unquoted(const Context& context) {
     const std::string_view run = runFrom(context.text, token.span.start);
     const Span whole = {token.span.start, token.span.start + run.size()};
     if (whole.limit < context.text.size() && context.text[whole.limit] == '"') {
-        return SyntaxHint{whole, fmt::format("the opening quote of \"{}\" is missing", shown(run))};
+        return SyntaxHint{whole,
+                          fmt::format("the opening quote of \"{}\" is missing", shortened(run))};
     }
     if (static_cast<unsigned char>(run[0]) < ' ' || run[0] == '\x7F') {
         return SyntaxHint{whole, "a control character: remove it"};
     }
     if (context.expectsName()) {
         return SyntaxHint{whole,
-                          fmt::format("a name must be in double quotes: \"{}\"", shown(run))};
+                          fmt::format("a name must be in double quotes: \"{}\"", shortened(run))};
     }
     if (const auto hint = wordHint(run)) {
         return SyntaxHint{whole, *hint};
     }
-    return SyntaxHint{whole,
-                      context.isFirst()
-                              ? fmt::format("a document starts with '{{', not with {}", shown(run))
-                              : fmt::format("text must be in double quotes: \"{}\"", shown(run))};
+    return SyntaxHint{
+            whole, context.isFirst()
+                           ? fmt::format("a document starts with '{{', not with {}", shortened(run))
+                           : fmt::format("text must be in double quotes: \"{}\"", shortened(run))};
 }
 
 // --- Marks: commas, colons, brackets ---
@@ -582,7 +580,7 @@ MaybeHint missingPart(const Context& context) {
         case Expected::Colon:
             return atToken(context,
                            isMark ? fmt::format("{} has no value: write ':' and the value after it",
-                                                shown(context.of(misfit.previous.span)))
+                                                shortened(context.of(misfit.previous.span)))
                                   : "a ':' is missing between the name and its value");
         case Expected::Name:
         case Expected::NameOrEnd:

@@ -31,13 +31,6 @@ std::string_view textOf(const Verdict& verdict, const Document& document) {
     return std::string_view(document.text).substr(verdict.start, verdict.limit - verdict.start);
 }
 
-std::string valueAsWritten(const Verdict& verdict, const Document& document) {
-    constexpr size_t kLongest = 40;
-    const std::string_view value = textOf(verdict, document);
-    const std::string_view shown = clipped(value, kLongest);
-    return fmt::format("{}{}", shown, shown.size() < value.size() ? "..." : "");
-}
-
 bool isContainer(const Verdict& verdict, const Document& document) {
     const char first = document.parserText[verdict.start];
     return first == '[' || first == '{';
@@ -270,7 +263,7 @@ const ReaderRule* ruleFor(const Verdict& verdict, const Document& document) {
 
 std::string messageOf(const ReaderRule& rule, const Verdict& verdict, const Document& document) {
     return fmt::format(fmt::runtime(rule.message), fmt::arg("place", placeOf(verdict)),
-                       fmt::arg("value", valueAsWritten(verdict, document)),
+                       fmt::arg("value", shortened(textOf(verdict, document))),
                        fmt::arg("converted", verdict.converted),
                        fmt::arg("switch", verdict.converted != 0),
                        fmt::arg("mostMebibytes", kMaxTextBytes >> 20),

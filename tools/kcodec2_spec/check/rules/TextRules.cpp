@@ -95,14 +95,12 @@ void checkUnknownMembers(const Document& document, const KnownSettings& known, R
     if (video == nullptr) {
         return;
     }
-    std::vector<std::string_view> sections;
+    std::vector<const char* const*> sections;
     for (const Section& row : kSections) {
-        if (*row.key != nullptr) {
-            sections.emplace_back(*row.key);
-        }
+        sections.push_back(row.key);
     }
-    reportUnknownMembers(document, *video, fmt::format("\"{}\"", targetSpecRoot), sections, known,
-                         report);
+    reportUnknownMembers(document, *video, fmt::format("\"{}\"", targetSpecRoot), namesOf(sections),
+                         known, report);
     forEachSection(document, [&](const Section& row, const Node& section) {
         if (!fixedMembersOf(row.type).empty()) {
             reportUnknownMembers(document, section, fmt::format("\"{}\"", *row.key),
