@@ -162,7 +162,9 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
 
 void addVariantsOption(CLI::App& command, DeviceOptions* options) {
     command.add_flag("--all-variants", options->isEachVariant,
-                     "Check with each variant that the device has a document for, and without one")
+                     "Check with each variant that the device has a document for, without one, and "
+                     "the "
+                     "fallback")
             ->group(kDeviceGroup);
 }
 

@@ -164,14 +164,16 @@ int checkDevice(const CheckOptions& options) {
     Report report(options.levels);
     const Load load = readLoad();
     check(Checked(load, *options.known), &report);
-    checkTreeFiles(&report);
+    checkTreeFiles({&load, 1}, &report);
     const int exitCode = finish(report, options);
     return isFixed ? exitCode : kExitUsage;
 }
 
 int checkEachVariant(const CheckOptions& options) {
     std::set<std::string> variants = variantsInTree();
-    variants.insert(kDefaultVariant);
+    if (variants.empty() || hasDocumentWithoutVariant()) {
+        variants.insert(kDefaultVariant);  // Else such a load is not meant to be.
+    }
     const CheckedVariants checked =
             checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
     return finish(checked.report, options);

@@ -74,6 +74,28 @@ inline constexpr Check kChecks[] = {
                 .whyNoExample = kNeedsLoad,
         },
         {
+                .id = "fallback-alone",
+                .group = "load",
+                .severity = Severity::Note,
+                .summary = "a load without a variant that reads the fallback",
+                .meaning = "The variant is not set, and the document that a load then reads first "
+                           "does not exist. The device logs an error for it at each load, and "
+                           "reads the fallback.",
+                .fix = "Leave it if the fallback is the device's only document. Otherwise install "
+                       "the document where the message says.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "variant-needed",
+                .group = "load",
+                .severity = Severity::Note,
+                .summary = "a load without a variant where every document is for a variant",
+                .meaning = "The variant is not set, so the load reads none of the device's system "
+                           "spec documents: each is for a variant.",
+                .fix = "Name a variant with --variant, or check all with --all-variants.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
                 .id = "unreadable",
                 .group = "load",
                 .severity = Severity::Error,
@@ -117,8 +139,31 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The file looks like a system spec document, but no load reads it: its "
                            "name is misspelt (case matters), or no variant selects its directory. "
                            "/odm/etc/media is such a directory: without a variant, a load reads "
-                           "only /vendor/etc/media.",
-                .fix = "Rename or move the file as the message says.",
+                           "only /vendor/etc/media. A document that a device would reject, and "
+                           "that one in /odm/etc replaces, is another example.",
+                .fix = "Rename, move or remove the file as the message says.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "document-shadowed",
+                .group = "tree",
+                .severity = Severity::Note,
+                .summary = "a document in /vendor/etc that one in /odm/etc replaces",
+                .meaning = "The variant selects the document in /odm/etc, and no load reads the "
+                           "one in /vendor/etc. A change to that one has no effect.",
+                .fix = "Remove the document in /vendor/etc, or leave it if other images of the "
+                       "device have none in /odm/etc.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "link-broken",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a link that leads nowhere in place of a document",
+                .meaning = "The link, or a link on the way to a document, has no target in the "
+                           "device tree. A load goes on as if the document did not exist, and logs "
+                           "nothing about the link.",
+                .fix = "Correct the target of the link, or remove the link.",
                 .whyNoExample = kNeedsTree,
         },
         {
@@ -129,6 +174,28 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The private file does not open, but a file beside it has a name that "
                            "differs in one or two letters. Nothing reads that file.",
                 .fix = "Rename the file as the message says.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "private-file-place",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a private file in a directory where nothing reads it",
+                .meaning = "The only private file that a load reads is "
+                           "/data/vendor/media/video_private_configs.json. The directories of the "
+                           "system spec documents have none.",
+                .fix = "Move the file, or what it sets into the system spec document. Leave it if "
+                       "the device copies it into /data/vendor/media.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "private-file-type",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a directory or a pipe in place of the private file",
+                .meaning = "The device reads only a regular file. It goes on as if the private "
+                           "file could not be opened, and uses the built-in document.",
+                .fix = "Remove what is there, or replace it by a regular file.",
                 .whyNoExample = kNeedsTree,
         },
         {

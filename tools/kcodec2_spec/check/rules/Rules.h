@@ -3,6 +3,8 @@
 // add its row there and its code to the file that fits.
 #pragma once
 
+#include <span>
+
 #include "check/Checked.h"
 #include "check/Report.h"
 
@@ -22,8 +24,8 @@ void checkMerging(const Checked& checked, Report* report);    // What documents 
 void checkBitRates(const Checked& checked, Report* report);   // Rows of the bit-rate table.
 void checkOverlays(const Checked& checked, Report* report);   // What the second document adds.
 
-// Files of the tree that look like documents, but that no load reads: once for all variants.
-void checkTreeFiles(Report* report);
+// Files of the tree that look like documents, but that no load reads: once for all loads.
+void checkTreeFiles(std::span<const Load> loads, Report* report);
 
 // In the order in which findings at one place are reported.
 inline constexpr Rule kRules[] = {checkLoads,   checkTrees,    checkReading, checkTexts,
