@@ -25,7 +25,8 @@ constexpr char kAllVariants[] = "--all-variants";
 
 // A tree, a line for each file: its path and what it is. "odm_x", "vendor_x", "vendor", "fallback"
 // and "private" are the documents that a load reads. What a file is: "good", "broken", "dir",
-// "pipe", "-> TARGET", "built-in N", "file" (of no interest), or its text.
+// "pipe", "-> TARGET", "built-in N", the same with one value "changed N", "file" (of no interest),
+// or its text.
 struct TreeRow {
     const char* files;
     const char* found;  // "[ID] FILE", and ":COLUMN" where the finding is not about the whole file.
@@ -61,10 +62,13 @@ std::string nameOf(std::string path) {
 }
 
 std::string textOf(const std::string& content) {
-    const std::string builtIn = "built-in ";
-    if (content.starts_with(builtIn)) {
-        return readFile(KC2_SOURCE_DIR "/targetspec/defaults/built_in_document_" +
-                        content.substr(builtIn.size()) + ".json");
+    if (content.starts_with("built-in ") || content.starts_with("changed ")) {
+        std::string text = readFile(KC2_SOURCE_DIR "/targetspec/defaults/built_in_document_" +
+                                    content.substr(content.size() - 1) + ".json");
+        const std::string complexity = "\"private_complexity\": ";
+        return content[0] == 'b'
+                       ? text
+                       : text.replace(text.find(complexity), complexity.size(), complexity + "1");
     }
     return content == "good"     ? R"({"Video": {"Features": {"vendor_a": true}}})"
            : content == "broken" ? R"({"Video": {"Features": {"vendor_a": yes}}})"
@@ -171,6 +175,44 @@ constexpr TreeRow kMistakes[] = {
         {"vendor good\n/odm/etc/media_x -> media_x", "[link-broken] /odm/etc/media_x"},
         {"vendor good\nprivate -> nowhere", "[link-broken] private"},
         {"vendor good\n/data/vendor/media -> /mnt/media", "[link-broken] /data/vendor/media"},
+        // A document of another chip, whole and with a changed value, and single settings.
+        {"vendor good\nodm_orvelle built-in 1",
+         "[codecs-added] odm_orvelle:9 "
+         "[document-of-other-chip] odm_orvelle [leading-zero] odm_orvelle:45"},
+        {"vendor good\nodm_brel built-in 2",
+         "[document-of-other-chip] odm_brel [leading-zero] odm_brel:45"},
+        {"vendor good\nodm_mirt changed 3",
+         "[document-of-other-chip] odm_mirt [leading-zero] odm_mirt:45"},
+        {"vendor good\nodm_orvelle changed 3",
+         "[document-of-other-chip] odm_orvelle [leading-zero] odm_orvelle:45"},
+        {"vendor good\nodm_x changed 1",
+         "[codecs-added] odm_x:9 [document-of-other-chip] odm_x [leading-zero] odm_x:45"},
+        {"vendor built-in 1",
+         "[codecs-added] vendor:9 [leading-zero] vendor:45 [setting-of-other-chip] vendor"},
+        {R"(odm_brel {"Video": {"Features": {"private_enc_enable_open_gop": true}}})",
+         "[setting-of-other-chip] odm_brel:25"},
+        {R"(odm_mirt {"Video": {"OptionalCodecs": ["c2.kvx.mvhevc.decoder"]}})",
+         "[codecs-added] odm_mirt:12 [setting-of-other-chip] odm_mirt:31"},
+        {R"(odm_orvelle {"Video": {"perf-resource-values": {)"
+         R"("private_perf_resource_values_video_encode": ["0x40800100", "0xFFF"]}}})",
+         "[setting-of-other-chip] odm_orvelle:83"},
+        // Debug settings on every phone.
+        {R"(vendor {"Video": {"Features": {"debug_private_dec_picture_order": true}}})",
+         "[debug-setting] vendor:25"},
+        {R"(odm_x {"Video": {"Presets": {"debug_private_outbuf_tx_fence_codecs": 1}}})",
+         "[debug-setting] odm_x:24"},
+        // Rows with one missing, and a private file with one setting.
+        {R"(vendor {"Video": {"NimbraModeBitrateTable": [[0, 10, 1], [10, 20, 2], [30, 40, 3]]}})",
+         "[row-gap] vendor:64"},
+        {R"(vendor {"Video": {"NimbraModeBitrateTable": [[0, 10, 1], [10, 20, 2], [30, 40, 3], )"
+         R"([40, 50, 4]]}})",
+         "[row-gap] vendor:64"},
+        {"vendor good\nprivate good",
+         "[built-in-lost] private [load-without-codecs] vendor [name-repeated] private:37"},
+        // A private file that cannot change what the system spec document sets.
+        {"vendor built-in 3\n"
+         R"(private {"Video": {"Features": {"debug_private_dec_picture_order": true}}})",
+         "[leading-zero] vendor:45 [name-without-effect] private:60"},
         // A load that finds nothing, or less than it should.
         {"vendor -> nowhere\nfallback good", "[spec-missing] fallback"},
         {"odm_x -> nowhere", "[spec-missing] vendor_x"},
@@ -196,6 +238,28 @@ constexpr TreeRow kCorrectTrees[] = {
         {"vendor good\n/odm/etc/media_x -> /odm/etc/media_y\nodm_y good", ""},
         {"vendor good\nvendor_x good\n/odm/etc -> /vendor/etc", ""},
         {"vendor good\n/vendor/etc/media_codecs.xml -> nowhere", ""},
+        // The chip's own document; a debug setting as it is built in; some values of another
+        // chip's.
+        {"odm_orvelle built-in 2", "[leading-zero] odm_orvelle:45"},
+        {"odm_brel changed 1", "[leading-zero] odm_brel:45"},
+        {R"(vendor {"Video": {"Features": {"debug_private_dec_picture_order": false}}})", ""},
+        {R"(odm_mirt {"Video": {"Presets": {"private_enc_hier_b_max_mbs_per_sec": 1958400, )"
+         R"("private_enc_hier_b_max_mbs_per_frame": 32640, "private_enc_hier_b_max_width": 3840}}})",
+         ""},
+        // A copy of a built-in document, other values beside it, and a phone that is debugged.
+        {R"(vendor {"Video": {"Presets": {"private_complexity": 80}}})"
+         "\nprivate built-in 3",
+         "[leading-zero] private:45"},
+        {R"(odm_mirt {"Video": {"Presets": {"private_complexity": 80}}})"
+         "\nprivate built-in 2",
+         "[built-in-not-read] private [leading-zero] private:45"},
+        {R"(vendor {"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"Features": {"debug_private_dec_picture_order": true}}})",
+         "[built-in-not-read] private"},
+        {R"(vendor {"Video": {"NimbraModeBitrateTable": [[0, 10, 1], [10, 20, 2], )"
+         R"([100000, 200000, 3], [200000, 300000, 4]]}})",
+         "[rows-apart] vendor:64"},
         // Leftovers beside the documents.
         {"vendor good\n/vendor/etc/media/video_system_specs.json~ broken\n"
          "/vendor/etc/media/#video_system_specs.json# broken\n"

@@ -1053,8 +1053,9 @@ inline constexpr Check kChecks[] = {
                 .group = "row",
                 .severity = Severity::Note,
                 .summary = "a bit-rate table whose rows do not touch",
-                .meaning = "The rows leave out values, and so many of them that it is probably "
-                           "meant. A component gets 0xFFFFFFFF for such a value.",
+                .meaning = "The rows leave out values, so many of them or between groups so "
+                           "far apart that it is probably meant. A component gets 0xFFFFFFFF for "
+                           "such a value.",
                 .fix = "Leave it if the values between the rows need no bit rate. Otherwise add "
                        "rows for them.",
                 .mistake = R"({"Video": {"NimbraModeBitrateTable": [[0, 100, 5], [150, 200, 7]]}})",
@@ -1094,6 +1095,42 @@ inline constexpr Check kChecks[] = {
                 .fixed = R"({"Video": {"NimbraModeBitrateTable": [[0, 100, 5]]}})",
         },
         // --- What the documents result in together ----------------------------------------------
+        {
+                .id = "document-of-other-chip",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "a document that is mostly another chip's built-in document",
+                .meaning = "The path of the system spec document selects the built-in document of "
+                           "its chip, but most of the document is as in the built-in document of "
+                           "another one. Probably it was copied from a target with that chip.",
+                .fix = "Copy from the chip's own built-in document (\"kcodec2_spec defaults\" "
+                       "prints it), or correct the chip's name in the variant.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "setting-of-other-chip",
+                .group = "merge",
+                .severity = Severity::Note,
+                .summary = "a setting, a component or a perf code of another chip",
+                .meaning = "The system spec document has something that the settings catalogue "
+                           "knows only for other chips than the one in its path, or that only "
+                           "their built-in documents use.",
+                .fix = "Leave it if this chip has it, too. Otherwise remove it.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "debug-setting",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "a debug setting that is changed in a system spec document",
+                .meaning = "A known setting whose name begins with \"debug_\" has another value "
+                           "in the system spec document than in the built-in document, so it "
+                           "applies on every phone, and no private file can change it. A document "
+                           "alone is taken for one by its name, video_system_specs.json.",
+                .fix = "Remove it, and set it in the private file of the phone that is being "
+                       "debugged.",
+                .whyNoExample = "an example has another name than a system spec document",
+        },
         {
                 .id = "listed-twice",
                 .group = "merge",
@@ -1162,7 +1199,8 @@ inline constexpr Check kChecks[] = {
                 .group = "merge",
                 .severity = Severity::Note,
                 .summary = "a private file replaces a built-in document that sets more",
-                .meaning = "As built-in-lost, for a private file with several settings.",
+                .meaning = "As built-in-lost, for a private file with several settings, or "
+                           "with a single debug setting.",
                 .fix = "Leave it, or repeat in the private file what the message names.",
                 .whyNoExample = kNeedsLoad,
         },

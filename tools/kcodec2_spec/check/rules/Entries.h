@@ -32,6 +32,18 @@ inline bool isOfNames(SectionType type) {
     return type == SectionType::Names || isOfCodecs(type);
 }
 
+// Whether a setting is for a phone that is being debugged.
+inline bool isDebugName(std::string_view name) {
+    return name.starts_with("debug_");
+}
+
+// A name in a section of named values; null when the document does not have it.
+inline const Node* memberOf(const Document& document, const std::string& section,
+                            const std::string& name) {
+    const Node* const node = document.section(section);
+    return node != nullptr ? findMember(*node, name) : nullptr;
+}
+
 // Calls visit(section row, node of the section) for each section that the document has.
 template <typename Visit>
 void forEachSection(const Document& document, Visit visit) {

@@ -138,6 +138,14 @@ size_t settingsIn(const SpecDocument& content) {
     return count;
 }
 
+// The private file of a phone that is being debugged.
+bool isDebugSwitch(const SpecDocument& content) {
+    const auto isOne = [](const auto& values) {
+        return values.size() == 1 && isDebugName(values.begin()->first);
+    };
+    return isOne(content.features) || isOne(content.presets);
+}
+
 void checkKeptOut(const Checked& checked, Report* report) {
     const Load& load = *checked.load;
     if (!load.hasPrivateFile() || !load.overlay->isAccepted) {
@@ -147,8 +155,10 @@ void checkKeptOut(const Checked& checked, Report* report) {
     if (lost.empty()) {
         return;
     }
-    const CheckId check = settingsIn(load.overlay->content) <= 1 ? CheckId("built-in-lost")
-                                                                 : CheckId("built-in-not-read");
+    const SpecDocument& content = load.overlay->content;
+    const CheckId check = settingsIn(content) <= 1 && !isDebugSwitch(content)
+                                  ? CheckId("built-in-lost")
+                                  : CheckId("built-in-not-read");
     report->addForFile(check, load.overlay->source.path(),
                        fmt::format("while this file is there, built-in document {} is not read: "
                                    "its {} are then unset. \"kcodec2_spec defaults {}\" prints it",

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -176,10 +177,11 @@ void checkUnselectable(const TreeFiles& files, Report* report) {
     }
 }
 
-bool isRejectedDocument(const std::string& path) {
+// Null for what is no regular file: opening a pipe waits for somebody to write into it.
+std::unique_ptr<Document> readRegularFile(const std::string& path) {
     struct stat status = {};
-    return examine(path, &status) && S_ISREG(status.st_mode) &&
-           !readDocumentFile(localPath(path))->isAccepted;
+    return examine(path, &status) && S_ISREG(status.st_mode) ? readDocumentFile(localPath(path))
+                                                             : nullptr;
 }
 
 void checkShadowed(const TreeFiles& files, Report* report) {
@@ -191,7 +193,8 @@ void checkShadowed(const TreeFiles& files, Report* report) {
                 "no load reads this document: the variant \"{}\" "
                 "selects {}, which exists",
                 variantIn(path), odmPathOf(variantIn(path)));
-        if (isRejectedDocument(path)) {
+        const std::unique_ptr<Document> document = readRegularFile(path);
+        if (document != nullptr && !document->isAccepted) {
             report->addForFile("document-unselectable", local,
                                why + ". A device would reject this one");
         } else {
@@ -239,14 +242,15 @@ void checkPrivateNames(const TreeFiles& files, std::span<const Load> loads, Repo
 }
 
 // A device may copy the private file from its image to its place.
-bool isCopied(const std::string& local, const Load& load) {
-    return load.hasPrivateFile() && load.overlay->isReadable &&
-           readDocumentFile(local)->text == load.overlay->text;
+bool isCopied(const std::string& path, const Load& load) {
+    const std::unique_ptr<Document> document =
+            load.hasPrivateFile() ? readRegularFile(path) : nullptr;
+    return document != nullptr && load.overlay->isReadable && document->text == load.overlay->text;
 }
 
 void checkPrivatePlaces(const TreeFiles& files, std::span<const Load> loads, Report* report) {
     for (const auto& [local, path] : files.privateFiles) {
-        if (isCopied(local, loads.front())) {
+        if (isCopied(path, loads.front())) {
             continue;
         }
         report->addForFile(
