@@ -209,6 +209,17 @@ constexpr TreeRow kMistakes[] = {
          "[row-gap] vendor:64"},
         {"vendor good\nprivate good",
          "[built-in-lost] private [load-without-codecs] vendor [name-repeated] private:37"},
+        // One report for what a private file changes: here both levels become 0.
+        {R"(vendor {"Video": {"DolbyVision": {"profiles": [5], "max_main_tier_level": 9, )"
+         R"("max_high_tier_level": 7}, "OptionalCodecs": ["c2.kvx.avc.decoder", )"
+         R"("c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"DolbyVision": {"profiles": [8]}}})",
+         "[built-in-not-read] private [levels-reset] private:12"},
+        {R"(vendor {"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"DolbyVision": {"profiles": [8]}}})",
+         "[built-in-not-read] private [tier-level-absent] private:27"},
         // A private file that cannot change what the system spec document sets.
         {"vendor built-in 3\n"
          R"(private {"Video": {"Features": {"debug_private_dec_picture_order": true}}})",

@@ -573,6 +573,21 @@ inline constexpr Check kChecks[] = {
         },
         // --- What is valid in a document, but probably not meant --------------------------------
         {
+                .id = "wrong-level",
+                .group = "document",
+                .severity = Severity::Error,
+                .summary = "sections that are not directly in \"Video\"",
+                .meaning = "A bracket closes \"Video\" too early, the closing bracket of a section "
+                           "is missing, or an object is one too many. The device does not read "
+                           "the sections that are at a wrong level. It is one finding, at the "
+                           "bracket or at the first section.",
+                .fix = "Move the bracket or the sections as the message says.",
+                .mistake = R"({"Video": {"Features": {"vendor_a": true}}, )"
+                           R"("Presets": {"private_complexity": 50}})",
+                .fixed = R"({"Video": {"Features": {"vendor_a": true}, )"
+                         R"("Presets": {"private_complexity": 50}}})",
+        },
+        {
                 .id = "unknown-member",
                 .group = "document",
                 .severity = Severity::Warning,

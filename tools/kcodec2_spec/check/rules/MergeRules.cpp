@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "base/Spelling.h"
 #include "base/Text.h"
@@ -124,18 +125,27 @@ void checkResetLevels(const Checked& checked, Report* report) {
     if (!areSetTwice || section == nullptr) {
         return;
     }
+    std::vector<std::string> absent;
     const auto compare = [&](const char* key, int32_t from, int32_t to) {
-        if (from != to) {
-            const Node* const level = findMember(*section, key);
-            report->add("levels-reset", overlay, level != nullptr ? level->value : section->name,
-                        fmt::format("this document's \"{}\" changes {} from {} to {}", targetSpecDV,
-                                    key, from, to));
+        const Node* const level = findMember(*section, key);
+        const std::string change = fmt::format("{} from {} to {}", key, from, to);
+        if (from != to && level == nullptr) {
+            absent.push_back(change);
+        } else if (from != to) {
+            report->add("levels-reset", overlay, level->value,
+                        fmt::format("this document's \"{}\" changes {}", targetSpecDV, change));
         }
     };
     const TierLevels& before = *checked.before().dvTierLevels;
     const TierLevels& after = *checked.whole().dvTierLevels;
     compare(targetSpecDVMaxMainTierLevel, before.main, after.main);
     compare(targetSpecDVMaxHighTierLevel, before.high, after.high);
+    if (!absent.empty()) {
+        report->add("levels-reset", overlay, section->name,
+                    fmt::format("this document's \"{}\" changes {}: a level that it does not have "
+                                "becomes 0",
+                                targetSpecDV, joined(absent, " and ")));
+    }
 }
 
 }  // namespace

@@ -129,7 +129,8 @@ std::string describe(const Lost& lost) {
 
 // How much a document sets: a file with one setting is there for that setting only.
 size_t settingsIn(const SpecDocument& content) {
-    size_t count = 0;
+    constexpr size_t kLevels = 2;
+    size_t count = content.dvTierLevels ? kLevels : 0;  // The section sets both.
     forEachContainer([&](const char* const* /*key*/, auto member) {
         if constexpr (requires { (content.*member).size(); }) {
             count += (content.*member).size();

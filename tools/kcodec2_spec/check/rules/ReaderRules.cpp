@@ -15,6 +15,7 @@
 #include "base/Utf8.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
+#include "check/rules/WrongLevels.h"
 #include "targetspec/reading/Limits.h"
 
 namespace kc2::tool {
@@ -359,7 +360,28 @@ void reportSyntaxErrors(const Document& document, Report* report) {
                 std::string(withoutTrailing(words, '.')) + kEffect);
 }
 
-void checkReadingOf(const Document& document, const Catalogue& catalogue, Report* report) {
+void reportNoVideo(const ReaderRule& rule, const Verdict& verdict, const Document& document,
+                   Report* report) {
+    const InPlaceOfVideo other = inPlaceOfVideo(document);
+    const Span whole = {verdict.start, verdict.limit};
+    report->add(rule.check, document, other.span.limit == 0 ? whole : other.span,
+                messageOf(rule, verdict, document) + other.hint,
+                {.fixes = other.meant.empty() ? std::vector<Fix>()
+                                              : renaming(document.text, other.span, other.meant)});
+}
+
+// Whether something else is reported about the place of the value, or of what is missing.
+bool isOfWrongLevel(const Verdict& verdict, const Document& document, const WrongLevels& levels) {
+    const Node* const level = verdict.kind == FindingKind::TierLevelAbsent
+                                      ? findMember(*document.video(), verdict.name)
+                                      : nullptr;
+    return levels.covers(verdict) || (level != nullptr && levels.covers(*level));
+}
+
+void checkReadingOf(const Document& document, const Checked& checked, Report* report) {
+    const Catalogue& catalogue = checked.known.catalogue;
+    const WrongLevels levels(document, checked.known);
+    const bool areLevelsReset = checked.documents.back() == &document && resetLevels(checked);
     const Verdict* before = nullptr;
     const Verdict* noArray = nullptr;  // What is skipped in it is the same mistake.
     for (const Verdict& verdict : document.verdicts) {
@@ -367,11 +389,17 @@ void checkReadingOf(const Document& document, const Catalogue& catalogue, Report
         const ReaderRule* const rule = ruleFor(verdict, document);
         if (rule == nullptr || isMisplaced(verdict, catalogue) ||
             (noArray != nullptr && isSkippedIn(*noArray, verdict)) ||
+            isOfWrongLevel(verdict, document, levels) ||
+            (areLevelsReset && verdict.kind == FindingKind::TierLevelAbsent) ||
             (previous != nullptr && isSameMistake(verdict, *previous, document))) {
             continue;
         }
         if (verdict.kind == FindingKind::SyntaxError) {
             reportSyntaxErrors(document, report);
+            continue;
+        }
+        if (verdict.kind == FindingKind::NoVideo) {
+            reportNoVideo(*rule, verdict, document, report);
             continue;
         }
         if (verdict.kind == FindingKind::ObjectAsArray && isNoArrayAtAll(verdict, document)) {
@@ -388,7 +416,7 @@ void checkReadingOf(const Document& document, const Catalogue& catalogue, Report
 void checkReading(const Checked& checked, Report* report) {
     for (const Document* const document : checked.documents) {
         if (document->isReadable) {
-            checkReadingOf(*document, checked.known.catalogue, report);
+            checkReadingOf(*document, checked, report);
         }
     }
 }
