@@ -215,6 +215,10 @@ constexpr Mistake kMistakes[] = {
         {R"("Presets": {"vendor_a": 1, "KC2CodecPlugins": ["a", 5]})", "wrong-level@39"},
         {R"("perf-resource-values": {"a": ["0x1", "0x2"], "Presets": {"vendor_b": 5}})",
          "wrong-level@58"},
+        {R"("perf-resource-values": {"a": ["0x1", "0x2"], "OptionalCodecs": ["c2.kvx.avc.decoder"]})",
+         "wrong-level@58"},
+        {"\n        \"Presets\": {\n            \"vendor_a\": 1},\n            \"vendor_b\": 2",
+         "unknown-member@26"},
         {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"], "encoders": )"
          R"(["c2.kvx.avc.encoder"], "OptionalCodecs": ["c2.kvx.vp9.decoder"], "Presets": {}})",
          "wrong-level@105"},

@@ -15,13 +15,6 @@ namespace kc2::tool {
 
 namespace {
 
-const Section* sectionRowOf(std::string_view key) {
-    const auto row = std::find_if(std::begin(kSections), std::end(kSections), [&](const auto& one) {
-        return *one.key != nullptr && key == *one.key;
-    });
-    return row != std::end(kSections) ? &*row : nullptr;
-}
-
 bool isContainerNode(const Node& node) {
     return node.isObject() || node.isArray();
 }
@@ -29,7 +22,7 @@ bool isContainerNode(const Node& node) {
 bool hasSections(const Node& object) {
     return object.isObject() &&
            std::any_of(object.children.begin(), object.children.end(), [](const Node& member) {
-               return isContainerNode(member) && sectionRowOf(member.key) != nullptr;
+               return isContainerNode(member) && sectionOf(member.key) != nullptr;
            });
 }
 
@@ -54,15 +47,25 @@ bool hasTypeOf(const Node& value, SectionType section) {
                    : section == SectionType::PerfResourceValues && value.isArray();
 }
 
-// Whether a member is indented like one at its level, or less: then it is there on purpose.
-bool isInLine(const Source& source, Span member, Span other) {
-    const auto isFirst = [&](Span name) {
-        const Span line = source.line(source.lineOf(name.start));
-        const std::string_view before = source.textAt({line.start, name.start});
-        return before.find_first_not_of(kJsonBlanks) == std::string_view::npos;
-    };
-    return isFirst(member) && isFirst(other) &&
-           source.positionOf(member.start).column <= source.positionOf(other.start).column;
+// The column of a name that is the first in its line; 0 for another one.
+size_t indentationOf(const Source& source, Span name) {
+    const Span line = source.line(source.lineOf(name.start));
+    const std::string_view before = source.textAt({line.start, name.start});
+    return before.find_first_not_of(kJsonBlanks) == std::string_view::npos
+                   ? source.positionOf(name.start).column
+                   : 0;
+}
+
+// Whether a member is indented as beside the other one, or less: then it is there on purpose.
+bool isBeside(const Source& source, const Node& member, const Node& other) {
+    const size_t indentation = indentationOf(source, member.name);
+    return indentation != 0 && indentation <= indentationOf(source, other.name);
+}
+
+// Whether a member is indented as inside the other one.
+bool isIndentedInto(const Source& source, const Node& member, const Node& other) {
+    const size_t outer = indentationOf(source, other.name);
+    return outer != 0 && indentationOf(source, member.name) > outer;
 }
 
 bool isUnknownInVideo(const Node& member) {
@@ -118,7 +121,7 @@ void WrongLevels::add(Span span, std::string message, const Members& members, bo
 void WrongLevels::addEarlyBracket(const Source& source, const Node& closed, const Members& members,
                                   bool isOfSections) {
     const char* const verb = verbFor(members, "belongs", "belong");
-    if (isInLine(source, members.front()->name, closed.name)) {
+    if (isBeside(source, *members.front(), closed)) {
         add(members.front()->name,
             fmt::format("{} {} in \"{}\": here {} ignored", namesOfMembers(members), verb,
                         closed.key, verbFor(members, "it is", "they are")),
@@ -136,7 +139,7 @@ void WrongLevels::lookAtRoot(const Document& document, const Node& video) {
     Members before;
     Members after;
     for (const Node& member : document.tree.root.children) {
-        if (sectionRowOf(member.key) != nullptr) {
+        if (sectionOf(member.key) != nullptr) {
             (member.name.start < video.name.start ? before : after).push_back(&member);
         }
     }
@@ -178,14 +181,14 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
         }
     };
     for (const Node& member : video.children) {
-        const Section* const row = sectionRowOf(member.key);
+        const Section* const row = sectionOf(member.key);
         if (row != nullptr) {
             finish();
             section = member.isObject() ? &member : nullptr;
         } else if (section != nullptr && isUnknownInVideo(member) && !covers(member)) {
             const std::string place = rightPlaceOf(member.key, known);
             if (place == fmt::format("\"{}\"", section->key) ||
-                (place.empty() && hasTypeOf(member, sectionRowOf(section->key)->type))) {
+                (place.empty() && hasTypeOf(member, sectionOf(section->key)->type))) {
                 run.push_back(&member);
             }
         }
@@ -193,10 +196,11 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
     finish();
 }
 
-// One member with an unknown name may be anything.
+// One member with an unknown name may be anything, unless its indentation says what.
 void WrongLevels::addRun(const Document& document, const Node& section, const Members& members,
                          const KnownSettings& known) {
-    if (members.size() > 1 || !rightPlaceOf(members.front()->key, known).empty()) {
+    if (members.size() > 1 || !rightPlaceOf(members.front()->key, known).empty() ||
+        isIndentedInto(document.source, *members.front(), section)) {
         addEarlyBracket(document.source, section, members, false);
     }
 }
@@ -205,8 +209,7 @@ void WrongLevels::lookIntoSections(const Document& document) {
     forEachSection(document, [&](const Section& row, const Node& section) {
         Members nested;
         for (const Node& member : section.children) {
-            if (section.isObject() && isContainerNode(member) &&
-                sectionRowOf(member.key) != nullptr) {
+            if (section.isObject() && isContainerNode(member) && sectionOf(member.key) != nullptr) {
                 nested.push_back(&member);
                 mNested.push_back(member.value);
             }
@@ -249,7 +252,7 @@ InPlaceOfVideo inPlaceOfVideo(const Document& document) {
     const Node& root = document.tree.root;
     std::vector<const Node*> sections;
     for (const Node& member : root.children) {
-        if (sectionRowOf(member.key) != nullptr) {
+        if (sectionOf(member.key) != nullptr) {
             sections.push_back(&member);
         }
     }
