@@ -143,6 +143,10 @@ constexpr TreeRow kMistakes[] = {
          "[document-unselectable] /vendor/etc/media_x/Video_System_Specs.json"},
         {"vendor good\n/data/vendor/media/video_system_specs.json good",
          "[document-unselectable] /data/vendor/media/video_system_specs.json"},
+        {"vendor good\n/odm/media_x/video_system_specs.json good",
+         "[document-unselectable] /odm/media_x/video_system_specs.json"},
+        {"vendor good\n/vendor/video_system_specs.json good",
+         "[document-unselectable] /vendor/video_system_specs.json"},
         // A private file in the wrong place, or with another name.
         {"vendor good\nodm_x good\n/odm/etc/media_x/video_private_configs.json built-in 3",
          "[private-file-place] /odm/etc/media_x/video_private_configs.json"},

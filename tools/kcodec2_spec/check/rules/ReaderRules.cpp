@@ -380,7 +380,13 @@ bool isOfWrongLevel(const Verdict& verdict, const Document& document, const Wron
 
 void checkReadingOf(const Document& document, const Checked& checked, Report* report) {
     const Catalogue& catalogue = checked.known.catalogue;
-    const WrongLevels levels(document, checked.known);
+    std::optional<WrongLevels> levels;  // Once a verdict needs them.
+    const auto isOfLevels = [&](const Verdict& verdict) {
+        if (!levels) {
+            levels.emplace(document, checked.known);
+        }
+        return isOfWrongLevel(verdict, document, *levels);
+    };
     const bool areLevelsReset = checked.documents.back() == &document && resetLevels(checked);
     const Verdict* before = nullptr;
     const Verdict* noArray = nullptr;  // What is skipped in it is the same mistake.
@@ -388,8 +394,7 @@ void checkReadingOf(const Document& document, const Checked& checked, Report* re
         const Verdict* const previous = std::exchange(before, &verdict);
         const ReaderRule* const rule = ruleFor(verdict, document);
         if (rule == nullptr || isMisplaced(verdict, catalogue) ||
-            (noArray != nullptr && isSkippedIn(*noArray, verdict)) ||
-            isOfWrongLevel(verdict, document, levels) ||
+            (noArray != nullptr && isSkippedIn(*noArray, verdict)) || isOfLevels(verdict) ||
             (areLevelsReset && verdict.kind == FindingKind::TierLevelAbsent) ||
             (previous != nullptr && isSameMistake(verdict, *previous, document))) {
             continue;

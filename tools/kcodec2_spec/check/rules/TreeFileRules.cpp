@@ -65,10 +65,16 @@ struct SearchedDirectory {
     const char* path;
     int depth;
 };
-constexpr SearchedDirectory kSearchedDirectories[] = {
-        {"/odm/etc", kTreeDepth},    {"/vendor/etc", kTreeDepth},     {"/product/etc", kTreeDepth},
-        {"/system/etc", kTreeDepth}, {"/system_ext/etc", kTreeDepth}, {"/data", 1},
-        {"/data/media", 2},          {"/data/vendor", kTreeDepth}};
+constexpr SearchedDirectory kSearchedDirectories[] = {{"/odm", 2},
+                                                      {"/odm/etc", kTreeDepth},
+                                                      {"/vendor", 2},
+                                                      {"/vendor/etc", kTreeDepth},
+                                                      {"/product/etc", kTreeDepth},
+                                                      {"/system/etc", kTreeDepth},
+                                                      {"/system_ext/etc", kTreeDepth},
+                                                      {"/data", 1},
+                                                      {"/data/media", 2},
+                                                      {"/data/vendor", kTreeDepth}};
 
 // Device paths, by the path on this machine: links may lead to a file by several paths.
 using Files = std::map<std::string, std::string>;

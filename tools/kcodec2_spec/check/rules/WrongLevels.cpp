@@ -68,6 +68,13 @@ bool isIndentedInto(const Source& source, const Node& member, const Node& other)
     return outer != 0 && indentationOf(source, member.name) > outer;
 }
 
+// Whether an unknown member of "Video" may be a member of that section.
+bool mayBeIn(const Node& section, const Node& member, const KnownSettings& known) {
+    const bool hasType = hasTypeOf(member, sectionOf(section.key)->type);
+    const std::string place = rightPlaceOf(member.key, known);
+    return place.empty() ? hasType : place == fmt::format("\"{}\"", section.key);
+}
+
 bool isUnknownInVideo(const Node& member) {
     return member.has(FindingKind::UnknownMember);
 }
@@ -185,12 +192,9 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
         if (row != nullptr) {
             finish();
             section = member.isObject() ? &member : nullptr;
-        } else if (section != nullptr && isUnknownInVideo(member) && !covers(member)) {
-            const std::string place = rightPlaceOf(member.key, known);
-            if (place == fmt::format("\"{}\"", section->key) ||
-                (place.empty() && hasTypeOf(member, sectionOf(section->key)->type))) {
-                run.push_back(&member);
-            }
+        } else if (section != nullptr && isUnknownInVideo(member) && !covers(member) &&
+                   mayBeIn(*section, member, known)) {
+            run.push_back(&member);
         }
     }
     finish();
