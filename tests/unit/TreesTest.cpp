@@ -61,7 +61,7 @@ std::string nameOf(std::string path) {
     return path.substr(1, at - 1) + path.substr(at + begin.size(), end - at - begin.size());
 }
 
-std::string textOf(const std::string& content) {
+std::string fileTextOf(const std::string& content) {
     if (content.starts_with("built-in ") || content.starts_with("changed ")) {
         std::string text = readFile(KC2_SOURCE_DIR "/targetspec/defaults/built_in_document_" +
                                     content.substr(content.size() - 1) + ".json");
@@ -86,7 +86,7 @@ void addTo(const ScratchDirectory& tree, const std::string& name, const std::str
     } else if (content.starts_with(link)) {
         fs::create_symlink(content.substr(link.size()), path);
     } else {
-        tree.write(pathOf(name).substr(1), textOf(content));
+        tree.write(pathOf(name).substr(1), fileTextOf(content));
     }
 }
 
@@ -112,7 +112,7 @@ std::string foundIn(const ScratchDirectory& tree, const TreeRow& row, std::strin
     return all;
 }
 
-constexpr TreeRow kMistakes[] = {
+constexpr TreeRow kWrongTrees[] = {
         // Documents that only some path selects.
         {"vendor good\nfallback broken", "[syntax] fallback:37"},
         {"vendor good\nodm_x good\nfallback broken", "[syntax] fallback:37"},
@@ -259,7 +259,8 @@ constexpr TreeRow kCorrectTrees[] = {
         {"odm_brel changed 1", "[leading-zero] odm_brel:45"},
         {R"(vendor {"Video": {"Features": {"debug_private_dec_picture_order": false}}})", ""},
         {R"(odm_mirt {"Video": {"Presets": {"private_enc_hier_b_max_mbs_per_sec": 1958400, )"
-         R"("private_enc_hier_b_max_mbs_per_frame": 32640, "private_enc_hier_b_max_width": 3840}}})",
+         R"("private_enc_hier_b_max_mbs_per_frame": 32640, "private_enc_hier_b_max_width": 3840, )"
+         R"("private_enc_single_nonref_b_max_mbs_per_sec": 1944000}}})",
          ""},
         // A copy of a built-in document, other values beside it, and a phone that is debugged.
         {R"(vendor {"Video": {"Presets": {"private_complexity": 80}}})"
@@ -299,7 +300,7 @@ void expectFound(const TreeRow (&rows)[count]) {
 }
 
 TEST(TreesTest, EachMistakeIsReportedAtItsFile) {
-    expectFound(kMistakes);
+    expectFound(kWrongTrees);
 }
 
 TEST(TreesTest, ACorrectTreeHasNothingAboveANote) {

@@ -40,12 +40,13 @@ struct Likeness {
 
     bool isWhole() const { return same == all && all == allOfOther; }
 
-    // A target may have single values that happen to be another chip's: a few are no proof.
+    // A target may have values that happen to be another chip's: without names that the own chip's
+    // document does not have they are no proof.
     bool isMost() const {
         constexpr size_t kManyForeign = 3;
         constexpr size_t kMany = 4;
         return same > all / 2 && onlyAsOther > onlyAsOwn &&
-               (foreign >= kManyForeign || onlyAsOther >= kMany);
+               (foreign >= kManyForeign || (foreign > 0 && onlyAsOther >= kMany));
     }
 };
 
