@@ -68,7 +68,7 @@ std::string whyNotFirst(const Load& load) {
             load.isVariantSet() ? brokenLinkTo(odmPathOf(load.variant)) : std::string();
     return link.empty() || load.firstPath.starts_with(kOdmSpecDirectory)
                    ? why
-                   : fmt::format("{} is a link to nowhere, and here {}", link, why);
+                   : fmt::format("{}; {} is a link to nowhere", why, link);
 }
 
 bool isAbsent(const std::string& path) {

@@ -202,7 +202,7 @@ void checkTrailingText(const Document& document, const WrongLevels& levels, Repo
     const bool isBracketLeft = levels.hasBracketLeft() &&
                                document.parserText.find_first_not_of(
                                        "}] \t\r\n", document.tree.limit) == std::string::npos;
-    if (document.tree.limit < text.size() && !isBracketLeft) {
+    if (document.tree.limit < text.size() && !isBracketLeft && !levels.isRootClosedEarly()) {
         report->add("trailing-text", document, {document.tree.limit, text.size()},
                     "text after the end of the document, ignored");
     }

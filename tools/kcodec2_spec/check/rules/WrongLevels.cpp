@@ -108,6 +108,7 @@ WrongLevels::WrongLevels(const Document& document, const KnownSettings& known) {
     lookAtVideo(*video);
     lookForRuns(document, *video, known);
     lookAtRoot(document, *video);
+    lookAfterEnd(document);
     lookIntoSections(document);
 }
 
@@ -163,6 +164,32 @@ void WrongLevels::lookAtRoot(const Document& document, const Node& video) {
     } else if (!after.empty()) {
         addEarlyBracket(document.source, video, after, true);
     }
+}
+
+// A comma and a section after the end: two brackets too many before them.
+void WrongLevels::lookAfterEnd(const Document& document) {
+    const std::string_view text = document.parserText;
+    const auto skipBlanks = [&](size_t at) {
+        return std::min(text.find_first_not_of(kJsonBlanks, at), text.size());
+    };
+    const size_t comma = skipBlanks(document.tree.limit);
+    if (comma == text.size() || text[comma] != ',') {
+        return;
+    }
+    const size_t quote = skipBlanks(comma + 1);
+    const size_t end = quote == text.size() ? quote : text.find('"', quote + 1);
+    if (end >= text.size() || text[quote] != '"' ||
+        sectionOf(text.substr(quote + 1, end - quote - 1)) == nullptr) {
+        return;
+    }
+    mIsRootClosedEarly = true;
+    const size_t limit = document.tree.root.value.limit;
+    mCauses.push_back({{limit - 1, limit},
+                       fmt::format("this bracket closes the document too early: {} and what "
+                                   "follows it are ignored",
+                                   text.substr(quote, end + 1 - quote)),
+                       {quote, end + 1},
+                       true});
 }
 
 void WrongLevels::lookAtVideo(const Node& video) {

@@ -32,10 +32,13 @@ public:
     bool covers(const Verdict& verdict) const;
     // Whether brackets after the end of the document are left over from one that closes too early.
     bool hasBracketLeft() const { return mHasBracketLeft; }
+    // Whether what is after the end of the document belongs in it.
+    bool isRootClosedEarly() const { return mIsRootClosedEarly; }
 
 private:
     using Members = std::vector<const Node*>;
 
+    void lookAfterEnd(const Document& document);
     void lookAtRoot(const Document& document, const Node& video);
     void lookAtVideo(const Node& video);
     void lookForRuns(const Document& document, const Node& video, const KnownSettings& known);
@@ -50,6 +53,7 @@ private:
     std::unordered_set<const Node*> mMembers;
     std::vector<Span> mNested;  // Sections in other sections, in the order of the text.
     bool mHasBracketLeft = false;
+    bool mIsRootClosedEarly = false;
 };
 
 // What is in place of "Video" in a document without one.
