@@ -164,6 +164,9 @@ constexpr TreeRow kWrongTrees[] = {
          "[private-file-place] /data/vendor/mediacodec/video_private_configs.json"},
         {"vendor good\n/vendor/etc/media/video_private_config.json good",
          "[private-file-place] /vendor/etc/media/video_private_config.json"},
+        {"vendor good\nprivate built-in 3\n/vendor/etc/media/video_private_configs.json built-in 2",
+         "[leading-zero] private:45 "
+         "[private-file-place] /vendor/etc/media/video_private_configs.json"},
         {"vendor good\n/data/vendor/media/video_private_config.json good",
          "[private-file-name] /data/vendor/media/video_private_config.json"},
         {"vendor good\n/data/vendor/media/video_private_configs.json/x file",
@@ -262,6 +265,9 @@ constexpr TreeRow kCorrectTrees[] = {
          R"("private_enc_hier_b_max_mbs_per_frame": 32640, "private_enc_hier_b_max_width": 3840, )"
          R"("private_enc_single_nonref_b_max_mbs_per_sec": 1944000}}})",
          ""},
+        // The private file, and what the device copies there.
+        {"vendor good\nprivate built-in 3\n/vendor/etc/media/video_private_configs.json built-in 3",
+         "[leading-zero] private:45"},
         // A copy of a built-in document, other values beside it, and a phone that is debugged.
         {R"(vendor {"Video": {"Presets": {"private_complexity": 80}}})"
          "\nprivate built-in 3",
@@ -301,6 +307,20 @@ void expectFound(const TreeRow (&rows)[count]) {
 
 TEST(TreesTest, EachMistakeIsReportedAtItsFile) {
     expectFound(kWrongTrees);
+}
+
+// A document alone is taken for a system spec document by its name.
+TEST(TreesTest, ADebugSettingIsForThePrivateFile) {
+    const ScratchDirectory directory;
+    const std::string text =
+            R"({"Video": {"Features": {"debug_private_dec_picture_order": true}}})";
+    for (const auto& [name, isReported] :
+         {std::pair("video_system_specs.json", true),
+          std::pair("video_private_configs.json", false), std::pair("other.json", false)}) {
+        const Result result = run("check " + directory.write(name, text));
+        EXPECT_EQ(isReported, result.output.find("[debug-setting]") != std::string::npos)
+                << name << result.output;
+    }
 }
 
 TEST(TreesTest, ACorrectTreeHasNothingAboveANote) {
