@@ -240,12 +240,11 @@ void checkDebugSettings(const Checked& checked, Report* report) {
         if (!isDebugName(setting.name) || value.isNull() || !isChanged || member == nullptr) {
             continue;
         }
-        report->add(
-                "debug-setting", *document, member->name,
-                fmt::format("\"{}\" is {} here, and {} in the built-in document: on every phone. "
-                            "A debug setting belongs in the private file of the phone that is "
-                            "being debugged",
-                            setting.name, writtenValue(value), writtenValue(builtIn)));
+        report->add("debug-setting", *document, member->name,
+                    fmt::format("\"{}\" is {} here, for every phone, and {} in the built-in "
+                                "document: a debug setting belongs in the private file of the "
+                                "phone that is being debugged",
+                                setting.name, writtenValue(value), writtenValue(builtIn)));
     }
 }
 
