@@ -3,6 +3,10 @@
 // add its row there and its code to the file that fits.
 #pragma once
 
+#include <string_view>
+#include <vector>
+
+#include "check/CheckRows.h"
 #include "check/Checked.h"
 #include "check/Report.h"
 
@@ -24,6 +28,9 @@ void checkOverlays(const Checked& checked, Report* report);   // What the second
 
 // Files of the tree that look like documents, but that no load reads: once for all variants.
 void checkTreeFiles(Report* report);
+
+// The checks that report what the device logs as skipped for this reason.
+std::vector<const Check*> checksForReason(std::string_view reason);
 
 // In the order in which findings at one place are reported.
 inline constexpr Rule kRules[] = {checkLoads,   checkTrees,    checkReading, checkTexts,
