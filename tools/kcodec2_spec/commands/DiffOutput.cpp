@@ -76,14 +76,14 @@ std::string join(const std::string& before, const std::string& after) {
 }
 
 // A change as it is printed.
-struct Row {
+struct DiffRow {
     char sign;
     std::string name;
     std::string value;
     std::string origin;
 };
 
-Row rowOf(const Change& change, bool isList) {
+DiffRow diffRowOf(const Change& change, bool isList) {
     const auto named = [isList](const SnapshotEntry& entry, size_t index) {
         return isList ? fmt::format("#{} {}", index + 1, escaped(entry.name)) : escaped(entry.name);
     };
@@ -131,16 +131,16 @@ void printSection(const DiffReport& report, const SectionChanges& section, bool 
     for (const std::string& line : whenEmpty(section)) {
         printOut("  {}\n", line);
     }
-    std::vector<Row> rows;
+    std::vector<DiffRow> rows;
     size_t nameWidth = 0;
     size_t valueWidth = 0;
     for (const Change& change : section.changes) {
-        rows.push_back(rowOf(change, section.after->form == SectionForm::List));
+        rows.push_back(diffRowOf(change, section.after->form == SectionForm::List));
         nameWidth = std::max(nameWidth, rows.back().name.size());
         valueWidth = std::max(valueWidth, rows.back().value.size());
     }
     for (size_t i = 0; i < rows.size(); ++i) {
-        const Row& row = rows[i];
+        const DiffRow& row = rows[i];
         const char* const colour = row.sign == '-'   ? colours.red
                                    : row.sign == '+' ? colours.green
                                                      : colours.yellow;
