@@ -22,6 +22,8 @@ test="$test libsimdjson-dev rapidjson-dev
     chromium doxygen"
 # The Debian packages, their manual page and completions.
 test="$test dpkg-dev file groff zsh"
+# Hooks, and the Markdown that the tool prints.
+test="$test cmark-gfm git pre-commit python3-yaml"
 
 case "${1:-}" in
     run) packages=$run ;;

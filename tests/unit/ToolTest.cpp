@@ -324,6 +324,25 @@ TEST(ToolTest, LinksStayInTheTree) {
     fs::remove_all(top);
 }
 
+// The library's own lines contain names as documents write them; a terminal would obey them.
+TEST(ToolTest, TheLogOnStandardErrorIsEscaped) {
+    const ScratchDirectory root;
+    std::filesystem::create_directories(root.path() + "/vendor/etc");
+    root.write("vendor/etc/video_system_specs.json",
+               R"({"Video": {"Features": {"f\u001b[31m\u009b": true}, "Presets": {"p\u0007": 1},
+                             "KC2CodecPlugins": ["l\u202e"]}})");
+    const Result result = run("show --log debug --rootdir " + root.path() +
+                              " --variant \"$(printf 'v\\033]0;')\"");
+    EXPECT_EQ(0, result.exitCode);
+    for (const char* shown :
+         {"KC2TargetSpec", "f\\x1B[31m\\xC2\\x9B", "p\\x07", "l\\xE2\\x80\\xAE", "v\\x1B]0;"}) {
+        EXPECT_NE(std::string::npos, result.output.find(shown)) << shown << "\n" << result.output;
+    }
+    for (const char* raw : {"\x1b", "\x07", "\xC2\x9B", "\xE2\x80\xAE"}) {
+        EXPECT_EQ(std::string::npos, result.output.find(raw));
+    }
+}
+
 TEST(ToolTest, WhatShipsHasNoMistakes) {
     for (const char* what :
          {"targetspec/defaults/*.json examples/device/*/etc/*/*.json", "--rootdir examples/device",

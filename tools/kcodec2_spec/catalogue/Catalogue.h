@@ -48,6 +48,9 @@ struct CodecComponent {
     std::string definition{};  // As the file has it, to compare.
 };
 
+// The endings of components that are variants of the one without.
+inline constexpr std::string_view kComponentVariants[] = {".secure", ".low_latency"};
+
 struct PerfResourceCode {
     uint32_t code = 0;
     std::string meaning;

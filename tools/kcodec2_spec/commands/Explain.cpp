@@ -23,6 +23,7 @@
 #include "catalogue/SettingsPage.h"
 #include "check/Checks.h"
 #include "commands/Commands.h"
+#include "commands/ExplainTopics.h"
 #include "commands/UnknownVariant.h"
 #include "kc2/TargetSpec.h"
 #include "log/LineMatch.h"
@@ -36,16 +37,6 @@
 namespace kc2::tool {
 
 namespace {
-
-void printTitle(std::string_view name) {
-    printOut("{}\n", escaped(name));
-}
-
-void printLine(const char* title, std::string_view text) {
-    if (!text.empty()) {
-        printOut("  {:9} {}\n", title, escaped(text));
-    }
-}
 
 void printValues(const char* title, const std::vector<CatalogueValue>& values) {
     for (const CatalogueValue& value : values) {
@@ -168,13 +159,16 @@ bool explainLogText(const Catalogue& catalogue, const std::string& text) {
         printLogLine(*line);
     }
     printLine("values", joined(asked.values, ", "));
+    for (const std::string& value : asked.values) {
+        printChecksForReason(value);
+    }
     const bool isSetting = !asked.setting.empty() && explainSetting(catalogue, asked.setting);
     return !asked.rows.empty() || isSetting;
 }
 
 constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {
-        explainSetting, explainSection, explainComponent, explainCode,
-        explainFormat,  explainCheck,   explainLogText};
+        explainSetting, explainSection, explainComponent,  explainCode,
+        explainFormat,  explainCheck,   explainOtherTopic, explainLogText};
 
 // --- One device ---------------------------------------------------------------------------------
 
@@ -315,7 +309,10 @@ int explain(const ExplainArguments& arguments) {
 
 constexpr char kExplainFooter[] =
         "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
-        "the id of a check, or a log line: the whole line, or a part of it without values. With "
+        "a check or a group of checks, a chip, a function, a constant or a plane of the headers, a "
+        "property or path of the device, a value such as 0xFFFFFFFF, or a log line: the whole "
+        "line, "
+        "or a part of it without values. With "
         "--rootdir, also shows which document of that device sets the name, and whose value has "
         "no effect.\n"
         "\n"

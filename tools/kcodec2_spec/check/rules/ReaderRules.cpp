@@ -418,6 +418,19 @@ void checkReadingOf(const Document& document, const Checked& checked, Report* re
 
 }  // namespace
 
+std::vector<const Check*> checksForReason(std::string_view reason) {
+    std::vector<const Check*> checks;
+    for (const ReaderRule& rule : kReaderRules) {
+        const Check* const check = rule.check.operator->();
+        const char* const logged = rowOf(rule.kind).reason;
+        if (logged != nullptr && reason == logged &&
+            std::find(checks.begin(), checks.end(), check) == checks.end()) {
+            checks.push_back(check);
+        }
+    }
+    return checks;
+}
+
 void checkReading(const Checked& checked, Report* report) {
     for (const Document* const document : checked.documents) {
         if (document->isReadable) {
