@@ -44,14 +44,6 @@ private:
     ScratchDirectory mScratch;
 };
 
-size_t countOf(const std::string& part, const std::string& text) {
-    size_t count = 0;
-    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
-        ++count;
-    }
-    return count;
-}
-
 TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
     const Tree tree;
     for (const char* const path :
@@ -154,8 +146,8 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
                     {"examples/device", 2, "For a device tree write --rootdir examples/device"},
                     {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
                     {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
-                    {"--all-variants --fix --rootdir examples/device", 2,
-                     "--fix and --all-variants cannot be used together"},
+                    {"--all-variants --fix", 2, "--fix needs FILE or --rootdir"},
+                    {"--rootdir examples/device --force", 2, "--force requires --fix"},
             });
     const Result fine =
             run("check --werror --all-variants --rootdir examples/device --dirmap "
