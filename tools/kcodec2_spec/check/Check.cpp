@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -18,8 +17,6 @@
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
-#include "device/DevicePaths.h"
-#include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -170,10 +167,7 @@ int checkDevice(const CheckOptions& options) {
 }
 
 int checkEachVariant(const CheckOptions& options) {
-    std::set<std::string> variants = variantsInTree();
-    variants.insert(kDefaultVariant);
-    const CheckedVariants checked =
-            checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
+    const CheckedVariants checked = checkAllVariants(options.levels, *options.known);
     return finish(checked.report, options);
 }
 

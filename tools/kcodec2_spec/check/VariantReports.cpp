@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DevicePaths.h"
+#include "store/TreeFiles.h"
 
 namespace kc2::tool {
 
@@ -120,6 +122,12 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
     findings.addTo(&checked.report);
     checkTreeFiles(&checked.report);
     return checked;
+}
+
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known) {
+    std::set<std::string> variants = variantsInTree();
+    variants.insert(kDefaultVariant);
+    return checkVariants({variants.begin(), variants.end()}, levels, known);
 }
 
 }  // namespace kc2::tool

@@ -21,4 +21,7 @@ struct CheckedVariants {
 CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
                               const KnownSettings& known);
 
+// The same with each variant that the tree has a document for, and without one.
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known);
+
 }  // namespace kc2::tool
