@@ -15,7 +15,8 @@ namespace {
 // Reads tokens, and keeps which containers are open. A missing comma does not confuse it.
 class CursorReader {
 public:
-    CursorReader(std::string_view text, size_t offset) : mText(text), mOffset(offset) {}
+    CursorReader(std::string_view text, size_t offset, CursorUse use)
+        : mText(text), mOffset(offset), mUse(use) {}
 
     Cursor read() {
         Token token;
@@ -69,6 +70,9 @@ private:
         const bool isOpen = isText && !(token.kind == Token::kString && token.isWhole);
         mIsOnToken = isText && token.span.start <= mOffset &&
                      (mOffset < token.span.limit || (isOpen && mOffset == token.span.limit));
+        if (mUse == CursorUse::Typing && token.span.start == mOffset && !isAfterColon()) {
+            mIsOnToken = false;
+        }
         if (!mIsOnToken && token.span.start < mOffset) {
             return false;
         }
@@ -135,6 +139,8 @@ private:
         }
     }
 
+    bool isAfterColon() const { return !mOpen.empty() && mOpen.back().isAfterColon; }
+
     void endValue() {
         if (!mOpen.empty()) {
             mOpen.back().isAfterColon = false;
@@ -168,6 +174,7 @@ private:
 
     std::string_view mText;
     size_t mOffset;
+    CursorUse mUse;
     size_t mAt = 0;
     bool mIsFound = false;
     bool mIsOnToken = false;
@@ -177,8 +184,8 @@ private:
 
 }  // namespace
 
-Cursor cursorAt(std::string_view text, size_t offset) {
-    return CursorReader(text, offset).read();
+Cursor cursorAt(std::string_view text, size_t offset, CursorUse use) {
+    return CursorReader(text, offset, use).read();
 }
 
 }  // namespace kc2::tool

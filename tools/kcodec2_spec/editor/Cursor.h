@@ -37,6 +37,8 @@ struct Cursor {
 };
 
 // `text` is as makeFitForParser() leaves it. The last step of the path is the name or value itself.
-Cursor cursorAt(std::string_view text, size_t offset);
+// While typing, a name or an element that begins at the place is after it.
+enum class CursorUse { Pointing, Typing };
+Cursor cursorAt(std::string_view text, size_t offset, CursorUse use);
 
 }  // namespace kc2::tool

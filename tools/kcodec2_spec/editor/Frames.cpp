@@ -46,21 +46,21 @@ bool FrameReader::readHeader() {
         if (line.empty()) {
             break;
         }
-        readHeaderLine(line);
+        readHeaderLine(line, &length);
         if (!mWhyBroken.empty()) {
             return false;
         }
-        length = mLength;
     }
     if (!length) {
         mWhyBroken = "a header has no Content-Length";
         return false;
     }
+    mLength = length;
     drop(at - mAt);
     return true;
 }
 
-void FrameReader::readHeaderLine(std::string_view line) {
+void FrameReader::readHeaderLine(std::string_view line, std::optional<size_t>* messageLength) {
     const size_t colon = line.find(':');
     if (colon == std::string_view::npos) {
         mWhyBroken = fmt::format("a header line has no colon: \"{}\"", shortened(line));
@@ -80,7 +80,7 @@ void FrameReader::readHeaderLine(std::string_view line) {
         mWhyBroken = fmt::format("a message of {} bytes is above the limit of {}",
                                  shortened(digits), kMostMessageBytes);
     } else {
-        mLength = length;
+        *messageLength = length;
     }
 }
 

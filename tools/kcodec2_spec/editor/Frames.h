@@ -19,11 +19,11 @@ public:
     const std::string& whyBroken() const { return mWhyBroken; }
 
     // Whether a message has begun.
-    bool isInMessage() const { return mAt < mBytes.size(); }
+    bool isInMessage() const { return mLength.has_value() || mAt < mBytes.size(); }
 
 private:
     bool readHeader();
-    void readHeaderLine(std::string_view line);
+    void readHeaderLine(std::string_view line, std::optional<size_t>* messageLength);
     void drop(size_t count);
 
     std::string mBytes;

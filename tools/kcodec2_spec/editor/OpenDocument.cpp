@@ -7,7 +7,8 @@
 #include <optional>
 #include <system_error>
 
-#include "base/Spelling.h"
+#include "base/DeviceOptions.h"
+#include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 #include "editor/EditorJson.h"
 
@@ -28,11 +29,14 @@ std::optional<std::string> rootBefore(const std::string& path, const std::string
 
 // /odm is often a link to /vendor/odm: the editor may have the document there.
 std::string rootOfLinkedOdm(const std::string& root) {
-    std::error_code error;
-    const fs::path parent = fs::path(root).parent_path();
-    const bool isLinked = fs::path(root).filename() == "vendor" &&
-                          fs::equivalent(parent / "odm", fs::path(root) / "odm", error);
-    return isLinked && !error ? parent.string() : root;
+    if (fs::path(root).filename() != "vendor") {
+        return root;
+    }
+    DeviceOptions device;
+    device.rootDirectory = fs::path(root).parent_path().string();
+    applyDeviceOptions(device);
+    const bool isLinked = realPath(localPath("/odm")) == realPath(root + "/odm");
+    return isLinked ? device.rootDirectory : root;
 }
 
 }  // namespace

@@ -444,7 +444,8 @@ void LanguageServer::sendDiagnostics(const OpenDocument& document) {
 // --------------------------------------------------------------------
 
 template <typename Use>
-LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, Use use) {
+LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, CursorUse cursorUse,
+                                              Use use) {
     const std::optional<TextPosition> position = positionFrom(memberOf(params, "position"));
     if (!position) {
         return {{}, kInvalidParams, "the position is missing"};
@@ -457,21 +458,22 @@ LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, Use use
     if (isInComment(*document->document, offset)) {
         return {};
     }
-    const Cursor cursor = cursorAt(document->document->parserText, offset);
+    const Cursor cursor = cursorAt(document->document->parserText, offset, cursorUse);
     return {use(*document, cursor)};
 }
 
 LanguageServer::Reply LanguageServer::hover(const Json::Value& params) {
-    return atPlace(params, [this](const OpenDocument& document, const Cursor& cursor) {
-        const std::string text = explanationAt(document, cursor);
-        Json::Value result;
-        if (!text.empty()) {
-            result["contents"]["kind"] = "plaintext";
-            result["contents"]["value"] = text;
-            result["range"] = rangeToJson(*document.lines, cursor.token);
-        }
-        return result;
-    });
+    return atPlace(params, CursorUse::Pointing,
+                   [this](const OpenDocument& document, const Cursor& cursor) {
+                       const std::string text = explanationAt(document, cursor);
+                       Json::Value result;
+                       if (!text.empty()) {
+                           result["contents"]["kind"] = "plaintext";
+                           result["contents"]["value"] = text;
+                           result["range"] = rangeToJson(*document.lines, cursor.token);
+                       }
+                       return result;
+                   });
 }
 
 std::string LanguageServer::explanationAt(const OpenDocument& document, const Cursor& cursor) {
@@ -513,38 +515,43 @@ std::string LanguageServer::settersText(const OpenDocument& document, const std:
 }
 
 LanguageServer::Reply LanguageServer::complete(const Json::Value& params) {
-    return atPlace(params, [this](const OpenDocument& document, const Cursor& cursor) {
-        return completionsAt(cursor, *document.lines, mSchema, mOptions.known->catalogue);
-    });
+    return atPlace(
+            params, CursorUse::Typing, [this](const OpenDocument& document, const Cursor& cursor) {
+                return completionsAt(cursor, *document.lines, mSchema, mOptions.known->catalogue);
+            });
 }
 
 // From a setting to the one that is used.
 LanguageServer::Reply LanguageServer::define(const Json::Value& params) {
-    return atPlace(params, [this](const OpenDocument& document, const Cursor& cursor) {
-        Json::Value places(Json::arrayValue);
-        const std::string section(cursor.key(1));
-        const std::string name(cursor.key(2));
-        const auto addFrom = [&](const Document* from, const TreeCheck* tree) {
-            const Node* const object = from != nullptr ? from->section(section) : nullptr;
-            const Node* const member = object != nullptr ? findMember(*object, name) : nullptr;
-            if (member != nullptr && !from->isBuiltIn()) {
-                const Json::Value place = locationOf(from->source, member->name, tree);
-                const bool isNew = std::find(places.begin(), places.end(), place) == places.end();
-                isNew ? places.append(place) : places;
-            }
-        };
-        const auto tree = mTrees.find(document.root);
-        const std::vector<const Load*> loads = tree != mTrees.end()
-                                                       ? tree->second->loadsOf(document.path)
-                                                       : std::vector<const Load*>();
-        for (const Load* const load : loads) {
-            addFrom(setterOf(*load, section, name), tree->second.get());
-        }
-        if (loads.empty()) {
-            addFrom(document.document.get(), nullptr);
-        }
-        return places;
-    });
+    return atPlace(
+            params, CursorUse::Pointing,
+            [this](const OpenDocument& document, const Cursor& cursor) {
+                Json::Value places(Json::arrayValue);
+                const std::string section(cursor.key(1));
+                const std::string name(cursor.key(2));
+                const auto addFrom = [&](const Document* from, const TreeCheck* tree) {
+                    const Node* const object = from != nullptr ? from->section(section) : nullptr;
+                    const Node* const member =
+                            object != nullptr ? findMember(*object, name) : nullptr;
+                    if (member != nullptr && !from->isBuiltIn()) {
+                        const Json::Value place = locationOf(from->source, member->name, tree);
+                        const bool isNew =
+                                std::find(places.begin(), places.end(), place) == places.end();
+                        isNew ? places.append(place) : places;
+                    }
+                };
+                const auto tree = mTrees.find(document.root);
+                const std::vector<const Load*> loads =
+                        tree != mTrees.end() ? tree->second->loadsOf(document.path)
+                                             : std::vector<const Load*>();
+                for (const Load* const load : loads) {
+                    addFrom(setterOf(*load, section, name), tree->second.get());
+                }
+                if (loads.empty()) {
+                    addFrom(document.document.get(), nullptr);
+                }
+                return places;
+            });
 }
 
 LanguageServer::Reply LanguageServer::listSymbols(const Json::Value& params) {

@@ -83,7 +83,7 @@ private:
     OpenDocument* find(const Json::Value& params);
     // Calls use(document, cursor) for a request about a place, with the document checked.
     template <typename Use>
-    Reply atPlace(const Json::Value& params, Use use);
+    Reply atPlace(const Json::Value& params, CursorUse cursorUse, Use use);
     std::string rootOf(const std::string& path) const;
     // Those in the tree of this one, itself too.
     std::vector<OpenDocument*> together(const OpenDocument& document);
