@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "base/DeviceOptions.h"
@@ -69,7 +68,7 @@ std::string receive(EditorInput* input, LanguageServer* server) {
         if (!server->isWaiting() && !EditorInput::hasMore()) {
             server->publish();
             if (std::fflush(stdout) != 0) {
-                return std::string("the output cannot be written: ") + std::strerror(errno);
+                break;  // Nobody reads it.
             }
         }
         if (!input->read()) {
@@ -96,8 +95,10 @@ int serveEditor(std::shared_ptr<const KnownSettings> known, const std::string& r
             printError("{}", wrong);
             return kExitUsage;
         }
-        server.handleNext();
-        std::fflush(stdout);
+        if (server.isWaiting()) {
+            server.handleNext();
+            std::fflush(stdout);
+        }
         if (std::ferror(stdout) != 0) {
             return kExitUsage;  // main() says why.
         }
