@@ -241,4 +241,9 @@ async function main() {
     process.exitCode = failures.length === 0 ? 0 : 1;
 }
 
-main();
+if (require.main === module) {
+    main();
+} else {
+    // The documents, and the editor with the tool's schema.
+    module.exports = { texts: TEXTS, editor: new Editor(JSON.parse(run('schema'))), ENGINES_OWN };
+}

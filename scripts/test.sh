@@ -29,6 +29,7 @@ performance         bench,phone         scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 report              dev                 scripts/check-report.py
 schema              dev                 scripts/check-schema.sh
+editors             dev                 scripts/check-editors.sh
 sarif               dev                 scripts/check-sarif.py
 git                 dev                 scripts/check-git.py
 docs                -                   scripts/check-docs.sh

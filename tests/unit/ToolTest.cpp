@@ -73,7 +73,7 @@ TEST(ToolTest, EachCommandWorks) {
 // The whole message, so that nothing of the option parser's own wording gets through.
 TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
     const std::string commands =
-            "show, check, log, diff, report, defaults, formats, explain, schema, help, man, "
+            "show, check, log, diff, report, defaults, formats, explain, schema, lsp, help, man, "
             "completion";
     const std::string noDevice =
             "--rootdir DIR must name the root of the device's file system (--rootdir / is this "
@@ -89,7 +89,7 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
              "there is no command chek. Did you mean check?\nThe commands are " + commands + "."},
             {"help chek",
              "COMMAND: must be show, check, log, diff, report, defaults, formats, "
-             "explain, schema, help, man or completion, not \"chek\". Did you mean "
+             "explain, schema, lsp, help, man or completion, not \"chek\". Did you mean "
              "check?"},
             {"'ch\nek\x1b[1m' x",
              "there is no command ch\\x0Aek\\x1B[1m\nThe commands are " + commands + "."},
@@ -214,7 +214,7 @@ TEST(ToolTest, TheReadmeNamesEachCommand) {
                 << name;
         ++commands;
     }
-    EXPECT_EQ(12u, commands);
+    EXPECT_EQ(13u, commands);
     const std::regex named("kcodec2_spec ([a-z]+)");
     for (std::sregex_iterator at(readme.begin(), readme.end(), named); at != std::sregex_iterator();
          ++at) {

@@ -203,6 +203,10 @@ void applyDeviceOptions(const DeviceOptions& options) {
     reportUnused(options);
 }
 
+void mapFile(const std::string& devicePath, const std::string& file) {
+    host::mapDirectory(devicePath, file);
+}
+
 void playVariant(const std::string& variant) {
     host::setProperty(kVariantProperty, variant);
 }

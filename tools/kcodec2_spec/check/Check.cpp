@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -19,8 +18,6 @@
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
-#include "device/DevicePaths.h"
-#include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -188,19 +185,14 @@ int checkDevice(const CheckOptions& options) {
 }
 
 int checkEachVariant(const CheckOptions& options) {
-    std::set<std::string> variants = variantsInTree();
-    if (variants.empty() || hasDocumentWithoutVariant()) {
-        variants.insert(kDefaultVariant);  // Else such a load is not meant to be.
-    }
     Fixer fixer(options);
-    for (const std::string& variant : variants) {
-        if (options.fix != FixMode::None) {
+    if (options.fix != FixMode::None) {
+        for (const std::string& variant : variantsToCheck()) {
             playVariant(variant);
             fixer.fixLoad();
         }
     }
-    const CheckedVariants checked =
-            checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
+    const CheckedVariants checked = checkAllVariants(options.levels, *options.known);
     const int exitCode = finish(checked.report, options);
     return fixer.isEachFixed() ? exitCode : kExitUsage;
 }

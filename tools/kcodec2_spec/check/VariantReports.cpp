@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DevicePaths.h"
+#include "store/TreeFiles.h"
 
 namespace kc2::tool {
 
@@ -147,6 +149,19 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
     findings.addTo(&checked.report);
     checkTreeFiles(checked.loads, &checked.report);
     return checked;
+}
+
+std::set<std::string> variantsToCheck() {
+    std::set<std::string> variants = variantsInTree();
+    if (variants.empty() || hasDocumentWithoutVariant()) {
+        variants.insert(kDefaultVariant);  // Else such a load is not meant to be.
+    }
+    return variants;
+}
+
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known) {
+    const std::set<std::string> variants = variantsToCheck();
+    return checkVariants({variants.begin(), variants.end()}, levels, known);
 }
 
 }  // namespace kc2::tool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,12 @@ struct CheckedVariants {
 // other one falls back to. Each finding is reported once, with the variants that have it.
 CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
                               const KnownSettings& known);
+
+// Each variant that the tree has a document for, and the default one, unless every document is for
+// a variant.
+std::set<std::string> variantsToCheck();
+
+// The same with each variant to check.
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known);
 
 }  // namespace kc2::tool

@@ -11,6 +11,7 @@
 
 #include "base/Print.h"
 #include "base/Text.h"
+#include "catalogue/Explanation.h"
 #include "catalogue/HeaderTexts.h"
 #include "check/Checks.h"
 #include "check/rules/Rules.h"
@@ -28,7 +29,7 @@ void printTitle(std::string_view name) {
 
 void printLine(std::string_view title, std::string_view text) {
     if (!text.empty()) {
-        printOut("  {:9} {}\n", title, escaped(text));
+        writeOut(formatted(Explanation::Line{std::string(title), std::string(text)}));
     }
 }
 
