@@ -107,11 +107,12 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
     CheckedVariants checked = {std::move(variants), {}, Report(levels)};
     checked.loads.reserve(checked.variants.size());
     SharedFindings findings;
+    const std::vector<VariantDocument> documents = variantDocumentsInTree();
     for (const std::string& variant : checked.variants) {
         playVariant(variant);
         const Load& load = checked.loads.emplace_back(readLoad());
         Report report(levels);
-        check(Checked(load, known), &report);
+        check(Checked(load, known, &documents), &report);
         for (const LoadFacts& facts : report.loads()) {
             checked.report.addLoad(facts);
         }
