@@ -22,8 +22,8 @@ namespace {
 class SharedFindings {
 public:
     // The load must outlive this, and the report that it is added to.
-    void add(const std::string& variant, const Report& report, const Load& load) {
-        ++mVariants;
+    void add(const Report& report, const Load& load) {
+        mVariants.push_back(load.variant);
         for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
             if (document != nullptr) {
                 ++mReaders[document->source.path()];
@@ -35,15 +35,13 @@ public:
                              entry->span.limit, entry->message};
             const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
             if (isNew) {
-                mFindings.push_back({entry->check,
-                                     entry->source->path(),
-                                     entry->span,
-                                     entry->message,
-                                     entry->isForFile,
-                                     detailsOf(*entry),
-                                     {}});
+                mFindings.push_back({entry->check, entry->source->path(), entry->span,
+                                     entry->message, entry->isForFile, detailsOf(*entry)});
             }
-            mFindings[place->second].variants.push_back(variant);
+            std::vector<size_t>& loads = mFindings[place->second].details.loads;
+            if (loads.empty() || loads.back() != mVariants.size() - 1) {
+                loads.push_back(mVariants.size() - 1);
+            }
         }
     }
 
@@ -51,16 +49,18 @@ public:
         for (const Shared& shared : mFindings) {
             const auto readers = mReaders.find(shared.path);
             if (isUnusedSuppression(*shared.check) && readers != mReaders.end() &&
-                shared.variants.size() < readers->second) {
+                shared.details.loads.size() < readers->second) {
                 continue;  // In another variant the comment suppresses something.
             }
+            FindingDetails details = shared.details;
+            details.ownMessage = shared.message.size();
             const std::string message =
-                    fmt::format("{} ({})", shared.message, variantsOf(shared.variants));
+                    fmt::format("{} ({})", shared.message, variantsOf(details.loads));
             if (shared.isForFile) {
-                report->addForFile(*shared.check, shared.path, message);
+                report->addForFile(*shared.check, shared.path, message, std::move(details));
             } else {
                 report->add(*shared.check, *mSources.at(shared.path), shared.span, message,
-                            shared.details);
+                            std::move(details));
             }
         }
     }
@@ -73,7 +73,6 @@ private:
         std::string message;
         bool isForFile;
         FindingDetails details;
-        std::vector<std::string> variants;
     };
     using Key = std::tuple<std::string, std::string_view, size_t, size_t, std::string>;
 
@@ -81,19 +80,20 @@ private:
         return entry.details != nullptr ? *entry.details : FindingDetails();
     }
 
-    std::string variantsOf(const std::vector<std::string>& variants) const {
-        if (variants.size() == mVariants) {
+    std::string variantsOf(const std::vector<size_t>& loads) const {
+        if (loads.size() == mVariants.size()) {
             return "every variant";
         }
         std::vector<std::string> names;
-        for (const std::string& variant : variants) {
+        for (const size_t load : loads) {
+            const std::string& variant = mVariants[load];
             names.push_back(variant == kDefaultVariant ? "no variant"
                                                        : fmt::format("variant \"{}\"", variant));
         }
         return joined(names, ", ");
     }
 
-    size_t mVariants = 0;
+    std::vector<std::string> mVariants;             // Of the reports, in their order.
     std::map<std::string, size_t> mReaders;         // How many loads read a document, by its path.
     std::map<std::string, const Source*> mSources;  // One for each path.
     std::map<Key, size_t> mPlaces;                  // In mFindings.
@@ -116,7 +116,7 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
         for (const LoadFacts& facts : report.loads()) {
             checked.report.addLoad(facts);
         }
-        findings.add(variant, report, load);
+        findings.add(report, load);
     }
     findings.addTo(&checked.report);
     checkTreeFiles(&checked.report);
