@@ -71,7 +71,7 @@ private:
         add("<h3 id=\"{0}s\" class=\"{0}\">{1}{2}</h3>\n<div class=\"scroll\" role=\"region\" "
             "tabindex=\"0\" aria-labelledby=\"{0}s\">\n<ol class=\"findings\">\n",
             name, counted(count, name),
-            rows.size() < count ? fmt::format(", {} different", rows.size()) : "");
+            rows.size() < count ? fmt::format(", {} distinct", rows.size()) : "");
         for (const FindingRow& row : rows) {
             writeRow(row);
         }
@@ -89,20 +89,36 @@ private:
         }
         if (first.details != nullptr) {
             for (const RelatedPlace& related : first.details->related) {
-                add("<p><code>{}</code> {}</p>\n",
-                    html(related.source->placeOf(related.span.start)), html(related.message));
+                if (!related.message.empty()) {  // Otherwise the finding's message names the place.
+                    add("<p><code>{}</code> {}</p>\n",
+                        htmlOfName(related.source->placeOf(related.span.start)),
+                        html(related.message));
+                }
             }
         }
         mList += "</li>\n";
     }
 
+    // Without the blanks that the line and its marks both begin with: a phone has no room for them.
     static std::string excerptForPage(const ReportEntry& entry) {
-        std::string excerpt;
-        const std::string lines = excerptOf(entry);
-        for (size_t at = 0; at < lines.size();) {  // A line end is markup here, not a byte.
-            const size_t end = std::min(lines.find('\n', at), lines.size());
-            excerpt.append(html(lines.substr(at, end - at))).append("\n");
+        std::vector<std::string> lines;
+        const std::string text = excerptOf(entry);
+        for (size_t at = 0; at < text.size();) {  // A line end is markup here, not a byte.
+            const size_t end = std::min(text.find('\n', at), text.size());
+            lines.push_back(text.substr(at, end - at));
             at = end + 1;
+        }
+        const size_t bar = lines.empty() ? std::string::npos : lines[0].find("| ");
+        const size_t start = bar == std::string::npos ? 0 : bar + 2;
+        size_t indentation = start == 0 ? 0 : text.size();
+        for (const std::string& line : lines) {
+            const size_t first = std::min(line.find_first_not_of(' ', start), line.size());
+            indentation = std::min(indentation, first - std::min(start, first));
+        }
+        std::string excerpt;
+        for (std::string& line : lines) {
+            excerpt.append(html(line.erase(std::min(start, line.size()), indentation)))
+                    .append("\n");
         }
         return excerpt;
     }
@@ -137,8 +153,9 @@ private:
         const std::string text =
                 place->documents > 1 ? pattern : first.source->path() + positionOf(first);
         const std::string variants = variantsText(loads);
+        const bool isBeside = !variants.empty() && !variants.starts_with("<details");
         add("<div class=\"place\"><code>{}</code>{}{}</div>\n", htmlOfName(text),
-            variants.empty() ? "" : " · ", variants);
+            isBeside ? " · " : "", variants);
     }
 
     static std::string positionOf(const ReportEntry& entry) {

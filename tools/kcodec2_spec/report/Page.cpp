@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -89,7 +90,7 @@ private:
         const size_t loads = mContent.checked.variants.size();
         add("<p class=\"sum\"><b>{}</b>{} · <b>{}</b>, <span id=\"differing\">{}</span> differ · ",
             counted(loads, "load"),
-            mContent.columns.size() < loads ? fmt::format(", {} different", mContent.columns.size())
+            mContent.columns.size() < loads ? fmt::format(", {} distinct", mContent.columns.size())
                                             : "",
             counted(mRows, "row"), mDifferences);
         for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
@@ -108,7 +109,7 @@ private:
     void writeLoads() {
         mPage += "<section id=\"loads\" aria-labelledby=\"loads-title\">\n"
                  "<h2 id=\"loads-title\">Loads</h2>\n"
-                 "<div class=\"scroll\" role=\"region\" tabindex=\"0\" "
+                 "<div class=\"scroll low\" role=\"region\" tabindex=\"0\" "
                  "aria-labelledby=\"loads-title\">\n<table class=\"loads\">\n<caption>What each "
                  "variant loads, in this order. Differences are those from the <span "
                  "class=\"static\">first load</span><span class=\"scripted\" hidden>load that is "
@@ -202,41 +203,70 @@ private:
     void writeCharts() {
         const std::vector<LoadColumn>& columns = mContent.columns;
         const Steps& first = columns[0].steps;
+        const bool isFirstDrawn = first && !first->empty();
         add("<section id=\"rates\" aria-labelledby=\"rates-title\">\n"
             "<h2 id=\"rates-title\">Nimbra-mode bit rates</h2>\n"
             "<p>The bit rate that a component gets, by the value that it passes. The horizontal "
             "scale is that of square roots.{}</p>\n<div class=\"charts\">\n",
-            first.value_or(std::vector<Step>()).empty() ? ""
-                                                        : " The dashed line is the first load.");
+            isFirstDrawn ? " The dashed line is the first load." : "");
         std::vector<const Steps*> all;
         for (const LoadColumn& column : columns) {
             all.push_back(&column.steps);
         }
         const StepChart chart(all);
-        for (size_t i = 0; i < std::min(columns.size(), kMostCharts); ++i) {
-            const Steps& steps = columns[i].steps;
-            add("<figure><figcaption>{}</figcaption>", titleOf(columns[i]));
+        const std::vector<std::vector<size_t>> groups = columnsByRates();
+        for (size_t i = 0; i < std::min(groups.size(), kMostCharts); ++i) {
+            const Steps& steps = columns[groups[i][0]].steps;
+            add("<figure><figcaption>{}</figcaption>", titleOf(groups[i]));
             if (!steps) {
-                add("<p class=\"empty\">Too many rows to draw. The matrix has them.</p>");
+                mPage += "<p class=\"empty\">Too many rows to draw. The matrix has them.</p>";
             } else if (steps->empty()) {
-                add("<p class=\"empty\">No rows: a component gets no bit rate.</p>");
+                mPage += "<p class=\"empty\">No rows: a component gets no bit rate.</p>";
             } else {
-                mPage += chart.draw(fmt::format("chart-{}", i), describe(columns[i]), *steps,
-                                    i != 0 && first ? &*first : nullptr);
+                mPage += chart.draw(fmt::format("chart-{}", i), describe(groups[i]), *steps,
+                                    i != 0 && isFirstDrawn ? &*first : nullptr);
             }
-            add("</figure>\n");
+            mPage += "</figure>\n";
         }
-        add("</div>\n");
-        if (columns.size() > kMostCharts) {
-            add("<p>{} not drawn.</p>\n", counted(columns.size() - kMostCharts, "more load"));
+        mPage += "</div>\n";
+        if (groups.size() > kMostCharts) {
+            add("<p>{} not drawn.</p>\n", counted(groups.size() - kMostCharts, "more chart"));
         }
-        add("</section>\n");
+        mPage += "</section>\n";
+    }
+
+    // Loads with equal bit rates share a chart.
+    std::vector<std::vector<size_t>> columnsByRates() const {
+        std::vector<std::vector<size_t>> groups;
+        std::map<Steps, size_t> places;
+        for (size_t i = 0; i < mContent.columns.size(); ++i) {
+            const Steps& steps = mContent.columns[i].steps;
+            const auto [place, isNew] = places.emplace(steps, groups.size());
+            if (isNew || !steps) {  // Those that are not known may differ.
+                groups.emplace_back();
+                place->second = groups.size() - 1;
+            }
+            groups[place->second].push_back(i);
+        }
+        return groups;
+    }
+
+    std::string titleOf(const std::vector<size_t>& columns) const {
+        constexpr size_t kMostTitles = 6;
+        std::vector<std::string> titles;
+        for (size_t i = 0; i < std::min(columns.size(), kMostTitles); ++i) {
+            titles.push_back(titleOf(mContent.columns[columns[i]]));
+        }
+        if (columns.size() > kMostTitles) {
+            titles.push_back(counted(columns.size() - kMostTitles, "more load"));
+        }
+        return joined(titles, ", ");
     }
 
     // The chart in words, for screen readers.
-    std::string describe(const LoadColumn& column) const {
-        std::string text = "Bit rates with " + titleOf(column);
-        for (const Step& step : *column.steps) {
+    std::string describe(const std::vector<size_t>& columns) const {
+        std::string text = "Bit rates with " + titleOf(columns);
+        for (const Step& step : *mContent.columns[columns[0]].steps) {
             text += fmt::format("; from {} to below {}: {}", step.low, step.limit,
                                 step.bitRate ? std::to_string(*step.bitRate) : "none");
         }
