@@ -48,7 +48,7 @@ public:
             const auto limit = std::find_if(
                     row, mFindings.rows.end(),
                     [row](const FindingRow& other) { return other.severity != row->severity; });
-            writeSeverity({row, limit});
+            writeSeverity({&*row, static_cast<size_t>(limit - row)});
             row = limit;
         }
         if (mFindings.notShown != 0) {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -238,13 +237,16 @@ private:
     // Loads with equal bit rates share a chart.
     std::vector<std::vector<size_t>> columnsByRates() const {
         std::vector<std::vector<size_t>> groups;
-        std::map<Steps, size_t> places;
+        std::unordered_map<std::string, size_t> places;
         for (size_t i = 0; i < mContent.columns.size(); ++i) {
             const Steps& steps = mContent.columns[i].steps;
-            const auto [place, isNew] = places.emplace(steps, groups.size());
-            if (isNew || !steps) {  // Those that are not known may differ.
+            if (!steps) {  // Those that are not known may differ.
+                groups.push_back({i});
+                continue;
+            }
+            const auto [place, isNew] = places.emplace(inWords(*steps), groups.size());
+            if (isNew) {
                 groups.emplace_back();
-                place->second = groups.size() - 1;
             }
             groups[place->second].push_back(i);
         }
@@ -263,10 +265,15 @@ private:
         return joined(titles, ", ");
     }
 
-    // The chart in words, for screen readers.
+    // The chart, for screen readers.
     std::string describe(const std::vector<size_t>& columns) const {
-        std::string text = "Bit rates with " + titleOf(columns);
-        for (const Step& step : *mContent.columns[columns[0]].steps) {
+        return fmt::format("Bit rates with {}{}", titleOf(columns),
+                           inWords(*mContent.columns[columns[0]].steps));
+    }
+
+    static std::string inWords(const std::vector<Step>& steps) {
+        std::string text;
+        for (const Step& step : steps) {
             text += fmt::format("; from {} to below {}: {}", step.low, step.limit,
                                 step.bitRate ? std::to_string(*step.bitRate) : "none");
         }

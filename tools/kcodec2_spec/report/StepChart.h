@@ -1,7 +1,6 @@
 // Bit-rate tables drawn as steps, as the stores return them: SVG for a page.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,8 +15,6 @@ struct Step {
     uint32_t low;
     uint32_t limit;
     std::optional<uint32_t> bitRate;  // Nothing where no row covers the value.
-
-    auto operator<=>(const Step&) const = default;
 };
 
 // Queries the store wherever its result may change. Nothing for a table that is too long: each
