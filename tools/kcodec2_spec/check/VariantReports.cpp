@@ -4,7 +4,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -13,35 +15,38 @@
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DevicePaths.h"
+#include "store/TreeFiles.h"
 
 namespace kc2::tool {
 
 namespace {
+
+constexpr char kOtherVariant[] = "a variant without a document";
 
 // The findings of several reports, each once, with the variants that have it.
 class SharedFindings {
 public:
     // The load must outlive this, and the report that it is added to.
     void add(const Report& report, const Load& load) {
-        mVariants.push_back(load.variant);
         for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
             if (document != nullptr) {
-                ++mReaders[document->source.path()];
-                mSources.emplace(document->source.path(), &document->source);
+                addReader(*document);
             }
         }
+        mVariants.push_back(load.variant);
         for (const ReportEntry* const entry : report.inOrder()) {
-            const Key key = {entry->source->path(), entry->check->id, entry->span.start,
-                             entry->span.limit, entry->message};
-            const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
-            if (isNew) {
-                mFindings.push_back({entry->check, entry->source->path(), entry->span,
-                                     entry->message, entry->isForFile, detailsOf(*entry)});
-            }
-            std::vector<size_t>& loads = mFindings[place->second].details.loads;
+            std::vector<size_t>& loads = findingOf(*entry)->details.loads;
             if (loads.empty() || loads.back() != mVariants.size() - 1) {
                 loads.push_back(mVariants.size() - 1);
             }
+        }
+    }
+
+    // The same for the fallback, which none of the variants reads: its findings have no load.
+    void addFallback(const Report& report, const Document& fallback) {
+        addReader(fallback);
+        for (const ReportEntry* const entry : report.inOrder()) {
+            findingOf(*entry);
         }
     }
 
@@ -76,11 +81,31 @@ private:
     };
     using Key = std::tuple<std::string, std::string_view, size_t, size_t, std::string>;
 
+    void addReader(const Document& document) {
+        ++mReaders[document.source.path()];
+        mSources.emplace(document.source.path(), &document.source);
+    }
+
+    // The one that is equal to the entry: a new one where there is none.
+    Shared* findingOf(const ReportEntry& entry) {
+        const Key key = {entry.source->path(), entry.check->id, entry.span.start, entry.span.limit,
+                         entry.message};
+        const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
+        if (isNew) {
+            mFindings.push_back({entry.check, entry.source->path(), entry.span, entry.message,
+                                 entry.isForFile, detailsOf(entry)});
+        }
+        return &mFindings[place->second];
+    }
+
     static FindingDetails detailsOf(const ReportEntry& entry) {
         return entry.details != nullptr ? *entry.details : FindingDetails();
     }
 
     std::string variantsOf(const std::vector<size_t>& loads) const {
+        if (loads.empty()) {
+            return kOtherVariant;
+        }
         if (loads.size() == mVariants.size()) {
             return "every variant";
         }
@@ -93,18 +118,26 @@ private:
         return joined(names, ", ");
     }
 
-    std::vector<std::string> mVariants;             // Of the reports, in their order.
+    std::vector<std::string> mVariants;             // Of the loads, in their order.
     std::map<std::string, size_t> mReaders;         // How many loads read a document, by its path.
     std::map<std::string, const Source*> mSources;  // One for each path.
     std::map<Key, size_t> mPlaces;                  // In mFindings.
     std::vector<Shared> mFindings;                  // In the order of the first.
 };
 
+// The fallback, where none of the loads reads it.
+std::unique_ptr<Document> fallbackBesides(const std::vector<Load>& loads) {
+    const bool isRead = std::any_of(loads.begin(), loads.end(), [](const Load& load) {
+        return load.hasSystemSpec() && load.systemSpec->path == kFallbackSystemSpec;
+    });
+    return isRead ? nullptr : readFallback();
+}
+
 }  // namespace
 
 CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
                               const KnownSettings& known) {
-    CheckedVariants checked = {std::move(variants), {}, Report(levels)};
+    CheckedVariants checked = {std::move(variants), {}, nullptr, Report(levels)};
     checked.loads.reserve(checked.variants.size());
     SharedFindings findings;
     const std::vector<VariantDocument> documents = variantDocumentsInTree();
@@ -118,9 +151,28 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
         }
         findings.add(report, load);
     }
+    checked.fallback = fallbackBesides(checked.loads);
+    if (checked.fallback != nullptr) {
+        Report report(levels);
+        check(Checked(*checked.fallback, known), &report);
+        findings.addFallback(report, *checked.fallback);
+    }
     findings.addTo(&checked.report);
-    checkTreeFiles(&checked.report);
+    checkTreeFiles(checked.loads, &checked.report);
     return checked;
+}
+
+std::set<std::string> variantsToCheck() {
+    std::set<std::string> variants = variantsInTree();
+    if (variants.empty() || hasDocumentWithoutVariant()) {
+        variants.insert(kDefaultVariant);  // Else such a load is not meant to be.
+    }
+    return variants;
+}
+
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known) {
+    const std::set<std::string> variants = variantsToCheck();
+    return checkVariants({variants.begin(), variants.end()}, levels, known);
 }
 
 }  // namespace kc2::tool
