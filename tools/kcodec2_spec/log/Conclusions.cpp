@@ -85,6 +85,7 @@ ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
     limits.hasDumpEntries = dump.isOfLoad && (!dump.features.empty() || !dump.presets.empty() ||
                                               !dump.filters.empty() || !dump.plugins.empty() ||
                                               !dump.codecs.empty() || !dump.unplaced.empty());
+    limits.hasDumpedCodecs = dump.isOfLoad && !dump.codecs.empty();
     limits.hasNoCodecs = trace.noCodecs.count != 0;
     for (const OverlayResult kind :
          {OverlayResult::BuiltIn, OverlayResult::Rejected, OverlayResult::Private}) {
@@ -208,7 +209,11 @@ private:
                 mTrace.firstPath().empty() ? "" : fmt::format(" {}", mTrace.firstPath()),
                 kGetProperty);
         const std::vector<uint64_t> lines = linesThatAre({lineOf(LineId::Parsing)});
-        if (!isVariant || mTrace.find(LineId::OpenFailed) != nullptr) {
+        if (mTrace.find(LineId::OpenFailed) != nullptr) {
+            describeOpenFailure(look);
+        } else if (mFacts.loads.isContradictory) {
+            return;
+        } else if (!isVariant) {
             describeOpenFailure(look);
         } else if (mFacts.isOnly(SpecSource::Variant) && !mTrace.firstPath().empty()) {
             add({Severity::Note, "system-spec", "",
@@ -259,6 +264,11 @@ private:
                                                     : "";
     }
 
+    // The document to look at first: the path that is tried first, if that is not excluded.
+    std::string pathToPull() const {
+        return mFacts.isOpen(SpecSource::Variant) ? mTrace.firstPath() : specPath();
+    }
+
     Which whichOf(size_t event) const { return kc2::tool::whichOf(mTrace, mFacts, event); }
 
     std::string documentOf(size_t event) const {
@@ -281,12 +291,12 @@ private:
     std::string adviceOn(size_t event) const {
         switch (whichOf(event)) {
             case Which::SystemSpec:
-                return pullAndCheck(specPath());
+                return pullAndCheck(pathToPull());
             case Which::Overlay:
                 return pullAndCheck(kPrivateConfig);
             default:
                 return fmt::format("{}; {}", pullAndCheck(kPrivateConfig),
-                                   pullAndCheck(specPath()));
+                                   pullAndCheck(pathToPull()));
         }
     }
 
@@ -445,17 +455,18 @@ private:
         }
         std::string why;
         if (!mFacts.isOpen(OverlayResult::Rejected) && mTrace.lineAfter != 0) {
-            why = fmt::format(
-                    "; it was not rejected: no line says so, and the log goes on [line "
-                    "{}]",
-                    mTrace.lineAfter);
+            why = "; it was not rejected: no line says so, and the log goes on";
+        }
+        std::vector<uint64_t> lines = overlayLines();
+        if (!why.empty()) {
+            lines.push_back(mTrace.lineAfter);
         }
         add({Severity::Note, "overlay", "",
              fmt::format("which second document is merged is not proved: {}{}",
                          joined(results, ", or "), why),
              fmt::format("adb shell ls -l {} {}; {}", kCodecTestTool, kPrivateConfig,
                          pullAndCheck(kPrivateConfig)),
-             overlayLines()});
+             lines});
     }
 
     void describeNoCodecs() {
@@ -464,8 +475,10 @@ private:
                  "no-codecs",
                  "no codec component is named",
                  fmt::format("no document that was merged names a codec component, so every codec "
-                             "is enabled; every built-in document names some, so none was "
-                             "merged. Components asked {}",
+                             "is enabled{}. Components asked {}",
+                             mFacts.loads.isContradictory
+                                     ? ""
+                                     : "; every built-in document names some, so none was merged",
                              times(mTrace.noCodecs.count)),
                  fmt::format("{}; list the components in \"{}\"", pullAndCheck(kPrivateConfig),
                              targetSpecSupportedCodecs),
@@ -569,11 +582,12 @@ private:
                      "the library on the device may be of another version than this tool");
         }
         if (mTrace.cutCount != 0) {
-            addLines(mTrace.hasCutError ? Severity::Error : Severity::Note, "gaps",
-                     "the line of an error is cut",
+            addLines(mTrace.hasCutFault ? Severity::Error : Severity::Note, "gaps",
+                     "the line of a fault is cut",
                      fmt::format("{}: what is not in the log proves nothing here",
                                  counted(mTrace.cutCount, "cut line")),
-                     mTrace.cutLines, kLarger);
+                     mTrace.cutLines,
+                     "take the log again, into a file: adb logcat -d > logcat.txt");
         }
         if (mTrace.droppedLines != 0) {
             add({Severity::Note, "gaps", "",
@@ -585,7 +599,20 @@ private:
     }
 
     void describeLimits() {
-        if (mFacts.loads.isIncomplete) {
+        // The bit of the level word that lets the path through lets the dump through, too.
+        if (mFacts.loads.isUnfinished && mTrace.find(LineId::Parsing) != nullptr) {
+            add({Severity::Warning,
+                 "unfinished",
+                 "the load does not end",
+                 "the load does not end: its path is in the log, but not its dump. The process "
+                 "died while it loaded, or waits for a document that is a pipe, or the log was "
+                 "filtered",
+                 mTrace.firstPath().empty()
+                         ? "adb logcat -d -b crash"
+                         : fmt::format("adb logcat -d -b crash; adb shell ls -lZ {}",
+                                       mTrace.firstPath()),
+                 {lineOf(LineId::Parsing), mTrace.lineAfter}});
+        } else if (mFacts.loads.isIncomplete) {
             add({Severity::Note, "gaps", "",
                  "lines of this load are missing: what is not in the log proves nothing here",
                  "take the log again, without a filter: adb logcat -d"});

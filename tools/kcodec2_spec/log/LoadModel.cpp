@@ -277,7 +277,8 @@ bool isExcluded(const LoadKind& kind, std::span<const LoadEvent> events, const L
                           limits.canEnd[static_cast<size_t>(kind.overlay)] &&
                           (!isOpen || (kind.isSpecAccepted ? limits.canAccept : limits.canReject));
     // Every built-in document names codec components.
-    return !fitsTree || (limits.hasDumpEntries && !kind.isSpecAccepted) ||
+    return !fitsTree || (limits.hasNoCodecs && limits.hasDumpedCodecs) ||
+           (limits.hasDumpEntries && !kind.isSpecAccepted) ||
            (limits.hasNoCodecs && kind.overlay == OverlayResult::BuiltIn && !isBuiltInRejected) ||
            (!kind.hasVariant && std::any_of(events.begin(), events.end(), isPathOfVariant));
 }
@@ -320,10 +321,15 @@ PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& 
 PossibleLoads possibleLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
     PossibleLoads loads = collectLoads(events, limits);
     if (loads.isContradictory && !limits.hasGaps) {
+        LoadLimits stopped = limits;
+        stopped.isEndKnown = false;
+        const bool isUnfinished = limits.isEndKnown && !limits.hasNoCodecs &&
+                                  !collectLoads(events, stopped).isContradictory;
         LoadLimits withGaps = limits;
         withGaps.hasGaps = true;
         loads = collectLoads(events, withGaps);
         loads.isIncomplete = !loads.isContradictory;
+        loads.isUnfinished = isUnfinished;
     }
     return loads;
 }

@@ -368,10 +368,11 @@ void TraceCollector::addStrange(std::string_view text, uint64_t lineNumber, Load
     addShown(text, lineNumber, &trace->strangeLines, &trace->strangeCount);
 }
 
-void TraceCollector::addCut(std::string_view text, uint64_t lineNumber, bool isError,
+void TraceCollector::addCut(std::string_view text, uint64_t lineNumber, bool isFault,
                             LoadTrace* trace) {
-    trace->hasCutError |= isError;
-    addShown(text, lineNumber, &trace->cutLines, &trace->cutCount);
+    trace->hasCutFault |= isFault;
+    addShown(text.empty() ? "(nothing after the tag)" : text, lineNumber, &trace->cutLines,
+             &trace->cutCount);
 }
 
 void TraceCollector::addUnread(std::string_view text, uint64_t lineNumber) {
@@ -474,7 +475,8 @@ void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumb
 
 void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count) {
     const LogLine* row = rowOf(entry.tag, entry.text);
-    const CutText cut = row == nullptr ? matchCut(entry.tag, entry.text) : CutText();
+    const CutText cut =
+            row == nullptr ? matchCut(entry.tag, entry.priority, entry.text) : CutText();
     row = cut.row != nullptr ? cut.row : row;
     const auto known = mProcesses.find(entry.process);
     if (entry.tag.empty()) {
@@ -498,7 +500,7 @@ void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_
         return;
     }
     if (cut.isCut) {
-        addCut(entry.text, lineNumber, cut.isError && row == nullptr, &mTraces[process->trace]);
+        addCut(entry.text, lineNumber, cut.isFault && row == nullptr, &mTraces[process->trace]);
     }
     if (row != nullptr && isOfCall(row->id)) {
         addCall(row->id, entry, lineNumber, count, &mTraces[process->trace]);
@@ -542,7 +544,12 @@ void TraceCollector::addChatty(const LogEntry& entry, uint64_t lineNumber) {
     }
 }
 
-void TraceCollector::add(const LogEntry& entry, uint64_t lineNumber) {
+void TraceCollector::add(const LogEntry& line, uint64_t lineNumber) {
+    LogEntry entry = line;
+    // A mail or a terminal adds blanks; only blanks may be an entry of the dump.
+    if (const std::string_view text = withoutTrailing(entry.text, ' '); !text.empty()) {
+        entry.text = text;
+    }
     if (!entry.buffer.empty()) {
         beginBuffer(entry.buffer);
         return;
@@ -553,6 +560,8 @@ void TraceCollector::add(const LogEntry& entry, uint64_t lineNumber) {
         addChatty(entry, lineNumber);
     } else if (entry.tag.empty() || isOurTag(entry.tag)) {
         addOurs(entry, lineNumber, 1);
+    } else if (mentionsTag(entry.text)) {
+        addUnread(entry.text, lineNumber);  // Another tool has put its header in front.
     } else if (const auto other = mProcesses.find(entry.process); other != mProcesses.end()) {
         other->second.wasOurs = false;
     }

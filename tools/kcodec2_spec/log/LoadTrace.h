@@ -65,7 +65,7 @@ struct LoadTrace {
     uint64_t strangeCount = 0;
     std::map<std::string, uint64_t> cutLines;  // The first ones.
     uint64_t cutCount = 0;
-    bool hasCutError = false;   // One of them is of an error that nothing else shows.
+    bool hasCutFault = false;   // One of them is of a fault that nothing else shows.
     uint64_t droppedLines = 0;  // Which the device says it has dropped from its log.
     bool isTooLong = false;     // Not all of it was kept.
 
@@ -135,7 +135,7 @@ private:
     void addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process);
     static void addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace);
-    static void addCut(std::string_view text, uint64_t lineNumber, bool isError, LoadTrace* trace);
+    static void addCut(std::string_view text, uint64_t lineNumber, bool isFault, LoadTrace* trace);
     void addChatty(const LogEntry& entry, uint64_t lineNumber);
     void addUnread(std::string_view text, uint64_t lineNumber);
     void addEvent(LoadEvent event, const LogEntry& entry, Process* process);
