@@ -816,13 +816,30 @@ TEST_F(LogOfTreeTest, ADocumentThatIsNotThePhonesIsFound) {
     }
 }
 
+TEST_F(LogOfTreeTest, WhatTheTreeDisprovesIsSaidOnce) {
+    writeAt(kSpecOfTest, R"({"Video": {"Features": {"b": true}}})");
+    const std::string path = std::string("I KC2TargetSpec: Parsing system specs file from: ");
+    const std::string rejected =
+            beside(inLog({path + kSpecOfTest, kRejected, "I KC2TargetSpec: Video Core Features:"}));
+    EXPECT_NE(std::string::npos, rejected.find("the library accepts the tree's")) << rejected;
+    EXPECT_EQ(std::string::npos, rejected.find("the dump does not show")) << rejected;
+    const std::string failed =
+            run("log " + mTree.write("log", inLog({path + kSpecOfTest, kFalling})) + " --rootdir " +
+                mTree.path())
+                    .output;
+    EXPECT_NE(std::string::npos, failed.find("does not open on the phone")) << failed;
+    EXPECT_EQ(std::string::npos, failed.find("[line 0]")) << failed;
+}
+
 TEST_F(LogOfTreeTest, OnlyAFileThatIsInTheTreeDecides) {
     mTree.write("vendor/README", "");
     // Not pulled: nothing contradicts.
     EXPECT_EQ(std::string::npos, beside(inLog({kRejected})).find("contradiction"));
     EXPECT_EQ(std::string::npos, beside(inLog({kFailed, kFalling})).find("contradiction"));
-    // The line proves a private file, also where it is the only one.
-    EXPECT_NE(std::string::npos, beside(inLog({kNoCodecs})).find("but the tree has none"));
+    // The line proves a private file, also where it is the only one; perhaps nobody has pulled it.
+    const std::string noCodecs = beside(inLog({kNoCodecs}));
+    EXPECT_NE(std::string::npos, noCodecs.find("; the phone has a private file")) << noCodecs;
+    EXPECT_EQ(std::string::npos, noCodecs.find("contradiction")) << noCodecs;
     writeAt(kPrivate, R"({"Video": {"OptionalCodecs": ["c"]}})");
     EXPECT_NE(std::string::npos, beside(inLog({kNoCodecs})).find("json does"));
     // Either document by the log alone: the file in the tree is rejected, so it is the one.

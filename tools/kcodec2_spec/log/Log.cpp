@@ -220,7 +220,7 @@ private:
         printEscaped(
                 fmt::format("  {}: {}: [{}]", nameOf(first.severity), first.heading, first.topic));
         for (size_t i = 0; i < shown; ++i) {
-            printEscaped(fmt::format("      {}{}", group[i]->item, lineList(group[i]->lines)));
+            printEscaped(fmt::format("      {}{}", group[i]->text, lineList(group[i]->lines)));
             for (const uint64_t line : group[i]->lines) {
                 printPlace(line);
             }
@@ -282,7 +282,7 @@ private:
 std::string contentOf(const Diagnosis& diagnosis) {
     std::string content;
     for (const Conclusion& one : diagnosis.conclusions) {
-        content += fmt::format("{}: {}\n{}\n", nameOf(one.severity), one.text, one.advice);
+        content += fmt::format("{}: {}\n{}\n", nameOf(one.severity), one.fullText(), one.advice);
     }
     return content;
 }
@@ -331,7 +331,7 @@ Json::Value toJson(const Conclusion& conclusion) {
     Json::Value json;
     json["severity"] = nameOf(conclusion.severity);
     json["topic"] = conclusion.topic;
-    json["text"] = escapedLines(conclusion.text);
+    json["text"] = escapedLines(conclusion.fullText());
     json["advice"] = escapedLines(conclusion.advice);
     json["lines"] = toJson(conclusion.lines);
     return json;
@@ -376,7 +376,7 @@ Json::Value listOf(const Items& items) {
 
 Json::Value toJson(const Diagnosis& diagnosis) {
     const LoadTrace& trace = *diagnosis.trace;
-    const bool isAnyKnown = trace.hasLoad() || trace.noCodecs.count != 0;
+    const bool isAnyKnown = trace.isAnyKnown();
     Json::Value json;
     json["process"] = trace.process < 0 ? Json::Value() : Json::Value(trace.process);
     json["time"] = escaped(trace.firstTime);
@@ -406,28 +406,33 @@ void readLines(std::FILE* file, ReadLog* log) {
             log->collector.add(*entry, reader.lineNumber());
         }
     }
+    log->collector.end();
     log->lines = reader.lineNumber();
     log->failure = reader.isFailed() ? std::strerror(errno) : reader.whyNotText();
 }
 
+std::string unreadText(const SampledLines& unread, const char* why) {
+    const auto& [line, number] = unread.lines.front();
+    return fmt::format("{} {}. The first is line {}: {}", counted(unread.count, "line"), why,
+                       number, line);
+}
+
 // Why nothing can be said of a log without any line of a load; empty where that says something.
 std::string whyNotUnderstood(const ReadLog& log) {
-    if (log.collector.unreadCount() != 0 && log.collector.traces().empty()) {
-        return fmt::format(
-                "{} with a tag or a text of the library, but in no known format. The "
-                "first is line {}: {}",
-                counted(log.collector.unreadCount(), "line"), log.collector.firstUnreadLine(),
-                log.collector.firstUnread());
+    if (!log.collector.traces().empty()) {
+        return "";
     }
-    if (log.collector.traces().empty() && log.parser.knownLines() == 0) {
-        return log.parser.rawLines() == 0
-                       ? "the log is empty"
-                       : fmt::format(
-                                 "none of {} is in a format of logcat, so this log says "
-                                 "nothing about the library",
-                                 counted(log.lines, "line"));
+    if (log.collector.unread().count != 0) {
+        return unreadText(log.collector.unread(),
+                          "with a tag or a text of the library, but in no known format");
     }
-    return "";
+    return log.parser.knownLines() != 0 ? ""
+           : log.parser.rawLines() == 0
+                   ? "the log is empty"
+                   : fmt::format(
+                             "none of {} is in a format of logcat, so this log says nothing about "
+                             "the library",
+                             counted(log.lines, "line"));
 }
 
 std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOptions& options) {
@@ -435,7 +440,7 @@ std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOption
     for (const LoadTrace& trace : collector.traces()) {
         Diagnosis diagnosis = {&trace, factsOf(trace), {}, {}};
         std::vector<Conclusion> compared;
-        if (options.hasTree && (trace.hasLoad() || trace.noCodecs.count != 0)) {
+        if (options.hasTree && trace.isAnyKnown()) {
             PulledComparison pulled = comparePulled(trace, options.isVariantGiven);
             diagnosis.facts = std::move(pulled.facts);
             diagnosis.places = std::move(pulled.places);
@@ -468,12 +473,8 @@ ReadLog readLog(const std::string& path) {
 
 // What is left to say on standard error of a log that was read.
 void complainOf(const TraceCollector& collector) {
-    if (collector.unreadCount() != 0) {
-        complain(
-                fmt::format("{} with a text of the library cannot be read; the first is line {}: "
-                            "{}",
-                            counted(collector.unreadCount(), "line"), collector.firstUnreadLine(),
-                            collector.firstUnread()));
+    if (collector.unread().count != 0) {
+        complain(unreadText(collector.unread(), "with a text of the library cannot be read"));
     }
     if (collector.isTooLong()) {
         complain("the log is too long: not all of it is described");
