@@ -186,20 +186,20 @@ uint64_t nextSlots(const LoadKind& kind, uint64_t from, uint64_t targets, bool m
 }
 
 // A line, or the end, as the model sees it.
-struct Step {
+struct EventStep {
     uint64_t slots;
     bool mayMiss;  // Lines before it.
     size_t event;
 };
 
-void addSteps(const LoadEvent& event, size_t number, bool mayMiss, std::vector<Step>* steps) {
+void addSteps(const LoadEvent& event, size_t number, bool mayMiss, std::vector<EventStep>* steps) {
     constexpr uint64_t kMost = 5;  // One more than any load has.
     const uint64_t count = event.id == LineId::NoVariant ? std::min(event.count, kMost) : 1;
     steps->insert(steps->end(), count, {slotsOf(event), mayMiss, number});
 }
 
-std::vector<Step> stepsOf(std::span<const LoadEvent> events, const LoadLimits& limits) {
-    std::vector<Step> steps;
+std::vector<EventStep> stepsOf(std::span<const LoadEvent> events, const LoadLimits& limits) {
+    std::vector<EventStep> steps;
     for (size_t i = 0; i < events.size(); ++i) {
         addSteps(events[i], i, limits.hasGaps, &steps);
     }
@@ -210,10 +210,10 @@ std::vector<Step> stepsOf(std::span<const LoadEvent> events, const LoadLimits& l
 }
 
 // Which slots each step can have in a load of this kind; empty when it cannot be one.
-std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<Step>& steps) {
+std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<EventStep>& steps) {
     std::vector<uint64_t> slots;
     uint64_t from = slotBit(slot::Start);
-    for (const Step& step : steps) {
+    for (const EventStep& step : steps) {
         from = nextSlots(kind, from, step.slots, step.mayMiss);
         if (from == 0) {
             return {};
@@ -255,7 +255,7 @@ bool isExcluded(const LoadKind& kind, std::span<const LoadEvent> events, const L
 PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
     PossibleLoads loads;
     std::vector<uint64_t> slots(events.size() + 1, 0);  // Of each event, and the end.
-    const std::vector<Step> steps = stepsOf(events, limits);
+    const std::vector<EventStep> steps = stepsOf(events, limits);
     loads.isContradictory = true;
     for (const LoadKind& kind : loadKinds()) {
         if (isExcluded(kind, events, limits)) {
@@ -310,13 +310,13 @@ bool LoadPosition::follow(const LoadEvent& event) {
     }
     const bool hasVariant = mHasVariant || isPathOfVariant(event);
     const bool lacksVariant = mLacksVariant || event.id == LineId::NoVariant;
-    std::vector<Step> steps;
+    std::vector<EventStep> steps;
     addSteps(event, 0, true, &steps);
     std::vector<uint64_t> slots;
     for (size_t i = 0; i < loadKinds().size(); ++i) {
         const LoadKind& kind = loadKinds()[i];
         uint64_t here = mSlots.empty() ? slotBit(slot::Start) : mSlots[i];
-        for (const Step& step : steps) {
+        for (const EventStep& step : steps) {
             here = nextSlots(kind, here, step.slots, true);
         }
         slots.push_back((kind.hasVariant ? lacksVariant : hasVariant) ? 0 : here);
