@@ -30,6 +30,8 @@ LINEAR_LIMIT = 1.20  # Rise of the cost per entry from 1,000 entries on: the map
 LOAD_ENTRIES = 10000  # Of each document of the load that is checked.
 CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both parses.
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
+VARIANTS = (100, 400)  # Of the trees of many variants.
+VARIANTS_LIMIT = 4.4  # The cost of the second tree, as a multiple of the first.
 FINDINGS = 20000
 ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
 FINDING_LIMIT = 1024  # Bytes that the process has on the heap, for each of them.
@@ -210,10 +212,10 @@ def report_loads(names, instructions, scratch):
           f"(limit {limited('rise of the cost per entry', growth, LINEAR_LIMIT)}).")
 
 
-def count_check(scratch, *arguments):
-    """Instructions of the process that checks what the arguments name."""
+def count_tool(scratch, *arguments):
+    """Instructions of the tool with these arguments; it must not find an error."""
     errors = run("valgrind", "--tool=cachegrind", "--cache-sim=no",
-                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", "check", *arguments,
+                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", *arguments,
                  LD_LIBRARY_PATH=str(scratch)).stderr
     return int(re.search(r"I +refs: +([\d,]+)", errors)[1].replace(",", ""))
 
@@ -227,6 +229,21 @@ def write_load(root):
                            ("data/vendor/media/video_private_configs.json", other)):
         (root / path).parent.mkdir(parents=True)
         (root / path).write_text(document)
+
+
+def write_variants(root, count):
+    """A tree whose variants have equal loads, loads of their own, and no document, by turns."""
+    text = (ROOT / "examples/image/odm/etc/media_orvelle/video_system_specs.json").read_text()
+    for number in range(count):
+        path = root / f"odm/etc/media_orvelle_{number:04}/video_system_specs.json"
+        path.parent.mkdir(parents=True)
+        if number % 3 == 0:
+            path.symlink_to("nowhere.json")
+        elif number % 3 == 1:
+            path.write_text(text)
+        else:
+            path.write_text(text.replace('"Presets": {',
+                                         f'"Presets": {{"vendor_own_{number}": {number},'))
 
 
 def peak_of_check(name, scratch):
@@ -245,6 +262,7 @@ class Checks:
 
     LARGE = ("100000 entries", "100000 codecs", "100000 rows")
     MANY_FINDINGS = {"one line": "", "own lines": "\n"}
+    OF_VARIANTS = (("check", "--all-variants"), ("report", "--output", "/dev/null"))
 
     def __init__(self, pool, scratch):
         for name, separator in self.MANY_FINDINGS.items():
@@ -253,11 +271,17 @@ class Checks:
                        for number in range(FINDINGS))
             (scratch / "documents" / name).write_text(
                 f'{{"Video": {{"Presets": {{{",".join(members)}}}}}}}\n')
-        self._instructions = {name: pool.submit(count_check, scratch, scratch / "documents" / name)
+        self._instructions = {name: pool.submit(count_tool, scratch, "check",
+                                                scratch / "documents" / name)
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
         write_load(scratch / "load")
-        self._instructions["load"] = pool.submit(count_check, scratch, "--rootdir",
+        self._instructions["load"] = pool.submit(count_tool, scratch, "check", "--rootdir",
                                                  scratch / "load")
+        for count in VARIANTS:
+            write_variants(scratch / f"variants {count}", count)
+            for command in self.OF_VARIANTS:
+                self._instructions[f"{' '.join(command)} {count}"] = pool.submit(
+                    count_tool, scratch, *command, "--rootdir", scratch / f"variants {count}")
         self._peaks = [pool.submit(peak_of_check, name, scratch) for name in self.MANY_FINDINGS]
 
     def instructions(self, name):
@@ -281,6 +305,17 @@ def report_check(instructions, checks):
                  limited("check of a load", cost / parse, CHECK_LOAD_LIMIT)])
     table("kcodec2_spec check, the whole process, beside the parse",
           ["document", "check", "parse", "ratio", "limit"], rows)
+
+
+def report_variants(checks):
+    rows = []
+    for command in checks.OF_VARIANTS:
+        name = " ".join(command)
+        few, many = (checks.instructions(f"{name} {count}") for count in VARIANTS)
+        rows.append([name, few, many, f"{many / few:.3f}",
+                     limited(f"{name} of {VARIANTS[1]} variants", many / few, VARIANTS_LIMIT)])
+    table("kcodec2_spec, the whole process, of trees with many variants",
+          ["command", *(f"{count} variants" for count in VARIANTS), "ratio", "limit"], rows)
 
 
 def report_findings(checks):
@@ -380,6 +415,7 @@ def report_bench(build, scratch):
     report_operations(instructions, allocations)
     report_loads(names[:-2], instructions, scratch)
     report_check(instructions, checks)
+    report_variants(checks)
     report_findings(checks)
     report_rest(names[:-2], instructions, allocations)
 

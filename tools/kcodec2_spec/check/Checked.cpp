@@ -22,10 +22,14 @@ std::vector<const Document*> documentsOf(const Load& load) {
 }  // namespace
 
 Checked::Checked(const Document& alone, const KnownSettings& knownSettings)
-    : known(knownSettings), load(nullptr), documents({&alone}) {}
+    : known(knownSettings), load(nullptr), documents({&alone}), variantDocuments(nullptr) {}
 
-Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings)
-    : known(knownSettings), load(&ofLoad), documents(documentsOf(ofLoad)) {
+Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings,
+                 const std::vector<VariantDocument>* ofVariants)
+    : known(knownSettings),
+      load(&ofLoad),
+      documents(documentsOf(ofLoad)),
+      variantDocuments(ofVariants) {
     if (documents.size() == 2) {
         mMerged = merge(documents[0]->content, documents[1]->content);
     }

@@ -10,6 +10,7 @@
 #include "document/Document.h"
 #include "store/Load.h"
 #include "store/Merge.h"
+#include "store/TreeFiles.h"
 
 namespace kc2::tool {
 
@@ -18,11 +19,14 @@ class Checked {
 public:
     // The document must outlive this.
     Checked(const Document& alone, const KnownSettings& known);
-    Checked(const Load& load, const KnownSettings& known);
+    // `ofVariants` are those of the tree, for whoever checks many loads: each would list the tree.
+    Checked(const Load& load, const KnownSettings& known,
+            const std::vector<VariantDocument>* ofVariants = nullptr);
 
     const KnownSettings& known;
     const Load* const load;                        // Null for a document alone.
     const std::vector<const Document*> documents;  // In the order in which they are merged.
+    const std::vector<VariantDocument>* const variantDocuments;  // Null: not listed yet.
 
     bool isAlone() const { return load == nullptr; }
     // Whether a second document is merged, and written by somebody: not a built-in one.
