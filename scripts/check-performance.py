@@ -8,6 +8,7 @@ minutes; with --phone it looks at the phone's library alone.
 usage: check-performance.py [--phone] [DIRECTORY-FOR-DUMPS]
 """
 
+import json
 import os
 import re
 import subprocess
@@ -32,6 +33,8 @@ CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
 VARIANTS = (100, 400)  # Of the trees of many variants.
 VARIANTS_LIMIT = 4.4  # The cost of the second tree, as a multiple of the first.
+CHANGE_LIMIT = 4  # A change in an editor, as a multiple of the parse.
+CHANGE_ENTRIES = 1000
 FINDINGS = 20000
 ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
 FINDING_LIMIT = 1024  # Bytes that the process has on the heap, for each of them.
@@ -220,6 +223,45 @@ def count_tool(scratch, *arguments):
     return int(re.search(r"I +refs: +([\d,]+)", errors)[1].replace(",", ""))
 
 
+def session(text, changes):
+    """What an editor sends: a document, and changes of one character each with a request after it."""
+    uri = {"uri": "untitled:document"}
+    start = {"line": 0, "character": 0}
+    messages = [{"id": 1, "method": "initialize", "params": {}},
+                {"method": "textDocument/didOpen",
+                 "params": {"textDocument": {**uri, "version": 0, "text": text}}}]
+    for version in range(1, changes + 1):
+        change = {"range": {"start": start, "end": start}, "text": " "}
+        messages.append({"method": "textDocument/didChange",
+                         "params": {"textDocument": {**uri, "version": version},
+                                    "contentChanges": [change]}})
+        # Else the server would wait for the last change before it checks.
+        messages.append({"id": version, "method": "textDocument/documentSymbol",
+                         "params": {"textDocument": {"uri": "untitled:other"}}})
+    messages += [{"id": 1, "method": "shutdown"}, {"method": "exit"}]
+    texts = map(json.dumps, messages)
+    return "".join(f"Content-Length: {len(one)}\r\n\r\n{one}" for one in texts)
+
+
+def count_change(scratch):
+    """Instructions of one change of a document without findings, in a running server."""
+    # Each tenth entry is a row: they follow each other without a gap.
+    text = re.sub(r"\[(\d+)0, \d+, 500\]",
+                  lambda row: f"[{int(row[1]) // 10}, {int(row[1]) // 10 + 1}, 500]",
+                  generated(CHANGE_ENTRIES))
+    counts = []
+    for changes in (10, 60):
+        result = subprocess.run(
+            ("valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
+             scratch / "kcodec2_spec", "lsp"), input=session(text, changes), capture_output=True,
+            text=True, check=True, env={**os.environ, "LD_LIBRARY_PATH": str(scratch)})
+        published = re.findall(r'"diagnostics":(.)(.)', result.stdout)
+        if published != [("[", "]")] * (changes + 1):
+            sys.exit(f"The server has found something, or not checked each change: {published}")
+        counts.append(int(re.search(r"I +refs: +([\d,]+)", result.stderr)[1].replace(",", "")))
+    return (counts[1] - counts[0]) // 50
+
+
 def write_load(root):
     """A device whose two documents have LOAD_ENTRIES entries each, and nothing in common."""
     text = generated(LOAD_ENTRIES).replace(".low_latency", "")
@@ -282,6 +324,7 @@ class Checks:
             for command in self.OF_VARIANTS:
                 self._instructions[f"{' '.join(command)} {count}"] = pool.submit(
                     count_tool, scratch, *command, "--rootdir", scratch / f"variants {count}")
+        self._instructions["change"] = pool.submit(count_change, scratch)
         self._peaks = [pool.submit(peak_of_check, name, scratch) for name in self.MANY_FINDINGS]
 
     def instructions(self, name):
@@ -303,6 +346,10 @@ def report_check(instructions, checks):
     parse = 2 * instructions[f"load {LOAD_ENTRIES} entries/floor"]
     rows.append([f"a load, 2 x {LOAD_ENTRIES} entries", cost, parse, f"{cost / parse:.3f}",
                  limited("check of a load", cost / parse, CHECK_LOAD_LIMIT)])
+    cost = checks.instructions("change")
+    parse = instructions[f"load {CHANGE_ENTRIES} entries/floor"]
+    rows.append([f"lsp: a change in {CHANGE_ENTRIES} entries", cost, parse, f"{cost / parse:.3f}",
+                 limited("a change in an editor", cost / parse, CHANGE_LIMIT)])
     table("kcodec2_spec check, the whole process, beside the parse",
           ["document", "check", "parse", "ratio", "limit"], rows)
 
