@@ -74,8 +74,10 @@ bool isAbsent(const std::string& path) {
 }
 
 void reportNoDocument(const Load& load, Report* report) {
-    const std::set<std::string> variants = variantsInTree();
-    if (!load.isVariantSet() && !hasDocumentWithoutVariant() && !variants.empty()) {
+    // With many variants it is too much to list the tree for each.
+    const bool mayNeedVariant = !load.isVariantSet() && !hasDocumentWithoutVariant();
+    const auto variants = mayNeedVariant ? variantsInTree() : std::set<std::string>();
+    if (!variants.empty()) {
         report->addForFile(
                 "variant-needed", specPathOf(load),
                 fmt::format("the variant is not set, and every system spec document is for a "
