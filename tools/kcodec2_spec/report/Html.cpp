@@ -54,7 +54,9 @@ std::string htmlOfName(std::string_view name) {
         ++unbroken;
         const bool isEnd = i + 1 == text.size();
         const bool isInside = !isEnd && (static_cast<unsigned char>(text[i + 1]) & 0xC0U) == 0x80U;
-        const bool isBreak = text[i] == '_' && !isEnd && text[i + 1] != '_';
+        const bool isInPath = text[i] == '/' && i != 0 && text[i - 1] != ' ';
+        const bool isMark = text[i] == '_' || isInPath;
+        const bool isBreak = isMark && !isEnd && text[i + 1] != text[i];
         if (isBreak || (unbroken >= kMostUnbroken && !isEnd && !isInside)) {
             result += "<wbr>";
             unbroken = 0;
