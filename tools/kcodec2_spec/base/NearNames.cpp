@@ -2,8 +2,6 @@
 
 #include "base/NearNames.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <bit>
 #include <iterator>
@@ -124,6 +122,15 @@ bool isExchanged(std::string_view a, std::string_view b) {
     return a.size() == 2 && b.size() == 2 && a[0] == b[1] && a[1] == b[0];
 }
 
+// The digits that look like no letter.
+std::string plainDigits(std::string_view name) {
+    std::string digits;
+    for (const char c : name) {
+        digits += isDigit(letterLike(c)) ? std::string_view(&c, 1) : std::string_view();
+    }
+    return digits;
+}
+
 bool isVowel(char c) {
     return c == 'a' || c == 'e' || c == 'i' || c == 'o' || c == 'u';
 }
@@ -169,6 +176,9 @@ size_t leftOver(std::string_view a, std::string_view b) {
 // What each byte adds to a shape: the bit of the letter or digit that it is read as.
 constexpr uint64_t kLetters = (uint64_t{1} << 26) - 1;
 constexpr uint64_t kDigits = ((uint64_t{1} << 10) - 1) << 26;
+constexpr size_t digitSet(uint64_t bits) {
+    return static_cast<size_t>((bits & kDigits) >> 26);
+}
 constexpr uint64_t kNotAscii = uint64_t{1} << 63;
 
 constexpr std::array<uint64_t, 256> kShapeBits = [] {
@@ -225,10 +235,18 @@ bool hasPrivatePrefix(std::string_view name) {
 NearNames::Reading::Reading(NameKind kind, std::string_view name) {
     letters = squashed(readAs(name));
     for (std::string& text : split(readAs(withWords(name)), '_')) {
-        words.push_back({std::move(text), {}});
+        words.push_back({.text = std::move(text)});
     }
-    for (Word& word : words) {
-        word.form = commonForm(kind, word.text);
+    for (size_t i = 1; i < words.size(); ++i) {
+        pairs.push_back({.text = words[i - 1].text + words[i].text});
+    }
+    for (std::vector<Word>* const list : {&words, &pairs}) {
+        for (Word& word : *list) {
+            word.form = commonForm(kind, word.text);
+            word.bits = bitsOf(word.text);
+        }
+    }
+    for (const Word& word : words) {
         sortedForms.push_back(word.form);
     }
     std::sort(sortedForms.begin(), sortedForms.end());
@@ -242,29 +260,26 @@ NearNames::Reading::Reading(NameKind kind, std::string_view name) {
                     (!hasPrivate || words[hasDebug ? 1 : 0].text == kPrivateWord);
 }
 
+uint64_t NearNames::bitsOf(std::string_view name) {
+    uint64_t bits = 0;
+    for (const char c : name) {
+        bits |= kShapeBits[static_cast<unsigned char>(c)];
+    }
+    return (bits & kNotAscii) == 0 ? bits : bitsOf(readAs(name));
+}
+
 NearNames::Shape NearNames::shapeOf(std::string_view name) {
-    constexpr uint64_t kBesidesFirst = ~uint64_t{0} >> 4;  // Room for a digit more.
     Shape shape;
     for (const char c : name) {
         const uint64_t bit = kShapeBits[static_cast<unsigned char>(c)];
         shape.bits |= bit;
         shape.characters += bit != 0 ? 1 : 0;
-        if ((bit & kDigits) != 0) {
-            shape.digits = ((shape.digits & kBesidesFirst) << 4) | static_cast<uint64_t>(c - '0');
-        }
     }
     return (shape.bits & kNotAscii) == 0 ? shape : shapeOf(readAs(name));
 }
 
-bool NearNames::isNear(const Shape& a, const Shape& b) {
-    constexpr int kMostBits = 2 * kMostLetters;
-    const uint64_t difference = a.bits ^ b.bits;
-    return (difference & ~kLetters) == 0 && std::popcount(difference) <= kMostBits;
-}
-
 NearNames::Words NearNames::bodyOf(const Reading& reading) {
-    const Word* const begin = reading.words.data();
-    return {begin + reading.prefixWords(), begin + reading.words.size()};
+    return {&reading, reading.prefixWords(), reading.words.size()};
 }
 
 // --- The known names ---
@@ -275,24 +290,27 @@ void NearNames::addShape(const Shape& shape, const Known& known) {
     }
 }
 
-// The digits of the name, also without one of its words' or with those of one that means the same.
+// The digits of the name, also without one of its words or with one that means the same.
 void NearNames::addDigits(const Reading& reading) {
     const auto add = [&](size_t at, std::string_view instead) {
-        std::string text;
+        std::string digits;
         for (size_t i = 0; i < reading.words.size(); ++i) {
-            text += i == at ? instead : std::string_view(reading.words[i].text);
+            digits += plainDigits(i == at ? instead : reading.words[i].text);
         }
-        const uint64_t digits = shapeOf(text).digits;
         const auto place = std::lower_bound(mDigits.begin(), mDigits.end(), digits);
         if (place == mDigits.end() || *place != digits) {
-            mDigits.insert(place, digits);
+            mDigitSets.set(digitSet(bitsOf(digits)));
+            mDigits.insert(place, std::move(digits));
         }
     };
-    for (size_t i = 0; i < reading.words.size(); ++i) {
-        add(i, "");
-        add(i, reading.words[i].text);
-        for (const std::string& word : split(wordsLike(mKind, reading.words[i].form), ' ')) {
-            add(i, word);
+    for (size_t at = 0; at < reading.words.size(); ++at) {
+        const Word& word = reading.words[at];
+        add(at, "");
+        add(at, word.text);
+        for (const std::string& instead : split(wordsLike(mKind, word.form), ' ')) {
+            if ((bitsOf(instead) & kDigits) != 0) {
+                add(at, instead);
+            }
         }
     }
 }
@@ -303,16 +321,14 @@ void NearNames::add(Entry entry) {
     mByName.emplace(known.entry.name, &known);
     addShape(known.shape, known);
     addDigits(known.reading);
-    const std::string_view letters = known.reading.letters;
     if (mKind == NameKind::Setting) {
         std::string body;
         for (const Word& word : bodyOf(known.reading)) {
             body += word.text;
         }
         addShape(shapeOf(body), known);
-        addShape(shapeOf(fmt::format("debug{}", letters)), known);
     }
-    std::string start(letters.substr(0, kStart));
+    std::string start = known.reading.letters.substr(0, kStart);
     if (!isOneOf(start, mStarts)) {
         mStarts.push_back(std::move(start));
     }
@@ -348,29 +364,29 @@ int NearNames::wordCost(std::string_view word, std::string_view known) const {
 }
 
 int NearNames::costOfWord(const Word& word, const Word& known) const {
+    constexpr int kMostBits = 2 * kMostLetters;
     if (word.form == known.form) {
         return word.text == known.text ? 0 : kSameMeaning;
     }
-    if (isOtherWord(word.text)) {
+    // What is shortened or has the same stem begins with the same letter.
+    if (word.isOther ||
+        (word.text[0] != known.text[0] && std::popcount(word.bits ^ known.bits) > kMostBits)) {
         return kUnlike;
     }
     // A shortened word may also be this one without a letter: en is enable, or enc misspelt.
     const int cost = wordCost(word.text, known.text);
-    return isOtherWord(word.form) && cost > kLetter ? kUnlike : cost;
+    return word.isFormOther && cost > kLetter ? kUnlike : cost;
 }
 
 // Of two words that may be one in the other name.
-int NearNames::costOfJoined(const Word* words, const Word& whole) const {
+int NearNames::costOfPair(const Word& pair, const Word& whole) {
     constexpr size_t kShortest = 6;  // Below it, the two words may be anything.
-    const std::string joined = words[0].text + words[1].text;
-    if (joined == whole.text) {
-        return 0;
+    if (pair.form == whole.form) {
+        return pair.text == whole.text ? 0 : kSameMeaning;
     }
-    if (commonForm(mKind, joined) == whole.form) {
-        return kSameMeaning;
-    }
-    const bool isNearly = joined.size() >= kShortest && hasSameDigits(joined, whole.text) &&
-                          letterMistakes(joined, whole.text) <= 1;
+    const bool isNearly =
+            pair.text.size() >= kShortest && std::popcount(pair.bits ^ whole.bits) <= 2 &&
+            hasSameDigits(pair.text, whole.text) && letterMistakes(pair.text, whole.text) <= 1;
     return isNearly ? kLetter : kUnlike;
 }
 
@@ -394,14 +410,14 @@ int NearNames::costOfWords(Words read, Words known) const {
             const auto reach = [&](size_t a, size_t b, int more) {
                 costs[a][b] = std::min(costs[a][b], cost + more);
             };
-            const Word* const word = read.first + i;
-            const Word* const other = known.first + j;
-            reach(i + 1, j + 1, costOfWord(*word, *other));
+            const Word& word = read.begin()[i];
+            const Word& other = known.begin()[j];
+            reach(i + 1, j + 1, costOfWord(word, other));
             if (j + 2 <= known.size()) {
-                reach(i + 1, j + 2, costOfJoined(other, *word));
+                reach(i + 1, j + 2, costOfPair(known.reading->pairs[known.first + j], word));
             }
             if (i + 2 <= read.size()) {
-                reach(i + 2, j + 1, costOfJoined(word, *other));
+                reach(i + 2, j + 1, costOfPair(read.reading->pairs[read.first + i], other));
             }
         }
     }
@@ -436,11 +452,11 @@ NearNames::Distance NearNames::distanceOfBodies(Words read, Words known) const {
         cost = a.form == b.form && a.text != b.text ? kSameMeaning : cost;
         return a.form == b.form;
     };
-    while (!read.isEmpty() && !known.isEmpty() && isSame(*read.first, *known.first)) {
+    while (!read.isEmpty() && !known.isEmpty() && isSame(*read.begin(), *known.begin())) {
         ++read.first;
         ++known.first;
     }
-    while (!read.isEmpty() && !known.isEmpty() && isSame(read.limit[-1], known.limit[-1])) {
+    while (!read.isEmpty() && !known.isEmpty() && isSame(read.end()[-1], known.end()[-1])) {
         --read.limit;
         --known.limit;
     }
@@ -450,7 +466,7 @@ NearNames::Distance NearNames::distanceOfBodies(Words read, Words known) const {
     }
     if (known.isEmpty() && read.size() == 1) {  // A word twice.
         const bool isTwice =
-                read.first != whole[0].first && read.first[-1].text == read.first->text;
+                read.first != whole[0].first && read.begin()[-1].text == read.begin()->text;
         return {isTwice ? cost + kLetter : kUnlike};
     }
     return {cost + costOfWords(read, known)};
@@ -493,12 +509,12 @@ NearNames::Distance NearNames::distanceOf(const Reading& read, const Reading& kn
         distance = {distance.cost + body.cost, body.lacksWord};
     }
     // A separator may be missing, too; with known words only, it is another name.
-    const bool isJoined =
-            distance.cost > kLetter && read.words.size() < known.words.size() &&
-            std::any_of(read.words.begin(), read.words.end(),
-                        [&](const Word& word) { return mWords.count(word.text) == 0; }) &&
-            hasSameDigits(read.letters, known.letters) &&
-            letterMistakes(read.letters, known.letters) <= 1;
+    const bool isJoined = distance.cost > kLetter && read.words.size() < known.words.size() &&
+                          letterMistakes(read.letters, known.letters) <= 1 &&
+                          hasSameDigits(read.letters, known.letters) &&
+                          std::any_of(read.words.begin(), read.words.end(), [&](const Word& word) {
+                              return mWords.count(word.text) == 0;
+                          });
     return isJoined && !distance.lacksWord ? Distance{kLetter} : distance;
 }
 
@@ -518,7 +534,7 @@ bool NearNames::isCertain(const Reading& read, const Reading& known) {
 struct NearNames::Search {
     std::string_view name;
     std::string_view group;
-    Shape shape;
+    uint64_t bits;                     // Of its shape.
     std::optional<Reading> read = {};  // Most names are near none.
     const Known* best = nullptr;
     const Known* other = nullptr;
@@ -530,11 +546,11 @@ struct NearNames::Search {
 void NearNames::compare(Search* search, const Known& known) const {
     constexpr int kMostOtherLetters = 6;  // A word that is written out has some more.
     if (&known == search->best || &known == search->other ||
-        std::popcount(search->shape.bits & ~known.shape.bits & kLetters) > kMostOtherLetters) {
+        std::popcount(search->bits & ~known.shape.bits & kLetters) > kMostOtherLetters) {
         return;
     }
     if (!search->read) {
-        search->read.emplace(mKind, search->name);
+        search->read.emplace(readingOf(search->name));
     }
     const Distance distance = distanceOf(*search->read, known.reading);
     if (distance.cost > kMostCost) {
@@ -557,16 +573,25 @@ void NearNames::compare(Search* search, const Known& known) const {
     search->isUnsure = search->isUnsure || isTie;
 }
 
-bool NearNames::mayBeNear(const Shape& shape) const {
-    return std::binary_search(mDigits.begin(), mDigits.end(), shape.digits);
+NearNames::Reading NearNames::readingOf(std::string_view name) const {
+    Reading reading(mKind, name);
+    for (Word& word : reading.words) {
+        word.isOther = isOtherWord(word.text);
+        word.isFormOther = isOtherWord(word.form);
+    }
+    return reading;
 }
 
-// Whether it begins about as a known name, so that words may be missing or shortened. Others may
-// only lack the prefix.
+// Whether it begins about as a known name. Others can only look the same, have the same words in
+// another order, or lack the prefix: they have the same letters.
 bool NearNames::isComparedWithAll(std::string_view name) const {
     constexpr size_t kLooked = 4;
     constexpr int kEnough = 3;
-    const std::string start = squashed(readAs(name.substr(0, 2 * kLooked))).substr(0, kLooked);
+    std::string start;
+    for (size_t i = 0; i < name.size() && start.size() < kLooked; ++i) {
+        const char c = letterLike(inSmallLetters(name[i]));
+        start += isSeparator(c) ? std::string_view() : std::string_view(&c, 1);
+    }
     return mKind == NameKind::Component ||
            std::any_of(mStarts.begin(), mStarts.end(), [&](const std::string& known) {
                return std::count_if(start.begin(), start.end(), [&](char c) {
@@ -576,25 +601,28 @@ bool NearNames::isComparedWithAll(std::string_view name) const {
 }
 
 NearNames::Match NearNames::find(std::string_view name, std::string_view group) const {
-    Search search = {.name = name, .group = group, .shape = shapeOf(name)};
-    if (!mayBeNear(search.shape)) {
+    constexpr size_t kLongest = 200;  // Nobody writes a longer name by mistake.
+    Search search = {.name = name, .group = group, .bits = bitsOf(name)};
+    if (!mDigitSets.test(digitSet(search.bits))) {
         return {};
     }
     if (const auto exact = mByName.find(name); exact != mByName.end()) {
         return {.entry = &exact->second->entry, .isExact = true, .isCertain = true};
+    }
+    if (name.size() > kLongest ||
+        !std::binary_search(mDigits.begin(), mDigits.end(), plainDigits(name))) {
+        return {};
     }
     if (isComparedWithAll(name)) {
         for (const Known& known : mKnown) {
             compare(&search, known);
         }
     } else {
-        const size_t characters = search.shape.characters;
-        const size_t limit = std::min(characters + kMostLetters + 1, mByCharacters.size());
-        for (size_t i = characters - std::min<size_t>(characters, kMostLetters); i < limit; ++i) {
-            for (const Candidate& candidate : mByCharacters[i]) {
-                if (isNear(candidate.shape, search.shape)) {
-                    compare(&search, *candidate.known);
-                }
+        const Shape shape = shapeOf(name);
+        for (const Candidate& candidate :
+             mByCharacters[std::min(shape.characters, kMostCharacters - 1)]) {
+            if (candidate.shape.bits == shape.bits) {
+                compare(&search, *candidate.known);
             }
         }
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -51,33 +52,36 @@ public:
     // third of it.
     const Entry* closest(std::string_view name) const;
 
-    // The first known name that has each word of `name`, or one that means the same; null when there
-    // is none.
+    // The first known name that has each word of `name`, or one that means the same; null when
+    // there is none.
     const Entry* withWordsOf(std::string_view name) const;
 
 private:
     // A name without order and separators.
     struct Shape {
         size_t characters = 0;
-        uint64_t bits = 0;    // Of the letters and digits that it has.
-        uint64_t digits = 0;  // The digits that look like no letter, four bits each.
+        uint64_t bits = 0;  // Of the letters and digits that it has.
     };
 
     struct Word {
         std::string text;
-        std::string_view form;  // What stands for all words that mean the same.
+        std::string_view form = {};  // What stands for all words that mean the same.
+        uint64_t bits = 0;           // Of its shape.
+        bool isOther = false;        // It exists, so it is no other word misspelt.
+        bool isFormOther = false;
     };
 
     // A name as it is compared.
     struct Reading {
         Reading(NameKind kind, std::string_view name);
-        Reading(Reading&&) = default;  // The forms are in the words, or constant.
+        Reading(Reading&&) = default;  // What the forms point to stays.
         Reading(const Reading&) = delete;
 
         size_t prefixWords() const { return (hasDebug ? 1 : 0) + (hasPrivate ? 1 : 0); }
 
         std::string letters;  // And digits, without separators.
         std::vector<Word> words;
+        std::vector<Word> pairs;  // Two words as one.
         std::vector<std::string_view> sortedForms;
         bool hasDebug = false;  // Its first words are debug and private, perhaps misspelt.
         bool hasPrivate = false;
@@ -106,24 +110,26 @@ private:
 
     struct Search;
     struct Words {
-        const Word* first;
-        const Word* limit;
+        const Reading* reading;
+        size_t first;
+        size_t limit;
 
-        const Word* begin() const { return first; }
-        const Word* end() const { return limit; }
-        size_t size() const { return static_cast<size_t>(limit - first); }
+        const Word* begin() const { return reading->words.data() + first; }
+        const Word* end() const { return reading->words.data() + limit; }
+        size_t size() const { return limit - first; }
         bool isEmpty() const { return first == limit; }
     };
 
     static constexpr size_t kMostCharacters = 80;
+    static constexpr size_t kDigitSets = size_t{1} << 10;
 
     static Shape shapeOf(std::string_view name);
-    static bool isNear(const Shape& a, const Shape& b);
     static size_t commonWords(Words read, Words known);
     static Words bodyOf(const Reading& reading);  // Without its prefix.
     void addShape(const Shape& shape, const Known& known);
     void addDigits(const Reading& reading);
-    bool mayBeNear(const Shape& shape) const;
+    static uint64_t bitsOf(std::string_view name);
+    Reading readingOf(std::string_view name) const;
     bool isComparedWithAll(std::string_view name) const;
     void compare(Search* search, const Known& known) const;
     bool isOtherWord(std::string_view word) const;
@@ -132,7 +138,7 @@ private:
     static bool isCertain(const Reading& read, const Reading& known);
     int wordCost(std::string_view word, std::string_view known) const;
     int costOfWord(const Word& word, const Word& known) const;
-    int costOfJoined(const Word* words, const Word& whole) const;
+    static int costOfPair(const Word& pair, const Word& whole);
     int costOfWords(Words read, Words known) const;
     bool isEnough(Words read, Words known) const;
     Distance distanceOfBodies(Words read, Words known) const;
@@ -143,7 +149,8 @@ private:
     std::unordered_map<std::string_view, const Known*> mByName;
     std::unordered_set<std::string_view> mWords;  // That known names are made of.
     std::vector<std::string> mStarts;             // The first letters of known names.
-    std::vector<uint64_t> mDigits;                // Of names that may be near, sorted.
+    std::vector<std::string> mDigits;             // Of names that may be near, sorted.
+    std::bitset<kDigitSets> mDigitSets;           // Which digits such names have.
     std::array<std::vector<Candidate>, kMostCharacters> mByCharacters;
 };
 

@@ -91,14 +91,14 @@ constexpr std::string_view kSettingWords[] = {
 
 constexpr std::string_view kComponentWords[] = {
         "av1 av01 aom aomedia aomav1 av1video",
-        "avc h264 x264 avc1 avc3 h264avc avch264 mpeg4avc mpeg4h264 mpeg4part10 avch",
+        "avc h264 x264 avc1 h264avc avch264 mpeg4avc avch",
         "c2 codec2 omx",
         "cq cqmode constantquality",
         "decoder dec decode decoders decoding dcdr vdec",
         "encoder enc encode encoders encoding ecdr encdr venc",
         "hdr hdrmode",
         "heic heics",
-        "hevc h265 x265 hvc1 hev1 h265hevc hevch265 mpeghhevc mpeg4hevc mpegh mpeghpart2",
+        "hevc h265 x265 hvc1 hev1 h265hevc hevch265 mpeghhevc mpeg4hevc mpegh",
         "latency lat delay",
         "lowlatency ll lowlat lowdelay",
         "mvhevc mvh265 mvhvc1 hevcmv h265mv",
