@@ -188,17 +188,15 @@ private:
                     break;
             }
         }
-        mCheck.rootDirectory = mCheck.fix == tool::FixMode::None ? "" : mTree.root();
+        mCheck.fixLimits.rootDirectory = mCheck.fix == tool::FixMode::None ? "" : mTree.root();
     }
 
     int runCheck() const {
         if (mMode == Mode::Files) {
             return tool::checkFiles(mTree.files(), mCheck);
         }
-        // --fix cannot be combined with --all-variants.
-        return mMode == Mode::EachVariant && mCheck.fix == tool::FixMode::None
-                       ? tool::checkEachVariant(mCheck)
-                       : tool::checkDevice(mCheck);
+        return mMode == Mode::EachVariant ? tool::checkEachVariant(mCheck)
+                                          : tool::checkDevice(mCheck);
     }
 
     void requireFit(const Printed& printed) const {

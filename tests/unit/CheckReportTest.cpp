@@ -4,6 +4,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -231,10 +232,10 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
     EXPECT_EQ(1, shown.exitCode);
     EXPECT_EQ(kFixable, readFile(path));
     scratch.write("patched.json", kFixable);
-    EXPECT_EQ(0, std::system(("cd " + scratch.path() +
-                              " && sed -i 's/\\\\xEF\\\\xBB\\\\xBF/\xEF\xBB\xBF/' "
-                              "diff && patch --binary -s patched.json diff")
-                                     .c_str()));
+    EXPECT_EQ(
+            0,
+            std::system(
+                    ("cd " + scratch.path() + " && patch --binary -s patched.json diff").c_str()));
     EXPECT_EQ(kFixed, readFile(scratch.path() + "/patched.json"));
 
     EXPECT_EQ(0, run("check --fix " + link).exitCode);
@@ -274,6 +275,76 @@ TEST(CheckReportTest, FixStaysInsideTheRootDirectory) {
     }
     EXPECT_EQ(kFixable, readFile(outside));
     EXPECT_EQ(2, run("check --dry-run " + outside).exitCode);
+}
+
+// The private file is the same for each variant.
+TEST(CheckReportTest, FixWithAllVariantsFixesEachFileOnce) {
+    const ScratchDirectory scratch;
+    const char* const names[] = {"odm/etc/media_a/video_system_specs.json",
+                                 "vendor/etc/media_b/video_system_specs.json",
+                                 "data/vendor/media/video_private_configs.json"};
+    for (const char* const name : names) {
+        scratch.write(name, kFixable);
+    }
+    const std::string command = "check --all-variants --disable tree --rootdir " + scratch.path();
+    const std::string diff = run(command + " --fix --dry-run").output;
+    const std::string fixed = run(command + " --fix").output;
+    for (const char* const name : names) {
+        EXPECT_EQ(kFixed, readFile(scratch.path() + "/" + name));
+        const std::string path = scratch.path() + "/" + name;
+        EXPECT_EQ(1U, countOf("--- " + path + "\n", diff)) << diff;
+        EXPECT_EQ(1U, countOf(path + ": fixed\n", fixed)) << fixed;
+    }
+}
+
+// "user.kept", as somebody may have set it; empty where there is none.
+std::string attributeOf(const std::string& path) {
+    char value[16];
+    const ssize_t size = getxattr(path.c_str(), "user.kept", value, sizeof value);
+    return std::string(value, size > 0 ? static_cast<size_t>(size) : 0);
+}
+
+TEST(CheckReportTest, FixNeedsForceForLinkedAndReadOnlyFiles) {
+    namespace fs = std::filesystem;
+    const ScratchDirectory scratch;
+    const std::string linked = scratch.write("linked.json", kFixable);
+    const std::string other = scratch.path() + "/other.json";
+    const std::string readOnly = scratch.write("read-only.json", kFixable);
+    fs::create_hard_link(linked, other);
+    ASSERT_EQ(0, chmod(readOnly.c_str(), 0444));
+    const bool hasAttributes = setxattr(readOnly.c_str(), "user.kept", "value", 5, 0) == 0;
+    for (const std::string option : {"", " --dry-run"}) {
+        expectAnswers("check --fix" + option,
+                      {{" " + linked, 2, "not fixed: it has 2 hard links, and the others would"},
+                       {" " + readOnly, 2, "not fixed: it is read-only; --force fixes it"}});
+    }
+    EXPECT_EQ(kFixable, readFile(linked));
+    EXPECT_EQ(kFixable, readFile(readOnly));
+
+    EXPECT_EQ(0, run("check --fix --force " + linked + " " + readOnly).exitCode);
+    EXPECT_EQ(kFixed, readFile(linked));
+    EXPECT_EQ(kFixable, readFile(other));
+    EXPECT_EQ(kFixed, readFile(readOnly));
+    EXPECT_EQ("444", modeOf(readOnly));
+    EXPECT_EQ(hasAttributes ? "value" : "", attributeOf(readOnly));
+}
+
+TEST(CheckReportTest, PatchAppliesTheDiffOfAnyName) {
+    const ScratchDirectory scratch;
+    for (const std::string name :
+         {"plain.json", "with blanks .json", "a\tb.json", "q\"\\.json", "\xC3\xA4 \xE9.json"}) {
+        const std::string path = scratch.write(name, kFixable);
+        const Result shown =
+                run("check --fix --dry-run '" + path + "' > " + scratch.path() + "/diff");
+        EXPECT_EQ(1, shown.exitCode) << name;
+        // patch refuses names from the root.
+        const size_t levels = static_cast<size_t>(std::count(path.begin(), path.end(), '/'));
+        EXPECT_EQ(0, std::system(("cd " + scratch.path() + " && patch --binary -s -p" +
+                                  std::to_string(levels) + " < diff")
+                                         .c_str()))
+                << name;
+        EXPECT_EQ(kFixed, readFile(path)) << name;
+    }
 }
 
 // --- On a terminal ---

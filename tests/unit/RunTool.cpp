@@ -96,6 +96,14 @@ Json::Value parsed(const std::string& text) {
     return json;
 }
 
+size_t countOf(const std::string& part, const std::string& text) {
+    size_t count = 0;
+    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
+        ++count;
+    }
+    return count;
+}
+
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream stream(path);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

@@ -39,6 +39,9 @@ Result runOnTerminal(const std::string& arguments, unsigned short columns,
 // The JSON that a command has printed; fails the test when it is not JSON.
 Json::Value parsed(const std::string& text);
 
+// How often a part is in a text.
+size_t countOf(const std::string& part, const std::string& text);
+
 std::string readFile(const std::filesystem::path& path);
 
 // Compares `text` with tests/unit/check/expected/`name`. If they differ, the failure names a file

@@ -44,14 +44,6 @@ private:
     ScratchDirectory mScratch;
 };
 
-size_t countOf(const std::string& part, const std::string& text) {
-    size_t count = 0;
-    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
-        ++count;
-    }
-    return count;
-}
-
 TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
     const Tree tree;
     for (const char* const path :
@@ -78,8 +70,7 @@ TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
                  "/media_a/Video_system_specs.json:1:1: warning: nothing reads this file: a system "
                  "spec document is called video_system_specs.json [document-unselectable]",
                  "video_private_config.json:1:1: warning: nothing reads this file: the private "
-                 "file "
-                 "is called video_private_configs.json (every variant) [private-file-name]",
+                 "file is called video_private_configs.json [private-file-name]",
                  "/vendor/etc/media/video_system_specs.json:1:1: warning: others may not read this "
                  "file (mode bit o+r), so a media service cannot (no variant) [mode]",
                  "/odm/etc/media_umbrella:1:1: warning: others may not search this directory",
@@ -155,8 +146,8 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
                     {"examples/device", 2, "For a device tree write --rootdir examples/device"},
                     {"- < examples/device/vendor/etc/media/video_system_specs.json", 0, "0 errors"},
                     {"- < tests/unit/check/syntax-comma.json", 1, "standard input:5:23: error"},
-                    {"--all-variants --fix --rootdir examples/device", 2,
-                     "--fix and --all-variants cannot be used together"},
+                    {"--all-variants --fix", 2, "--fix needs FILE or --rootdir"},
+                    {"--rootdir examples/device --force", 2, "--force requires --fix"},
             });
     const Result fine =
             run("check --werror --all-variants --rootdir examples/device --dirmap "

@@ -6,11 +6,11 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "base/DeviceOptions.h"
 #include "base/ExitCodes.h"
 #include "base/Print.h"
 #include "base/Spelling.h"
@@ -18,46 +18,59 @@
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
-#include "device/DevicePaths.h"
-#include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::string_view kStandardInput = "-";
 
-// Fixes a document of this machine, or shows how. Returns whether it could.
-bool fixFile(const std::string& path, const Document& document, const CheckOptions& options) {
-    const std::string after = withSafeFixes(document, options);
-    if (after == document.text) {
-        return true;
-    }
-    std::string wrong = whyNotFixable(path, options.rootDirectory);
-    if (wrong.empty() && options.fix == FixMode::Show) {
-        printDiff(path, document.text, after);
-        return true;
-    }
-    if (wrong.empty()) {
-        wrong = replaceFile(path, document.text, after);
-    }
-    printError("{}: {}", escaped(path),
-               wrong.empty() ? "fixed" : fmt::format("not fixed: {}", escaped(wrong)));
-    return wrong.empty();
-}
+// Fixes documents of this machine, or shows how, each once: variants may share them.
+class Fixer {
+public:
+    explicit Fixer(const CheckOptions& options) : mOptions(options) {}
 
-// Fixes the documents that a load of the device reads.
-bool fixLoad(const CheckOptions& options) {
-    const Load load = readLoad();
-    bool isEachFixed = true;
-    for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
-        if (document != nullptr && !document->isBuiltIn() && document->isReadable) {
-            isEachFixed &= fixFile(localPath(document->path), *document, options);
+    void fix(const std::string& path, const Document& document) {
+        std::error_code error;
+        if (!document.isReadable || !mFixed.insert(fs::weakly_canonical(path, error)).second) {
+            return;
+        }
+        const std::string after = withSafeFixes(document, mOptions);
+        if (after == document.text) {
+            return;
+        }
+        std::string wrong = whyNotFixable(path, mOptions.fixLimits);
+        if (wrong.empty() && mOptions.fix == FixMode::Show) {
+            return printDiff(path, document.text, after);
+        }
+        if (wrong.empty()) {
+            wrong = replaceFile(path, document.text, after, mOptions.fixLimits.isForced);
+        }
+        mIsEachFixed = mIsEachFixed && wrong.empty();
+        printError("{}: {}", escaped(path),
+                   wrong.empty() ? "fixed" : fmt::format("not fixed: {}", escaped(wrong)));
+    }
+
+    // The documents that a load of the device reads.
+    void fixLoad() {
+        const Load load = readLoad();
+        for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
+            if (document != nullptr && !document->isBuiltIn()) {
+                fix(localPath(document->path), *document);
+            }
         }
     }
-    return isEachFixed;
-}
+
+    bool isEachFixed() const { return mIsEachFixed; }
+
+private:
+    const CheckOptions& mOptions;
+    std::set<fs::path> mFixed;
+    bool mIsEachFixed = true;
+};
 
 void print(const Report& report, const CheckOptions& options) {
     switch (options.format) {
@@ -82,7 +95,7 @@ int finish(const Report& report, const CheckOptions& options) {
 // FILE is a document; a device tree has its own option.
 std::string whyNotReadable(const std::string& path, const Document& document) {
     std::error_code error;
-    return std::filesystem::is_directory(path, error)
+    return fs::is_directory(path, error)
                    ? fmt::format("it is a directory. For a device tree write --rootdir {}", path)
                    : document.whyNotReadable;
 }
@@ -139,11 +152,10 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
     Report report(options.levels);
     std::vector<std::unique_ptr<Document>> documents;  // The report points into these.
     bool isEachReadable = true;
-    bool isEachFixed = true;
+    Fixer fixer(options);
     for (const std::string& path : paths) {
         if (options.fix != FixMode::None) {
-            const std::unique_ptr<Document> document = readDocumentFile(path);
-            isEachFixed &= !document->isReadable || fixFile(path, *document, options);
+            fixer.fix(path, *readDocumentFile(path));
         }
         const Document& document = *documents.emplace_back(readFile(path));
         if (!document.isReadable) {
@@ -156,25 +168,33 @@ int checkFiles(const std::vector<std::string>& paths, const CheckOptions& option
         check(Checked(document, *options.known), &report);
     }
     const int exitCode = finish(report, options);
-    return isEachReadable && isEachFixed ? exitCode : kExitUsage;
+    return isEachReadable && fixer.isEachFixed() ? exitCode : kExitUsage;
 }
 
 int checkDevice(const CheckOptions& options) {
-    const bool isFixed = options.fix == FixMode::None || fixLoad(options);
+    Fixer fixer(options);
+    if (options.fix != FixMode::None) {
+        fixer.fixLoad();
+    }
     Report report(options.levels);
     const Load load = readLoad();
     check(Checked(load, *options.known), &report);
-    checkTreeFiles(&report);
+    checkTreeFiles({&load, 1}, &report);
     const int exitCode = finish(report, options);
-    return isFixed ? exitCode : kExitUsage;
+    return fixer.isEachFixed() ? exitCode : kExitUsage;
 }
 
 int checkEachVariant(const CheckOptions& options) {
-    std::set<std::string> variants = variantsInTree();
-    variants.insert(kDefaultVariant);
-    const CheckedVariants checked =
-            checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
-    return finish(checked.report, options);
+    Fixer fixer(options);
+    if (options.fix != FixMode::None) {
+        for (const std::string& variant : variantsToCheck()) {
+            playVariant(variant);
+            fixer.fixLoad();
+        }
+    }
+    const CheckedVariants checked = checkAllVariants(options.levels, *options.known);
+    const int exitCode = finish(checked.report, options);
+    return fixer.isEachFixed() ? exitCode : kExitUsage;
 }
 
 }  // namespace kc2::tool

@@ -7,6 +7,7 @@
 
 #include "catalogue/KnownSettings.h"
 #include "check/Checked.h"
+#include "check/FixFiles.h"
 #include "check/Levels.h"
 #include "check/Report.h"
 #include "check/output/Output.h"
@@ -24,7 +25,7 @@ struct CheckOptions {
     bool warningsAreErrors = false;
     FixMode fix = FixMode::None;
     std::shared_ptr<const KnownSettings> known;
-    std::string rootDirectory;  // What is outside of it is not fixed; empty when there is none.
+    FixLimits fixLimits;
 };
 
 // Applies every rule. What is checked must outlive the report.

@@ -115,6 +115,10 @@ void addFixOptions(CLI::App* command, CheckArguments* arguments) {
     command->add_flag("--dry-run", arguments->isDryRun,
                       "With --fix: print the changes as a diff, and write nothing")
             ->needs(fix);
+    command->add_flag("--force", arguments->check.fixLimits.isForced,
+                      "With --fix: also change a read-only file, one with more than one hard link, "
+                      "and one whose extended attributes cannot be kept")
+            ->needs(fix);
 }
 
 // Sets what --fix does. Returns what is wrong; empty when nothing is.
@@ -126,14 +130,11 @@ std::string prepareFix(CheckArguments* arguments) {
     if (std::find(files.begin(), files.end(), "-") != files.end()) {
         return "--fix cannot change standard input";
     }
-    if (arguments->device.isEachVariant) {
-        return "--fix and --all-variants cannot be used together";
-    }
     if (files.empty() && arguments->device.rootDirectory.empty()) {
         return "--fix needs FILE or --rootdir";
     }
     arguments->check.fix = arguments->isDryRun ? FixMode::Show : FixMode::Write;
-    arguments->check.rootDirectory = arguments->device.rootDirectory;
+    arguments->check.fixLimits.rootDirectory = arguments->device.rootDirectory;
     return std::string();
 }
 

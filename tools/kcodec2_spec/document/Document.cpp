@@ -44,11 +44,10 @@ bool isRejectedText(const std::vector<Verdict>& verdicts) {
     return !verdicts.empty() && isOfText(verdicts.back().kind);
 }
 
-bool isAcceptedByParser(std::string text) {
+bool isAcceptedByDevice(std::string text) {
     VerdictKeeper keeper;
     SpecDocument content;
-    readSpecDocument(text, &content, keeper);
-    return !isRejectedText(keeper.verdicts);
+    return readSpecDocument(text, &content, keeper);
 }
 
 std::string firstOf(std::string a, std::string b, std::string c) {
@@ -92,7 +91,7 @@ void Document::addSyntaxErrors(size_t rejectedAt) {
         }
         fixes.insert(fixes.end(), error.fixes.begin(), error.fixes.end());
     }
-    if (fixes.empty() || !isAcceptedByParser(withFixes(text, std::move(fixes)))) {
+    if (fixes.empty() || !isAcceptedByDevice(withFixes(text, std::move(fixes)))) {
         for (SyntaxHint& error : tree.errors) {
             error.fixes.clear();
         }

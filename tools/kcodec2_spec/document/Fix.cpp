@@ -36,7 +36,7 @@ std::vector<Fix> renaming(std::string_view text, Span quotedName, std::string_vi
     }
     const std::string_view name =
             text.substr(quotedName.start + 1, quotedName.limit - quotedName.start - 2);
-    if (digitsOf(name) != digitsOf(meant) ||
+    if (digitsOf(name) != digitsOf(meant) || name.find('\n') != std::string_view::npos ||
         editDistance(name, meant, kMostMistakes) > kMostMistakes) {
         return {};
     }

@@ -28,7 +28,8 @@ struct Fix {
 std::string withFixes(std::string_view text, std::vector<Fix> fixes);
 
 // Writes the known name `meant` in place of a name, given with its quotes; empty when another one
-// may be meant just as well: then the two differ in a digit, or in more than a few letters.
+// may be meant just as well: then the two differ in a digit, or in more than a few letters. A name
+// with a line end has none, either.
 std::vector<Fix> renaming(std::string_view text, Span quotedName, std::string_view meant);
 
 }  // namespace kc2::tool

@@ -538,9 +538,13 @@ MaybeHint strayComma(const Context& context) {
     return std::nullopt;
 }
 
-// Whether a comma is all that is missing between the value before and this token.
+// Whether a comma is all that is missing between the value before and this token. A minus without
+// digits, which the parser reads as 0, is no value that somebody meant.
 bool beginsNext(const Context& context) {
     const Token& token = context.misfit.token;
+    if (context.of(context.misfit.previous.span) == "-") {
+        return false;
+    }
     if (token.kind == Token::kString) {
         return token.isWhole;
     }

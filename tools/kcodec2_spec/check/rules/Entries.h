@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,26 @@ inline bool isOfCodecs(SectionType type) {
 
 inline bool isOfNames(SectionType type) {
     return type == SectionType::Names || isOfCodecs(type);
+}
+
+// The section of that key; null when there is none.
+inline const Section* sectionOf(std::string_view key) {
+    const auto row = std::find_if(std::begin(kSections), std::end(kSections), [&](const auto& one) {
+        return *one.key != nullptr && key == *one.key;
+    });
+    return row != std::end(kSections) ? &*row : nullptr;
+}
+
+// Whether a setting is for a phone that is being debugged.
+inline bool isDebugName(std::string_view name) {
+    return name.starts_with("debug_");
+}
+
+// A name in a section of named values; null when the document does not have it.
+inline const Node* memberOf(const Document& document, const std::string& section,
+                            const std::string& name) {
+    const Node* const node = document.section(section);
+    return node != nullptr ? findMember(*node, name) : nullptr;
 }
 
 // Calls visit(section row, node of the section) for each section that the document has.

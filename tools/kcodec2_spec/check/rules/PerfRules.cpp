@@ -33,7 +33,8 @@ struct UseCases {
             for (const Node& member : section.children) {
                 const bool isList = member.isArray() || member.isNull() ||
                                     (member.isObject() && member.children.empty());
-                if (isList && member.isUsed()) {
+                // A section in here is at a wrong level, and that is the finding.
+                if (isList && member.isUsed() && sectionOf(member.key) == nullptr) {
                     all.push_back({member, document.content.perfResourceValues.at(
                                                    std::string(member.key))});
                 }

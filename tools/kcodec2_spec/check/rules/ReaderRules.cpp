@@ -15,6 +15,7 @@
 #include "base/Utf8.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
+#include "check/rules/WrongLevels.h"
 #include "targetspec/reading/Limits.h"
 
 namespace kc2::tool {
@@ -359,19 +360,51 @@ void reportSyntaxErrors(const Document& document, Report* report) {
                 std::string(withoutTrailing(words, '.')) + kEffect);
 }
 
-void checkReadingOf(const Document& document, const Catalogue& catalogue, Report* report) {
+void reportNoVideo(const ReaderRule& rule, const Verdict& verdict, const Document& document,
+                   Report* report) {
+    const InPlaceOfVideo other = inPlaceOfVideo(document);
+    const Span whole = {verdict.start, verdict.limit};
+    report->add(rule.check, document, other.span.limit == 0 ? whole : other.span,
+                messageOf(rule, verdict, document) + other.hint,
+                {.fixes = other.meant.empty() ? std::vector<Fix>()
+                                              : renaming(document.text, other.span, other.meant)});
+}
+
+// Whether something else is reported about the place of the value, or of what is missing.
+bool isOfWrongLevel(const Verdict& verdict, const Document& document, const WrongLevels& levels) {
+    const Node* const level = verdict.kind == FindingKind::TierLevelAbsent
+                                      ? findMember(*document.video(), verdict.name)
+                                      : nullptr;
+    return levels.covers(verdict) || (level != nullptr && levels.covers(*level));
+}
+
+void checkReadingOf(const Document& document, const Checked& checked, Report* report) {
+    const Catalogue& catalogue = checked.known.catalogue;
+    std::optional<WrongLevels> levels;  // Once a verdict needs them.
+    const auto isOfLevels = [&](const Verdict& verdict) {
+        if (!levels) {
+            levels.emplace(document, checked.known);
+        }
+        return isOfWrongLevel(verdict, document, *levels);
+    };
+    const bool areLevelsReset = checked.documents.back() == &document && resetLevels(checked);
     const Verdict* before = nullptr;
     const Verdict* noArray = nullptr;  // What is skipped in it is the same mistake.
     for (const Verdict& verdict : document.verdicts) {
         const Verdict* const previous = std::exchange(before, &verdict);
         const ReaderRule* const rule = ruleFor(verdict, document);
         if (rule == nullptr || isMisplaced(verdict, catalogue) ||
-            (noArray != nullptr && isSkippedIn(*noArray, verdict)) ||
+            (noArray != nullptr && isSkippedIn(*noArray, verdict)) || isOfLevels(verdict) ||
+            (areLevelsReset && verdict.kind == FindingKind::TierLevelAbsent) ||
             (previous != nullptr && isSameMistake(verdict, *previous, document))) {
             continue;
         }
         if (verdict.kind == FindingKind::SyntaxError) {
             reportSyntaxErrors(document, report);
+            continue;
+        }
+        if (verdict.kind == FindingKind::NoVideo) {
+            reportNoVideo(*rule, verdict, document, report);
             continue;
         }
         if (verdict.kind == FindingKind::ObjectAsArray && isNoArrayAtAll(verdict, document)) {
@@ -385,10 +418,23 @@ void checkReadingOf(const Document& document, const Catalogue& catalogue, Report
 
 }  // namespace
 
+std::vector<const Check*> checksForReason(std::string_view reason) {
+    std::vector<const Check*> checks;
+    for (const ReaderRule& rule : kReaderRules) {
+        const Check* const check = rule.check.operator->();
+        const char* const logged = rowOf(rule.kind).reason;
+        if (logged != nullptr && reason == logged &&
+            std::find(checks.begin(), checks.end(), check) == checks.end()) {
+            checks.push_back(check);
+        }
+    }
+    return checks;
+}
+
 void checkReading(const Checked& checked, Report* report) {
     for (const Document* const document : checked.documents) {
         if (document->isReadable) {
-            checkReadingOf(*document, checked.known.catalogue, report);
+            checkReadingOf(*document, checked, report);
         }
     }
 }

@@ -17,12 +17,6 @@ namespace kc2::tool {
 
 namespace {
 
-const Node* memberOf(const Document& document, const std::string& section,
-                     const std::string& name) {
-    const Node* const node = document.section(section.c_str());
-    return node != nullptr ? findMember(*node, name) : nullptr;
-}
-
 // --- Values in the catalogue's terms ---
 
 // Calls visit(setting, value) for each preset of the catalogue that the document sets.
