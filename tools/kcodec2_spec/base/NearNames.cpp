@@ -634,6 +634,22 @@ NearNames::Match NearNames::find(std::string_view name, std::string_view group) 
             .isCertain = !search.isUnsure && isCertain(*search.read, search.best->reading)};
 }
 
+bool NearNames::isVariation(std::string_view name, std::string_view other) const {
+    constexpr size_t kShortWord = 3;  // Of which any may be a word.
+    const Reading read = readingOf(name);
+    const Reading known(mKind, other);
+    const Distance distance = distanceOf(read, known);
+    if (distance.cost > kLetter || distance.lacksWord) {
+        return false;
+    }
+    const auto isNoOtherShort = [&](const Word& a, const Word& b) {
+        return a.form == b.form || std::max(a.text.size(), b.text.size()) > kShortWord;
+    };
+    return read.letters == known.letters || read.sortedForms == known.sortedForms ||
+           read.words.size() != known.words.size() ||
+           std::equal(read.words.begin(), read.words.end(), known.words.begin(), isNoOtherShort);
+}
+
 // The letters of the words that are in both, whatever their order.
 size_t NearNames::commonWords(Words read, Words known) {
     size_t letters = 0;

@@ -48,6 +48,10 @@ public:
 
     Match find(std::string_view name, std::string_view group) const;
 
+    // Whether `name` is nearly `other`, both unknown: one letter of a long word, an exchange of
+    // letters or words, a plural, case or separators.
+    bool isVariation(std::string_view name, std::string_view other) const;
+
     // The known name that has the most words of an unknown one; null when each has less than a
     // third of it.
     const Entry* closest(std::string_view name) const;

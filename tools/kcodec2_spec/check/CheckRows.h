@@ -742,6 +742,19 @@ inline constexpr Check kChecks[] = {
                 .fixed = R"({"Video": {"Presets": {"vendor_limit": 1}}})",
         },
         {
+                .id = "name-varies",
+                .group = "name",
+                .severity = Severity::Note,
+                .summary = "a name that another document spells almost the same",
+                .meaning = "Two documents of the device tree, such as two variants' or a private file "
+                           "and a system spec document, have names that differ in one letter, in the "
+                           "order of two letters or words, in case or in separators. The device "
+                           "stores them as two names. It is reported at the name that fewer documents "
+                           "have. Two names that one document has are not compared.",
+                .fix = "Correct the misspelt one. Leave both if components read both.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
                 .id = "name-empty",
                 .group = "name",
                 .severity = Severity::Warning,

@@ -21,11 +21,11 @@ std::vector<const Document*> documentsOf(const Load& load) {
 
 }  // namespace
 
-Checked::Checked(const Document& alone, const KnownSettings& knownSettings)
-    : known(knownSettings), load(nullptr), documents({&alone}) {}
+Checked::Checked(const Document& alone, const KnownSettings& knownSettings, const TreeNames* ofTree)
+    : known(knownSettings), load(nullptr), documents({&alone}), treeNames(ofTree) {}
 
-Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings)
-    : known(knownSettings), load(&ofLoad), documents(documentsOf(ofLoad)) {
+Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings, const TreeNames* ofTree)
+    : known(knownSettings), load(&ofLoad), documents(documentsOf(ofLoad)), treeNames(ofTree) {
     if (documents.size() == 2) {
         mMerged = merge(documents[0]->content, documents[1]->content);
     }

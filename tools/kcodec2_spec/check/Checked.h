@@ -13,16 +13,21 @@
 
 namespace kc2::tool {
 
+class TreeNames;
+
 // One document alone, or the documents of a load.
 class Checked {
 public:
-    // The document must outlive this.
-    Checked(const Document& alone, const KnownSettings& known);
-    Checked(const Load& load, const KnownSettings& known);
+    // The document must outlive this. `treeNames` are of all documents that a check of several
+    // loads reads; null: only those of this load are compared.
+    Checked(const Document& alone, const KnownSettings& known,
+            const TreeNames* treeNames = nullptr);
+    Checked(const Load& load, const KnownSettings& known, const TreeNames* treeNames = nullptr);
 
     const KnownSettings& known;
     const Load* const load;                        // Null for a document alone.
     const std::vector<const Document*> documents;  // In the order in which they are merged.
+    const TreeNames* const treeNames;
 
     bool isAlone() const { return load == nullptr; }
     // Whether a second document is merged, and written by somebody: not a built-in one.
