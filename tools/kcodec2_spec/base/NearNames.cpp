@@ -206,10 +206,16 @@ std::string withWords(std::string_view name) {
     return text;
 }
 
+// A prefix may be misspelt or shortened, or have another end.
 bool isPrefix(std::string_view word, std::string_view prefix) {
-    return word == prefix || commonForm(NameKind::Setting, word) == prefix ||
-           (letterMistakes(word, prefix) <= kMostLetters &&
-            word.size() + kMostLetters > prefix.size() && !isWord(NameKind::Setting, word));
+    constexpr size_t kStem = 5;
+    if (word == prefix || commonForm(NameKind::Setting, word) == prefix) {
+        return true;
+    }
+    const bool isNear = letterMistakes(word, prefix) <= kMostLetters &&
+                        word.size() + kMostLetters > prefix.size();
+    return !isWord(NameKind::Setting, word) &&
+           (isNear || isShortened(word, prefix) || commonStart(word, prefix) >= kStem);
 }
 
 }  // namespace
@@ -429,6 +435,10 @@ bool NearNames::isEnough(Words read, Words known) const {
     constexpr size_t kMany = 3;
     if (read.size() >= kMany || mKind == NameKind::Component) {
         return read.size() >= kMany;
+    }
+    // The prefix says that it is one of the store's own names.
+    if (read.size() == 2 && read.reading->hasPrivate && read.reading->isPrefixExact) {
+        return true;
     }
     const auto lettersOf = [](Words words) {
         size_t letters = 0;
