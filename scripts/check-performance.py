@@ -8,7 +8,9 @@ minutes; with --phone it looks at the phone's library alone.
 usage: check-performance.py [--phone] [DIRECTORY-FOR-DUMPS]
 """
 
+import json
 import os
+import random
 import re
 import subprocess
 import sys
@@ -30,6 +32,8 @@ LINEAR_LIMIT = 1.20  # Rise of the cost per entry from 1,000 entries on: the map
 LOAD_ENTRIES = 10000  # Of each document of the load that is checked.
 CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both parses.
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
+MISSPELT = (1000, 10000)  # Names of two documents.
+MISSPELT_LIMIT = 12  # `check` of the second of them, as a multiple of the first.
 FINDINGS = 20000
 ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
 FINDING_LIMIT = 1024  # Bytes that the process has on the heap, for each of them.
@@ -99,6 +103,16 @@ def generated(count, only=None):
             sections.append(f'        "{name}": {opening}\n            '
                             + ",\n            ".join(lines) + f"\n        {closing}")
     return '{\n    "Video": {\n' + ",\n".join(sections) + "\n    }\n}\n"
+
+
+def misspelt(count):
+    """A document of `count` misspelt names, the same ones in each run."""
+    catalogue = json.loads((ROOT / "tools/kcodec2_spec/catalogue/settings.json").read_text())
+    names = {name[:at] + letter + name[at + left_out:]
+             for name in (setting["name"] for setting in catalogue["settings"])
+             for at in range(len(name)) for letter in "jkqvwxz" for left_out in (0, 1)}
+    return json.dumps({"Video": {"Presets": {
+        name: 1 for name in random.Random(1).sample(sorted(names), count)}}}, indent=0)
 
 
 def write_documents(directory):
@@ -255,6 +269,10 @@ class Checks:
                 f'{{"Video": {{"Presets": {{{",".join(members)}}}}}}}\n')
         self._instructions = {name: pool.submit(count_check, scratch, scratch / "documents" / name)
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
+        for count in MISSPELT:
+            (scratch / "documents" / f"{count} misspelt").write_text(misspelt(count))
+            self._instructions[count] = pool.submit(
+                count_check, scratch, scratch / "documents" / f"{count} misspelt")
         write_load(scratch / "load")
         self._instructions["load"] = pool.submit(count_check, scratch, "--rootdir",
                                                  scratch / "load")
@@ -292,6 +310,15 @@ def report_findings(checks):
         ["ratio", f"{one / own:.3f}", limited("findings in one line", one / own, ONE_LINE_LIMIT)],
         ["peak bytes on the heap, per finding", each,
          limited("memory of a finding", each, FINDING_LIMIT)]])
+
+
+def report_misspelt(checks):
+    few, many = (checks.instructions(count) for count in MISSPELT)
+    rows = [[f"{count:,} names: instructions", checks.instructions(count), ""]
+            for count in MISSPELT]
+    table("kcodec2_spec check, misspelt names", ["", "value", "limit"], [
+        *rows, ["ratio", f"{many / few:.3f}", limited("misspelt names", many / few,
+                                                      MISSPELT_LIMIT)]])
 
 
 def report_rest(names, instructions, allocations):
@@ -381,6 +408,7 @@ def report_bench(build, scratch):
     report_loads(names[:-2], instructions, scratch)
     report_check(instructions, checks)
     report_findings(checks)
+    report_misspelt(checks)
     report_rest(names[:-2], instructions, allocations)
 
 

@@ -11,7 +11,6 @@
 #include <optional>
 #include <set>
 #include <tuple>
-#include <unordered_map>
 #include <utility>
 
 #include "base/Text.h"
@@ -24,61 +23,67 @@ namespace {
 
 // What is compared with each other.
 enum class NameUse { Setting, Component, Library };
-constexpr size_t kNameUses = 3;
 
-struct SharedName {
-    struct Place {
-        const Document* document;
-        Span span;
-        size_t order;  // Of the document.
-    };
+constexpr uint32_t kDigit = uint32_t{1} << 31;
 
+// The bit of each letter, whatever its case, and the one of all digits.
+constexpr std::array<uint32_t, 256> kLetterBits = [] {
+    std::array<uint32_t, 256> bits = {};
+    for (size_t byte = 0; byte < bits.size(); ++byte) {
+        const char c = inSmallLetters(static_cast<char>(byte));
+        bits[byte] = c >= 'a' && c <= 'z' ? uint32_t{1} << (c - 'a') : isDigit(c) ? kDigit : 0;
+    }
+    return bits;
+}();
+
+// A name in a document.
+struct NamePlace {
     NameUse use;
+    const Document* document;
+    size_t order;  // Of the document.
     std::string_view text;
-    std::string digits;
-    uint32_t letters = 0;            // A bit for each that it has.
-    size_t length = 0;               // Without separators.
-    std::vector<Place> places = {};  // One in each document, in the order of the documents.
+    Span span;
+    uint32_t letters = 0;  // The bits of those that it has.
+    size_t length = 0;     // Without separators.
 };
 
-SharedName sharedName(NameUse use, std::string_view text) {
-    SharedName name = {.use = use, .text = text, .digits = digitsOf(text)};
-    for (const char c : text) {
-        const char small = inSmallLetters(c);
-        const bool isLetter = small >= 'a' && small <= 'z';
-        name.letters |= isLetter ? uint32_t{1} << (small - 'a') : 0;
-        name.length += isLetter || isDigit(c) ? 1 : 0;
-    }
-    return name;
+using SharedName = std::vector<NamePlace>;  // One in each document, in the order of the documents.
+
+// Whether one letter may be wrong.
+bool isAlike(const NamePlace& a, const NamePlace& b) {
+    return std::popcount(a.letters ^ b.letters) <= 2 && a.length <= b.length + 1 &&
+           b.length <= a.length + 1 && a.text != b.text;
 }
 
-// The names of the documents, each once.
+// The names of several documents, in groups of one use and the same digits: digits distinguish
+// names. Most groups are small, so a document may have a hundred thousand names.
 class SharedNames {
 public:
     explicit SharedNames(std::span<const Document* const> documents) {
+        std::set<std::string> paths;
         for (const Document* const document : documents) {
-            if (!document->isBuiltIn() && mPaths.insert(document->source.path()).second) {
-                addNamesOf(*document);
+            if (!document->isBuiltIn() && paths.insert(document->source.path()).second) {
+                addNamesOf(*document, paths.size());
             }
         }
+        std::sort(mGroups.begin(), mGroups.end(),
+                  [](const Group& a, const Group& b) { return a.first < b.first; });
     }
 
-    // Calls visit(a, b) for each two that may be one name in two spellings: digits distinguish
-    // names, and one letter is wrong. So many names with the same digits come from no person, and
-    // are not compared.
+    // Calls visit(a, b) for each two that may be one name in two spellings. So many names in one
+    // group come from no person, and are not compared.
     template <typename Visit>
     void forEachPair(Visit visit) const {
         constexpr size_t kMost = 2000;
-        const std::vector<const SharedName*> names = sorted();
-        for (auto first = names.begin(); first != names.end();) {
-            const auto limit = std::find_if(first, names.end(), [&](const SharedName* name) {
-                return groupOf(*name) != groupOf(**first);
+        for (auto first = mGroups.begin(); first != mGroups.end();) {
+            const auto limit = std::find_if(first, mGroups.end(), [&](const auto& one) {
+                return one.first != first->first;
             });
-            const bool isCompared = limit - first <= static_cast<ptrdiff_t>(kMost);
-            for (auto a = first; isCompared && a != limit; ++a) {
-                for (auto b = a + 1; b != limit; ++b) {
-                    if (isAlike(**a, **b)) {
-                        visit(**a, **b);
+            const std::vector<SharedName> names = namesOf({first, limit});
+            for (size_t i = 0; names.size() <= kMost && i < names.size(); ++i) {
+                for (size_t j = i + 1; j < names.size(); ++j) {
+                    if (isAlike(names[i].front(), names[j].front())) {
+                        visit(names[i], names[j]);
                     }
                 }
             }
@@ -87,57 +92,82 @@ public:
     }
 
 private:
-    static std::pair<NameUse, std::string_view> groupOf(const SharedName& name) {
-        return {name.use, name.digits};
-    }
+    using Group = std::pair<uint64_t, size_t>;  // Its digits, and the index of a place.
 
-    static bool isAlike(const SharedName& a, const SharedName& b) {
-        return std::popcount(a.letters ^ b.letters) <= 2 && a.length <= b.length + 1 &&
-               b.length <= a.length + 1;
-    }
-
-    void addNamesOf(const Document& document) {
-        forEachSettingName(
-                document, [&](const DocumentName& name) { add(NameUse::Setting, document, name); });
-        forEachEntry(document, isOfCodecs,
-                     [&](const DocumentName& name) { add(NameUse::Component, document, name); });
+    void addNamesOf(const Document& document, size_t order) {
+        const auto addAs = [&](NameUse use) {
+            return [this, use, order, &document](const DocumentName& name) {
+                add({use, &document, order, name.text, name.span});
+            };
+        };
         const auto isOfLibraries = [](SectionType type) { return type == SectionType::Names; };
-        forEachEntry(document, isOfLibraries,
-                     [&](const DocumentName& name) { add(NameUse::Library, document, name); });
+        forEachSettingName(document, addAs(NameUse::Setting));
+        forEachEntry(document, isOfCodecs, addAs(NameUse::Component));
+        forEachEntry(document, isOfLibraries, addAs(NameUse::Library));
     }
 
-    void add(NameUse use, const Document& document, const DocumentName& name) {
-        auto& names = mNames[static_cast<size_t>(use)];
-        auto found = names.find(name.text);
-        if (found == names.end()) {
-            found = names.emplace(name.text, sharedName(use, name.text)).first;
-        }
-        std::vector<SharedName::Place>& places = found->second.places;
-        if (places.empty() || places.back().document != &document) {
-            places.push_back({&document, name.span, mPaths.size()});
-        }
-    }
-
-    std::vector<const SharedName*> sorted() const {
-        std::vector<const SharedName*> names;
-        for (const auto& ofUse : mNames) {
-            for (const auto& [text, name] : ofUse) {
-                names.push_back(&name);
+    void add(NamePlace place) {
+        constexpr int kBits = 5;
+        uint64_t group = static_cast<uint64_t>(place.use) + 1;  // Other digits may have the same.
+        uint32_t letters = 0;
+        size_t separators = 0;
+        for (const char c : place.text) {
+            const uint32_t bit = kLetterBits[static_cast<unsigned char>(c)];
+            letters |= bit;
+            separators += bit == 0 ? 1 : 0;
+            if (bit == kDigit) {
+                group = std::rotl(group, kBits) ^ static_cast<uint64_t>(c);
             }
         }
-        std::sort(names.begin(), names.end(), [](const SharedName* a, const SharedName* b) {
-            return std::tie(a->use, a->digits, a->text) < std::tie(b->use, b->digits, b->text);
+        place.letters = letters;
+        place.length = place.text.size() - separators;
+        mGroups.emplace_back(group, mPlaces.size());
+        mPlaces.push_back(place);
+    }
+
+    // Whether it may have two names that are alike. A large one has.
+    bool mayHavePair(std::span<const Group> group) const {
+        constexpr size_t kSmall = 8;
+        for (size_t i = 1; group.size() <= kSmall && i < group.size(); ++i) {
+            const NamePlace& one = mPlaces[group[i].second];
+            if (std::any_of(
+                        group.begin(), group.begin() + static_cast<ptrdiff_t>(i),
+                        [&](const Group& other) { return isAlike(one, mPlaces[other.second]); })) {
+                return true;
+            }
+        }
+        return group.size() > kSmall;
+    }
+
+    std::vector<SharedName> namesOf(std::span<const Group> group) const {
+        std::vector<SharedName> names;
+        if (!mayHavePair(group)) {
+            return names;
+        }
+        std::vector<const NamePlace*> places;
+        for (const Group& one : group) {
+            places.push_back(&mPlaces[one.second]);
+        }
+        std::sort(places.begin(), places.end(), [](const NamePlace* a, const NamePlace* b) {
+            return std::tie(a->text, a->order) < std::tie(b->text, b->order);
         });
+        for (const NamePlace* const place : places) {
+            if (names.empty() || names.back().front().text != place->text) {
+                names.push_back({*place});
+            } else if (names.back().back().document != place->document) {
+                names.back().push_back(*place);
+            }
+        }
         return names;
     }
 
-    std::set<std::string> mPaths;
-    std::array<std::unordered_map<std::string_view, SharedName>, kNameUses> mNames;
+    std::vector<NamePlace> mPlaces;
+    std::vector<Group> mGroups;
 };
 
 bool isInOneDocument(const SharedName& a, const SharedName& b) {
-    return std::any_of(a.places.begin(), a.places.end(), [&](const SharedName::Place& place) {
-        return std::any_of(b.places.begin(), b.places.end(), [&](const SharedName::Place& other) {
+    return std::any_of(a.begin(), a.end(), [&](const NamePlace& place) {
+        return std::any_of(b.begin(), b.end(), [&](const NamePlace& other) {
             return place.document == other.document;
         });
     });
@@ -146,9 +176,9 @@ bool isInOneDocument(const SharedName& a, const SharedName& b) {
 // The two names, the rarer one first; of two as rare, the one that only the later document has.
 std::pair<const SharedName*, const SharedName*> rarerFirst(const SharedName& a,
                                                            const SharedName& b) {
-    const size_t countOfA = a.places.size();
-    const size_t countOfB = b.places.size();
-    const bool isALater = a.places.front().order > b.places.front().order;
+    const size_t countOfA = a.size();
+    const size_t countOfB = b.size();
+    const bool isALater = a.front().order > b.front().order;
     const bool isAFirst = countOfA != countOfB ? countOfA < countOfB : isALater;
     return isAFirst ? std::pair(&a, &b) : std::pair(&b, &a);
 }
@@ -157,32 +187,31 @@ std::pair<const SharedName*, const SharedName*> rarerFirst(const SharedName& a,
 
 TreeNames::TreeNames(std::span<const Document* const> documents, const KnownSettings& known) {
     const auto namesLike = [&](const SharedName& name) -> const NearNames& {
-        return name.use == NameUse::Component ? known.components : known.settings;
+        return name.front().use == NameUse::Component ? known.components : known.settings;
     };
     const auto isVariation = [&](const SharedName& name, const SharedName& of) {
-        return namesLike(name).isVariation(name.text, of.text);
+        return namesLike(name).isVariation(name.front().text, of.front().text);
     };
     const auto add = [&](const SharedName& rare, const SharedName& other) {
-        const SharedName::Place& first = other.places.front();
-        for (const SharedName::Place& place : rare.places) {
-            mByPath[place.document->source.path()].push_back({place.span, rare.text, other.text,
-                                                              first.document, first.span,
-                                                              other.places.size()});
+        const NamePlace& first = other.front();
+        for (const NamePlace& place : rare) {
+            mByPath[place.document->source.path()].push_back(
+                    {place.span, place.text, first.text, first.document, first.span, other.size()});
         }
     };
     SharedNames(documents).forEachPair([&](const SharedName& a, const SharedName& b) {
         const auto [rare, other] = rarerFirst(a, b);
-        if (isInOneDocument(a, b)) {
+        if (isInOneDocument(a, b) || digitsOf(a.front().text) != digitsOf(b.front().text)) {
             return;  // These are two names.
         }
         const bool isRareMisspelt = isVariation(*rare, *other);
-        const bool isTie = rare->places.size() == other->places.size();
+        const bool isTie = rare->size() == other->size();
         if (!isRareMisspelt && !(isTie && isVariation(*other, *rare))) {
             return;
         }
         // Known names and misspelt ones are reported in each document.
         for (const SharedName* const name : {rare, other}) {
-            if (namesLike(*name).find(name->text, "").entry != nullptr) {
+            if (namesLike(*name).find(name->front().text, "").entry != nullptr) {
                 return;
             }
         }
