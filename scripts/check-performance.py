@@ -34,6 +34,10 @@ CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
 MISSPELT = (1000, 10000)  # Names of two documents.
 MISSPELT_LIMIT = 12  # `check` of the second of them, as a multiple of the first.
+VARIANTS = (100, 400)  # Of the trees of many variants.
+VARIANTS_LIMIT = 4.4  # The cost of the second tree, as a multiple of the first.
+CHANGE_LIMIT = 4  # A change in an editor, as a multiple of the parse.
+CHANGE_ENTRIES = 1000
 FINDINGS = 20000
 ONE_LINE_LIMIT = 1.5  # Findings in one line, beside as many on lines of their own.
 FINDING_LIMIT = 1024  # Bytes that the process has on the heap, for each of them.
@@ -224,12 +228,51 @@ def report_loads(names, instructions, scratch):
           f"(limit {limited('rise of the cost per entry', growth, LINEAR_LIMIT)}).")
 
 
-def count_check(scratch, *arguments):
-    """Instructions of the process that checks what the arguments name."""
+def count_tool(scratch, *arguments):
+    """Instructions of the tool with these arguments; it must not find an error."""
     errors = run("valgrind", "--tool=cachegrind", "--cache-sim=no",
-                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", "check", *arguments,
+                 "--cachegrind-out-file=/dev/null", scratch / "kcodec2_spec", *arguments,
                  LD_LIBRARY_PATH=str(scratch)).stderr
     return int(re.search(r"I +refs: +([\d,]+)", errors)[1].replace(",", ""))
+
+
+def session(text, changes):
+    """What an editor sends: a document, and changes of one character each with a request after it."""
+    uri = {"uri": "untitled:document"}
+    start = {"line": 0, "character": 0}
+    messages = [{"id": 1, "method": "initialize", "params": {}},
+                {"method": "textDocument/didOpen",
+                 "params": {"textDocument": {**uri, "version": 0, "text": text}}}]
+    for version in range(1, changes + 1):
+        change = {"range": {"start": start, "end": start}, "text": " "}
+        messages.append({"method": "textDocument/didChange",
+                         "params": {"textDocument": {**uri, "version": version},
+                                    "contentChanges": [change]}})
+        # Else the server would wait for the last change before it checks.
+        messages.append({"id": version, "method": "textDocument/documentSymbol",
+                         "params": {"textDocument": {"uri": "untitled:other"}}})
+    messages += [{"id": 1, "method": "shutdown"}, {"method": "exit"}]
+    texts = map(json.dumps, messages)
+    return "".join(f"Content-Length: {len(one)}\r\n\r\n{one}" for one in texts)
+
+
+def count_change(scratch):
+    """Instructions of one change of a document without findings, in a running server."""
+    # Each tenth entry is a row: they follow each other without a gap.
+    text = re.sub(r"\[(\d+)0, \d+, 500\]",
+                  lambda row: f"[{int(row[1]) // 10}, {int(row[1]) // 10 + 1}, 500]",
+                  generated(CHANGE_ENTRIES))
+    counts = []
+    for changes in (10, 60):
+        result = subprocess.run(
+            ("valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null",
+             scratch / "kcodec2_spec", "lsp"), input=session(text, changes), capture_output=True,
+            text=True, check=True, env={**os.environ, "LD_LIBRARY_PATH": str(scratch)})
+        published = re.findall(r'"diagnostics":(.)(.)', result.stdout)
+        if published != [("[", "]")] * changes:  # The first change arrives before a check.
+            sys.exit(f"The server has found something, or not checked each change: {published}")
+        counts.append(int(re.search(r"I +refs: +([\d,]+)", result.stderr)[1].replace(",", "")))
+    return (counts[1] - counts[0]) // 50
 
 
 def write_load(root):
@@ -241,6 +284,21 @@ def write_load(root):
                            ("data/vendor/media/video_private_configs.json", other)):
         (root / path).parent.mkdir(parents=True)
         (root / path).write_text(document)
+
+
+def write_variants(root, count):
+    """A tree whose variants have equal loads, loads of their own, and no document, by turns."""
+    text = (ROOT / "examples/image/odm/etc/media_orvelle/video_system_specs.json").read_text()
+    for number in range(count):
+        path = root / f"odm/etc/media_orvelle_{number:04}/video_system_specs.json"
+        path.parent.mkdir(parents=True)
+        if number % 3 == 0:
+            path.symlink_to("nowhere.json")
+        elif number % 3 == 1:
+            path.write_text(text)
+        else:
+            path.write_text(text.replace('"Presets": {',
+                                         f'"Presets": {{"vendor_own_{number}": {number},'))
 
 
 def peak_of_check(name, scratch):
@@ -259,6 +317,7 @@ class Checks:
 
     LARGE = ("100000 entries", "100000 codecs", "100000 rows")
     MANY_FINDINGS = {"one line": "", "own lines": "\n"}
+    OF_VARIANTS = (("check", "--all-variants"), ("report", "--output", "/dev/null"))
 
     def __init__(self, pool, scratch):
         for name, separator in self.MANY_FINDINGS.items():
@@ -267,15 +326,22 @@ class Checks:
                        for number in range(FINDINGS))
             (scratch / "documents" / name).write_text(
                 f'{{"Video": {{"Presets": {{{",".join(members)}}}}}}}\n')
-        self._instructions = {name: pool.submit(count_check, scratch, scratch / "documents" / name)
+        self._instructions = {name: pool.submit(count_tool, scratch, "check",
+                                                scratch / "documents" / name)
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
         for count in MISSPELT:
             (scratch / "documents" / f"{count} misspelt").write_text(misspelt(count))
             self._instructions[count] = pool.submit(
-                count_check, scratch, scratch / "documents" / f"{count} misspelt")
+                count_tool, scratch, "check", scratch / "documents" / f"{count} misspelt")
         write_load(scratch / "load")
-        self._instructions["load"] = pool.submit(count_check, scratch, "--rootdir",
+        self._instructions["load"] = pool.submit(count_tool, scratch, "check", "--rootdir",
                                                  scratch / "load")
+        for count in VARIANTS:
+            write_variants(scratch / f"variants {count}", count)
+            for command in self.OF_VARIANTS:
+                self._instructions[f"{' '.join(command)} {count}"] = pool.submit(
+                    count_tool, scratch, *command, "--rootdir", scratch / f"variants {count}")
+        self._instructions["change"] = pool.submit(count_change, scratch)
         self._peaks = [pool.submit(peak_of_check, name, scratch) for name in self.MANY_FINDINGS]
 
     def instructions(self, name):
@@ -297,8 +363,23 @@ def report_check(instructions, checks):
     parse = 2 * instructions[f"load {LOAD_ENTRIES} entries/floor"]
     rows.append([f"a load, 2 x {LOAD_ENTRIES} entries", cost, parse, f"{cost / parse:.3f}",
                  limited("check of a load", cost / parse, CHECK_LOAD_LIMIT)])
+    cost = checks.instructions("change")
+    parse = instructions[f"load {CHANGE_ENTRIES} entries/floor"]
+    rows.append([f"lsp: a change in {CHANGE_ENTRIES} entries", cost, parse, f"{cost / parse:.3f}",
+                 limited("a change in an editor", cost / parse, CHANGE_LIMIT)])
     table("kcodec2_spec check, the whole process, beside the parse",
           ["document", "check", "parse", "ratio", "limit"], rows)
+
+
+def report_variants(checks):
+    rows = []
+    for command in checks.OF_VARIANTS:
+        name = " ".join(command)
+        few, many = (checks.instructions(f"{name} {count}") for count in VARIANTS)
+        rows.append([name, few, many, f"{many / few:.3f}",
+                     limited(f"{name} of {VARIANTS[1]} variants", many / few, VARIANTS_LIMIT)])
+    table("kcodec2_spec, the whole process, of trees with many variants",
+          ["command", *(f"{count} variants" for count in VARIANTS), "ratio", "limit"], rows)
 
 
 def report_findings(checks):
@@ -407,6 +488,7 @@ def report_bench(build, scratch):
     report_operations(instructions, allocations)
     report_loads(names[:-2], instructions, scratch)
     report_check(instructions, checks)
+    report_variants(checks)
     report_findings(checks)
     report_misspelt(checks)
     report_rest(names[:-2], instructions, allocations)

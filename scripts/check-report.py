@@ -2,15 +2,17 @@
 """Opens the page of "kcodec2_spec report" in a browser: check-report.py [BUILD-DIRECTORY]
 
 The console must be empty, nothing may be requested, and no name from a document may run. The filter
-and "Only differences" must work, and the page must be readable without scripts, in dark mode, on
-paper, by keyboard and with a screen reader. Then faults are planted, which these checks must find.
-Needs chromium. Takes a few seconds. With --picture FILE.png it takes the README's picture instead.
+and "Only differences" must work, a comparison with any column must be the tool's own, and the page
+must be readable without scripts, in dark mode, on paper, on a phone, by keyboard and with a screen
+reader. Then faults are planted, which these checks must find. Needs chromium. Takes some seconds. With
+--picture FILE.png it takes the README's picture instead.
 """
 
 import base64
 import hashlib
 import json
 import os
+import random
 import re
 import shlex
 import subprocess
@@ -22,6 +24,7 @@ ROOT = Path(__file__).resolve().parent.parent
 PICTURE = (1240, 800)
 MOST_PICTURE_BYTES = 150 * 1024
 # What can be read in the README's picture, written with it: when the page changes, this shows it.
+PICTURE_FILE = ROOT / "docs/images/report.png"
 PICTURE_TEXT = ROOT / "docs/images/report.txt"
 TAKE_PICTURE = "scripts/check-report.py --picture docs/images/report.png"
 
@@ -98,6 +101,57 @@ CONTRAST = """(() => {
 SHOWN_ROWS = """[...document.querySelectorAll(".matrix .row")]
     .filter((row) => row.checkVisibility()).map((row) => row.cells[0].textContent)"""
 
+# The cells that are marked: "section, name, column, cell".
+MARKS = """(() => {
+    const heads = [...document.querySelectorAll(".matrix thead th")].map((head) => head.textContent);
+    return [...document.querySelectorAll(".matrix .row td.differs")].map((cell) =>
+        [cell.closest("tbody").id, cell.parentElement.cells[0].textContent, heads[cell.cellIndex],
+         cell.textContent].join(", ")).sort();
+})()"""
+
+# The numbers at the top, in the loads, in the matrix and in the findings, where they disagree.
+COUNTS = """(() => {
+    const count = (what) => document.querySelectorAll(what).length;
+    const numbers = (what) => [...document.querySelectorAll(what)]
+        .flatMap((element) => element.textContent.match(/[0-9]+/g) ?? []).map(Number);
+    const sum = (values) => values.reduce((all, value) => all + value, 0);
+    const differing = ".matrix .row:not(.meaning):has(.differs)";
+    const pairs = {
+        "rows at the top": [numbers(".sum b")[1], count(".matrix .row:not(.meaning)")],
+        "rows of the filter": [numbers("#shown")[1], count(".matrix .row:not(.meaning)")],
+        "rows of the sections": [sum([...document.querySelectorAll(".matrix .section th > span")]
+            .map((span) => parseInt(span.textContent, 10))), count(".matrix .row:not(.meaning)")],
+        "rows that differ": [numbers("#differing")[0], count(differing)],
+        "rows of the sections that differ": [sum(numbers(".matrix .count")), count(differing)],
+        "differences of the loads": [sum(numbers(".loads td.number")), count(".matrix .differs")],
+    };
+    return Object.entries(pairs).filter(([what, [a, b]]) => a !== b)
+        .map(([what, [a, b]]) => `count: ${what}: ${a} and ${b}`);
+})()"""
+
+# Cells that cover one another, on paper.
+COVERED = """(() => {
+    const faults = [];
+    let above = -Infinity;
+    for (const row of document.querySelectorAll(".matrix tr")) {
+        const cells = [...row.cells].map((cell) => cell.getBoundingClientRect());
+        if (cells[0].height === 0) continue;
+        const isBeside = cells.slice(1).every((cell, i) => cell.left >= cells[i].right - 1);
+        if (!isBeside || cells[0].top < above - 1) faults.push(`covered: ${row.textContent}`);
+        above = cells[0].bottom;
+    }
+    return faults;
+})()"""
+
+# Names that are broken at other places than after "_".
+BROKEN = """[...document.querySelectorAll("code.name")].filter((name) =>
+    [...name.childNodes].some((part) => {
+        const range = document.createRange();
+        range.selectNodeContents(part);
+        return part.nodeType === 3
+            && new Set([...range.getClientRects()].map((box) => box.top)).size > 1;
+    })).map((name) => `broken: ${name.textContent}`)"""
+
 
 class Browser:
     """Chromium, through its debugging pipe: JSON messages, each ended by a zero byte."""
@@ -143,7 +197,7 @@ class Browser:
             sys.exit(f"check-report: {method}: {answer['error']['message']}")
         return answer["result"]
 
-    def open(self, path, script=True, width=1280, height=900):
+    def open(self, path, script=True, width=1280, height=900, query=""):
         self.session = None
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
         self.session = self.call("Target.attachToTarget", targetId=target,
@@ -154,7 +208,7 @@ class Browser:
                   deviceScaleFactor=1, mobile=False)
         self.call("Emulation.setScriptExecutionDisabled", value=not script)
         self.events.clear()
-        self.page = path.resolve().as_uri()
+        self.page = path.resolve().as_uri() + query
         self.call("Page.navigate", url=self.page)
         while not any(event["method"] == "Page.loadEventFired" for event in self.events):
             self.events.append(self.receive())
@@ -167,7 +221,7 @@ class Browser:
         return answer["result"].get("value")
 
     def key(self, name, text=None):
-        codes = {"Tab": 9, " ": 32}
+        codes = {"Tab": 9, " ": 32, "Enter": 13, "Escape": 27, "ArrowDown": 40}
         self.call("Input.dispatchKeyEvent", type="keyDown", key=name, code=name,
                   windowsVirtualKeyCode=codes[name], **({"text": text} if text else {}))
         self.call("Input.dispatchKeyEvent", type="keyUp", key=name, code=name,
@@ -197,8 +251,20 @@ def expect(is_right, what):
 
 
 def faults_of(browser, page):
+    """What is wrong with the page on a screen, on a phone and on paper."""
     browser.open(page)
-    return browser.value(PROBE) + browser.problems()
+    faults = browser.value(PROBE) + browser.value(COUNTS)
+    browser.call("Emulation.setDeviceMetricsOverride", width=400, height=800, deviceScaleFactor=1,
+                 mobile=False)
+    width = browser.value("document.documentElement.scrollWidth")
+    faults += [f"on a phone the page is {width} px wide"] * (width > 400) + browser.value(BROKEN)
+    # Printed from wherever it was scrolled to.
+    browser.value("""document.querySelectorAll(".scroll").forEach((box) => box.scrollTo(150, 400));
+                     window.scrollTo(0, 600)""")
+    browser.call("Emulation.setEmulatedMedia", media="print", features=[])
+    faults += browser.value(COVERED)
+    browser.call("Emulation.setEmulatedMedia", media="", features=[])
+    return faults + browser.problems()
 
 
 def report(tool, root, output):
@@ -229,14 +295,119 @@ def write_hostile_tree(root):
     private.write_text('{"Video": {"Features": {"a": "<script>window.ran=1</script>", }}}')
 
 
+def write_trees(directory, variants):
+    """A tree for each of the documents, in which it is the one without a variant."""
+    generator = random.Random(1)
+    words = ("a", "b", "c", "b_c", "d")
+    texts = [json.dumps({"Video": {
+        "Features": {word: generator.random() < 0.5 for word in generator.sample(words, 3)},
+        "Presets": {word: generator.randrange(3) for word in generator.sample(words, 3)},
+        "KC2CodecPlugins": generator.choices(words, k=generator.randrange(9)),
+        "OptionalCodecs": generator.sample(words, 2),
+        "NimbraModeBitrateTable": [[row, 9, generator.randrange(2)] for row in
+                                   generator.choices(range(4), k=5)]}}) for _ in range(variants)]
+    for number in range(variants):
+        for other, text in enumerate(texts):
+            name = "vendor/etc/media" if other == number else f"odm/etc/media_v{other}"
+            path = directory / f"{number}" / name / "video_system_specs.json"
+            path.parent.mkdir(parents=True)
+            path.write_text(text)
+        yield directory / f"{number}"
+
+
+def write_many_variants(root, count=40):
+    """Loads that are all different, with findings about entries of some."""
+    for number in range(count):
+        path = root / f"odm/etc/media_orvelle_{number}" / "video_system_specs.json"
+        path.parent.mkdir(parents=True)
+        path.write_text(json.dumps({"Video": {
+            "Features": {"private_enc_enable_open_gop": 1 if number % 3 == 0 else True},
+            "Presets": {"private_max_supported_render_rate": 30 * number,
+                        "vendor_max_instances": 16 if number % 4 else "16"},
+            "KC2CodecPlugins": [f"libvendor_plugin_{number % 5}.so"],
+            "codecs-available": {"decoders": ["c2.kvx.avc.decoder", "c2.kvx.hevc.decoder"],
+                                 "encoders": ["c2.kvx.avc.encoder"]}}}, indent=4))
+    return root
+
+
+def choose(browser, index):
+    browser.value(f'document.getElementById("baseline").selectedIndex = {index};'
+                  'document.getElementById("baseline").dispatchEvent(new Event("change"))')
+
+
+def check_baselines(browser, tool, scratch):
+    """A column that is chosen must get the marks of a page on which it is the first."""
+    pages = [report(tool, tree, scratch / f"baseline{number}.html")
+             for number, tree in enumerate(write_trees(scratch / "baselines", 5))]
+    expected = []
+    for page in pages:
+        browser.open(page, script=False)
+        expected.append(browser.value(MARKS))
+    browser.open(pages[0])
+    for number in (1, 2, 3, 4, 0):
+        choose(browser, number)
+        # Without a variant, the first page has the document that the others have for _v0.
+        names = {"no variant": "_v0", f"_v{number}": "no variant"} if number else {}
+        found = sorted(re.sub(r"(?<=, )(no variant|_v[0-9])(?=, )",
+                              lambda name: names.get(name[0], name[0]), mark)
+                       for mark in browser.value(MARKS))
+        expect(found == expected[number] and found,
+               f"compared with _v{number}: {set(found) ^ set(expected[number])}")
+        failures.extend(browser.value(COUNTS))
+
+
+def check_address(browser, page):
+    """The filter, "Only differences" and the column to compare with are in the address."""
+    state = """[filter.value, only.checked, baseline.value, location.search,
+                document.querySelector(".matrix thead .baseline").textContent]"""
+    browser.open(page)
+    choose(browser, 2)
+    browser.value('filter.value = "dec & x"; filter.dispatchEvent(new Event("input"));'
+                  "only.click()")
+    changed = browser.value(state)
+    expect(changed[:3] == ["dec & x", True, "_orvelle"] and changed[4] == "_orvelle",
+           f"the controls are {changed}")
+    browser.open(page, query=changed[3])
+    expect(browser.value(state) == changed,
+           f"the address {changed[3]} opens the page as {browser.value(state)}")
+
+
+def check_tab_stops(browser, page):
+    browser.open(page)
+    stops = []
+    for _ in range(60):
+        browser.key("Tab")
+        stops.append(browser.value("""(() => {
+            const box = document.activeElement.closest(".scroll");
+            return box === document.activeElement ? box.getAttribute("aria-labelledby")
+                : box ? `${document.activeElement.tagName} in a table` : document.activeElement.id;
+        })()"""))
+        if stops[-1] and stops[-1] == browser.value(
+                '[...document.querySelectorAll(".scroll")].at(-1).getAttribute("aria-labelledby")'):
+            break
+    boxes = [stop for stop in stops if stop and not stop.startswith(("filter", "only", "baseline"))]
+    expect(boxes == browser.value(
+        '[...document.querySelectorAll(".scroll")].map((box) => box.getAttribute("aria-labelledby"))'),
+           f"the tab stops are {stops}")
+    browser.value('document.querySelector(".high").focus()')
+    links = []
+    for name in ("Enter", "ArrowDown", "Enter"):
+        browser.key(name, "\r" if name == "Enter" else None)
+        links.append(browser.value("document.activeElement.hash"))
+    target = browser.value('document.querySelector(":target")?.id ?? ""')
+    expect(links[0] and links[1] and "#" + target == links[1],
+           f"by keyboard, the links of the matrix are {links}, and the second leads to {target}")
+
+
 def check_controls(browser, page):
     browser.open(page)
     rows = browser.value(SHOWN_ROWS)
-    differing = browser.value('document.querySelectorAll(".matrix .row:has(i)").length')
+    differing = browser.value('document.querySelectorAll(".matrix .row:has(.differs)").length')
     expect(0 < differing < len(rows), "the example has equal and differing rows")
 
-    # By keyboard alone: past the link to the matrix and the four links to the parts.
-    for _ in range(6):
+    # By keyboard alone: past the links at the top and the table of the loads.
+    stops = browser.value('document.querySelectorAll(".skip, header a").length') + 2
+    for _ in range(stops):
         browser.key("Tab")
     expect(browser.value("document.activeElement.id") == "filter", "Tab does not reach the filter")
     expect(browser.value("getComputedStyle(document.activeElement).outlineStyle") == "solid",
@@ -263,6 +434,10 @@ def check_without_script(browser, page, rows, differing):
     expect(browser.value(SHOWN_ROWS) == rows, "without a script rows are missing")
     expect(not browser.value('document.getElementById("filter").checkVisibility()'),
            "without a script there is a filter that does nothing")
+    expect(not browser.value('document.getElementById("baseline").checkVisibility()'),
+           "without a script there is a choice that does nothing")
+    expect(browser.value("[...document.querySelectorAll('details')].every((list) => list.open)"),
+           "without a script a list is folded")
     browser.value('document.getElementById("only").click()')
     expect(len(browser.value(SHOWN_ROWS)) == differing, "\"Only differences\" without a script")
 
@@ -290,6 +465,9 @@ def check_looks(browser, page):
         expect(len(roles.get(role, [])) >= least, f"a screen reader finds too few: {role}")
     for role in ("searchbox", "checkbox", "image", "navigation", "link", "columnheader"):
         expect(all(roles.get(role, [])), f"a screen reader finds one without a name: {role}")
+    texts = " ".join(roles.get("StaticText", []))
+    for text in ("differs: ", "not there"):
+        expect(text in texts, f"a screen reader does not say: {text}")
 
 
 def check_plants(browser, page, scratch):
@@ -307,6 +485,11 @@ def check_plants(browser, page, scratch):
         "console: ": text.replace('"use strict";', '"use strict"; '),  # Another hash.
         "attribute ": text.replace("<main>", "<main onclick='1'>"),
         "a header cell without scope or text": text.replace('scope="row"', "", 1),
+        "covered: ": text.replace("@media screen {", "@media all {"),
+        "broken: ": text.replace("<wbr>", "").replace("code.name { white-space: nowrap;",
+                                                      "code.name {"),
+        "on a phone ": text.replace(".scroll { overflow: auto;", ".scroll {"),
+        "count: rows at the top": text.replace(" rows</b>", "1 rows</b>"),
     }
     for fault, planted in plants.items():
         assert planted not in (text, lawless), fault
@@ -325,16 +508,19 @@ def check_policy(page):
 
 
 def text_of_picture(browser, page):
-    """The page's text up to the first group of the matrix."""
-    browser.open(page)
-    return browser.value("document.body.innerText").split("\nPresets")[0] + "\n"
+    """The picture's hash, and the page's text up to the second group of the matrix."""
+    digest = hashlib.sha256(PICTURE_FILE.read_bytes()).hexdigest()
+    browser.open(page, width=PICTURE[0], height=PICTURE[1])
+    text = browser.value("document.body.innerText").split("\nPresets")[0]
+    return f"{PICTURE_FILE.name}: SHA-256 {digest}\n{text}\n"
 
 
 def take_picture(browser, page, path):
-    PICTURE_TEXT.write_text(text_of_picture(browser, page))
     browser.open(page, width=PICTURE[0], height=PICTURE[1])
     picture = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
     path.write_bytes(picture)
+    if path.resolve() == PICTURE_FILE:
+        PICTURE_TEXT.write_text(text_of_picture(browser, page))
     expect(len(picture) < MOST_PICTURE_BYTES, f"the picture has {len(picture)} bytes")
 
 
@@ -362,6 +548,11 @@ def main():
             rows, differing = check_controls(browser, page)
             check_without_script(browser, page, rows, differing)
             check_looks(browser, page)
+            check_baselines(browser, tool, scratch)
+            check_address(browser, page)
+            many = report(tool, write_many_variants(scratch / "many"), scratch / "many.html")
+            failures.extend(faults_of(browser, many))
+            check_tab_stops(browser, many)
             tree = scratch / "<b onclick='x'>&\""
             write_hostile_tree(tree)
             hostile = report(tool, tree, scratch / "hostile.html")

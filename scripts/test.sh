@@ -193,6 +193,6 @@ else
 fi
 cat << NEXT
 
-What next: CONTRIBUTING.md says which step checks what. One step runs alone with
-"scripts/test.sh STEP", the tests of one build with "ctest --preset dev".
+What next: docs/reliability.md says what each check is for. One step runs alone with
+"scripts/test.sh STEP" (--list shows them), the tests of one build with "ctest --preset dev".
 NEXT

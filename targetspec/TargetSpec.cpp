@@ -97,7 +97,8 @@ uint32_t TargetSpec::extractPrivateData() {
     const bool hasTestTool = isTestToolInstalled();
     const char* const builtInDocument = getPrivateConfig();
     std::ifstream privateFile;
-    if (openPrivateConfig(privateFile, hasTestTool) == PrivateSource::SeededBuiltIn) {
+    const bool mustSeed = openPrivateConfig(privateFile, hasTestTool);
+    if (mustSeed) {
         seedPrivateConfig(builtInDocument);
     }
     return parse(privateFile, "the private file");

@@ -32,18 +32,18 @@ bool isTestToolInstalled() {
     return examine(kCodecTestTool, &ignored);
 }
 
-PrivateSource openPrivateConfig(std::ifstream& stream, bool isTestToolInstalled) {
+bool openPrivateConfig(std::ifstream& stream, bool isTestToolInstalled) {
     struct stat status = {};
     if (examine(kPrivateConfig, &status) && !S_ISREG(status.st_mode)) {
         stream.setstate(std::ifstream::failbit);
-        return PrivateSource::BuiltIn;
+        return false;
     }
     stream.open(localPath(kPrivateConfig));
     if (isTestToolInstalled && isMissingOrEmpty(stream)) {
         stream.setstate(std::ifstream::failbit);
-        return PrivateSource::SeededBuiltIn;
+        return true;
     }
-    return stream.is_open() ? PrivateSource::File : PrivateSource::BuiltIn;
+    return false;
 }
 
 void seedPrivateConfig(const char* text) {

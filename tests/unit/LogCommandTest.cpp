@@ -38,6 +38,9 @@ constexpr char kMissing[] =
 constexpr char kFailed[] =
         "E KC2TargetSpec: Failed to open /vendor/etc/media_x/video_system_specs.json";
 constexpr char kFalling[] = "W KC2TargetSpec: Falling back to /vendor/etc/video_system_specs.json";
+constexpr char kPath[] =
+        "I KC2TargetSpec: Parsing system specs file from: "
+        "/odm/etc/media_x/video_system_specs.json";
 constexpr char kRow[] = "W KC2TargetSpec: Unable to queue the json entry due to inappropriate size";
 constexpr char kNoCodecs[] =
         "W KC2TargetSpec: List of Supported Codecs is Empty. All codecs will be enabled..";
@@ -381,6 +384,7 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
     const struct {
         std::vector<std::string> lines;
         std::vector<std::string> words;
+        std::vector<std::string> otherWords = {};  // Which the report must not have.
     } rows[] = {
             {{kRejected}, {"error rejected: either ", "second document is merged is not proved"}},
             {{kRejected, kRejected},
@@ -422,6 +426,30 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
             {{tag + "Failed to open /vendor/etc/media_on"},
              {"/vendor/etc/media_on... (cut) does not open"}},
             {{kFailed, "W KC2TargetSpec: Falling back to /ve"}, {"is read"}},
+            {{kFailed, kFalling, tag + "Failed to"},
+             {"error system-spec: there is no system spec"}},
+            {{tag}, {"error gaps: 1 cut line"}},
+            {{tag + "F"}, {"error system-spec: the variant's document does not open"}},
+            {{"W KC2TargetSpec: Skipped Vid"}, {"error gaps: 1 cut line"}},
+            {{"W KC2TargetSpec: Fall"},
+             {"error system-spec: the variant's document does not open"}},
+            {{"E Platform_BufferLayout: 0x127 is not a Ta"},
+             {"error gaps: 1 cut line"},
+             {"unknown"}},
+            {{std::string(kMissing) + "  "}, {"warning variant"}, {"cut line"}},
+            // The bit that lets the path through lets the dump through, too.
+            {{kPath}, {"warning unfinished: the load does not end"}},
+            {{kPath, "I KC2TargetSpec: Video Core Features:"}, {"note overlay"}, {"unfinished"}},
+            {{kPath, kNoCodecs}, {"lines of this load are missing"}, {"unfinished"}},
+            // No load writes these: none of their lines proves how one ended.
+            {{kPath, "I KC2TargetSpec: Video Core Features:", "D KC2TargetSpec: HW Codec entries:",
+              "I KC2TargetSpec:        c2.kvx.avc.decoder", kNoCodecs},
+             {"warning mixed: "},
+             {"none was merged"}},
+            {{"W KC2TargetSpec: Skipped Video/Features/a in the built-in document: not a boolean",
+              kNoCodecs},
+             {"warning mixed: "},
+             {"does not open", "none was merged"}},
             // A dump without the line of the path proves no order: a component may have asked for
             // it.
             {{kRejected, "I KC2TargetSpec: Video Core Features:"},
@@ -434,10 +462,14 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
              {"features (1): a=1", "presets (1): p=5",
               "Headings are missing (Video Core Presets:"}},
     };
-    for (const auto& [lines, words] : rows) {
+    for (const auto& [lines, words, otherWords] : rows) {
         const std::string log = inLog(lines);
         const Json::Value loads = described(log);
         EXPECT_EQ(1u, loads.size()) << log;
+        for (const std::string& word : otherWords) {
+            EXPECT_EQ(std::string::npos, textOfAll(loads).find(word)) << word << "\n"
+                                                                      << log << textOfAll(loads);
+        }
         for (const std::string& word : words) {
             EXPECT_NE(std::string::npos, textOfAll(loads).find(word)) << word << "\n"
                                                                       << log << textOfAll(loads);
@@ -611,6 +643,11 @@ std::vector<std::pair<const char*, Form>> allForms() {
              [number](char p, S tag, S text) {
                  return std::to_string(++*number) + ":" + threadtime(p, tag, text);
              }},
+            {"grep -C", after("17-")},
+            {"grep, two files", after("logs/logcat.txt:")},
+            {"grep -n, two files", after("logcat.txt:17:")},
+            {"system log", after("Nov 25 08:00:01 phone logcat[12]: ")},
+            {"CI, device", after("[phone-1] ")},
             {"cat -n",
              [number](char p, S tag, S text) {
                  return "    " + std::to_string(++*number) + "\t" + threadtime(p, tag, text);
@@ -633,6 +670,10 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
         const Json::Value loads = described(logIn(form));
         EXPECT_EQ(1u, loads.size()) << name;
         EXPECT_EQ(expected, textOfAll(loads)) << name;
+        const S time = loads[0]["time"].asString();
+        EXPECT_TRUE(time.empty() || time.starts_with("11-25 08:11:21") ||
+                    time.starts_with("2026-11-25 08:11:21") || time.starts_with("1764058281."))
+                << name << ": " << time;
     }
     const S plain = logIn(threadtime);
     for (const S& encoded :
@@ -653,6 +694,13 @@ TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {
             {"some text\nand more\n", 2, "none of 2 lines is in a format of logcat"},
             {S("\x1F\x8B\x08\0\0", 5), 2, "gzip file: unpack"},
             {S("PK\x03\x04") + S(40, '\0'), 2, "zip file: unpack"},
+            {S("7z\xBC\xAF\x27\x1C") + S(40, '\0'), 2, "7z file: unpack"},
+            {S("log") + S(254, '\0') + "ustar" + S(255, '\0'), 2, "tar archive: unpack"},
+            {S("\x89PNG\r\n\x1A\n") + S(40, '\0'), 2, "a picture"},
+            {"\xEF\xBB\xBF", 2, "the log is empty"},
+            {"\r\n\n", 2, "the log is empty"},
+            {timed({"E KC2TargetSpec:"}, 77, 5), 1, "the line of a fault is cut"},
+            {timed({"I Host: " + timed({kRejected}, 1, 5)}, 77, 5), 2, "1 line with a tag"},
             {S(5000, '\0'), 2, "binary"},
             {"--------- beginning of main\n", 0, "No line of the library is in the 1 line of"},
             {other(5), 0, "No line of the library"},
@@ -768,13 +816,30 @@ TEST_F(LogOfTreeTest, ADocumentThatIsNotThePhonesIsFound) {
     }
 }
 
+TEST_F(LogOfTreeTest, WhatTheTreeDisprovesIsSaidOnce) {
+    writeAt(kSpecOfTest, R"({"Video": {"Features": {"b": true}}})");
+    const std::string path = std::string("I KC2TargetSpec: Parsing system specs file from: ");
+    const std::string rejected =
+            beside(inLog({path + kSpecOfTest, kRejected, "I KC2TargetSpec: Video Core Features:"}));
+    EXPECT_NE(std::string::npos, rejected.find("the library accepts the tree's")) << rejected;
+    EXPECT_EQ(std::string::npos, rejected.find("the dump does not show")) << rejected;
+    const std::string failed =
+            run("log " + mTree.write("log", inLog({path + kSpecOfTest, kFalling})) + " --rootdir " +
+                mTree.path())
+                    .output;
+    EXPECT_NE(std::string::npos, failed.find("does not open on the phone")) << failed;
+    EXPECT_EQ(std::string::npos, failed.find("[line 0]")) << failed;
+}
+
 TEST_F(LogOfTreeTest, OnlyAFileThatIsInTheTreeDecides) {
     mTree.write("vendor/README", "");
     // Not pulled: nothing contradicts.
     EXPECT_EQ(std::string::npos, beside(inLog({kRejected})).find("contradiction"));
     EXPECT_EQ(std::string::npos, beside(inLog({kFailed, kFalling})).find("contradiction"));
-    // The line proves a private file, also where it is the only one.
-    EXPECT_NE(std::string::npos, beside(inLog({kNoCodecs})).find("but the tree has none"));
+    // The line proves a private file, also where it is the only one; perhaps nobody has pulled it.
+    const std::string noCodecs = beside(inLog({kNoCodecs}));
+    EXPECT_NE(std::string::npos, noCodecs.find("; the phone has a private file")) << noCodecs;
+    EXPECT_EQ(std::string::npos, noCodecs.find("contradiction")) << noCodecs;
     writeAt(kPrivate, R"({"Video": {"OptionalCodecs": ["c"]}})");
     EXPECT_NE(std::string::npos, beside(inLog({kNoCodecs})).find("json does"));
     // Either document by the log alone: the file in the tree is rejected, so it is the one.
@@ -806,6 +871,9 @@ TEST(LogCommandTest, TheFirstLineOfALoadSaysWhatIsWrongAndFewFollow) {
     } rows[] = {
             {{kMissing, kMissing, kMissing, kMissing, kRejected},
              "1 error, 1 warning: private file rejected: " + pull},
+            {{kPath, kRejected},
+             "1 error, 1 warning: system spec document or private file rejected: " + pull +
+                     " video_private_configs.json; adb pull /odm/etc/media_x/video_system_specs"},
             {skipped, "20 errors: values of the private file skipped: " + pull},
             {{kFailed, kFalling},
              "1 warning: /vendor/etc/media_x/video_system_specs.json does not"},
@@ -824,6 +892,21 @@ TEST(LogCommandTest, TheFirstLineOfALoadSaysWhatIsWrongAndFewFollow) {
                   advice != std::string::npos ? output.find(pull, advice + 1) : advice)
                 << output;
     }
+}
+
+// A service that is started again and again writes the same lines each time.
+TEST(LogCommandTest, EqualLoadsAreDescribedOnce) {
+    const ScratchDirectory scratch;
+    const std::string log = other(5) + timed({kRejected}, 11, 20) + timed({kFailed}, 12, 40) +
+                            timed({kRejected}, 13, 60) + timed({kRejected}, 14, 80) + other(99);
+    const std::string output = run("log " + scratch.write("log", log)).output;
+    const size_t detail = output.find("rejected as a whole");
+    EXPECT_NE(std::string::npos, detail);
+    EXPECT_EQ(std::string::npos, output.find("rejected as a whole", detail + 1)) << output;
+    EXPECT_NE(std::string::npos,
+              output.find("Process 13, 11-25 00:01:00.000 (line 4): the same as process 11 (line "
+                          "2)\nProcess 14, 11-25 00:01:20.000 (line 5): the same as"))
+            << output;
 }
 
 TEST(LogCommandTest, AHostileLogCostsLittleAndShowsNoRawByte) {

@@ -5,6 +5,7 @@
 #include <json/writer.h>
 #include <malloc.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -589,6 +590,17 @@ protected:
         fs::rename(scratch.path() + "/odm", scratch.path() + "/vendor/odm");
         fs::create_directory_symlink("/vendor/odm", scratch.path() + "/odm");
         specPath = scratch.path() + "/vendor/odm/etc/media_a/video_system_specs.json";
+        // Other tests run at the same time, and have temporary files of their own.
+        fs::create_directory(scratch.path() + "/tmp");
+        setenv("TMPDIR", (scratch.path() + "/tmp").c_str(), 1);
+    }
+
+    ~LspTreeTest() override {
+        if (hadTemporary) {
+            setenv("TMPDIR", temporary.c_str(), 1);
+        } else {
+            unsetenv("TMPDIR");
+        }
     }
 
     std::vector<std::string> idsOf(Editor* editor, const std::string& uri) {
@@ -625,6 +637,8 @@ protected:
     const std::string spec = R"({"Video": {"Presets": {"private_complexity": 1}}})";
     const std::string overlay = R"({"Video": {"Presets": {"private_complexity": 2}}})";
     const ScratchDirectory scratch;
+    const bool hadTemporary = getenv("TMPDIR") != nullptr;
+    const std::string temporary = hadTemporary ? getenv("TMPDIR") : "";
     std::string specPath;
     std::string privatePath;
 };

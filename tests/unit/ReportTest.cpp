@@ -20,9 +20,12 @@ namespace fs = std::filesystem;
 
 constexpr char kSpec[] = "/video_system_specs.json";
 
-// As a person reads it: no tags, nothing that only screen readers see, single blanks.
+// As a person reads it: with the marks that the style adds, without tags and links, single blanks.
 std::string textOf(std::string html) {
-    html = std::regex_replace(html, std::regex("<span class=\"sr\">[^<]*</span>"), "");
+    html = std::regex_replace(html, std::regex("<td[^>]*class=\"none[^>]*>"), "$&–");
+    html = std::regex_replace(html, std::regex("<td[^>]*differs\">"), "$&≠");
+    html = std::regex_replace(html, std::regex("<a [^>]*>[^<]*</a>"), "");
+    html = std::regex_replace(html, std::regex("<span class=\"count\">([^<]*)</span>"), "$1");
     html = std::regex_replace(html, std::regex("<(/?)(small|span)[^>]*>"), " ");
     html = std::regex_replace(html, std::regex("<[^>]*>"), "");
     html = std::regex_replace(html, std::regex(" +"), " ");
@@ -46,7 +49,7 @@ std::vector<std::vector<std::string>> matrixOf(const std::string& page) {
     for (const std::string& row :
          allOf(page.substr(start, page.find("</table>", start) - start), "<tr[^>]*>(.*)</tr>")) {
         rows.emplace_back();
-        for (const std::string& cell : allOf(row, "<t[hd][^>]*>(.*?)</t[hd]>")) {
+        for (const std::string& cell : allOf(row, "(<t[hd][^>]*>.*?)</t[hd]>")) {
             rows.back().push_back(textOf(cell));
         }
     }
@@ -80,7 +83,7 @@ TEST(ReportTest, MarksWhatDiffersFromTheFirstColumn) {
     EXPECT_EQ(R"(Setting | no variant | _b&lt;b&gt;
 Features 4 rows, 3 differ
 &lt;i&gt;\x07&quot; | – | ≠on system spec
-gone | off system spec | ≠ –
+gone | off system spec | ≠–
 same | on system spec | on system spec
 turned | on system spec | ≠off system spec
 Presets 1 row
@@ -89,7 +92,7 @@ Perf-lock words 0 rows
 Nimbra-mode bit rates 3 rows, 2 differ
 [0, 10) | #1 1 system spec | #1 1 system spec
 [5, 20) | #2 2 system spec | ≠#2 4 system spec
-[30, 40) | #3 3 system spec | ≠ –
+[30, 40) | #3 3 system spec | ≠–
 Dolby Vision profiles 2 rows, 1 differ
 9 | – | ≠yes system spec
 10 | yes system spec | yes system spec
@@ -156,11 +159,41 @@ TEST(ReportTest, HasTheFindingsOfCheck) {
     const std::vector<std::string> ids = allOf(checked, "\"id\":\"([^\"]*)\"");
     EXPECT_LT(0U, ids.size());
     for (const std::string& id : ids) {
-        EXPECT_NE(std::string::npos, page.find("<code>" + id + "</code>")) << id;
+        EXPECT_NE(std::string::npos, page.find(">" + id + "</code>")) << id;
     }
-    // A variant without a document, and the document that is used instead.
-    EXPECT_NE(std::string::npos, page.find("<th scope=\"col\">_unknown</th>"));
+    // A variant without a document, and the document that is used instead: that of no variant.
+    EXPECT_EQ("no variant and 1 variant no variant, _unknown", matrixOf(page)[0][1]);
     EXPECT_NE(std::string::npos, page.find("built-in document 3"));
+}
+
+TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
+    const auto pageOf = [](int variants) {
+        const ScratchDirectory tree;
+        tree.write(std::string("vendor/etc/media") + kSpec, R"({"Video": {}})");
+        for (int i = 0; i < variants; ++i) {
+            tree.write("odm/etc/media_" + std::to_string(1000 + i) + kSpec, R"({"Video": {
+                "Features": {"vendors_enc_open_gop": true, "number": 1},
+                "codecs-available": {"decoders": ["c2.kvx.avc.decoder"], "encoders": []}}})");
+        }
+        tree.write(std::string("odm/etc/media_other") + kSpec, R"({"Video": {}})");
+        return run("report --output - --rootdir " + tree.path()).output;
+    };
+    const std::string few = pageOf(10);
+    const std::string many = pageOf(400);
+    EXPECT_EQ((std::vector<std::string>{"Setting", "no variant and 1 variant no variant, _other",
+                                        "400 variants _1000, _1001, _1002 …"}),
+              matrixOf(many)[0]);
+    const std::string name = "_1000, ";
+    EXPECT_GT(few.size() + 390 * name.size() + 100, many.size());
+    EXPECT_NE(std::string::npos, many.find("_1399</details>"));
+    // The worst finding first, and each once; the cell of its entry has a link to it.
+    for (const char* const part :
+         {">402 warnings</a>", ">402 warnings, 2 distinct</h3>", "<p>400 × Features/number should",
+          ":2:70</code> · <a href=\"#load-1\">400 variants</a>",
+          " <a class=\"warning\" href=\"#finding-1\">warning</a></td></tr>"}) {
+        EXPECT_NE(std::string::npos, many.find(part)) << part;
+    }
+    EXPECT_LT(many.find("id=\"warnings\""), many.find("id=\"notes\""));
 }
 
 TEST(ReportTest, WritesACompleteFileOrNone) {
@@ -220,7 +253,8 @@ TEST(ReportTest, StaysSmallEnoughForABrowser) {
                R"({"Video": {"NimbraModeBitrateTable": [)" + rows + R"(], "Presets": {)" + names +
                        "}}}");
     for (int i = 0; i < 40; ++i) {
-        tree.write("odm/etc/media_" + std::to_string(i) + kSpec, "{\"Video\": {}}");
+        tree.write("odm/etc/media_" + std::to_string(i) + kSpec,
+                   "{\"Video\": {\"Presets\": {\"own\": " + std::to_string(i) + "}}}");
     }
     const Result result = run("report --output - --rootdir " + tree.path());
     EXPECT_EQ(0, result.exitCode);

@@ -156,6 +156,24 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
     EXPECT_EQ(std::string::npos, fine.output.find("no effect")) << fine.output;
 }
 
+// A tree may have hundreds of variants whose names differ in a digit: to name all of them to each
+// that misses its document would be a report of a hundred thousand lines.
+TEST(TreeCheckTest, NamesTheNearestVariantOnly) {
+    const Tree tree;
+    for (const char* const variant : {"_trail10", "_trail1", "_trail2", "_other"}) {
+        tree.add(std::string("/odm/etc/media") + variant + "/video_system_specs.json");
+    }
+    tree.link("/odm/etc/media_trail3/video_system_specs.json", "nowhere.json");
+    tree.link("/odm/etc/media_trail4/video_system_specs.json", "nowhere.json");
+    const Result result = tree.check("--all-variants");
+    EXPECT_EQ(2U, countOf("[variant-nearby]", result.output)) << result.output;
+    for (const char* const missing : {"_trail3", "_trail4"}) {
+        const std::string message = std::string("the variant \"_trail1\" would select it, \"") +
+                                    missing + "\" does not";
+        EXPECT_EQ(1U, countOf(message, result.output)) << result.output;
+    }
+}
+
 }  // namespace
 
 }  // namespace kc2::test

@@ -41,8 +41,11 @@ constexpr SectionText kSectionTexts[] = {
         {&targetSpecSupportedEncPostProcessingFilters,
          "Names of encoder post-processing filters, in order.", "Encoder post-processing filters",
          "encPostProcessingFilters"},
-        {&targetSpecSupportedCodecs, "Components that are enabled.", "Codec components",
-         "supportedCodecs", ": every component is enabled"},
+        {&targetSpecSupportedCodecs,
+         "Components that are enabled. Where no private file opens, the built-in document adds all "
+         "of "
+         "its own to them.",
+         "Codec components", "supportedCodecs", ": every component is enabled"},
         {&targetSpecAvailableDecoders, "Names of decoder components."},
         {&targetSpecAvailableEncoders, "Names of encoder components."},
         {&targetSpecOptionalCodecs, "Further components that are enabled."},

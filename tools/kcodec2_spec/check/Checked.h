@@ -10,6 +10,7 @@
 #include "document/Document.h"
 #include "store/Load.h"
 #include "store/Merge.h"
+#include "store/TreeFiles.h"
 
 namespace kc2::tool {
 
@@ -18,15 +19,18 @@ class TreeNames;
 // One document alone, or the documents of a load.
 class Checked {
 public:
-    // The document must outlive this. `treeNames` are of all documents that a check of several
-    // loads reads; null: only those of this load are compared.
-    Checked(const Document& alone, const KnownSettings& known,
-            const TreeNames* treeNames = nullptr);
-    Checked(const Load& load, const KnownSettings& known, const TreeNames* treeNames = nullptr);
+    // The document must outlive this. `ofTree` are the names in all documents of a tree; null: only
+    // those of this load are compared.
+    Checked(const Document& alone, const KnownSettings& known, const TreeNames* ofTree = nullptr);
+    // `ofVariants` are those of the tree, for whoever checks many loads: each would list the tree.
+    Checked(const Load& load, const KnownSettings& known,
+            const std::vector<VariantDocument>* ofVariants = nullptr,
+            const TreeNames* ofTree = nullptr);
 
     const KnownSettings& known;
     const Load* const load;                        // Null for a document alone.
     const std::vector<const Document*> documents;  // In the order in which they are merged.
+    const std::vector<VariantDocument>* const variantDocuments;  // Null: not listed yet.
     const TreeNames* const treeNames;
 
     bool isAlone() const { return load == nullptr; }

@@ -26,16 +26,17 @@ const Source& Report::sourceOf(const std::string& shownPath) {
 
 void Report::add(const Check& check, const Source& source, Span span, std::string message,
                  FindingDetails details) {
-    const bool isPlain = details.related.empty() && details.fixes.empty();
-    add({&check, &source, span, std::move(message), check.severity, false,
-         isPlain ? nullptr : std::make_unique<FindingDetails>(std::move(details))});
+    add({&check, &source, span, std::move(message), check.severity, false, nullptr},
+        std::move(details));
 }
 
-void Report::addForFile(const Check& check, const std::string& shownPath, std::string message) {
-    add({&check, &sourceOf(shownPath), Span(), std::move(message), check.severity, true, nullptr});
+void Report::addForFile(const Check& check, const std::string& shownPath, std::string message,
+                        FindingDetails details) {
+    add({&check, &sourceOf(shownPath), Span(), std::move(message), check.severity, true, nullptr},
+        std::move(details));
 }
 
-void Report::add(ReportEntry entry) {
+void Report::add(ReportEntry entry, FindingDetails details) {
     const auto suppressions = mSuppressions.find(entry.source);
     if (suppressions != mSuppressions.end() && !entry.isForFile &&
         suppressions->second.suppress(*entry.check, entry.span.start)) {
@@ -46,6 +47,9 @@ void Report::add(ReportEntry entry) {
         return;
     }
     entry.severity = *severity;
+    if (!details.related.empty() || !details.fixes.empty() || !details.loads.empty()) {
+        entry.details = std::make_unique<FindingDetails>(std::move(details));
+    }
     addSource(*entry.source);
     ++mCounts[static_cast<size_t>(*severity)];
     mEntries.push_back(std::move(entry));

@@ -21,6 +21,10 @@ namespace kc2::tool {
 struct FindingDetails {
     std::vector<RelatedPlace> related = {};
     std::vector<Fix> fixes = {};  // All of them together fix it.
+    // In a report for several variants: which of its loads have the finding, and how much of the
+    // message is before the variants' names.
+    std::vector<size_t> loads = {};
+    size_t ownMessage = 0;
 };
 
 // A second place, which the finding's message names.
@@ -72,7 +76,8 @@ public:
     }
 
     // A finding about a whole file: it is at 1:1 and shows no line.
-    void addForFile(const Check& check, const std::string& shownPath, std::string message);
+    void addForFile(const Check& check, const std::string& shownPath, std::string message,
+                    FindingDetails details = {});
     void addForFile(CheckId check, const std::string& shownPath, std::string message) {
         addForFile(static_cast<const Check&>(check), shownPath, std::move(message));
     }
@@ -92,7 +97,7 @@ public:
     size_t count() const { return mEntries.size(); }
 
 private:
-    void add(ReportEntry entry);
+    void add(ReportEntry entry, FindingDetails details);
     const Source& sourceOf(const std::string& shownPath);
 
     Levels mLevels;

@@ -28,37 +28,45 @@ constexpr char kOtherVariant[] = "a variant without a document";
 class SharedFindings {
 public:
     // The load must outlive this, and the report that it is added to.
-    void add(const std::string& variant, const Report& report, const Load& load) {
-        ++mVariants;
+    void add(const Report& report, const Load& load) {
         for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
             if (document != nullptr) {
                 addReader(*document);
             }
         }
-        add(variant == kDefaultVariant ? "no variant" : fmt::format("variant \"{}\"", variant),
-            report);
+        mVariants.push_back(load.variant);
+        for (const ReportEntry* const entry : report.inOrder()) {
+            std::vector<size_t>& loads = findingOf(*entry)->details.loads;
+            if (loads.empty() || loads.back() != mVariants.size() - 1) {
+                loads.push_back(mVariants.size() - 1);
+            }
+        }
     }
 
-    // The same for the fallback, which none of the variants reads.
+    // The same for the fallback, which none of the variants reads: its findings have no load.
     void addFallback(const Report& report, const Document& fallback) {
         addReader(fallback);
-        add(kOtherVariant, report);
+        for (const ReportEntry* const entry : report.inOrder()) {
+            findingOf(*entry);
+        }
     }
 
     void addTo(Report* report) const {
         for (const Shared& shared : mFindings) {
             const auto readers = mReaders.find(shared.path);
             if (isUnusedSuppression(*shared.check) && readers != mReaders.end() &&
-                shared.variants.size() < readers->second) {
+                shared.details.loads.size() < readers->second) {
                 continue;  // In another variant the comment suppresses something.
             }
+            FindingDetails details = shared.details;
+            details.ownMessage = shared.message.size();
             const std::string message =
-                    fmt::format("{} ({})", shared.message, variantsOf(shared.variants));
+                    fmt::format("{} ({})", shared.message, variantsOf(details.loads));
             if (shared.isForFile) {
-                report->addForFile(*shared.check, shared.path, message);
+                report->addForFile(*shared.check, shared.path, message, std::move(details));
             } else {
                 report->add(*shared.check, *mSources.at(shared.path), shared.span, message,
-                            shared.details);
+                            std::move(details));
             }
         }
     }
@@ -71,7 +79,6 @@ private:
         std::string message;
         bool isForFile;
         FindingDetails details;
-        std::vector<std::string> variants;  // In words.
     };
     using Key = std::tuple<std::string, std::string_view, size_t, size_t, std::string>;
 
@@ -80,36 +87,39 @@ private:
         mSources.emplace(document.source.path(), &document.source);
     }
 
-    void add(const std::string& variant, const Report& report) {
-        for (const ReportEntry* const entry : report.inOrder()) {
-            const Key key = {entry->source->path(), entry->check->id, entry->span.start,
-                             entry->span.limit, entry->message};
-            const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
-            if (isNew) {
-                mFindings.push_back({entry->check,
-                                     entry->source->path(),
-                                     entry->span,
-                                     entry->message,
-                                     entry->isForFile,
-                                     detailsOf(*entry),
-                                     {}});
-            }
-            mFindings[place->second].variants.push_back(variant);
+    // The one that is equal to the entry: a new one where there is none.
+    Shared* findingOf(const ReportEntry& entry) {
+        const Key key = {entry.source->path(), entry.check->id, entry.span.start, entry.span.limit,
+                         entry.message};
+        const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
+        if (isNew) {
+            mFindings.push_back({entry.check, entry.source->path(), entry.span, entry.message,
+                                 entry.isForFile, detailsOf(entry)});
         }
+        return &mFindings[place->second];
     }
 
     static FindingDetails detailsOf(const ReportEntry& entry) {
         return entry.details != nullptr ? *entry.details : FindingDetails();
     }
 
-    std::string variantsOf(const std::vector<std::string>& variants) const {
-        if (variants.size() == mVariants && variants.back() != kOtherVariant) {
+    std::string variantsOf(const std::vector<size_t>& loads) const {
+        if (loads.empty()) {
+            return kOtherVariant;
+        }
+        if (loads.size() == mVariants.size()) {
             return "every variant";
         }
-        return joined(variants, ", ");
+        std::vector<std::string> names;
+        for (const size_t load : loads) {
+            const std::string& variant = mVariants[load];
+            names.push_back(variant == kDefaultVariant ? "no variant"
+                                                       : fmt::format("variant \"{}\"", variant));
+        }
+        return joined(names, ", ");
     }
 
-    size_t mVariants = 0;
+    std::vector<std::string> mVariants;             // Of the loads, in their order.
     std::map<std::string, size_t> mReaders;         // How many loads read a document, by its path.
     std::map<std::string, const Source*> mSources;  // One for each path.
     std::map<Key, size_t> mPlaces;                  // In mFindings.
@@ -142,6 +152,7 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
                               const KnownSettings& known) {
     CheckedVariants checked = {std::move(variants), {}, nullptr, Report(levels)};
     checked.loads.reserve(checked.variants.size());
+    const std::vector<VariantDocument> documents = variantDocumentsInTree();
     for (const std::string& variant : checked.variants) {
         playVariant(variant);
         checked.loads.push_back(readLoad());
@@ -153,11 +164,11 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
         const Load& load = checked.loads[i];
         playVariant(checked.variants[i]);  // The rules look at its files.
         Report report(levels);
-        check(Checked(load, known, &names), &report);
+        check(Checked(load, known, &documents, &names), &report);
         for (const LoadFacts& facts : report.loads()) {
             checked.report.addLoad(facts);
         }
-        findings.add(checked.variants[i], report, load);
+        findings.add(report, load);
     }
     if (checked.fallback != nullptr) {
         Report report(levels);

@@ -38,7 +38,7 @@ namespace kc2::tool {
 
 namespace {
 
-bool print(const std::optional<Explanation>& explanation) {
+bool printIfKnown(const std::optional<Explanation>& explanation) {
     writeOut(explanation ? formatted(*explanation) : "");
     return explanation.has_value();
 }
@@ -46,19 +46,19 @@ bool print(const std::optional<Explanation>& explanation) {
 // --- Each kind of name: prints what it is, or returns false -------------------------------------
 
 bool explainSetting(const Catalogue& catalogue, const std::string& name) {
-    return print(explainedSetting(catalogue, name));
+    return printIfKnown(explainedSetting(catalogue, name));
 }
 
 bool explainSection(const Catalogue& catalogue, const std::string& name) {
-    return print(explainedSection(catalogue, name));
+    return printIfKnown(explainedSection(catalogue, name));
 }
 
 bool explainComponent(const Catalogue& catalogue, const std::string& name) {
-    return print(explainedComponent(catalogue, name));
+    return printIfKnown(explainedComponent(catalogue, name));
 }
 
 bool explainCode(const Catalogue& catalogue, const std::string& name) {
-    return print(explainedCode(catalogue, name));
+    return printIfKnown(explainedCode(catalogue, name));
 }
 
 bool explainFormat(const Catalogue&, const std::string& name) {

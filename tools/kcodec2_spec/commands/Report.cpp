@@ -19,7 +19,6 @@
 #include "device/DevicePaths.h"
 #include "report/Page.h"
 #include "store/Load.h"
-#include "store/StoreSnapshot.h"
 #include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
@@ -70,17 +69,8 @@ int report(const ReportArguments& arguments) {
     PageContent content = {root.empty() ? "this device" : root,
                            checkVariants(variantsToShow(), Levels(), KnownSettings(*catalogue)),
                            {},
-                           {},
                            std::move(*catalogue)};
-    for (size_t i = 0; i < content.checked.variants.size(); ++i) {
-        playVariant(content.checked.variants[i]);
-        const LoadSteps steps = deviceSteps(content.checked.loads[i]);
-        TargetSpec store;
-        steps.systemSpec(store);
-        steps.overlay(store);
-        content.snapshots.push_back(sectionsOf(store, steps));
-        content.steps.push_back(stepsOf(&store));
-    }
+    content.columns = columnsOf(content.checked);
     const std::string page = pageOf(content);
     if (arguments.output == "-") {
         writeOut(page);

@@ -29,7 +29,6 @@ struct ProvedFacts {
 
     bool isOpen(SpecSource source) const { return loads.canOpen[static_cast<size_t>(source)]; }
     bool isOnly(SpecSource source) const;
-    bool isOnly(OverlayResult kind) const;
     bool isOpen(OverlayResult kind) const { return loads.canEnd[static_cast<size_t>(kind)]; }
 };
 
@@ -48,8 +47,9 @@ struct Conclusion {
     std::string text;
     std::string advice;                // May be empty.
     std::vector<uint64_t> lines = {};  // Of the log, that prove it.
-    std::string heading = {};          // What several conclusions have in common, and of each
-    std::string item = {};             // what is its own; empty where it is printed as it is.
+    std::string heading = {};          // What it has in common with others; may be empty.
+
+    std::string fullText() const;
 };
 
 // Everything that the log shows of one load and its process, in the order of the load.
@@ -57,8 +57,5 @@ std::vector<Conclusion> conclude(const LoadTrace& trace, const ProvedFacts& fact
 
 // Which document an event is about: the line's own word, where it has one.
 Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event);
-
-// "adb pull PATH; kcodec2_spec check FILE".
-std::string pullAndCheck(const std::string& path);
 
 }  // namespace kc2::tool

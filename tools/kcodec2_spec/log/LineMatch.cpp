@@ -72,31 +72,56 @@ const LogLine* rowOf(std::string_view tag, std::string_view text) {
     return best;
 }
 
-CutText matchCut(std::string_view tag, std::string_view text) {
-    constexpr size_t kEnough = 4;  // Fewer letters might be anybody's.
-    CutText cut = {.isCut = false, .isError = true};
-    for (const LogLine& line : logLines()) {
-        const std::string_view literal = literalsOf(line.text).front();
-        const bool isStart =
-                literal.starts_with(text) ||
-                (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal));
-        if (text.size() >= kEnough && isStart && (tag.empty() || tag == line.tag)) {
-            cut.row = cut.isCut || literalsOf(line.text).size() != 1 ? nullptr : &line;
-            cut.isError &= line.priority == ANDROID_LOG_ERROR;
-            cut.isCut = true;
-        }
+namespace {
+
+bool isStartOf(const LogLine& line, std::string_view tag, std::string_view text) {
+    constexpr size_t kEnough = 4;  // Without a tag fewer letters might be anybody's.
+    const std::vector<std::string_view> literals = literalsOf(line.text);
+    const std::string_view literal = literals.front();
+    if (literal.empty()) {
+        const size_t end = text.find(' ');
+        return !tag.empty() && end != std::string_view::npos &&
+               literals[1].starts_with(text.substr(end));
     }
-    cut.isError &= cut.isCut;
+    return (!tag.empty() || text.size() >= kEnough) &&
+           (literal.starts_with(text) ||
+            (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal)));
+}
+
+}  // namespace
+
+CutText matchCut(std::string_view tag, char priority, std::string_view text) {
+    CutText cut = {.isCut = false, .isFault = true};
+    for (const LogLine& line : logLines()) {
+        if ((!tag.empty() && tag != line.tag) ||
+            (priority != '\0' && priority != letterOf(line.priority)) ||
+            !isStartOf(line, tag, text)) {
+            continue;
+        }
+        const std::vector<std::string_view> literals = literalsOf(line.text);
+        const bool needsNoValue = literals.size() == 1 || line.step == std::string_view("location");
+        const bool isSame = cut.row != nullptr && literalsOf(cut.row->text).front() == literals[0];
+        cut.row = isSame || (!cut.isCut && needsNoValue) ? (isSame ? cut.row : &line) : nullptr;
+        cut.isFault &= line.priority >= ANDROID_LOG_WARN;
+        cut.isCut = true;
+    }
+    cut.isFault &= cut.isCut;
     return cut;
+}
+
+bool mentionsTag(std::string_view text) {
+    return std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
+        return text.find(line.tag) != std::string_view::npos;
+    });
 }
 
 bool mentionsLibrary(std::string_view text) {
     constexpr size_t kEnough = 18;  // Shorter texts are other libraries', too.
-    return std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
-        const std::string_view literal = literalsOf(line.text).front();
-        return text.find(line.tag) != std::string_view::npos ||
-               (literal.size() >= kEnough && text.find(literal) != std::string_view::npos);
-    });
+    return mentionsTag(text) ||
+           std::any_of(logLines().begin(), logLines().end(), [&](const LogLine& line) {
+               const std::string_view literal = literalsOf(line.text).front();
+               return literal.size() >= kEnough && text.find(literal) != std::string_view::npos;
+           });
 }
 
 std::optional<NamedEntry> matchNamed(std::string_view entry) {

@@ -26,11 +26,15 @@ const LogLine* rowOf(std::string_view tag, std::string_view text);
 // A line that was cut before its end.
 struct CutText {
     bool isCut = false;
-    bool isError = false;          // It can only be the line of an error.
-    const LogLine* row = nullptr;  // The only one that it can be, if it has no values.
+    bool isFault = false;          // It can only be an error or a warning.
+    const LogLine* row = nullptr;  // The only one that it can be, if it needs no values.
 };
 
-CutText matchCut(std::string_view tag, std::string_view text);
+// The priority is a letter; 0 when it is not known.
+CutText matchCut(std::string_view tag, char priority, std::string_view text);
+
+// Whether the text has a tag of the library somewhere in it.
+bool mentionsTag(std::string_view text);
 
 // Whether the text has a tag or a text of the library somewhere in it.
 bool mentionsLibrary(std::string_view text);

@@ -15,6 +15,7 @@ constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
 struct Magic {
     std::string_view bytes;
     const char* what;
+    size_t offset = 0;
 };
 
 constexpr Magic kMagics[] = {
@@ -28,6 +29,11 @@ constexpr Magic kMagics[] = {
         {"\xFD"
          "7zXZ",
          "an xz file: use \"xzcat FILE | kcodec2_spec log\""},
+        {"7z\xBC\xAF\x27\x1C", "a 7z file: unpack it with \"7z x\""},
+        {"ustar", "a tar archive: unpack it with \"tar xf\"", 257},
+        {"\x89PNG", "a picture: send the log as text, adb logcat -d > logcat.txt"},
+        {"\xFF\xD8\xFF", "a picture: send the log as text, adb logcat -d > logcat.txt"},
+        {"%PDF-", "a PDF document: send the log as text, adb logcat -d > logcat.txt"},
         {"\x28\xB5\x2F\xFD", "a zstd file: use \"zstdcat FILE | kcodec2_spec log\""},
 };
 
@@ -79,7 +85,7 @@ LineReader::LineReader(std::FILE* file) : mFile(file) {
 // By the first block, which is not decoded yet.
 void LineReader::recognise() {
     for (const Magic& magic : kMagics) {
-        if (mRest.starts_with(magic.bytes)) {
+        if (mRest.size() > magic.offset && mRest.substr(magic.offset).starts_with(magic.bytes)) {
             mWhyNotText = magic.what;
         }
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <iterator>
+#include <utility>
 
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
@@ -18,6 +19,7 @@ namespace {
 constexpr unsigned kSectionCount = std::size(kSections);
 namespace slot {
 enum : unsigned {
+    Start,  // Before the first line.
     FirstLookup,
     Parsing,
     OpenFailed,
@@ -34,6 +36,7 @@ enum : unsigned {
     PrivateSections,
     PrivateFilters = PrivateSections + kSectionCount,
     BuiltInLines,
+    End,  // After the last line.
     Count,
 };
 }  // namespace slot
@@ -53,7 +56,7 @@ constexpr uint64_t kRepeated = slotBits(slot::SpecSections, slot::Dump) |
 constexpr uint64_t kLookups = slotBit(slot::FirstLookup) | slotBit(slot::SpecLookup) |
                               slotBit(slot::OverlayLookup) | slotBit(slot::OverlayLookupAgain);
 constexpr uint64_t kSpecLines = slotBits(slot::SpecRejected, slot::Dump);
-constexpr uint64_t kOverlayLines = slotBits(slot::PrivateRejected, slot::Count);
+constexpr uint64_t kOverlayLines = slotBits(slot::PrivateRejected, slot::End);
 
 // One kind of load: which slots it fills for sure, and which it may fill.
 struct LoadKind {
@@ -76,7 +79,7 @@ LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool
     kind.required |= hasVariant ? 0 : kLookups & ~(isOpen ? 0 : slotBit(slot::SpecLookup));
     kind.required |= isOpen && !isSpecAccepted ? slotBit(slot::SpecRejected) : 0;
     kind.required |= overlay == OverlayResult::Rejected ? slotBit(slot::PrivateRejected) : 0;
-    kind.allowed = kind.required;
+    kind.allowed = kind.required | slotBit(slot::End);
     kind.allowed |= isOpen && isSpecAccepted ? slotBits(slot::SpecSections, slot::Dump) : 0;
     kind.allowed |= overlay == OverlayResult::Private
                             ? slotBits(slot::PrivateSections, slot::BuiltInLines)
@@ -86,23 +89,21 @@ LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool
 }
 
 std::vector<LoadKind> makeLoadKinds() {
+    // The level word lets through nothing, a heading of the dump, or both.
+    constexpr uint64_t kInfoLines[] = {0, slotBit(slot::Dump),
+                                       slotBit(slot::Parsing) | slotBit(slot::Dump)};
+    constexpr std::pair<SpecSource, bool> kFirstSteps[] = {
+            {SpecSource::Variant, false},  {SpecSource::Variant, true},
+            {SpecSource::Fallback, false}, {SpecSource::Fallback, true},
+            {SpecSource::None, false},
+    };
     std::vector<LoadKind> kinds;
-    for (const bool hasVariant : {false, true}) {
-        // The level word lets through nothing, a heading of the dump, or both.
-        for (const uint64_t info :
-             {uint64_t{0}, slotBit(slot::Dump), slotBit(slot::Parsing) | slotBit(slot::Dump)}) {
-            for (const SpecSource source :
-                 {SpecSource::Variant, SpecSource::Fallback, SpecSource::None}) {
-                for (const bool isAccepted : {false, true}) {
-                    if (source == SpecSource::None && isAccepted) {
-                        continue;
-                    }
-                    for (const OverlayResult overlay :
-                         {OverlayResult::BuiltIn, OverlayResult::Rejected,
-                          OverlayResult::Private}) {
-                        kinds.push_back(loadKindOf(hasVariant, info, source, isAccepted, overlay));
-                    }
-                }
+    for (const uint64_t info : kInfoLines) {
+        for (const auto& [source, isAccepted] : kFirstSteps) {
+            for (const OverlayResult overlay :
+                 {OverlayResult::BuiltIn, OverlayResult::Rejected, OverlayResult::Private}) {
+                kinds.push_back(loadKindOf(false, info, source, isAccepted, overlay));
+                kinds.push_back(loadKindOf(true, info, source, isAccepted, overlay));
             }
         }
     }
@@ -167,98 +168,66 @@ uint64_t slotsOf(const LoadEvent& event) {
     }
 }
 
-// From which slot on lines may be missing without anybody noticing: the slots of `targets` that
-// can follow one of `from`.
+// The slots of `targets` that can follow one of `from`. Between them no line is required, unless
+// lines may be missing.
 uint64_t nextSlots(const LoadKind& kind, uint64_t from, uint64_t targets, bool mayMiss) {
     uint64_t reached = 0;
     for (uint64_t left = targets & kind.allowed; left != 0; left &= left - 1) {
         const unsigned target = static_cast<unsigned>(std::countr_zero(left));
-        const uint64_t self = kRepeated & slotBit(target);
-        const uint64_t before = from & (slotBits(0, target) | self);
+        const uint64_t before = from & (slotBits(0, target) | (kRepeated & slotBit(target)));
         if (before == 0) {
             continue;
         }
         const unsigned last = 63 - static_cast<unsigned>(std::countl_zero(before));
-        const bool isSelf = last == target;
-        const uint64_t between = isSelf ? 0 : slotBits(last, target) & ~slotBit(last);
-        if (mayMiss || (kind.required & between) == 0) {
-            reached |= slotBit(target);
-        }
+        const uint64_t between = last == target ? 0 : slotBits(last, target) & ~slotBit(last);
+        reached |= mayMiss || (kind.required & between) == 0 ? slotBit(target) : 0;
     }
     return reached;
 }
 
-// The first slots that a load can begin with in a log that may lack its start.
-uint64_t firstSlots(const LoadKind& kind, uint64_t targets, bool mayMiss) {
-    uint64_t reached = 0;
-    for (uint64_t left = targets & kind.allowed; left != 0; left &= left - 1) {
-        const unsigned target = static_cast<unsigned>(std::countr_zero(left));
-        if (mayMiss || (kind.required & slotBits(0, target)) == 0) {
-            reached |= slotBit(target);
-        }
-    }
-    return reached;
-}
-
-uint64_t endSlots(const LoadKind& kind, uint64_t slots, bool mayMiss) {
-    const uint64_t last = mayMiss || kind.required == 0
-                                  ? 0
-                                  : ~uint64_t{0} << (63 - std::countl_zero(kind.required));
-    return last == 0 ? slots : slots & last;
-}
-
-// An event as the model sees it.
-struct EventSlots {
+// A line, or the end, as the model sees it.
+struct EventStep {
     uint64_t slots;
-    uint64_t repeats;
+    bool mayMiss;  // Lines before it.
+    size_t event;
 };
 
-EventSlots slotsFor(const LoadEvent& event) {
+void addSteps(const LoadEvent& event, size_t number, bool mayMiss, std::vector<EventStep>* steps) {
     constexpr uint64_t kMost = 5;  // One more than any load has.
-    return {slotsOf(event), event.id == LineId::NoVariant ? std::min(event.count, kMost) : 1};
+    const uint64_t count = event.id == LineId::NoVariant ? std::min(event.count, kMost) : 1;
+    steps->insert(steps->end(), count, {slotsOf(event), mayMiss, number});
 }
 
-uint64_t slotsAfter(const LoadKind& kind, uint64_t from, const EventSlots& place, bool mayMiss) {
-    for (uint64_t n = 0; n < place.repeats; ++n) {
-        from = nextSlots(kind, from, place.slots, mayMiss);
+std::vector<EventStep> stepsOf(std::span<const LoadEvent> events, const LoadLimits& limits) {
+    std::vector<EventStep> steps;
+    for (size_t i = 0; i < events.size(); ++i) {
+        addSteps(events[i], i, limits.hasGaps, &steps);
     }
-    return from;
+    steps.push_back({slotBit(slot::End), limits.hasGaps || !limits.isEndKnown, events.size()});
+    // Without any line of it the load may be older than the log.
+    steps.front().mayMiss |= !limits.isStartKnown || events.empty();
+    return steps;
 }
 
-uint64_t slotsAtStart(const LoadKind& kind, const EventSlots& place, bool mayMissStart,
-                      bool mayMiss) {
-    const uint64_t first = firstSlots(kind, place.slots, mayMissStart);
-    return slotsAfter(kind, first, {place.slots, place.repeats - 1}, mayMiss);
-}
-
-// Which slots each event can have in a load of this kind; empty when it cannot be one.
-std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<EventSlots>& places,
-                              const LoadLimits& limits) {
+// Which slots each step can have in a load of this kind; empty when it cannot be one.
+std::vector<uint64_t> slotsIn(const LoadKind& kind, const std::vector<EventStep>& steps) {
     std::vector<uint64_t> slots;
-    for (const EventSlots& place : places) {
-        slots.push_back(slots.empty()
-                                ? slotsAtStart(kind, place, limits.hasGaps || !limits.isStartKnown,
-                                               limits.hasGaps)
-                                : slotsAfter(kind, slots.back(), place, limits.hasGaps));
-        if (slots.back() == 0) {
+    uint64_t from = slotBit(slot::Start);
+    for (const EventStep& step : steps) {
+        from = nextSlots(kind, from, step.slots, step.mayMiss);
+        if (from == 0) {
             return {};
         }
+        slots.push_back(from);
     }
-    if (!slots.empty()) {
-        slots.back() = endSlots(kind, slots.back(), limits.hasGaps || !limits.isEndKnown);
-        if (slots.back() == 0) {
-            return {};
-        }
-    }
-    // Of an event's slots those from which the next event's can be reached.
-    for (size_t next = slots.size(); next > 1; --next) {
-        const size_t i = next - 1;
+    // Of a step's slots those from which the next step's can be reached.
+    for (size_t next = slots.size() - 1; next > 0; --next) {
         uint64_t kept = 0;
-        for (uint64_t left = slots[i - 1]; left != 0; left &= left - 1) {
+        for (uint64_t left = slots[next - 1]; left != 0; left &= left - 1) {
             const uint64_t one = left & ~(left - 1);
-            kept |= (slotsAfter(kind, one, places[i], limits.hasGaps) & slots[i]) != 0 ? one : 0;
+            kept |= nextSlots(kind, one, slots[next], steps[next].mayMiss) != 0 ? one : 0;
         }
-        slots[i - 1] = kept;
+        slots[next - 1] = kept;
     }
     return slots;
 }
@@ -277,23 +246,23 @@ bool isExcluded(const LoadKind& kind, std::span<const LoadEvent> events, const L
                           limits.canEnd[static_cast<size_t>(kind.overlay)] &&
                           (!isOpen || (kind.isSpecAccepted ? limits.canAccept : limits.canReject));
     // Every built-in document names codec components.
-    return !fitsTree || (limits.hasDumpEntries && !kind.isSpecAccepted) ||
+    return !fitsTree || (limits.hasNoCodecs && limits.hasDumpedCodecs) ||
+           (limits.hasDumpEntries && !kind.isSpecAccepted) ||
            (limits.hasNoCodecs && kind.overlay == OverlayResult::BuiltIn && !isBuiltInRejected) ||
            (!kind.hasVariant && std::any_of(events.begin(), events.end(), isPathOfVariant));
 }
 
 PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
     PossibleLoads loads;
-    std::vector<uint64_t> slots(events.size(), 0);
-    std::vector<EventSlots> places;
-    std::transform(events.begin(), events.end(), std::back_inserter(places), slotsFor);
+    std::vector<uint64_t> slots(events.size() + 1, 0);  // Of each event, and the end.
+    const std::vector<EventStep> steps = stepsOf(events, limits);
     loads.isContradictory = true;
     for (const LoadKind& kind : loadKinds()) {
         if (isExcluded(kind, events, limits)) {
             continue;
         }
-        const std::vector<uint64_t> here = slotsIn(kind, places, limits);
-        if (here.size() != events.size()) {
+        const std::vector<uint64_t> here = slotsIn(kind, steps);
+        if (here.empty()) {
             continue;
         }
         loads.isContradictory = false;
@@ -301,10 +270,11 @@ PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& 
         loads.canAccept |= kind.isSpecAccepted;
         loads.canReject |= kind.source != SpecSource::None && !kind.isSpecAccepted;
         loads.canEnd[static_cast<size_t>(kind.overlay)] = true;
-        for (size_t i = 0; i < slots.size(); ++i) {
-            slots[i] |= here[i];
+        for (size_t i = 0; i < steps.size(); ++i) {
+            slots[steps[i].event] |= here[i];
         }
     }
+    slots.pop_back();
     for (const uint64_t each : slots) {
         const bool isSpec = (each & kSpecLines) != 0;
         const bool isOverlay = (each & kOverlayLines) != 0;
@@ -320,10 +290,15 @@ PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& 
 PossibleLoads possibleLoads(std::span<const LoadEvent> events, const LoadLimits& limits) {
     PossibleLoads loads = collectLoads(events, limits);
     if (loads.isContradictory && !limits.hasGaps) {
+        LoadLimits stopped = limits;
+        stopped.isEndKnown = false;
+        const bool isUnfinished = limits.isEndKnown && !limits.hasNoCodecs &&
+                                  !collectLoads(events, stopped).isContradictory;
         LoadLimits withGaps = limits;
         withGaps.hasGaps = true;
         loads = collectLoads(events, withGaps);
         loads.isIncomplete = !loads.isContradictory;
+        loads.isUnfinished = isUnfinished;
     }
     return loads;
 }
@@ -335,14 +310,16 @@ bool LoadPosition::follow(const LoadEvent& event) {
     }
     const bool hasVariant = mHasVariant || isPathOfVariant(event);
     const bool lacksVariant = mLacksVariant || event.id == LineId::NoVariant;
-    const EventSlots place = slotsFor(event);
+    std::vector<EventStep> steps;
+    addSteps(event, 0, true, &steps);
     std::vector<uint64_t> slots;
     for (size_t i = 0; i < loadKinds().size(); ++i) {
         const LoadKind& kind = loadKinds()[i];
-        const bool isExcluded = kind.hasVariant ? lacksVariant : hasVariant;
-        slots.push_back(isExcluded       ? 0
-                        : mSlots.empty() ? slotsAtStart(kind, place, true, true)
-                                         : slotsAfter(kind, mSlots[i], place, true));
+        uint64_t here = mSlots.empty() ? slotBit(slot::Start) : mSlots[i];
+        for (const EventStep& step : steps) {
+            here = nextSlots(kind, here, step.slots, true);
+        }
+        slots.push_back((kind.hasVariant ? lacksVariant : hasVariant) ? 0 : here);
     }
     if (std::all_of(slots.begin(), slots.end(), [](uint64_t each) { return each == 0; })) {
         return false;

@@ -36,6 +36,7 @@ struct LoadLimits {
     bool isEndKnown = true;    // Nothing of the load is after the last one.
     bool hasGaps = false;      // Lines may be missing anywhere.
     bool hasDumpEntries = false;
+    bool hasDumpedCodecs = false;
     bool hasNoCodecs = false;  // A component got the empty set of codecs.
     // What the documents of the device leave possible.
     bool canOpen[3] = {true, true, true};  // By SpecSource.
@@ -48,6 +49,7 @@ struct LoadLimits {
 struct PossibleLoads {
     bool isContradictory = false;  // There is none: the lines are not of one load.
     bool isIncomplete = false;     // There is one only if lines are missing.
+    bool isUnfinished = false;     // There is one that stops after the last event.
     bool canOpen[3] = {};          // By SpecSource.
     bool canAccept = false;        // The system spec document that opened.
     bool canReject = false;

@@ -20,14 +20,13 @@ namespace {
 // What is kept of a log; beyond it lines are counted only. A real one needs some kilobytes.
 constexpr size_t kMostKeptBytes = size_t{32} << 20;
 constexpr size_t kBytesPerRecord = 200;  // Beside its texts.
-constexpr size_t kMostShown = 5;         // Lines that are not understood, of a load.
 
 // A load takes milliseconds: a line that is not there after this long was not written. In a log
-// without times, this many lines are enough.
+// without times, a thousand lines are enough.
 constexpr double kSecondsOfLoad = 10;
+constexpr double kSecondsPerLine = 0.01;
 constexpr double kMostSecondsApart = 60;        // Two lines of one load.
 constexpr double kSecondsPerDay = 24.0 * 3600;  // More: somebody has set the clock.
-constexpr uint64_t kLinesOfLoad = 1000;
 
 std::string defaultPath() {
     return std::string(kVendorSpecDirectory) + kSystemSpecName;
@@ -49,40 +48,79 @@ bool isOurTag(std::string_view tag) {
 }
 
 bool isSpecPath(std::string_view path) {
-    const auto isIn = [&](std::string_view directory) { return path.starts_with(directory); };
-    return (isIn(kOdmSpecDirectory) || isIn(kVendorSpecDirectory)) &&
+    return (path.starts_with(kOdmSpecDirectory) || path.starts_with(kVendorSpecDirectory)) &&
            path.ends_with(kSystemSpecName);
 }
 
+// The value of the row's first placeholder in that text.
+std::string_view firstValue(const LogLine& row, std::string_view text) {
+    const std::optional<LineValues> values = match(row.text, text);
+    return values && !values->empty() ? values->front() : std::string_view();
+}
+
 // Without a tag only the library's own words show whose line it is, and some are common ones.
-bool isOursWithoutTag(LineId id, std::string_view value) {
-    switch (id) {
-        case LineId::OpenFailed:
-        case LineId::NothingOpened:
-        case LineId::FallingBack:
-            return isSpecPath(value) || value.starts_with(kFallbackSystemSpec);
-        case LineId::Entry:
-        case LineId::SkippedByCall:
-            return false;
-        default:
-            return true;
+bool isOursWithoutTag(const LogLine& row, std::string_view text) {
+    if (row.id == LineId::Entry || row.id == LineId::SkippedByCall) {
+        return false;
     }
+    const std::string_view path = firstValue(row, text);
+    return row.id == LineId::Parsing || !isOfLocation(row.id) || isSpecPath(path) ||
+           path.starts_with(kFallbackSystemSpec);
+}
+
+bool isFarApart(std::string_view earlier, std::string_view later) {
+    const std::optional<double> since = secondsBetween(earlier, later);
+    return since && *since > kMostSecondsApart;
+}
+
+// The event of a line with a path, where the line may be cut. "Failed to open " may be of two rows.
+LoadEvent pathEvent(LoadEvent event, const LoadTrace& trace) {
+    const std::string_view fallback = kFallbackSystemSpec;
+    const std::string_view path = event.value;
+    const bool isSpec = event.id == LineId::Parsing || event.id == LineId::OpenFailed;
+    event.isCut = isSpec ? !isSpecPath(path) : path != fallback;
+    const bool isCutFallback = fallback.starts_with(path) &&
+                               (trace.find(LineId::FallingBack) != nullptr ||
+                                !std::string_view(kVendorSpecDirectory).starts_with(path));
+    if (event.id == LineId::OpenFailed && (path.starts_with(fallback) || isCutFallback)) {
+        event.id = LineId::NothingOpened;
+    }
+    return event;
+}
+
+// The number after the last `word` of a text; 0 when there is none.
+uint64_t numberAfter(std::string_view word, std::string_view text) {
+    uint64_t number = 0;
+    if (const size_t at = text.rfind(word); at != std::string_view::npos) {
+        text.remove_prefix(at + word.size());
+        std::from_chars(text.data(), text.data() + text.size(), number);
+    }
+    return number;
 }
 
 }  // namespace
+
+const std::vector<DumpedValue>& Dump::of(DumpSection section) const {
+    static const std::vector<DumpedValue>& none = *new std::vector<DumpedValue>();
+    const auto found = values.find(section);
+    return found != values.end() ? found->second : none;
+}
+
+void SampledLines::add(std::string_view text, uint64_t line) {
+    constexpr size_t kMost = 5;
+    ++count;
+    text = text.empty() ? "(nothing after the tag)" : text;
+    const bool isKnown = std::any_of(lines.begin(), lines.end(),
+                                     [&](const auto& known) { return known.first == text; });
+    if (!isKnown && lines.size() < kMost) {
+        lines.emplace_back(text, line);
+    }
+}
 
 const LoadEvent* LoadTrace::find(LineId id) const {
     const auto found = std::find_if(events.begin(), events.end(),
                                     [id](const LoadEvent& event) { return event.id == id; });
     return found != events.end() ? &*found : nullptr;
-}
-
-uint64_t LoadTrace::count(LineId id) const {
-    uint64_t sum = 0;
-    for (const LoadEvent& event : events) {
-        sum += event.id == id ? event.count : 0;
-    }
-    return sum;
 }
 
 std::string LoadTrace::firstPath() const {
@@ -106,13 +144,6 @@ bool TraceCollector::spend(size_t bytes, LoadTrace* trace) {
     return true;
 }
 
-void TraceCollector::addValue(DumpedValue value, std::vector<DumpedValue>* values,
-                              LoadTrace* trace) {
-    if (spend(value.name.size() + value.value.size(), trace)) {
-        values->push_back(std::move(value));
-    }
-}
-
 bool TraceCollector::startTrace(const LogEntry& entry, uint64_t lineNumber, Process* process) {
     constexpr size_t kBytesPerTrace = 4 * kLongestLogLine;
     if (!spend(kBytesPerTrace, nullptr)) {
@@ -122,15 +153,8 @@ bool TraceCollector::startTrace(const LogEntry& entry, uint64_t lineNumber, Proc
     trace.process = entry.process;
     trace.firstTime = entry.time;
     trace.firstLine = lineNumber;
-    for (const Mark& mark : {mRecent, mEarlier}) {
-        const std::optional<double> since = secondsBetween(mark.time, entry.time);
-        const bool isOld = since ? *since >= kSecondsOfLoad && *since < kSecondsPerDay
-                                 : entry.time.empty() && lineNumber - mark.line >= kLinesOfLoad;
-        trace.lineBefore = trace.lineBefore == 0 && isOld ? mark.line : trace.lineBefore;
-    }
-    const bool isWaiting = process->isWaiting;
+    trace.lineBefore = mSeconds >= kSecondsOfLoad ? mFirstLine : 0;
     *process = Process();
-    process->isWaiting = isWaiting;
     process->trace = mTraces.size();
     mTraces.push_back(std::move(trace));
     return true;
@@ -150,84 +174,74 @@ TraceCollector::Process* TraceCollector::processOf(const LogEntry& entry, uint64
 
 // A buffer that begins again is that of another boot, or another log: process numbers are new.
 void TraceCollector::beginBuffer(std::string_view name) {
-    if (!mBuffers.emplace(name).second) {
-        mBuffers.clear();
-        mBuffers.emplace(name);
-        forgetProcesses();
-    }
     constexpr size_t kMostBuffers = 100;
-    if (mBuffers.size() > kMostBuffers) {
-        mBuffers.clear();
+    if (!mBuffers.emplace(name).second || mBuffers.size() > kMostBuffers) {
+        mBuffers = {std::string(name)};
+        end();
     }
 }
 
-void TraceCollector::forgetProcesses() {
+void TraceCollector::end() {
+    endStretch();
     mProcesses.clear();
-    mWaiting.clear();
-    mRecent = mEarlier = Mark();
+}
+
+void TraceCollector::endStretch() {
+    for (; mFirstTrace < mTraces.size(); ++mFirstTrace) {
+        LoadTrace& trace = mTraces[mFirstTrace];
+        if (!trace.events.empty() && trace.lineAfter == 0 &&
+            mSeconds - trace.lastSeconds >= kSecondsOfLoad) {
+            trace.lineAfter = mLastLine;
+        }
+    }
+    mFirstLine = 0;
     mLastTime.clear();
+    mSeconds = 0;
 }
 
 void TraceCollector::noteTime(const LogEntry& entry, uint64_t lineNumber) {
-    if (const std::optional<double> since = secondsBetween(mLastTime, entry.time);
-        since && *since < -kMostSecondsApart) {
-        forgetProcesses();
+    const std::optional<double> since = secondsBetween(mLastTime, entry.time);
+    if (since && *since < -kMostSecondsApart) {
+        end();
+    } else if (since && *since >= kSecondsPerDay) {
+        endStretch();
+    } else if (since) {
+        mSeconds += *since;
+    } else if (mLastTime.empty() && entry.time.empty()) {
+        mSeconds += kSecondsPerLine;
     }
-    for (size_t left = mWaiting.size(); left > 0; --left) {
-        const auto [number, line] = mWaiting.front();
-        Process& process = mProcesses.at(number);
-        const std::optional<double> since = secondsBetween(process.lastTime, entry.time);
-        const bool isLater =
-                since ? *since >= kSecondsOfLoad : lineNumber - process.lastLine >= kLinesOfLoad;
-        const bool hasGoneOn = process.lastLine != line;
-        if (!isLater && !hasGoneOn) {
-            break;  // The others wait for less long.
-        }
-        mWaiting.pop_front();
-        process.isWaiting = !isLater;
-        if (!isLater) {
-            mWaiting.emplace_back(number, process.lastLine);
-        } else if (!since || *since < kSecondsPerDay) {
-            mTraces[process.trace].lineAfter = lineNumber;
-        }
+    mFirstLine = mFirstLine == 0 ? lineNumber : mFirstLine;
+    mLastLine = lineNumber;
+    if (!entry.time.empty()) {
+        mLastTime = entry.time;
     }
-    const std::optional<double> since = secondsBetween(mRecent.time, entry.time);
-    if (mRecent.line == 0 ||
-        (since ? *since >= kSecondsOfLoad : lineNumber - mRecent.line >= kLinesOfLoad)) {
-        mEarlier = std::move(mRecent);
-        mRecent = {std::string(entry.time), lineNumber};
-    }
-    mLastTime = entry.time;
 }
 
 // A store is loaded once per process: a line that cannot follow in the same load is that of another
 // process, which was given the same number later.
 void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entry,
                                     Process* process) {
-    const std::optional<double> since = secondsBetween(process->lastTime, entry.time);
-    const bool isFarApart = since && *since > kMostSecondsApart;
+    const bool isApart = isFarApart(process->lastTime, entry.time);
     const size_t old = process->trace;
     // Get() has returned, or a component has written a dump.
     const bool isOver =
             mTraces[old].noCodecs.count != 0 ||
             (isOfLocation(event.id) && mTraces[old].dump.isStarted && !mTraces[old].dump.isOfLoad);
-    if (!isFarApart && !isOver && process->position.follow(event)) {
+    if (!isApart && !isOver && process->position.follow(event)) {
         return;
     }
-    std::vector<LoadEvent>& before = mTraces[old].events;
-    // The line about the missing variant comes before the path that it leads to.
-    const bool isAfterLookup = !isFarApart && event.value == defaultPath() && !before.empty() &&
-                               before.back().id == LineId::NoVariant;
     if (!startTrace(entry, event.line, process)) {
         mTraces[old].isTooLong = true;
         return;
     }
-    if (isAfterLookup) {
-        std::vector<LoadEvent>& events = mTraces[old].events;
-        LoadEvent moved = events.back();
+    // The line about the missing variant comes before the path that it leads to.
+    std::vector<LoadEvent>& before = mTraces[old].events;
+    if (!isApart && event.value == defaultPath() && !before.empty() &&
+        before.back().id == LineId::NoVariant) {
+        LoadEvent moved = before.back();
         moved.count = 1;
-        if (--events.back().count == 0) {
-            events.pop_back();
+        if (--before.back().count == 0) {
+            before.pop_back();
         }
         process->position.follow(moved);
         mTraces[process->trace].firstLine = moved.line;
@@ -240,43 +254,23 @@ void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* p
     splitIfNewLoad(event, entry, process);
     LoadTrace& trace = mTraces[process->trace];
     process->lastTime = entry.time;
-    process->lastLine = event.line;
     trace.lineAfter = 0;
-    if (!process->isWaiting) {
-        process->isWaiting = true;
-        mWaiting.emplace_back(entry.process, event.line);
-    }
-    if (!trace.events.empty()) {
-        LoadEvent& last = trace.events.back();
-        const bool isCounted = event.id == LineId::NoVariant || event.id == LineId::RowSkipped;
-        if (isCounted && last.id == event.id) {
-            last.count += event.count;
-            return;
-        }
-    }
-    if (spend(event.value.size() + event.reason.size() + event.document.size(), &trace)) {
+    trace.lastSeconds = mSeconds;
+    const bool isCounted = event.id == LineId::NoVariant || event.id == LineId::RowSkipped;
+    if (isCounted && !trace.events.empty() && trace.events.back().id == event.id) {
+        trace.events.back().count += event.count;
+    } else if (spend(event.value.size() + event.reason.size() + event.document.size(), &trace)) {
         trace.events.push_back(std::move(event));
     }
-}
-
-void TraceCollector::addSkipped(const LogEntry& entry, uint64_t lineNumber, Process* process) {
-    const SkippedText skipped = *matchSkipped(entry.text);
-    addEvent({.id = LineId::Skipped,
-              .line = lineNumber,
-              .value = std::string(skipped.place),
-              .reason = std::string(skipped.reason),
-              .document = std::string(skipped.document)},
-             entry, process);
 }
 
 // The dump of a load follows the line with the path, which the same bit of the level word lets
 // through. Any other may be of a component that calls printSpecifications() at any time.
 void TraceCollector::startDump(LineId first, const LogEntry& entry, uint64_t lineNumber,
                                Process* process) {
-    const std::optional<double> since = secondsBetween(process->lastTime, entry.time);
-    const bool isFarApart = since && *since > kMostSecondsApart;
     const bool isOfLoad = first == LineId::CodecsHeading ||
-                          (!isFarApart && mTraces[process->trace].find(LineId::Parsing) != nullptr);
+                          (!isFarApart(process->lastTime, entry.time) &&
+                           mTraces[process->trace].find(LineId::Parsing) != nullptr);
     if (isOfLoad) {
         addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
     }
@@ -292,14 +286,13 @@ void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineN
     constexpr LineId kHeadings[] = {LineId::FeaturesHeading, LineId::PresetsHeading,
                                     LineId::FiltersHeading, LineId::PluginsHeading,
                                     LineId::CodecsHeading};
-    const auto section = static_cast<Section>(
+    const auto section = static_cast<DumpSection>(
             1 + (std::find(std::begin(kHeadings), std::end(kHeadings), id) - kHeadings));
     if (mTraces[process->trace].dump.isStarted && section <= process->section) {
         ++mTraces[process->trace].laterDumps;  // A component has called printSpecifications().
-        process->section = Section::Later;
-        return;
+        process->section = DumpSection::Later;
     }
-    if (process->section == Section::Later) {
+    if (process->section == DumpSection::Later) {
         return;
     }
     if (!mTraces[process->trace].dump.isStarted) {
@@ -308,8 +301,7 @@ void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineN
     Dump& dump = mTraces[process->trace].dump;
     for (int lost = static_cast<int>(process->section) + 1; lost < static_cast<int>(section);
          ++lost) {
-        const bool isFirst = dump.lostHeadings.empty();
-        dump.lostHeadings += isFirst ? "" : ", ";
+        dump.lostHeadings += dump.lostHeadings.empty() ? "" : ", ";
         dump.lostHeadings += logLine(kHeadings[lost - 1]).text;
     }
     dump.hasCodecsHeading |= id == LineId::CodecsHeading;
@@ -317,179 +309,108 @@ void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineN
 }
 
 void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process) {
-    if (process->section == Section::None && !mTraces[process->trace].dump.isStarted) {
+    if (process->section == DumpSection::None && !mTraces[process->trace].dump.isStarted) {
         startDump(LineId::Entry, entry, lineNumber, process);
     }
     LoadTrace& trace = mTraces[process->trace];
-    Dump& dump = trace.dump;
-    const std::string_view text =
-            entry.text.substr(literalsOf(logLine(LineId::Entry).text).front().size());
+    const std::string_view text = firstValue(logLine(LineId::Entry), entry.text);
     const std::optional<NamedEntry> named = matchNamed(text);
-    const bool isOfFeatures = process->section == Section::Features;
-    const bool isOfPresets = process->section == Section::Presets;
-    const auto addNamed = [&](std::vector<DumpedValue>* values) {
-        addValue({std::string(named->name), std::string(named->value), lineNumber}, values, &trace);
-    };
-    if (named && process->section <= Section::Presets) {
-        const bool isFeature = fits(*named, LineId::Feature);
-        const bool isPreset = fits(*named, LineId::Preset);
-        if (isOfFeatures && isPreset && !isFeature) {
-            dump.lostHeadings = logLine(LineId::PresetsHeading).text;
-            process->section = Section::Presets;
-        }
-        const bool isUnplaced = process->section == Section::None && isFeature == isPreset;
-        addNamed(isUnplaced                                           ? &dump.unplaced
-                 : process->section == Section::Presets               ? &dump.presets
-                 : process->section == Section::Features || isFeature ? &dump.features
-                                                                      : &dump.presets);
-    } else if (isOfFeatures || isOfPresets) {
-        addCut(entry.text, lineNumber, false, &trace);
-    } else if (process->section != Section::Later) {
-        std::vector<DumpedValue>* const lists[] = {&dump.unplaced, nullptr,       nullptr,
-                                                   &dump.filters,  &dump.plugins, &dump.codecs};
-        addValue({std::string(text), "", lineNumber}, lists[static_cast<size_t>(process->section)],
-                 &trace);
+    const bool isFeature = named && fits(*named, LineId::Feature);
+    const bool isPreset = named && fits(*named, LineId::Preset);
+    DumpSection section = process->section;
+    if (section == DumpSection::Later) {
+        return;
     }
-}
-
-namespace {
-
-void addShown(std::string_view text, uint64_t lineNumber, std::map<std::string, uint64_t>* shown,
-              uint64_t* count) {
-    ++*count;
-    if (shown->size() < kMostShown) {
-        shown->emplace(text, lineNumber);
+    if (section == DumpSection::Features && isPreset && !isFeature) {
+        trace.dump.lostHeadings = logLine(LineId::PresetsHeading).text;
+        process->section = section = DumpSection::Presets;
+    } else if (section == DumpSection::None && isFeature != isPreset) {
+        section = isFeature ? DumpSection::Features : DumpSection::Presets;
     }
-}
-
-}  // namespace
-
-void TraceCollector::addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace) {
-    addShown(text, lineNumber, &trace->strangeLines, &trace->strangeCount);
-}
-
-void TraceCollector::addCut(std::string_view text, uint64_t lineNumber, bool isError,
-                            LoadTrace* trace) {
-    trace->hasCutError |= isError;
-    addShown(text, lineNumber, &trace->cutLines, &trace->cutCount);
-}
-
-void TraceCollector::addUnread(std::string_view text, uint64_t lineNumber) {
-    if (mUnreadCount++ == 0) {
-        mFirstUnread = text;
-        mFirstUnreadLine = lineNumber;
+    const bool isNamed = section == DumpSection::Features || section == DumpSection::Presets;
+    if (isNamed && !named) {
+        trace.cut.add(entry.text, lineNumber);
+        return;
+    }
+    DumpedValue value = {std::string(text), "", lineNumber};
+    if (named && section <= DumpSection::Presets) {
+        value = {std::string(named->name), std::string(named->value), lineNumber};
+    }
+    if (spend(text.size(), &trace)) {
+        trace.dump.values[section].push_back(std::move(value));
     }
 }
 
 // What was asked of the store or the formats: any thread may ask, also while another one loads, and
 // long after the load.
-void TraceCollector::addCall(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
-                             LoadTrace* trace) {
-    const auto add = [&](auto* calls, const auto& key, size_t bytes) {
-        const auto known = calls->find(key);
-        if (known != calls->end()) {
-            known->second.count += count;
-        } else if (spend(bytes, trace)) {
-            calls->emplace(key, Call{lineNumber, count});
-        }
-    };
-    const LineValues values = match(logLine(id).text, entry.text).value_or(LineValues());
-    const auto text = [&](size_t i) {
-        return i < values.size() ? std::string(values[i]) : std::string();
-    };
-    switch (id) {
-        case LineId::UnknownFormat:
-            return add(&trace->unknownFormats, text(0), text(0).size());
-        case LineId::MissingPlane:
-            return add(&trace->missingPlanes, std::pair(text(0), text(1)), entry.text.size());
-        case LineId::BadDescriptor:
-            return add(&trace->badDescriptors, text(0), text(0).size());
-        case LineId::SkippedByCall: {
-            const SkippedText skipped = *matchSkipped(entry.text);
-            return add(&trace->skippedByCall, fmt::format("{}: {}", skipped.place, skipped.reason),
-                       entry.text.size());
-        }
-        default:
-            trace->noCodecs.line = trace->noCodecs.count == 0 ? lineNumber : trace->noCodecs.line;
-            trace->noCodecs.count += count;
-            // Get() has returned: the load is over.
-            trace->lineAfter = trace->lineAfter == 0 ? lineNumber : trace->lineAfter;
-            return;
+void TraceCollector::addCall(LineId id, const LogEntry& entry, const Call& call, LoadTrace* trace) {
+    if (id == LineId::NoCodecs) {
+        trace->noCodecs.line = trace->noCodecs.count == 0 ? call.line : trace->noCodecs.line;
+        trace->noCodecs.count += call.count;
+        // Get() has returned: the load is over.
+        trace->lineAfter = trace->lineAfter == 0 ? call.line : trace->lineAfter;
+        return;
+    }
+    const auto known = trace->calls.find({id, std::string(entry.text)});
+    if (known != trace->calls.end()) {
+        known->second.count += call.count;
+    } else if (spend(entry.text.size(), trace)) {
+        trace->calls.emplace(std::pair(id, entry.text), call);
     }
 }
 
-// The line after "Failed to open ", where it may be cut: of which row it is.
-LoadEvent TraceCollector::pathEvent(LineId id, std::string_view path, uint64_t lineNumber,
-                                    const LoadTrace& trace) {
-    LoadEvent event = {.id = id, .line = lineNumber, .value = std::string(path)};
-    const std::string_view fallback = kFallbackSystemSpec;
-    if (id == LineId::OpenFailed) {
-        const bool isFallback = path.starts_with(fallback) ||
-                                (fallback.starts_with(path) &&
-                                 !std::string_view(kVendorSpecDirectory).starts_with(path));
-        const bool isAfterFalling = trace.find(LineId::FallingBack) != nullptr;
-        if (isFallback || (isAfterFalling && fallback.starts_with(path))) {
-            event.id = LineId::NothingOpened;
-            event.isCut = true;
-            return event;
-        }
-    }
-    event.isCut = id == LineId::Parsing || id == LineId::OpenFailed ? !isSpecPath(path)
-                                                                    : path != fallback;
-    return event;
-}
-
-void TraceCollector::addLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
-                             Process* process) {
-    const LineValues values = match(logLine(id).text, entry.text).value_or(LineValues());
-    const std::string first(values.empty() ? std::string_view() : values.front());
-    switch (id) {
+void TraceCollector::addLine(LoadEvent event, const LogEntry& entry, Process* process) {
+    switch (event.id) {
         case LineId::Entry:
-            return addDumpEntry(entry, lineNumber, process);
-        case LineId::Parsing:
-        case LineId::OpenFailed:
-        case LineId::FallingBack:
-        case LineId::NothingOpened:
-            addEvent(pathEvent(id, first, lineNumber, mTraces[process->trace]), entry, process);
+            return addDumpEntry(entry, event.line, process);
+        case LineId::FeaturesHeading:
+        case LineId::PresetsHeading:
+        case LineId::FiltersHeading:
+        case LineId::PluginsHeading:
+        case LineId::CodecsHeading:
+            return addHeading(event.id, entry, event.line, process);
+        case LineId::Skipped: {
+            const SkippedText skipped = *matchSkipped(entry.text);
+            event.value = skipped.place;
+            event.reason = skipped.reason;
+            event.document = skipped.document;
             break;
-        case LineId::NoVariant:
-        case LineId::StreamRejected:
-        case LineId::BuiltInRejected:
-        case LineId::RowSkipped:
-        case LineId::EncoderFilter:
-            addEvent({.id = id, .line = lineNumber, .value = first, .count = count}, entry,
-                     process);
-            break;
-        case LineId::Skipped:
-            addSkipped(entry, lineNumber, process);
-            break;
+        }
         default:
-            return addHeading(id, entry, lineNumber, process);
+            event.value = firstValue(logLine(event.id), entry.text);
+            break;
     }
-    if (process->section != Section::None) {
-        process->section =
-                Section::Later;  // The dump has ended: later entries do not belong to it.
+    event = isOfLocation(event.id) ? pathEvent(std::move(event), mTraces[process->trace]) : event;
+    addEvent(std::move(event), entry, process);
+    if (process->section != DumpSection::None) {
+        process->section = DumpSection::Later;  // Later entries do not belong to the dump.
     }
+}
+
+// Whether a line without a tag is the library's.
+bool TraceCollector::isOurs(const LogEntry& entry, const LogLine* row, bool isCut) const {
+    if (row == nullptr || isCut) {
+        return false;
+    }
+    const auto process = mProcesses.find(entry.process);
+    const bool isInDump = process != mProcesses.end() &&
+                          process->second.section != DumpSection::None &&
+                          process->second.section != DumpSection::Later;
+    return (row->id == LineId::Entry && isInDump) || isOursWithoutTag(*row, entry.text);
 }
 
 void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count) {
     const LogLine* row = rowOf(entry.tag, entry.text);
-    const CutText cut = row == nullptr ? matchCut(entry.tag, entry.text) : CutText();
+    const CutText cut =
+            row == nullptr ? matchCut(entry.tag, entry.priority, entry.text) : CutText();
     row = cut.row != nullptr ? cut.row : row;
-    const auto known = mProcesses.find(entry.process);
     if (entry.tag.empty()) {
-        const bool isInDump = known != mProcesses.end() && known->second.section != Section::None &&
-                              known->second.section != Section::Later;
         const bool isRaw = entry.process < 0 && entry.time.empty();
-        const LineValues values =
-                row != nullptr ? match(row->text, entry.text).value_or(LineValues()) : LineValues();
-        const bool isOurs = row != nullptr && !cut.isCut &&
-                            ((row->id == LineId::Entry && isInDump) ||
-                             isOursWithoutTag(row->id, values.empty() ? "" : values.front()));
-        if (!isOurs || (isRaw && mHasHeaders)) {
-            if (isRaw && (isOurs || mentionsLibrary(entry.text))) {
-                addUnread(entry.text, lineNumber);
-            }
+        const bool isOurLine = isOurs(entry, row, cut.isCut);
+        if (isRaw && (mHasHeaders || !isOurLine) && (isOurLine || mentionsLibrary(entry.text))) {
+            mUnread.add(entry.text, lineNumber);
+        }
+        if (!isOurLine || (isRaw && mHasHeaders)) {
             return;
         }
     }
@@ -498,14 +419,15 @@ void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_
         return;
     }
     if (cut.isCut) {
-        addCut(entry.text, lineNumber, cut.isError && row == nullptr, &mTraces[process->trace]);
+        mTraces[process->trace].cut.add(entry.text, lineNumber);
+        mTraces[process->trace].hasCutFault |= cut.isFault && row == nullptr;
     }
     if (row != nullptr && isOfCall(row->id)) {
-        addCall(row->id, entry, lineNumber, count, &mTraces[process->trace]);
+        addCall(row->id, entry, {lineNumber, count}, &mTraces[process->trace]);
     } else if (row != nullptr) {
-        addLine(row->id, entry, lineNumber, count, process);
+        addLine({.id = row->id, .line = lineNumber, .count = count}, entry, process);
     } else if (!cut.isCut) {
-        addStrange(entry.text, lineNumber, &mTraces[process->trace]);
+        mTraces[process->trace].strange.add(entry.text, lineNumber);
     }
     mTraces[process->trace].lastLine = lineNumber;
     process->wasOurs = true;
@@ -520,32 +442,29 @@ void TraceCollector::addChatty(const LogEntry& entry, uint64_t lineNumber) {
     if (known == mProcesses.end() || entry.process < 0) {
         return;
     }
-    const auto numberAfter = [&](std::string_view word) {
-        uint64_t number = 0;
-        const size_t at = entry.text.rfind(word);
-        if (at != std::string_view::npos) {
-            const std::string_view rest = entry.text.substr(at + word.size());
-            std::from_chars(rest.data(), rest.data() + rest.size(), number);
-        }
-        return number;
-    };
     Process& process = known->second;
-    if (const uint64_t repeated = numberAfter("identical "); repeated != 0 && process.wasOurs) {
-        LogEntry again = entry;
+    const uint64_t repeated = numberAfter("identical ", entry.text);
+    if (repeated != 0 && process.wasOurs) {
         const std::string tag = process.lastTag;
         const std::string text = process.lastText;
+        LogEntry again = entry;
         again.tag = tag;
         again.text = text;
         addOurs(again, lineNumber, repeated);
-    } else if (const uint64_t dropped = numberAfter("expire "); dropped != 0) {
-        mTraces[process.trace].droppedLines += dropped;
+    } else {
+        mTraces[process.trace].droppedLines += numberAfter("expire ", entry.text);
     }
 }
 
-void TraceCollector::add(const LogEntry& entry, uint64_t lineNumber) {
-    if (!entry.buffer.empty()) {
-        beginBuffer(entry.buffer);
+void TraceCollector::add(const LogEntry& line, uint64_t lineNumber) {
+    if (!line.buffer.empty()) {
+        beginBuffer(line.buffer);
         return;
+    }
+    LogEntry entry = line;
+    // A mail or a terminal adds blanks; only blanks may be an entry of the dump.
+    if (const std::string_view text = withoutTrailing(entry.text, ' '); !text.empty()) {
+        entry.text = text;
     }
     mHasHeaders |= !entry.tag.empty() || !entry.time.empty() || entry.process >= 0;
     noteTime(entry, lineNumber);
@@ -553,6 +472,8 @@ void TraceCollector::add(const LogEntry& entry, uint64_t lineNumber) {
         addChatty(entry, lineNumber);
     } else if (entry.tag.empty() || isOurTag(entry.tag)) {
         addOurs(entry, lineNumber, 1);
+    } else if (mentionsTag(entry.text)) {
+        mUnread.add(entry.text, lineNumber);  // Another tool has put its header in front.
     } else if (const auto other = mProcesses.find(entry.process); other != mProcesses.end()) {
         other->second.wasOurs = false;
     }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <map>
 #include <set>
 #include <string>
@@ -22,26 +21,34 @@ struct DumpedValue {
     uint64_t line;
 };
 
+// The parts of a dump in their order. Before the first heading, and after the end.
+enum class DumpSection { None, Features, Presets, Filters, Plugins, Codecs, Later };
+
 // What the dump showed. The same gate lets headings and entries through, all but the heading of the
 // codec components: without it they are among the plug-ins.
 struct Dump {
-    std::vector<DumpedValue> features;
-    std::vector<DumpedValue> presets;
-    std::vector<DumpedValue> filters;
-    std::vector<DumpedValue> plugins;
-    std::vector<DumpedValue> codecs;
-    std::vector<DumpedValue> unplaced;  // No heading before them.
+    std::map<DumpSection, std::vector<DumpedValue>> values;
     bool hasCodecsHeading = false;
     bool isStarted = false;
     bool isOfLoad = false;     // Else a component may have asked for it, after the load.
     uint64_t line = 0;         // The first one.
     bool isWhole = false;      // Seen from its first line on.
     std::string lostHeadings;  // Of sections before the last one that is there.
+
+    const std::vector<DumpedValue>& of(DumpSection section) const;
 };
 
 struct Call {
     uint64_t line = 0;  // The first one.
     uint64_t count = 0;
+};
+
+// The first different lines of one kind, where they are, and how many lines there are.
+struct SampledLines {
+    std::vector<std::pair<std::string, uint64_t>> lines;
+    uint64_t count = 0;
+
+    void add(std::string_view text, uint64_t line);
 };
 
 // What one load of one process wrote, and what was asked of its store.
@@ -56,16 +63,11 @@ struct LoadTrace {
     uint64_t laterDumps = 0;
 
     Call noCodecs;
-    std::map<std::string, Call> unknownFormats;
-    std::map<std::pair<std::string, std::string>, Call> missingPlanes;  // Format and plane.
-    std::map<std::string, Call> badDescriptors;
-    std::map<std::string, Call> skippedByCall;
+    std::map<std::pair<LineId, std::string>, Call> calls;  // Others, by their text.
 
-    std::map<std::string, uint64_t> strangeLines;  // With our tags, but unknown; the first ones.
-    uint64_t strangeCount = 0;
-    std::map<std::string, uint64_t> cutLines;  // The first ones.
-    uint64_t cutCount = 0;
-    bool hasCutError = false;   // One of them is of an error that nothing else shows.
+    SampledLines strange;  // With our tags, but unknown.
+    SampledLines cut;
+    bool hasCutFault = false;   // One of the cut ones is of a fault that nothing else shows.
     uint64_t droppedLines = 0;  // Which the device says it has dropped from its log.
     bool isTooLong = false;     // Not all of it was kept.
 
@@ -73,10 +75,12 @@ struct LoadTrace {
     // did not write then, it did not write at all. 0 when there is none.
     uint64_t lineBefore = 0;
     uint64_t lineAfter = 0;
+    double lastSeconds = 0;  // Of the log, at the load's last line.
 
     const LoadEvent* find(LineId id) const;
-    uint64_t count(LineId id) const;
     bool hasLoad() const { return !events.empty() || dump.isStarted; }
+    bool isAnyKnown() const { return hasLoad() || noCodecs.count != 0; }
+    bool hasGaps() const { return droppedLines != 0 || cut.count != 0 || isTooLong; }
 
     // The path that the variant selected: whole, or empty when no line shows it.
     std::string firstPath() const;
@@ -85,76 +89,59 @@ struct LoadTrace {
 // Sorts the entries of one log.
 class TraceCollector {
 public:
-    // The entries, in order.
+    // The entries, in order, and then the end.
     void add(const LogEntry& entry, uint64_t lineNumber);
+    void end();
 
     const std::vector<LoadTrace>& traces() const { return mTraces; }
     bool isTooLong() const { return mIsTooLong; }
 
     // Lines that nobody could read although they have a tag or a text of the library.
-    uint64_t unreadCount() const { return mUnreadCount; }
-    const std::string& firstUnread() const { return mFirstUnread; }
-    uint64_t firstUnreadLine() const { return mFirstUnreadLine; }
+    const SampledLines& unread() const { return mUnread; }
 
 private:
-    enum class Section { None, Features, Presets, Filters, Plugins, Codecs, Later };
-
     // Where the lines of one process go at the moment.
     struct Process {
         size_t trace = 0;
-        Section section = Section::None;
+        DumpSection section = DumpSection::None;
         LoadPosition position = {};
-        std::string lastTime = {};  // Of its load's last line, and that line.
-        uint64_t lastLine = 0;
-        bool isWaiting = false;  // For a line that is seconds later.
-        bool wasOurs = false;    // Whether the process's last line was one of the library's.
+        std::string lastTime = {};  // Of its load's last line.
+        bool wasOurs = false;       // Whether the process's last line was one of the library's.
         std::string lastText = {};
         std::string lastTag = {};
-    };
-
-    struct Mark {
-        std::string time = {};
-        uint64_t line = 0;
     };
 
     Process* processOf(const LogEntry& entry, uint64_t lineNumber);
     bool startTrace(const LogEntry& entry, uint64_t lineNumber, Process* process);
     void beginBuffer(std::string_view name);
-    void forgetProcesses();
+    void endStretch();
     void noteTime(const LogEntry& entry, uint64_t lineNumber);
     void splitIfNewLoad(const LoadEvent& event, const LogEntry& entry, Process* process);
+    bool isOurs(const LogEntry& entry, const LogLine* row, bool isCut) const;
     void addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count);
-    void addLine(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
-                 Process* process);
-    void addCall(LineId id, const LogEntry& entry, uint64_t lineNumber, uint64_t count,
-                 LoadTrace* trace);
-    static LoadEvent pathEvent(LineId id, std::string_view path, uint64_t lineNumber,
-                               const LoadTrace& trace);
-    void addSkipped(const LogEntry& entry, uint64_t lineNumber, Process* process);
+    void addLine(LoadEvent event, const LogEntry& entry, Process* process);
+    void addCall(LineId id, const LogEntry& entry, const Call& call, LoadTrace* trace);
     void startDump(LineId first, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber, Process* process);
     void addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process);
-    static void addStrange(std::string_view text, uint64_t lineNumber, LoadTrace* trace);
-    static void addCut(std::string_view text, uint64_t lineNumber, bool isError, LoadTrace* trace);
     void addChatty(const LogEntry& entry, uint64_t lineNumber);
-    void addUnread(std::string_view text, uint64_t lineNumber);
     void addEvent(LoadEvent event, const LogEntry& entry, Process* process);
-    void addValue(DumpedValue value, std::vector<DumpedValue>* values, LoadTrace* trace);
     bool spend(size_t bytes, LoadTrace* trace);
 
     std::vector<LoadTrace> mTraces;
     std::map<int, Process> mProcesses;
-    std::set<std::string> mBuffers;                 // Which have begun.
-    std::deque<std::pair<int, uint64_t>> mWaiting;  // For a later line: processes, last lines.
-    Mark mRecent;                                   // Lines at least seconds apart.
-    Mark mEarlier;
+    std::set<std::string> mBuffers;  // Which have begun.
+    // Of the stretch of the log in which nobody has set the clock: its first load, its first and
+    // last line, and how many seconds it has lasted.
+    size_t mFirstTrace = 0;
+    uint64_t mFirstLine = 0;
+    uint64_t mLastLine = 0;
     std::string mLastTime;
+    double mSeconds = 0;
     bool mHasHeaders = false;
     size_t mKeptBytes = 0;
     bool mIsTooLong = false;
-    uint64_t mUnreadCount = 0;
-    uint64_t mFirstUnreadLine = 0;
-    std::string mFirstUnread;
+    SampledLines mUnread;
 };
 
 }  // namespace kc2::tool

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -95,25 +96,32 @@ std::string summaryOf(const Diagnosis& diagnosis) {
     std::string text;
     for (const Conclusion& one : diagnosis.conclusions) {
         if (one.topic == "system-spec" || one.topic == "overlay") {
-            text += fmt::format("{}{}", text.empty() ? "" : "; ", one.text);
+            text += fmt::format("{}{}{}", text.empty() ? "" : "; ", one.text, lineList(one.lines));
         }
     }
     return diagnosis.trace->hasLoad() ? fmt::format("no fault in these lines: {}", text)
                                       : fmt::format("no fault in these lines");
 }
 
-// The whole load in one line: whose it is, what is wrong, and what to do.
-std::string headlineOf(const Diagnosis& diagnosis) {
+std::string linesOf(const LoadTrace& trace) {
+    return trace.firstLine == trace.lastLine
+                   ? fmt::format("(line {})", trace.firstLine)
+                   : fmt::format("(lines {} to {})", trace.firstLine, trace.lastLine);
+}
+
+// Whose load it is, when, and where in the log.
+std::string ownerOf(const Diagnosis& diagnosis) {
     const LoadTrace& trace = *diagnosis.trace;
     const std::string process = trace.process < 0
                                         ? "Lines without a process number, read as one process"
                                         : fmt::format("Process {}", trace.process);
-    const std::string lines =
-            trace.firstLine == trace.lastLine
-                    ? fmt::format("line {}", trace.firstLine)
-                    : fmt::format("lines {} to {}", trace.firstLine, trace.lastLine);
-    const std::string who = fmt::format("{}{}{} ({})", process, trace.firstTime.empty() ? "" : ", ",
-                                        trace.firstTime, lines);
+    return fmt::format("{}{}{} {}", process, trace.firstTime.empty() ? "" : ", ", trace.firstTime,
+                       linesOf(trace));
+}
+
+// The whole load in one line: whose it is, what is wrong, and what to do.
+std::string headlineOf(const Diagnosis& diagnosis) {
+    const std::string who = ownerOf(diagnosis);
     const size_t errors = diagnosis.count(Severity::Error);
     const size_t warnings = diagnosis.count(Severity::Warning);
     const Conclusion* const worst = diagnosis.worst();
@@ -130,10 +138,26 @@ std::string headlineOf(const Diagnosis& diagnosis) {
     return fmt::format("{}: {}: {}: {}", who, joined(counts, ", "), worst->brief, worst->advice);
 }
 
+// The commands of an advice; a document is pulled and checked in one.
+std::vector<std::string> commandsOf(std::string_view advice) {
+    std::vector<std::string> commands;
+    while (!advice.empty()) {
+        const size_t end = std::min(advice.find("; "), advice.size());
+        const std::string command(advice.substr(0, end));
+        advice.remove_prefix(std::min(end + 2, advice.size()));
+        if (command.starts_with("kcodec2_spec check") && !commands.empty()) {
+            commands.back() += "; " + command;
+        } else {
+            commands.push_back(command);
+        }
+    }
+    return commands;
+}
+
 // Prints what is wrong with one load in detail, or all that is known of it.
 class DetailPrinter {
 public:
-    // `printed` is the advice that was printed before, for any load.
+    // `printed` are the commands that were printed before, for any load.
     DetailPrinter(const Diagnosis& diagnosis, bool isAll, std::set<std::string>* printed)
         : mDiagnosis(diagnosis), mIsAll(isAll), mPrinted(*printed) {}
 
@@ -196,7 +220,7 @@ private:
         printEscaped(
                 fmt::format("  {}: {}: [{}]", nameOf(first.severity), first.heading, first.topic));
         for (size_t i = 0; i < shown; ++i) {
-            printEscaped(fmt::format("      {}{}", group[i]->item, lineList(group[i]->lines)));
+            printEscaped(fmt::format("      {}{}", group[i]->text, lineList(group[i]->lines)));
             for (const uint64_t line : group[i]->lines) {
                 printPlace(line);
             }
@@ -210,8 +234,10 @@ private:
     }
 
     void printAdvice(const std::string& advice) {
-        if (!advice.empty() && mPrinted.insert(advice).second) {
-            printEscaped(fmt::format("    do: {}", advice));
+        std::vector<std::string> commands = commandsOf(advice);
+        std::erase_if(commands, [&](const auto& one) { return !mPrinted.insert(one).second; });
+        if (!commands.empty()) {
+            printEscaped(fmt::format("    do: {}", joined(commands, "; ")));
         }
     }
 
@@ -251,24 +277,43 @@ private:
     std::set<std::pair<std::string, std::string>> mHeadings;
 };
 
+// What is known of a load, without its place in the log: equal for loads that need no description
+// of their own.
+std::string contentOf(const Diagnosis& diagnosis) {
+    std::string content;
+    for (const Conclusion& one : diagnosis.conclusions) {
+        content += fmt::format("{}: {}\n{}\n", nameOf(one.severity), one.fullText(), one.advice);
+    }
+    return content;
+}
+
 // First a line for each load, then what is wrong with each.
 void printText(const std::vector<Diagnosis>& diagnoses, bool isAll) {
     const bool isOne = diagnoses.size() == 1;
     std::set<std::string> printed;
+    std::map<std::string, const LoadTrace*> firsts;
     for (const Diagnosis& diagnosis : diagnoses) {
+        const LoadTrace* const first =
+                firsts.emplace(contentOf(diagnosis), diagnosis.trace).first->second;
+        if (first != diagnosis.trace && first->process >= 0 && diagnosis.worst() != nullptr) {
+            printEscaped(fmt::format("{}: the same as process {} {}", ownerOf(diagnosis),
+                                     first->process, linesOf(*first)));
+            continue;
+        }
         printEscaped(headlineOf(diagnosis));
         if (const Conclusion* const worst = diagnosis.worst(); worst != nullptr) {
-            printed.insert(worst->advice);
+            const std::vector<std::string> commands = commandsOf(worst->advice);
+            printed.insert(commands.begin(), commands.end());
         }
     }
     for (const Diagnosis& diagnosis : diagnoses) {
-        if (!isAll && diagnosis.worst() == nullptr) {
+        const bool isFirst = firsts.at(contentOf(diagnosis)) == diagnosis.trace;
+        if (!isAll && (diagnosis.worst() == nullptr || !isFirst)) {
             continue;
         }
         if (!isOne) {
-            const std::string headline = headlineOf(diagnosis);
             printOut("\n");
-            printEscaped(headline.substr(0, headline.find(')') + 1));
+            printEscaped(ownerOf(diagnosis));
         }
         DetailPrinter(diagnosis, isAll, &printed).print();
     }
@@ -286,7 +331,7 @@ Json::Value toJson(const Conclusion& conclusion) {
     Json::Value json;
     json["severity"] = nameOf(conclusion.severity);
     json["topic"] = conclusion.topic;
-    json["text"] = escapedLines(conclusion.text);
+    json["text"] = escapedLines(conclusion.fullText());
     json["advice"] = escapedLines(conclusion.advice);
     json["lines"] = toJson(conclusion.lines);
     return json;
@@ -331,7 +376,7 @@ Json::Value listOf(const Items& items) {
 
 Json::Value toJson(const Diagnosis& diagnosis) {
     const LoadTrace& trace = *diagnosis.trace;
-    const bool isAnyKnown = trace.hasLoad() || trace.noCodecs.count != 0;
+    const bool isAnyKnown = trace.isAnyKnown();
     Json::Value json;
     json["process"] = trace.process < 0 ? Json::Value() : Json::Value(trace.process);
     json["time"] = escaped(trace.firstTime);
@@ -361,27 +406,33 @@ void readLines(std::FILE* file, ReadLog* log) {
             log->collector.add(*entry, reader.lineNumber());
         }
     }
+    log->collector.end();
     log->lines = reader.lineNumber();
     log->failure = reader.isFailed() ? std::strerror(errno) : reader.whyNotText();
 }
 
+std::string unreadText(const SampledLines& unread, const char* why) {
+    const auto& [line, number] = unread.lines.front();
+    return fmt::format("{} {}. The first is line {}: {}", counted(unread.count, "line"), why,
+                       number, line);
+}
+
 // Why nothing can be said of a log without any line of a load; empty where that says something.
 std::string whyNotUnderstood(const ReadLog& log) {
-    if (log.collector.unreadCount() != 0 && log.collector.traces().empty()) {
-        return fmt::format(
-                "{} with a tag or a text of the library, but in no known format. The "
-                "first is line {}: {}",
-                counted(log.collector.unreadCount(), "line"), log.collector.firstUnreadLine(),
-                log.collector.firstUnread());
+    if (!log.collector.traces().empty()) {
+        return "";
     }
-    if (log.collector.traces().empty() && log.parser.knownLines() == 0) {
-        return log.lines == 0 ? "the log is empty"
-                              : fmt::format(
-                                        "none of {} is in a format of logcat, so this log says "
-                                        "nothing about the library",
-                                        counted(log.lines, "line"));
+    if (log.collector.unread().count != 0) {
+        return unreadText(log.collector.unread(),
+                          "with a tag or a text of the library, but in no known format");
     }
-    return "";
+    return log.parser.knownLines() != 0 ? ""
+           : log.parser.rawLines() == 0
+                   ? "the log is empty"
+                   : fmt::format(
+                             "none of {} is in a format of logcat, so this log says nothing about "
+                             "the library",
+                             counted(log.lines, "line"));
 }
 
 std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOptions& options) {
@@ -389,7 +440,7 @@ std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOption
     for (const LoadTrace& trace : collector.traces()) {
         Diagnosis diagnosis = {&trace, factsOf(trace), {}, {}};
         std::vector<Conclusion> compared;
-        if (options.hasTree && (trace.hasLoad() || trace.noCodecs.count != 0)) {
+        if (options.hasTree && trace.isAnyKnown()) {
             PulledComparison pulled = comparePulled(trace, options.isVariantGiven);
             diagnosis.facts = std::move(pulled.facts);
             diagnosis.places = std::move(pulled.places);
@@ -422,12 +473,8 @@ ReadLog readLog(const std::string& path) {
 
 // What is left to say on standard error of a log that was read.
 void complainOf(const TraceCollector& collector) {
-    if (collector.unreadCount() != 0) {
-        complain(
-                fmt::format("{} with a text of the library cannot be read; the first is line {}: "
-                            "{}",
-                            counted(collector.unreadCount(), "line"), collector.firstUnreadLine(),
-                            collector.firstUnread()));
+    if (collector.unread().count != 0) {
+        complain(unreadText(collector.unread(), "with a text of the library cannot be read"));
     }
     if (collector.isTooLong()) {
         complain("the log is too long: not all of it is described");

@@ -49,10 +49,11 @@ public:
         return number;
     }
 
-    bool readPriority() {
+    bool readPriority(char* priority) {
         if (mRest.empty() || kPriorities.find(mRest.front()) == std::string_view::npos) {
             return false;
         }
+        *priority = mRest.front();
         mRest.remove_prefix(1);
         return true;
     }
@@ -95,7 +96,9 @@ std::string_view readTime(Scanner* scanner) {
     const char* const start = ahead.rest().data();
     const std::string_view first = ahead.readUntil(" ");
     const char* limit = first.data() + first.size();
-    if (isDigitsWith(first, "-")) {
+    constexpr size_t kDaySizes[] = {5, 10};  // Without a year and with one.
+    if (isDigitsWith(first, "-") &&
+        (first.size() == kDaySizes[0] || first.size() == kDaySizes[1])) {
         ahead.skipBlanks();
         const std::string_view clock = ahead.readUntil(" ");
         if (!isDigitsWith(clock, ":.")) {
@@ -151,7 +154,7 @@ std::optional<int> readProcessInBrackets(Scanner* scanner) {
 // brief and time: "E/Tag     (  123): text"; tag: "E/Tag     : text".
 std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
     LogEntry entry = {.time = time};
-    if (!scanner.readPriority() || !scanner.read('/')) {
+    if (!scanner.readPriority(&entry.priority) || !scanner.read('/')) {
         return std::nullopt;
     }
     entry.tag = withoutTrailing(scanner.readUntil("(:"), ' ');
@@ -168,14 +171,15 @@ std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
 // process and thread: "E(  123) text  (Tag)", "E(  123:  124) text"; either may have the user in
 // front. Only the process format names the tag.
 std::optional<LogEntry> parseProcess(Scanner scanner) {
-    if (!scanner.readPriority() || !scanner.read('(')) {
+    LogEntry entry;
+    if (!scanner.readPriority(&entry.priority) || !scanner.read('(')) {
         return std::nullopt;
     }
     const Ids ids = idsIn(scanner.readUntil(")"));
     if (ids.count == 0 || !scanner.read(')') || !scanner.read(' ')) {
         return std::nullopt;
     }
-    LogEntry entry = {.text = scanner.rest()};
+    entry.text = scanner.rest();
     const size_t bracket = entry.text.rfind("  (");
     const bool hasTag =
             ids.count < 3 && bracket != std::string_view::npos && entry.text.back() == ')';
@@ -210,10 +214,12 @@ std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) 
     }
     const std::optional<int> process = processOf(words[count - 2]);
     scanner.skipBlanks();
-    if (!process || !isDigits(words[count - 1]) || !scanner.readPriority() || !scanner.read(' ')) {
+    LogEntry entry = {.time = time};
+    if (!process || !isDigits(words[count - 1]) || !scanner.readPriority(&entry.priority) ||
+        !scanner.read(' ')) {
         return std::nullopt;
     }
-    LogEntry entry = {.time = time, .process = *process};
+    entry.process = *process;
     entry.tag = withoutTrailing(scanner.readUntil(":"), ' ');
     if (!scanner.readColon()) {
         return std::nullopt;
@@ -245,7 +251,7 @@ std::optional<LogEntry> parseIde(Scanner scanner, std::string_view time) {
     for (int word = 0; word < 3; ++word) {  // Tag and name may be hidden.
         scanner.skipBlanks();
         Scanner ahead = scanner;
-        if (ahead.readPriority() && ahead.read(' ')) {
+        if (ahead.readPriority(&entry.priority) && ahead.read(' ')) {
             ahead.read(' ');
             entry.text = ahead.rest();
             return entry;
@@ -358,6 +364,7 @@ bool LogcatParser::readLongHeader(std::string_view line) {
         return false;
     }
     mLongProcess = processOf(ids.words[ids.count - 2]).value_or(-1);
+    mLongPriority = scanner.rest()[slash - 1];
     mLongTag = withoutTrailing(scanner.rest().substr(slash + 1), ' ');
     mLongTime = time;
     mIsInLong = true;
@@ -392,19 +399,24 @@ std::optional<LogEntry> LogcatParser::parseKnown(std::string_view line) {
     return parseProcess(Scanner(line));
 }
 
-// A number, a time stamp or a quote mark may be in front of each line.
+// Whether a header may begin here: what it looks like, and that it is not inside a word.
+bool mayBeHeader(std::string_view line, size_t at) {
+    const char before = line[at - 1];
+    const bool isInWord = isDigit(before) || inSmallLetters(before) != before ||
+                          (before >= 'a' && before <= 'z') || before == '_' || before == '.';
+    const std::string_view rest = line.substr(at);
+    const bool isShort = kPriorities.find(rest.front()) != std::string_view::npos &&
+                         rest.size() > 1 && (rest[1] == '/' || rest[1] == '(');
+    return !isInWord &&
+           (isDigit(rest.front()) || isShort || rest.starts_with("[ ") || rest.starts_with("---"));
+}
+
+// A number, a time stamp, a quote mark or a file's name may be in front of each line.
 std::optional<LogEntry> LogcatParser::parseAfterPrefix(std::string_view line) {
-    constexpr size_t kLongestPrefix = 64;
-    constexpr std::string_view kMarks = " \t[](){}.,:;+->|=#*TZ_/";
+    constexpr size_t kLongestPrefix = 128;
     for (size_t at = 1; at < std::min(line.size(), kLongestPrefix); ++at) {
-        const char c = line[at - 1];
-        if (!isDigit(c) && kMarks.find(c) == std::string_view::npos) {
-            break;
-        }
-        if (isDigit(c) || c == '-' || c == '.' || c == 'T') {
-            continue;  // In the middle of a word.
-        }
-        if (const auto entry = parseKnown(line.substr(at))) {
+        const auto entry = mayBeHeader(line, at) ? parseKnown(line.substr(at)) : std::nullopt;
+        if (entry) {
             mPrefixShape = shapeOf(line.substr(0, at));
             return entry;
         }
@@ -426,13 +438,13 @@ std::optional<LogEntry> LogcatParser::parse(std::string_view line) {
         return std::nullopt;
     }
     if (!entry && mIsInLong) {
-        entry = LogEntry{mLongTime, mLongProcess, mLongTag, line};
+        entry = LogEntry{mLongTime, mLongPriority, mLongProcess, mLongTag, line};
     } else if (!entry) {
         entry = parseAfterPrefix(line);
     }
     if (entry) {
         ++mKnownLines;
-        const bool isEmpty = entry->text.empty() && entry->buffer.empty();
+        const bool isEmpty = entry->tag.empty() && entry->text.empty() && entry->buffer.empty();
         return isEmpty ? std::nullopt : entry;
     }
     ++mRawLines;

@@ -11,6 +11,7 @@ namespace kc2::tool {
 
 struct LogEntry {
     std::string_view time = {};  // As the log has it; empty when the format has none.
+    char priority = '\0';        // V, D, I, W, E, F or S; 0 when the format has none.
     int process = -1;            // -1 when the format has none.
     std::string_view tag = {};   // Empty when the format has none.
     std::string_view text = {};
@@ -36,6 +37,7 @@ private:
     bool mIsInLong = false;
     std::string mLongTime;
     std::string mLongTag;
+    char mLongPriority = '\0';
     int mLongProcess = -1;
     std::string mPrefixShape;  // Of what precedes each line, digits as 0.
     uint64_t mKnownLines = 0;

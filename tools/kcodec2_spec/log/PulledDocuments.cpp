@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <set>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -63,6 +63,21 @@ LoadTrace traceOf(const Work& work) {
     return collector.traces().empty() ? LoadTrace() : collector.traces().front();
 }
 
+// The parts of a dump, and the sections that they show.
+struct DumpPart {
+    DumpSection section;
+    const char* const* key;
+    bool isInOrder;
+};
+
+constexpr DumpPart kDumpParts[] = {
+        {DumpSection::Features, &targetSpecFeatures, false},
+        {DumpSection::Presets, &targetSpecPresets, false},
+        {DumpSection::Filters, &targetSpecPreProcessingFilters, true},
+        {DumpSection::Plugins, &targetSpecCodecPlugins, true},
+        {DumpSection::Codecs, &targetSpecSupportedCodecs, false},
+};
+
 // One document of the tree: what the library logs of it, and where its values are.
 class PulledDocument {
 public:
@@ -75,38 +90,28 @@ public:
             mMessages.emplace(entry->span.start,
                               fmt::format("{} [{}]", entry->message, entry->check->id));
         }
-        for (const LoadEvent& event : mTrace.events) {
-            for (uint64_t n = 0; isOfValue(event) && n < event.count; ++n) {
-                mLeft.insert(keyOf(event));
-            }
-        }
-        index();
+        indexValues();
+        indexLines();
     }
 
     const Document& document() const { return mDocument; }
     const Dump& dump() const { return mTrace.dump; }
     const std::string& path() const { return mPath; }
 
-    // Whether the library logs this line about the document (once more), and its place if it is
-    // known.
-    bool logs(const LoadEvent& event, std::string* place) {
-        const auto found = mLeft.find(keyOf(event));
-        if (found == mLeft.end()) {
-            return false;
+    // The place of the value that the library logs this line about, empty when it is not known;
+    // nothing when the library does not log the line (once more).
+    std::optional<std::string> takeLine(const LoadEvent& event) {
+        const auto found = mLines.find(keyOf(event));
+        if (found == mLines.end()) {
+            return std::nullopt;
         }
-        mLeft.erase(found);
-        if (event.id == LineId::EncoderFilter) {
-            *place = element(targetSpecSupportedEncPostProcessingFilters, mFilters++);
-        } else if (const auto value = mLogged.find({event.value, event.reason});
-                   value != mLogged.end()) {
-            *place = placeOf(value->second);
-            mLogged.erase(value);
-        }
-        return true;
+        std::string place = std::move(found->second);
+        mLines.erase(found);
+        return place;
     }
 
     // What the library logs of the document and the log did not have.
-    const std::multiset<LineKey>& left() const { return mLeft; }
+    const std::multimap<LineKey, std::string>& lines() const { return mLines; }
 
     std::string whyRejected() const {
         if (!mDocument.isReadable) {
@@ -115,22 +120,11 @@ public:
         return mMessages.empty() ? path() : placeOf(mMessages.begin()->first);
     }
 
-    // Places, empty where there is no such value.
-    std::string named(const char* section, const std::string& name) const {
-        const auto found = mNamed.find({section, name});
-        return found != mNamed.end() ? placeOf(found->second) : "";
-    }
-
-    std::string element(const char* section, size_t number) const {
-        const auto found = mElements.find(section);
-        return found != mElements.end() && number < found->second.size()
-                       ? placeOf(found->second[number]->value.start)
-                       : "";
-    }
-
-    std::string codec(const std::string& name) const {
-        const auto found = mCodecs.find(name);
-        return found != mCodecs.end() ? placeOf(found->second) : "";
+    // The place of a section's value of that name, or of that number in a list; empty where there
+    // is none.
+    std::string placeIn(const char* section, const std::string& name) const {
+        const auto found = mValues.find({section, name});
+        return found != mValues.end() ? placeOf(found->second) : "";
     }
 
 private:
@@ -141,43 +135,62 @@ private:
         return message != mMessages.end() ? fmt::format("{}: {}", place, message->second) : place;
     }
 
-    // Both a document and a log may have a hundred thousand values.
-    void index() {
-        for (const Verdict& verdict : mDocument.verdicts) {
-            const FindingRow& row = rowOf(verdict.kind);
-            const Place place = {
-                    .section = verdict.section, .name = verdict.name, .index = verdict.index};
-            if (row.effect == Effect::SkipsAndLogs) {
-                mLogged.emplace(row.reason != nullptr ? std::pair(place.toString(), row.reason)
-                                                      : std::pair(std::string(), ""),
-                                verdict.start);
-            }
-        }
+    void indexValues() {
         forEachSection(mDocument, [&](const Section& row, const Node& section) {
+            size_t number = 0;
             if (row.type == SectionType::Names) {
-                mElements.emplace(*row.key, usedElements(mDocument, *row.key));
+                for (const Node* const element : usedElements(mDocument, *row.key)) {
+                    mValues.emplace(std::pair(*row.key, fmt::format("{}", number++)),
+                                    element->value.start);
+                }
             }
             for (const Node& member : section.children) {
                 if (isOfNamedValues(row.type) && member.isUsed()) {
-                    mNamed.emplace(std::pair(*row.key, member.key), member.value.start);
+                    mValues.emplace(std::pair(*row.key, member.key), member.value.start);
                 }
             }
         });
         forEachEntry(mDocument, isOfCodecs, [&](const DocumentName& entry) {
-            mCodecs.emplace(entry.text, entry.span.start);
+            mValues.emplace(std::pair(targetSpecSupportedCodecs, entry.text), entry.span.start);
         });
+    }
+
+    // Both a document and a log may have a hundred thousand values.
+    void indexLines() {
+        std::multimap<std::pair<std::string, std::string>, size_t> skipped;
+        for (const Verdict& verdict : mDocument.verdicts) {
+            const char* const reason = rowOf(verdict.kind).reason;
+            const Place place = {
+                    .section = verdict.section, .name = verdict.name, .index = verdict.index};
+            if (rowOf(verdict.kind).effect == Effect::SkipsAndLogs) {
+                skipped.emplace(reason != nullptr ? std::pair(place.toString(), reason)
+                                                  : std::pair(std::string(), ""),
+                                verdict.start);
+            }
+        }
+        size_t filters = 0;
+        for (const LoadEvent& event : mTrace.events) {
+            for (uint64_t n = 0; isOfValue(event) && n < event.count; ++n) {
+                const auto value = skipped.find({event.value, event.reason});
+                std::string place;
+                if (event.id == LineId::EncoderFilter) {
+                    place = placeIn(targetSpecSupportedEncPostProcessingFilters,
+                                    fmt::format("{}", filters++));
+                } else if (value != skipped.end()) {
+                    place = placeOf(value->second);
+                    skipped.erase(value);
+                }
+                mLines.emplace(keyOf(event), std::move(place));
+            }
+        }
     }
 
     const Document& mDocument;
     const std::string mPath;
     LoadTrace mTrace;
-    std::multiset<LineKey> mLeft;
-    size_t mFilters = 0;
-    std::multimap<std::pair<std::string, std::string>, size_t> mLogged;
-    std::map<size_t, std::string> mMessages;  // By where they are.
-    std::map<std::pair<std::string, std::string>, size_t> mNamed;
-    std::map<std::string, std::vector<const Node*>> mElements;
-    std::map<std::string, size_t, std::less<>> mCodecs;
+    std::multimap<LineKey, std::string> mLines;  // With the places of their values.
+    std::map<size_t, std::string> mMessages;     // By where they are.
+    std::map<std::pair<std::string, std::string>, size_t> mValues;
 };
 
 class LogComparison {
@@ -267,16 +280,15 @@ private:
                                : state == "not a valid document";
     }
 
-    void contradict(
-            std::string text, std::vector<uint64_t> lines = {},
-            std::string advice =
-                    "pull the documents of this phone again, and check that the variant is right") {
+    void contradict(std::string text, std::vector<uint64_t> lines = {}) {
         constexpr size_t kMost = 20;  // More of them say nothing more.
+        lines.erase(std::remove(lines.begin(), lines.end(), uint64_t{0}), lines.end());
         if (++mContradictions <= kMost) {
-            mResult.conclusions.push_back({Severity::Error, "contradiction",
-                                           "log and tree contradict each other", text,
-                                           std::move(advice), std::move(lines),
-                                           "the log and the tree contradict each other", text});
+            mResult.conclusions.push_back(
+                    {Severity::Error, "contradiction", "log and tree contradict each other",
+                     std::move(text),
+                     "pull the documents of this phone again, and check that the variant is right",
+                     std::move(lines), "the log and the tree contradict each other"});
         }
     }
 
@@ -346,7 +358,7 @@ private:
             if (mTrace.firstPath().empty()) {
                 absent.emplace_back(
                         "the system spec document (no line names it: give the variant with "
-                        "--property)");
+                        "--variant)");
             } else if (mLogFacts.isOpen(SpecSource::Variant)) {
                 absent.push_back(mTrace.firstPath());
             } else if (mLogFacts.isOpen(SpecSource::Fallback)) {
@@ -366,29 +378,35 @@ private:
                                    mTrace.firstPath(), mLoad.firstPath),
                        {mTrace.firstLine});
         }
-        if (mPrivateFile == nullptr && !mLogFacts.loads.isContradictory &&
-            !mLogFacts.isOpen(OverlayResult::BuiltIn)) {
-            contradict("the phone has a private file, but the tree has none",
-                       mTrace.noCodecs.line != 0 ? std::vector{mTrace.noCodecs.line}
-                                                 : std::vector<uint64_t>(),
-                       fmt::format("adb pull {}", kPrivateConfig));
-        }
         std::vector<std::string> compared;
-        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
-            if (document != nullptr) {
-                compared.push_back(document->path());
-            }
+        for (const PulledDocument* const document : documents()) {
+            compared.push_back(document->path());
         }
         std::string text = fmt::format("compared with: {}",
                                        compared.empty() ? "no document" : joined(compared, ", "));
+        const std::vector<std::string> absent = absentDocuments();
+        if (!absent.empty()) {
+            text += fmt::format("; not in the tree, and so decides nothing: {}",
+                                joined(absent, ", "));
+        }
+        if (mPrivateFile == nullptr && !mLogFacts.loads.isContradictory &&
+            !mLogFacts.isOpen(OverlayResult::BuiltIn)) {
+            text += "; the phone has a private file: the built-in document was not merged";
+        }
         std::vector<std::string> pulls;
-        for (const std::string& path : absentDocuments()) {
-            text += fmt::format("; not in the tree, so it decides nothing: {}", path);
+        for (const std::string& path : absent) {
             if (path.starts_with("/")) {
                 pulls.push_back(fmt::format("adb pull {}", path));
             }
         }
         mResult.conclusions.push_back({Severity::Note, "tree", "", text, joined(pulls, "; ")});
+    }
+
+    // Those of the tree that decide.
+    std::vector<PulledDocument*> documents() const {
+        std::vector<PulledDocument*> documents = {mSystemSpec.get(), mPrivateFile.get()};
+        documents.erase(std::remove(documents.begin(), documents.end(), nullptr), documents.end());
+        return documents;
     }
 
     void compareEvent(size_t i) {
@@ -405,19 +423,22 @@ private:
         const bool isComplete = (which == Which::Overlay || spec != nullptr) &&
                                 (which == Which::SystemSpec || file != nullptr);
         for (uint64_t n = 0; n < event.count; ++n) {
-            std::string place;
-            if ((spec == nullptr || !spec->logs(event, &place)) &&
-                (file == nullptr || !file->logs(event, &place))) {
-                if (isComplete) {
-                    contradict(fmt::format("the library does not log \"{}\" for the documents in "
-                                           "the tree",
-                                           textOf(event)),
-                               {event.line});
-                }
+            std::optional<std::string> place =
+                    spec != nullptr ? spec->takeLine(event) : std::nullopt;
+            if (!place && file != nullptr) {
+                place = file->takeLine(event);
+            }
+            if (!place && isComplete) {
+                contradict(fmt::format("the library does not log \"{}\" for the documents in the "
+                                       "tree",
+                                       textOf(event)),
+                           {event.line});
+            }
+            if (!place) {
                 return;
             }
-            if (!place.empty()) {
-                mResult.places.push_back({event.line, textOf(event), place});
+            if (!place->empty()) {
+                mResult.places.push_back({event.line, textOf(event), *place});
             }
         }
     }
@@ -433,8 +454,8 @@ private:
         }
     }
 
-    void compareValues(const std::vector<DumpedValue>& logged, std::vector<DumpedValue> expected,
-                       const char* section, bool isOrdered) {
+    void compareValues(const std::vector<DumpedValue>& logged,
+                       const std::vector<DumpedValue>& expected, const DumpPart& part) {
         std::multimap<std::string, std::string> left;
         for (const DumpedValue& value : expected) {
             left.emplace(value.name, value.value);
@@ -445,19 +466,17 @@ private:
             const std::string text = value.value.empty()
                                              ? value.name
                                              : fmt::format("{} : {}", value.name, value.value);
-            const auto found = left.find(value.name);
             const bool isInPlace =
-                    !isOrdered || (i < expected.size() && expected[i].name == value.name);
-            const std::string place = isOrdered ? mSystemSpec->element(section, i)
-                                      : section == targetSpecSupportedCodecs
-                                              ? mSystemSpec->codec(value.name)
-                                              : mSystemSpec->named(section, value.name);
+                    !part.isInOrder || (i < expected.size() && expected[i].name == value.name);
+            const auto found = left.find(value.name);
             if (found == left.end() || !isInPlace) {
                 contradict(fmt::format("the dump shows \"{}\", which {} does not have {}", text,
                                        document, isInPlace ? "" : "at this place of its list"),
                            {value.line});
                 continue;
             }
+            const std::string place = mSystemSpec->placeIn(
+                    *part.key, part.isInOrder ? fmt::format("{}", i) : value.name);
             if (found->second != value.value) {
                 contradict(fmt::format("the dump shows \"{}\", but {} makes it {}", text, place,
                                        found->second),
@@ -468,43 +487,43 @@ private:
         }
         if (!left.empty() && mTrace.dump.isWhole && isWhole()) {
             contradict(fmt::format("the dump does not show {} of {}, which {} has",
-                                   left.begin()->first, section, document));
+                                   left.begin()->first, *part.key, document));
         }
     }
 
     bool isWhole() const {
-        return mTrace.lineAfter != 0 && mTrace.droppedLines == 0 && mTrace.cutCount == 0 &&
-               !mTrace.isTooLong && !mLogFacts.loads.isIncomplete &&
+        return mTrace.lineAfter != 0 && !mTrace.hasGaps() && !mLogFacts.loads.isIncomplete &&
                !mLogFacts.loads.isContradictory;
     }
 
-    // Without their heading the codec components are among the plug-ins.
+    // Where the phone has rejected the document, its dump says nothing about the tree's.
     void compareDump() {
         const Dump& logged = mTrace.dump;
-        if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty()) {
+        if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty() ||
+            (mSystemSpec->document().isAccepted && !mLogFacts.loads.canAccept)) {
             return;
         }
         const Dump& expected = mSystemSpec->dump();
-        compareValues(logged.features, expected.features, targetSpecFeatures, false);
-        compareValues(logged.presets, expected.presets, targetSpecPresets, false);
-        compareValues(logged.filters, expected.filters, targetSpecPreProcessingFilters, true);
-        const size_t plugins = logged.hasCodecsHeading
-                                       ? logged.plugins.size()
-                                       : std::min(logged.plugins.size(), expected.plugins.size());
-        const auto middle = logged.plugins.begin() + static_cast<std::ptrdiff_t>(plugins);
-        compareValues({logged.plugins.begin(), middle}, expected.plugins, targetSpecCodecPlugins,
-                      true);
-        std::vector<DumpedValue> codecs(middle, logged.plugins.end());
-        codecs.insert(codecs.end(), logged.codecs.begin(), logged.codecs.end());
-        compareValues(codecs, expected.codecs, targetSpecSupportedCodecs, false);
+        for (const DumpPart& part : kDumpParts) {
+            std::vector<DumpedValue> values = logged.of(part.section);
+            // Without their heading the codec components are among the plug-ins.
+            const std::vector<DumpedValue>& plugins = logged.of(DumpSection::Plugins);
+            const auto first = plugins.begin() +
+                               static_cast<std::ptrdiff_t>(std::min(
+                                       plugins.size(), expected.of(DumpSection::Plugins).size()));
+            if (!logged.hasCodecsHeading && part.section == DumpSection::Plugins) {
+                values.assign(plugins.begin(), first);
+            } else if (!logged.hasCodecsHeading && part.section == DumpSection::Codecs) {
+                values.assign(first, plugins.end());
+            }
+            compareValues(values, expected.of(part.section), part);
+        }
     }
 
     void compareCodecs() {
-        if (mTrace.noCodecs.count == 0) {
-            return;
-        }
-        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
-            if (document != nullptr && !document->document().content.supportedCodecs.empty()) {
+        for (const PulledDocument* const document : documents()) {
+            if (mTrace.noCodecs.count != 0 &&
+                !document->document().content.supportedCodecs.empty()) {
                 contradict(fmt::format("no document that the phone merged names a codec component, "
                                        "but {} does",
                                        document->path()),
@@ -515,11 +534,12 @@ private:
 
     // The lines about encoder filters need a bit of the level word.
     void compareMissingLines() {
-        for (const PulledDocument* const document : {mSystemSpec.get(), mPrivateFile.get()}) {
-            if (document == nullptr || !isWhole() || mTrace.lineBefore == 0) {
-                continue;
-            }
-            for (const auto& [id, value, reason] : document->left()) {
+        if (!isWhole() || mTrace.lineBefore == 0) {
+            return;
+        }
+        for (const PulledDocument* const document : documents()) {
+            for (const auto& [key, place] : document->lines()) {
+                const auto& [id, value, reason] = key;
                 if (id != LineId::EncoderFilter || mTrace.find(id) != nullptr) {
                     contradict(
                             fmt::format("no line of the log is about {} of {}: the phone has "

@@ -10,4 +10,8 @@ namespace kc2::tool {
 // that must not be shown are written as \xNN.
 std::string html(std::string_view text);
 
+// The same of a name or a path, which a narrow column breaks after "_" and "/". Where that is too
+// far away, it is broken after 30 characters.
+std::string htmlOfName(std::string_view name);
+
 }  // namespace kc2::tool

@@ -29,27 +29,43 @@ bool isBefore(const MatrixRow& a, const MatrixRow& b) {
 // The rows of one section.
 class RowBuilder {
 public:
-    RowBuilder(const std::vector<Snapshot>& snapshots, size_t section)
-        : mSnapshots(snapshots), mSection(section), mRowsOfEntries(snapshots.size()) {
-        for (size_t column = 0; column < snapshots.size(); ++column) {
-            addColumn(column);
+    // An entry that no earlier column has gets a row after the row of the entry before it, so that
+    // a new entry of a list is shown at its place in the list.
+    void addColumn(size_t column, const SnapshotSection& section) {
+        std::unordered_map<std::string_view, size_t> occurrences;
+        std::vector<Row> rowsOfEntries;
+        Row next = mRows.begin();
+        for (const SnapshotEntry& entry : section.entries) {
+            const std::pair key(std::string_view(entry.name), ++occurrences[entry.name]);
+            const auto known = mRowsByName.find(key);
+            Row row;
+            if (known != mRowsByName.end()) {
+                row = known->second;
+            } else {
+                row = mRows.insert(next, {key.first, {}, false});
+                mRowsByName.emplace(key, row);
+            }
+            row->cells.push_back({column, &entry, rowsOfEntries.size(), false});
+            rowsOfEntries.push_back(row);
+            next = std::next(row);
         }
+        (column == 0 ? mFirst : mLatest) = std::move(rowsOfEntries);
     }
 
-    // Marks what differs between one column and the first.
+    // Marks what differs between the column that was added last and the first.
     void mark(const std::vector<Change>& changes, size_t column) {
         for (const Change& change : changes) {
             if (change.before != nullptr) {
-                mark(mRowsOfEntries[0][change.indexBefore], column);
+                mark(mFirst[change.indexBefore], column);
             }
             if (change.after != nullptr) {
-                mark(mRowsOfEntries[column][change.indexAfter], column);
+                mark(mLatest[change.indexAfter], column);
             }
         }
     }
 
-    std::vector<MatrixRow> take() {
-        if (sectionOf(0).form != SectionForm::List) {
+    std::vector<MatrixRow> take(SectionForm form) {
+        if (form != SectionForm::List) {
             mRows.sort(isBefore);  // A list keeps its order.
         }
         return {std::make_move_iterator(mRows.begin()), std::make_move_iterator(mRows.end())};
@@ -58,60 +74,38 @@ public:
 private:
     using Row = std::list<MatrixRow>::iterator;
 
-    const SnapshotSection& sectionOf(size_t column) const { return mSnapshots[column][mSection]; }
-
-    // An entry that no earlier column has gets a row after the row of the entry before it, so that
-    // a new entry of a list is shown at its place in the list.
-    void addColumn(size_t column) {
-        std::unordered_map<std::string_view, size_t> occurrences;
-        Row next = mRows.begin();
-        for (const SnapshotEntry& entry : sectionOf(column).entries) {
-            const std::pair key(std::string_view(entry.name), ++occurrences[entry.name]);
-            const auto known = mRowsByName.find(key);
-            Row row;
-            if (known != mRowsByName.end()) {
-                row = known->second;
-            } else {
-                row = mRows.insert(next, {key.first, {}, false});
-                row->cells.resize(mSnapshots.size());
-                mRowsByName.emplace(key, row);
-            }
-            row->cells[column] = {&entry, mRowsOfEntries[column].size(), false};
-            mRowsOfEntries[column].push_back(row);
-            next = std::next(row);
+    static void mark(Row row, size_t column) {
+        if (row->cells.back().column != column) {
+            row->cells.push_back({column});
         }
-    }
-
-    void mark(Row row, size_t column) {
-        row->cells[column].isDifferent = true;
+        row->cells.back().isDifferent = true;
         row->isDifferent = true;
     }
 
-    const std::vector<Snapshot>& mSnapshots;
-    size_t mSection;
     std::list<MatrixRow> mRows;
     std::map<std::pair<std::string_view, size_t>, Row> mRowsByName;  // With the occurrence.
-    std::vector<std::vector<Row>> mRowsOfEntries;                    // By column.
+    std::vector<Row> mFirst;                                         // Of the first column.
+    std::vector<Row> mLatest;                                        // Of the last one.
 };
 
 }  // namespace
 
-std::vector<MatrixSection> matrixOf(const std::vector<Snapshot>& snapshots) {
-    const Snapshot& first = snapshots.front();
-    std::vector<RowBuilder> builders;
-    builders.reserve(first.size());
-    for (size_t i = 0; i < first.size(); ++i) {
-        builders.emplace_back(snapshots, i);
-    }
-    for (size_t column = 1; column < snapshots.size(); ++column) {
-        for (const SectionChanges& changes : differencesOf(first, snapshots[column])) {
+std::vector<MatrixSection> matrixOf(const std::vector<LoadColumn>& columns) {
+    const Snapshot& first = columns.front().snapshot;
+    std::vector<RowBuilder> builders(first.size());
+    for (size_t column = 0; column < columns.size(); ++column) {
+        const Snapshot& snapshot = columns[column].snapshot;
+        for (size_t i = 0; i < first.size(); ++i) {
+            builders[i].addColumn(column, snapshot[i]);
+        }
+        for (const SectionChanges& changes : differencesOf(first, snapshot)) {
             builders[static_cast<size_t>(changes.before - first.data())].mark(changes.changes,
                                                                               column);
         }
     }
     std::vector<MatrixSection> sections;
     for (size_t i = 0; i < first.size(); ++i) {
-        MatrixSection section = {&first[i], builders[i].take(), 0};
+        MatrixSection section = {&first[i], builders[i].take(first[i].form), 0};
         section.differences = static_cast<size_t>(
                 std::count_if(section.rows.begin(), section.rows.end(),
                               [](const MatrixRow& row) { return row.isDifferent; }));

@@ -5,20 +5,24 @@
 #include <string_view>
 #include <vector>
 
+#include "report/LoadColumns.h"
 #include "store/StoreSnapshot.h"
 
 namespace kc2::tool {
 
 struct MatrixCell {
+    size_t column;
     const SnapshotEntry* entry = nullptr;  // Null when the store does not have it.
     size_t index = 0;                      // In its section; components see it in a list.
     bool isDifferent = false;              // From the first column.
 };
 
+// With a thousand variants, most cells would say "not there, as in the first column". They are left
+// out.
 struct MatrixRow {
     std::string_view name;
-    std::vector<MatrixCell> cells;
-    bool isDifferent = false;  // In one of the columns at least.
+    std::vector<MatrixCell> cells;  // By column.
+    bool isDifferent = false;       // In one of the columns at least.
 };
 
 struct MatrixSection {
@@ -27,9 +31,7 @@ struct MatrixSection {
     size_t differences = 0;  // Rows that differ.
 };
 
-using Snapshot = std::vector<SnapshotSection>;
-
-// `snapshots` must not be empty, and must outlive the result.
-std::vector<MatrixSection> matrixOf(const std::vector<Snapshot>& snapshots);
+// `columns` must not be empty, and must outlive the result.
+std::vector<MatrixSection> matrixOf(const std::vector<LoadColumn>& columns);
 
 }  // namespace kc2::tool

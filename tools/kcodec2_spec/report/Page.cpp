@@ -11,11 +11,14 @@
 #include <utility>
 
 #include "base/Text.h"
-#include "check/output/Excerpt.h"
-#include "check/output/Output.h"
 #include "device/DevicePaths.h"
 #include "platform/Version.h"
+#include "report/CellFindings.h"
+#include "report/FindingList.h"
+#include "report/FindingRows.h"
 #include "report/Html.h"
+#include "report/Matrix.h"
+#include "report/MatrixTable.h"
 #include "report/PageParts.h"
 #include "store/Load.h"
 
@@ -24,27 +27,24 @@ namespace kc2::tool {
 namespace {
 
 // Browsers open a page of some 50 MiB; the page says what is left out.
-constexpr size_t kMostCells = 200'000;
 constexpr size_t kMostFindings = 2'000;
 constexpr size_t kMostCharts = 24;
-constexpr size_t kExcerptColumns = 100;
+
+// In a path that several variants have.
+constexpr std::string_view kAnyVariant = "<variant>";
 
 // Even if a text got past html(), it could neither run nor load anything. The policy has the hash
 // of the script; scripts/check-report.py compares the two.
 constexpr char kPolicy[] =
         "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
-        "form-action 'none'; script-src 'sha256-uwIa1WG69Wnq8GpgoiZHuknvMCghGxIQsSF0fV0DMpw='";
-
-std::string shownVariant(const std::string& variant) {
-    return variant == kDefaultVariant ? "no variant" : html(variant);
-}
+        "form-action 'none'; script-src 'sha256-UrKDJPrASQN1BsRISAvKjYeOqoED2kArBk4N+ppwqP0='";
 
 class PageWriter {
 public:
     explicit PageWriter(const PageContent& content)
         : mContent(content),
-          mVariants(content.checked.variants.size()),
-          mMatrix(matrixOf(content.snapshots)) {
+          mMatrix(matrixOf(content.columns)),
+          mFindings(findingRowsOf(content.checked.report, kMostFindings)) {
         for (const MatrixSection& section : mMatrix) {
             mRows += section.rows.size();
             mDifferences += section.differences;
@@ -71,9 +71,8 @@ private:
     }
 
     const Report& report() const { return mContent.checked.report; }
-    const Load& load(size_t variant) const { return mContent.checked.loads[variant]; }
-    std::string variantName(size_t variant) const {
-        return shownVariant(mContent.checked.variants[variant]);
+    std::string titleOf(const LoadColumn& column) const {
+        return titleForPage(mContent.checked, column);
     }
 
     void writeHead() {
@@ -87,13 +86,19 @@ private:
             "<a class=\"skip\" href=\"#matrix\">Skip to the matrix</a>\n<header>\n"
             "<h1><span>Target specification</span> <code>{}</code></h1>\n",
             kPolicy, device, kPageStyle, device);
-        add("<p class=\"sum\"><b>{}</b> · <b>{}</b>, {} differ · ", counted(mVariants, "load"),
+        const size_t loads = mContent.checked.variants.size();
+        add("<p class=\"sum\"><b>{}</b>{} · <b>{}</b>, <span id=\"differing\">{}</span> differ · ",
+            counted(loads, "load"),
+            mContent.columns.size() < loads ? fmt::format(", {} distinct", mContent.columns.size())
+                                            : "",
             counted(mRows, "row"), mDifferences);
         for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
-            add("<span class=\"{} {}\">{}</span>{}", nameOf(severity),
-                report().count(severity) == 0 ? "zero" : "some",
-                counted(report().count(severity), nameOf(severity)),
-                severity == Severity::Note ? "</p>\n" : " · ");
+            const char* const name = nameOf(severity);
+            const size_t count = report().count(severity);
+            add(count == 0 ? fmt::runtime("<span class=\"zero\">{1}</span>")
+                           : fmt::runtime("<a class=\"{0}\" href=\"#{0}s\">{1}</a>"),
+                name, counted(count, name));
+            mPage += severity == Severity::Note ? "</p>\n" : " · ";
         }
         add("<nav aria-label=\"Parts of the page\"><a href=\"#loads\">Loads</a> "
             "<a href=\"#matrix\">Matrix</a> <a href=\"#rates\">Bit rates</a> "
@@ -101,156 +106,174 @@ private:
     }
 
     void writeLoads() {
-        add("<section id=\"loads\" aria-labelledby=\"loads-title\">\n"
-            "<h2 id=\"loads-title\">Loads</h2>\n<table>\n<caption>What each variant loads, in this "
-            "order. Differences are those from the first load, as a component sees them."
-            "</caption>\n<thead><tr><th scope=\"col\">Variant</th>"
-            "<th scope=\"col\">System spec document</th><th scope=\"col\">Private overlay</th>"
-            "<th scope=\"col\" class=\"number\">Differences</th></tr></thead>\n<tbody>\n");
-        for (size_t i = 0; i < mVariants; ++i) {
-            size_t differences = 0;
-            for (const MatrixSection& section : mMatrix) {
-                differences += static_cast<size_t>(std::count_if(
-                        section.rows.begin(), section.rows.end(),
-                        [i](const MatrixRow& row) { return row.cells[i].isDifferent; }));
-            }
-            add("<tr><th scope=\"row\">{}</th><td><code>{}</code></td><td><code>{}</code></td>"
+        mPage += "<section id=\"loads\" aria-labelledby=\"loads-title\">\n"
+                 "<h2 id=\"loads-title\">Loads</h2>\n"
+                 "<div class=\"scroll low\" role=\"region\" tabindex=\"0\" "
+                 "aria-labelledby=\"loads-title\">\n<table class=\"loads\">\n<caption>What each "
+                 "variant loads, in this order. Differences are those from the <span "
+                 "class=\"static\">first load</span><span class=\"scripted\" hidden>load that is "
+                 "chosen below</span>, as a component sees them.</caption>\n<thead><tr>"
+                 "<th scope=\"col\">Variant</th><th scope=\"col\">System spec document</th>"
+                 "<th scope=\"col\">Private overlay</th>"
+                 "<th scope=\"col\" class=\"number\">Differences</th></tr></thead>\n<tbody>\n";
+        const std::vector<size_t> differences = differencesByColumn();
+        for (size_t i = 0; i < mContent.columns.size(); ++i) {
+            const LoadColumn& column = mContent.columns[i];
+            add("<tr id=\"load-{}\"><th scope=\"row\">{}</th><td>{}</td><td>{}</td>"
                 "<td class=\"number\">{}</td></tr>\n",
-                variantName(i), html(describeSystemSpec(load(i))), html(describeOverlay(load(i))),
-                i == 0 ? "–" : std::to_string(differences));
+                i, namesOf(column), documentsOf(column, describeSystemSpec),
+                documentsOf(column, describeOverlay),
+                i == 0 ? "–" : std::to_string(differences[i]));
         }
-        add("</tbody>\n</table>\n</section>\n");
+        mPage += "</tbody>\n</table>\n</div>\n</section>\n";
+    }
+
+    std::vector<size_t> differencesByColumn() const {
+        std::vector<size_t> differences(mContent.columns.size(), 0);
+        for (const MatrixSection& section : mMatrix) {
+            for (const MatrixRow& row : section.rows) {
+                for (const MatrixCell& cell : row.cells) {
+                    differences[cell.column] += cell.isDifferent ? 1 : 0;
+                }
+            }
+        }
+        return differences;
+    }
+
+    // The title, and the variants' names where they share the column.
+    std::string namesOf(const LoadColumn& column) const {
+        if (column.variants.size() == 1) {
+            return titleOf(column);
+        }
+        std::string names;
+        for (const size_t variant : column.variants) {
+            names += (names.empty() ? "" : ", ") + variantForPage(mContent.checked, variant);
+        }
+        return fmt::format("<details open><summary>{}</summary>{}</details>", titleOf(column),
+                           names);
+    }
+
+    // A line for each way in which the column's loads are described.
+    std::string documentsOf(const LoadColumn& column, std::string (*describe)(const Load&)) const {
+        std::vector<std::string> lines;
+        std::unordered_map<std::string, size_t> counts;
+        for (const size_t variant : column.variants) {
+            const Load& load = mContent.checked.loads[variant];
+            std::string text = describe(load);
+            for (size_t at = 0;
+                 column.variants.size() > 1 && load.isVariantSet() &&
+                 (at = text.find(load.variant + kSystemSpecName, at)) != std::string::npos;) {
+                text.replace(at, load.variant.size(), kAnyVariant);
+                at += kAnyVariant.size();
+            }
+            if (++counts[text] == 1) {
+                lines.push_back(text);
+            }
+        }
+        std::string all;
+        for (const std::string& line : lines) {
+            all += fmt::format("{}<code>{}</code>{}", all.empty() ? "" : "<br>", htmlOfName(line),
+                               lines.size() == 1 ? "" : fmt::format(" ({})", counts[line]));
+        }
+        return all;
     }
 
     void writeMatrix() {
-        add("<section id=\"matrix\" aria-labelledby=\"matrix-title\">\n"
-            "<h2 id=\"matrix-title\">Matrix</h2>\n<form class=\"controls\">\n"
-            "<label class=\"scripted\" hidden>Filter <input type=\"search\" id=\"filter\" "
-            "autocomplete=\"off\" spellcheck=\"false\"></label>\n"
-            "<label><input type=\"checkbox\" id=\"only\"> Only differences</label>\n"
-            "<output class=\"scripted\" id=\"shown\" for=\"filter only\" hidden></output>\n"
-            "</form>\n<table class=\"matrix\">\n<caption>A cell with ≠ differs from the first "
-            "column. Beside each value is the document that set it. A number after # is the place "
-            "in a list.</caption>\n<thead><tr><th scope=\"col\">Setting</th>");
-        for (size_t i = 0; i < mVariants; ++i) {
-            add("<th scope=\"col\">{}</th>", variantName(i));
+        mPage += "<section id=\"matrix\" aria-labelledby=\"matrix-title\">\n"
+                 "<h2 id=\"matrix-title\">Matrix</h2>\n<form class=\"controls\">\n"
+                 "<label class=\"scripted\" hidden>Filter <input type=\"search\" id=\"filter\" "
+                 "autocomplete=\"off\" spellcheck=\"false\"></label>\n"
+                 "<label><input type=\"checkbox\" id=\"only\"> Only differences</label>\n"
+                 "<label class=\"scripted\" hidden>Compare with <select id=\"baseline\">";
+        for (const LoadColumn& column : mContent.columns) {
+            const std::string first = variantForPage(mContent.checked, column.variants[0]);
+            add("<option value=\"{}\">{}{}</option>", first, titleOf(column),
+                column.variants.size() == 1 ? "" : ": " + first + " …");
         }
-        add("</tr></thead>\n");
-        size_t room = kMostCells / mVariants;
-        for (const MatrixSection& section : mMatrix) {
-            writeSection(section, &room);
-        }
-        add("</table>\n</section>\n");
-    }
-
-    void writeSection(const MatrixSection& section, size_t* room) {
-        add("<tbody id=\"{}\"{}>\n<tr class=\"section\"><th scope=\"rowgroup\" colspan=\"{}\">{} "
-            "<span>{}{}{}</span></th></tr>\n",
-            section.section->key, section.differences == 0 ? " class=\"same\"" : "", mVariants + 1,
-            section.section->title, counted(section.rows.size(), "row"),
-            section.differences == 0 ? "" : fmt::format(", {} differ", section.differences),
-            section.rows.empty() ? section.section->whenEmpty : "");
-        if (!section.rows.empty()) {
-            writeWhenEmpty(section);
-        }
-        const size_t shown = std::min(section.rows.size(), *room);
-        *room -= shown;
-        for (size_t i = 0; i < shown; ++i) {
-            writeRow(section, section.rows[i]);
-        }
-        if (shown < section.rows.size()) {
-            add("<tr class=\"left-out\"><td colspan=\"{}\">{} not shown: the page would be too "
-                "large. kcodec2_spec show prints them.</td></tr>\n",
-                mVariants + 1, counted(section.rows.size() - shown, "row"));
-        }
-        add("</tbody>\n");
-    }
-
-    // A store without entries can mean the opposite of what the empty cells suggest.
-    void writeWhenEmpty(const MatrixSection& section) {
-        const size_t index = static_cast<size_t>(&section - mMatrix.data());
-        const std::string_view meaning = section.section->whenEmpty;
-        const auto isEmpty = [index](const Snapshot& snapshot) {
-            return snapshot[index].entries.empty();
-        };
-        if (meaning.empty() ||
-            std::none_of(mContent.snapshots.begin(), mContent.snapshots.end(), isEmpty)) {
-            return;
-        }
-        add("<tr class=\"row differs\"><th scope=\"row\">no entry</th>");
-        for (const Snapshot& snapshot : mContent.snapshots) {
-            add("<td>{}</td>",
-                isEmpty(snapshot) ? meaning.substr(meaning.find_first_not_of(": ")) : "");
-        }
-        add("</tr>\n");
-    }
-
-    void writeRow(const MatrixSection& section, const MatrixRow& row) {
-        const Setting* const setting = mContent.catalogue.setting(row.name);
-        add("<tr class=\"row{}\"><th scope=\"row\"><code>{}</code>", row.isDifferent ? "" : " same",
-            html(row.name));
-        if (setting != nullptr) {
-            add(" <small>{}</small>", html(setting->meaning));
-        }
-        add("</th>");
-        for (size_t i = 0; i < mVariants; ++i) {
-            writeCell(row.cells[i], section.section->form, load(i));
-        }
-        add("</tr>\n");
-    }
-
-    void writeCell(const MatrixCell& cell, SectionForm form, const Load& load) {
-        add("<td{}>", cell.isDifferent ? " class=\"differs\"" : "");
-        if (cell.isDifferent) {
-            add("<i aria-hidden=\"true\">≠</i><span class=\"sr\">differs: </span>");
-        }
-        if (cell.entry == nullptr) {
-            add("<span class=\"none\" aria-hidden=\"true\">–</span>"
-                "<span class=\"sr\">not there</span></td>");
-            return;
-        }
-        std::string value = form == SectionForm::List ? fmt::format("#{} ", cell.index + 1) : "";
-        value += cell.entry->text;
-        add("<b>{}</b> <small class=\"{}\">{}</small></td>", value.empty() ? "yes" : html(value),
-            cell.entry->origin == load.overlay->origin ? "overlay" : "spec",
-            html(cell.entry->origin));
+        mPage += "</select></label>\n<output class=\"scripted\" id=\"shown\" for=\"filter only "
+                 "baseline\" hidden></output>\n</form>\n"
+                 "<div class=\"scroll high\" role=\"region\" tabindex=\"0\" "
+                 "aria-labelledby=\"matrix-title\">\n";
+        mPage += matrixTable(mContent, mMatrix,
+                             CellFindings(mContent.checked, mContent.columns, mFindings));
+        mPage += "</div>\n</section>\n";
     }
 
     void writeCharts() {
-        const std::vector<Steps>& all = mContent.steps;
+        const std::vector<LoadColumn>& columns = mContent.columns;
+        const Steps& first = columns[0].steps;
+        const bool isFirstDrawn = first && !first->empty();
         add("<section id=\"rates\" aria-labelledby=\"rates-title\">\n"
             "<h2 id=\"rates-title\">Nimbra-mode bit rates</h2>\n"
             "<p>The bit rate that a component gets, by the value that it passes. The horizontal "
-            "scale "
-            "is that of square roots.{}</p>\n<div class=\"charts\">\n",
-            all[0].value_or(std::vector<Step>()).empty() ? ""
-                                                         : " The dashed line is the first load.");
+            "scale is that of square roots.{}</p>\n<div class=\"charts\">\n",
+            isFirstDrawn ? " The dashed line is the first load." : "");
+        std::vector<const Steps*> all;
+        for (const LoadColumn& column : columns) {
+            all.push_back(&column.steps);
+        }
         const StepChart chart(all);
-        for (size_t i = 0; i < std::min(all.size(), kMostCharts); ++i) {
-            add("<figure><figcaption>{}</figcaption>", variantName(i));
-            if (!all[i]) {
-                add("<p class=\"empty\">Too many rows to draw. The matrix has them.</p>");
-            } else if (all[i]->empty()) {
-                add("<p class=\"empty\">No rows: a component gets no bit rate.</p>");
+        const std::vector<std::vector<size_t>> groups = columnsByRates();
+        for (size_t i = 0; i < std::min(groups.size(), kMostCharts); ++i) {
+            const Steps& steps = columns[groups[i][0]].steps;
+            add("<figure><figcaption>{}</figcaption>", titleOf(groups[i]));
+            if (!steps) {
+                mPage += "<p class=\"empty\">Too many rows to draw. The matrix has them.</p>";
+            } else if (steps->empty()) {
+                mPage += "<p class=\"empty\">No rows: a component gets no bit rate.</p>";
             } else {
-                mPage += chart.draw(fmt::format("chart-{}", i), describe(i), *all[i],
-                                    i != 0 && all[0] ? &*all[0] : nullptr);
+                mPage += chart.draw(fmt::format("chart-{}", i), describe(groups[i]), *steps,
+                                    i != 0 && isFirstDrawn ? &*first : nullptr);
             }
-            add("</figure>\n");
+            mPage += "</figure>\n";
         }
-        add("</div>\n");
-        if (all.size() > kMostCharts) {
-            add("<p>{} not drawn.</p>\n", counted(all.size() - kMostCharts, "load"));
+        mPage += "</div>\n";
+        if (groups.size() > kMostCharts) {
+            add("<p>{} not drawn.</p>\n", counted(groups.size() - kMostCharts, "more chart"));
         }
-        add("</section>\n");
+        mPage += "</section>\n";
     }
 
-    // The chart in words, for screen readers.
-    std::string describe(size_t variant) const {
-        const std::string& name = mContent.checked.variants[variant];
-        std::string text =
-                fmt::format("Bit rates with {}", name == kDefaultVariant ? "no variant" : name);
-        for (const Step& step : *mContent.steps[variant]) {
+    // Loads with equal bit rates share a chart.
+    std::vector<std::vector<size_t>> columnsByRates() const {
+        std::vector<std::vector<size_t>> groups;
+        std::unordered_map<std::string, size_t> places;
+        for (size_t i = 0; i < mContent.columns.size(); ++i) {
+            const Steps& steps = mContent.columns[i].steps;
+            if (!steps) {  // Those that are not known may differ.
+                groups.push_back({i});
+                continue;
+            }
+            const auto [place, isNew] = places.emplace(inWords(*steps), groups.size());
+            if (isNew) {
+                groups.emplace_back();
+            }
+            groups[place->second].push_back(i);
+        }
+        return groups;
+    }
+
+    std::string titleOf(const std::vector<size_t>& columns) const {
+        constexpr size_t kMostTitles = 6;
+        std::vector<std::string> titles;
+        for (size_t i = 0; i < std::min(columns.size(), kMostTitles); ++i) {
+            titles.push_back(titleOf(mContent.columns[columns[i]]));
+        }
+        if (columns.size() > kMostTitles) {
+            titles.push_back(counted(columns.size() - kMostTitles, "more load"));
+        }
+        return joined(titles, ", ");
+    }
+
+    // The chart, for screen readers.
+    std::string describe(const std::vector<size_t>& columns) const {
+        return fmt::format("Bit rates with {}{}", titleOf(columns),
+                           inWords(*mContent.columns[columns[0]].steps));
+    }
+
+    static std::string inWords(const std::vector<Step>& steps) {
+        std::string text;
+        for (const Step& step : steps) {
             text += fmt::format("; from {} to below {}: {}", step.low, step.limit,
                                 step.bitRate ? std::to_string(*step.bitRate) : "none");
         }
@@ -258,68 +281,15 @@ private:
     }
 
     void writeFindings() {
-        OutputOptions options;
-        options.mostFindings = kMostFindings;
-        const std::vector<const ReportEntry*> shown = shownEntries(report(), options);
-        std::vector<std::pair<std::string, std::vector<const ReportEntry*>>> documents;
-        std::unordered_map<std::string, size_t> places;
-        for (const ReportEntry* const entry : shown) {
-            const std::string& path = entry->source->path();
-            if (places.emplace(path, documents.size()).second) {
-                documents.push_back({path, {}});
-            }
-            documents[places[path]].second.push_back(entry);
-        }
-        add("<section id=\"findings\" aria-labelledby=\"findings-title\">\n"
-            "<h2 id=\"findings-title\">Findings</h2>\n");
-        for (const auto& [path, entries] : documents) {
-            add("<table class=\"findings\">\n<caption><code>{}</code></caption>\n<thead><tr>"
-                "<th scope=\"col\">Severity</th><th scope=\"col\" class=\"number\">Line</th>"
-                "<th scope=\"col\">Finding</th><th scope=\"col\">Check</th></tr></thead>\n"
-                "<tbody>\n",
-                html(path));
-            for (const ReportEntry* const entry : entries) {
-                writeFinding(*entry);
-            }
-            add("</tbody>\n</table>\n");
-        }
-        if (shown.size() < report().count()) {
-            add("<p>{} not shown, none more severe than these. kcodec2_spec check "
-                "--all-variants prints all.</p>\n",
-                counted(report().count() - shown.size(), "finding"));
-        }
-        add("</section>\n");
-    }
-
-    void writeFinding(const ReportEntry& entry) {
-        const Source::Position position = entry.source->positionOf(entry.span.start);
-        add("<tr><td class=\"{0}\">{0}</td><td class=\"number\">{1}</td><td>{2}",
-            nameOf(entry.severity),
-            entry.isForFile ? "–" : fmt::format("{}:{}", position.line, position.column),
-            html(entry.message));
-        if (!entry.isForFile) {
-            std::string excerpt;
-            const std::string lines = excerptOf(*entry.source, entry.span, kExcerptColumns);
-            for (size_t at = 0; at < lines.size();) {  // A line end is markup here, not a byte.
-                const size_t end = std::min(lines.find('\n', at), lines.size());
-                excerpt.append(html(lines.substr(at, end - at))).append("\n");
-                at = end + 1;
-            }
-            add("<pre tabindex=\"0\">{}</pre>", excerpt);
-        }
-        if (entry.details != nullptr) {
-            for (const RelatedPlace& related : entry.details->related) {
-                add("<p><code>{}</code> {}</p>", html(related.source->placeOf(related.span.start)),
-                    html(related.message));
-            }
-        }
-        add("</td><td title=\"{}\"><code>{}</code></td></tr>\n", html(entry.check->summary),
-            entry.check->id);
+        mPage += "<section id=\"findings\" aria-labelledby=\"findings-title\">\n"
+                 "<h2 id=\"findings-title\">Findings</h2>\n";
+        mPage += report().count() == 0 ? "<p>None.</p>\n" : findingList(mContent, mFindings);
+        mPage += "</section>\n";
     }
 
     const PageContent& mContent;
-    const size_t mVariants;
     const std::vector<MatrixSection> mMatrix;
+    const FindingRows mFindings;
     size_t mRows = 0;
     size_t mDifferences = 0;
     std::string mPage;

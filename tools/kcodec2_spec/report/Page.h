@@ -6,16 +6,14 @@
 
 #include "catalogue/Catalogue.h"
 #include "check/VariantReports.h"
-#include "report/Matrix.h"
-#include "report/StepChart.h"
+#include "report/LoadColumns.h"
 
 namespace kc2::tool {
 
 struct PageContent {
     std::string device;  // For the heading: the root directory.
     CheckedVariants checked;
-    std::vector<Snapshot> snapshots;  // Of each variant.
-    std::vector<Steps> steps;         // The same.
+    std::vector<LoadColumn> columns;
     Catalogue catalogue;
 };
 

@@ -80,9 +80,9 @@ Steps stepsOf(TargetSpec* store) {
     return steps;
 }
 
-StepChart::StepChart(const std::vector<Steps>& all) {
-    for (const Steps& steps : all) {
-        for (const Step& step : steps.value_or(std::vector<Step>())) {
+StepChart::StepChart(const std::vector<const Steps*>& all) {
+    for (const Steps* const steps : all) {
+        for (const Step& step : steps->value_or(std::vector<Step>())) {
             for (const uint32_t end : {step.low, step.limit}) {
                 mMostValue = std::max<double>(mMostValue, end < kOpenEnd ? end : 1);
             }
@@ -167,7 +167,7 @@ std::string StepChart::draw(const std::string& id, const std::string& title,
     std::string svg = fmt::format(
             "<svg viewBox=\"0 0 {} {}\" role=\"img\" aria-labelledby=\"{}\"><title "
             "id=\"{}\">{}</title>{}",
-            kWidth, kHeight, id, id, html(title), grid());
+            kWidth, kHeight, id, id, title, grid());
     svg += fmt::format("<path class=\"area\" d=\"{}\"/>", pathOf(steps, true));
     if (compared != nullptr) {
         svg += fmt::format("<path class=\"compared\" d=\"{}\"/>", pathOf(*compared, false));

@@ -25,9 +25,10 @@ Steps stepsOf(TargetSpec* store);
 // Charts of one size and scale, so that they can be compared by eye.
 class StepChart {
 public:
-    explicit StepChart(const std::vector<Steps>& all);
+    explicit StepChart(const std::vector<const Steps*>& all);
 
-    // The SVG; `id` makes its parts unique on the page, `compared` is drawn in the background.
+    // The SVG; `id` makes its parts unique on the page, `title` is escaped already, `compared` is
+    // drawn in the background.
     std::string draw(const std::string& id, const std::string& title,
                      const std::vector<Step>& steps, const std::vector<Step>* compared) const;
 

@@ -113,8 +113,7 @@ Load readLoad() {
     load.systemSpec = openedSystemSpec(load.firstPath);
 
     std::ifstream privateFile;
-    load.isSeeded =
-            openPrivateConfig(privateFile, isTestToolInstalled()) == PrivateSource::SeededBuiltIn;
+    load.isSeeded = openPrivateConfig(privateFile, isTestToolInstalled());
     load.isPrivateFileOpen = privateFile.is_open();
     load.overlay = privateFile.fail() ? readBuiltIn(*load.chip)
                                       : readDocumentStream(nameOf("private file", kPrivateConfig),

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -83,6 +84,31 @@ std::set<std::string> variantsInTree() {
     variants.erase("");  // Of what is not a variant's document.
     variants.erase(kDefaultVariant);
     return variants;
+}
+
+std::string lettersAndDigitsOf(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
+            result += inSmallLetters(c);
+        }
+    }
+    return result;
+}
+
+std::vector<VariantDocument> variantDocumentsInTree() {
+    std::vector<VariantDocument> documents;
+    const std::set<std::string> variants = variantsInTree();
+    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        for (const std::string& variant : variants) {
+            const std::string path = directory + variant + kSystemSpecName;
+            std::error_code error;
+            if (fs::exists(localPath(path), error)) {
+                documents.push_back({variant, path, lettersAndDigitsOf(variant)});
+            }
+        }
+    }
+    return documents;
 }
 
 bool hasDocumentWithoutVariant() {

@@ -4,6 +4,8 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace kc2::tool {
 
@@ -19,6 +21,19 @@ void visitFiles(const std::string& directory, int depth,
 
 // Every variant that the tree has a document for, as deep as kTreeDepth.
 std::set<std::string> variantsInTree();
+
+// A document of the tree, and the variant that would select it.
+struct VariantDocument {
+    std::string variant;
+    std::string path;
+    std::string letters;  // The variant's letters and digits, in small letters: to find a near one.
+};
+
+// Of a variant, as above.
+std::string lettersAndDigitsOf(std::string_view variant);
+
+// Those that exist, /odm before /vendor. A link to nowhere does not.
+std::vector<VariantDocument> variantDocumentsInTree();
 
 // Whether the tree has a document that a load without a variant may read: by the default path, or
 // the fallback.

@@ -3,12 +3,9 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include <cctype>
-#include <filesystem>
 #include <set>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 #include "base/Spelling.h"
@@ -77,8 +74,10 @@ bool isAbsent(const std::string& path) {
 }
 
 void reportNoDocument(const Load& load, Report* report) {
-    const std::set<std::string> variants = variantsInTree();
-    if (!load.isVariantSet() && !hasDocumentWithoutVariant() && !variants.empty()) {
+    // With many variants it is too much to list the tree for each.
+    const bool mayNeedVariant = !load.isVariantSet() && !hasDocumentWithoutVariant();
+    const auto variants = mayNeedVariant ? variantsInTree() : std::set<std::string>();
+    if (!variants.empty()) {
         report->addForFile(
                 "variant-needed", specPathOf(load),
                 fmt::format("the variant is not set, and every system spec document is for a "
@@ -133,36 +132,46 @@ void checkLoadWithoutCodecs(const Checked& checked, Report* report) {
 
 // --- A variant whose directory is not where the library looks ---
 
-std::string lettersAndDigitsOf(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
-            result += inSmallLetters(c);
+// The document whose variant has nearly these letters: the nearest, and of several the first. Null
+// when none is near.
+const VariantDocument* nearestOf(const std::vector<VariantDocument>& documents,
+                                 const std::string& variant) {
+    const std::string wanted = lettersAndDigitsOf(variant);
+    const VariantDocument* best = nullptr;
+    size_t limit = wanted.size() / 3 + 1;
+    for (const VariantDocument& document : documents) {
+        if (document.variant == variant) {
+            continue;
+        }
+        const std::string& found = document.letters;
+        if (found == wanted && !found.empty()) {
+            return &document;
+        }
+        // With thousands of variants, most comparisons are of those that are no nearer.
+        const size_t distance = limit == 0 ? 1 : editDistance(wanted, found, limit);
+        if (distance <= limit && distance < found.size()) {
+            best = &document;
+            limit = distance - 1;
         }
     }
-    return result;
+    return best;
 }
 
-void checkVariantNearby(const Load& load, Report* report) {
+void checkVariantNearby(const Checked& checked, Report* report) {
+    const Load& load = *checked.load;
     if (!load.isVariantSet() || load.hasFirstDocument()) {
         return;
     }
-    const std::string wanted = lettersAndDigitsOf(load.variant);
-    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        for (const std::string& variant : variantsInTree()) {
-            const std::string found = lettersAndDigitsOf(variant);
-            std::error_code error;
-            if (variant != load.variant &&
-                !nearest(wanted, std::vector<std::string>{found}).empty() &&
-                std::filesystem::exists(localPath(directory + variant + kSystemSpecName), error)) {
-                report->addForFile(
-                        "variant-nearby", specPathOf(load),
-                        fmt::format(
-                                "{}{}{} exists: the variant \"{}\" would select it, \"{}\" does "
-                                "not (it follows \"media\" as it is, with no \"/\" between)",
-                                directory, variant, kSystemSpecName, variant, load.variant));
-            }
-        }
+    const bool isListed = checked.variantDocuments != nullptr;
+    const auto listed = isListed ? std::vector<VariantDocument>() : variantDocumentsInTree();
+    const VariantDocument* const near =
+            nearestOf(isListed ? *checked.variantDocuments : listed, load.variant);
+    if (near != nullptr) {
+        report->addForFile(
+                "variant-nearby", specPathOf(load),
+                fmt::format("{} exists: the variant \"{}\" would select it, \"{}\" does not (it "
+                            "follows \"media\" as it is, with no \"/\" between)",
+                            near->path, near->variant, load.variant));
     }
 }
 
@@ -182,7 +191,7 @@ void checkLoads(const Checked& checked, Report* report) {
     checkMissingSpec(load, report);
     checkUnreadable(checked, report);
     checkLoadWithoutCodecs(checked, report);
-    checkVariantNearby(load, report);
+    checkVariantNearby(checked, report);
 }
 
 }  // namespace kc2::tool

@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
@@ -211,18 +210,22 @@ void checkShadowed(const TreeFiles& files, Report* report) {
 
 // --- Links ---
 
-// Whether a load that finds no document at the end of this link reports that.
-bool isReportedAsMissing(const std::string& link, std::span<const Load> loads) {
-    return std::any_of(loads.begin(), loads.end(), [&](const Load& load) {
-        const bool isOnWay = brokenLinkTo(load.firstPath) == link ||
-                             (load.isVariantSet() && brokenLinkTo(odmPathOf(load.variant)) == link);
-        return isOnWay && !load.hasFirstDocument();
-    });
+// Those that a load reports which finds no document at their end.
+std::set<std::string> linksReportedAsMissing(std::span<const Load> loads) {
+    std::set<std::string> links;
+    for (const Load& load : loads) {
+        if (!load.hasFirstDocument()) {
+            links.insert(brokenLinkTo(load.firstPath));
+            links.insert(load.isVariantSet() ? brokenLinkTo(odmPathOf(load.variant)) : "");
+        }
+    }
+    return links;
 }
 
 void checkBrokenLinks(const TreeFiles& files, std::span<const Load> loads, Report* report) {
+    const std::set<std::string> reported = linksReportedAsMissing(loads);
     for (const std::string& link : files.brokenLinks) {
-        if (!isReportedAsMissing(link, loads)) {
+        if (reported.count(link) == 0) {
             report->addForFile(
                     "link-broken", pathOfLink(link),
                     fmt::format("{}: {}", whyNotOpen(link),

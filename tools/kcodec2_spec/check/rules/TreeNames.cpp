@@ -166,11 +166,13 @@ private:
 };
 
 bool isInOneDocument(const SharedName& a, const SharedName& b) {
-    return std::any_of(a.begin(), a.end(), [&](const NamePlace& place) {
-        return std::any_of(b.begin(), b.end(), [&](const NamePlace& other) {
-            return place.document == other.document;
-        });
-    });
+    for (auto one = a.begin(), other = b.begin(); one != a.end() && other != b.end();) {
+        if (one->order == other->order) {
+            return true;
+        }
+        one->order < other->order ? ++one : ++other;
+    }
+    return false;
 }
 
 // The two names, the rarer one first; of two as rare, the one that only the later document has.
