@@ -10,6 +10,7 @@ usage: check-performance.py [--phone] [DIRECTORY-FOR-DUMPS]
 
 import json
 import os
+import random
 import re
 import subprocess
 import sys
@@ -31,6 +32,8 @@ LINEAR_LIMIT = 1.20  # Rise of the cost per entry from 1,000 entries on: the map
 LOAD_ENTRIES = 10000  # Of each document of the load that is checked.
 CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both parses.
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
+MISSPELT = (1000, 10000)  # Names of two documents.
+MISSPELT_LIMIT = 12  # `check` of the second of them, as a multiple of the first.
 VARIANTS = (100, 400)  # Of the trees of many variants.
 VARIANTS_LIMIT = 4.4  # The cost of the second tree, as a multiple of the first.
 CHANGE_LIMIT = 4  # A change in an editor, as a multiple of the parse.
@@ -104,6 +107,16 @@ def generated(count, only=None):
             sections.append(f'        "{name}": {opening}\n            '
                             + ",\n            ".join(lines) + f"\n        {closing}")
     return '{\n    "Video": {\n' + ",\n".join(sections) + "\n    }\n}\n"
+
+
+def misspelt(count):
+    """A document of `count` misspelt names, the same ones in each run."""
+    catalogue = json.loads((ROOT / "tools/kcodec2_spec/catalogue/settings.json").read_text())
+    names = {name[:at] + letter + name[at + left_out:]
+             for name in (setting["name"] for setting in catalogue["settings"])
+             for at in range(len(name)) for letter in "jkqvwxz" for left_out in (0, 1)}
+    return json.dumps({"Video": {"Presets": {
+        name: 1 for name in random.Random(1).sample(sorted(names), count)}}}, indent=0)
 
 
 def write_documents(directory):
@@ -316,6 +329,10 @@ class Checks:
         self._instructions = {name: pool.submit(count_tool, scratch, "check",
                                                 scratch / "documents" / name)
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
+        for count in MISSPELT:
+            (scratch / "documents" / f"{count} misspelt").write_text(misspelt(count))
+            self._instructions[count] = pool.submit(
+                count_tool, scratch, "check", scratch / "documents" / f"{count} misspelt")
         write_load(scratch / "load")
         self._instructions["load"] = pool.submit(count_tool, scratch, "check", "--rootdir",
                                                  scratch / "load")
@@ -374,6 +391,15 @@ def report_findings(checks):
         ["ratio", f"{one / own:.3f}", limited("findings in one line", one / own, ONE_LINE_LIMIT)],
         ["peak bytes on the heap, per finding", each,
          limited("memory of a finding", each, FINDING_LIMIT)]])
+
+
+def report_misspelt(checks):
+    few, many = (checks.instructions(count) for count in MISSPELT)
+    rows = [[f"{count:,} names: instructions", checks.instructions(count), ""]
+            for count in MISSPELT]
+    table("kcodec2_spec check, misspelt names", ["", "value", "limit"], [
+        *rows, ["ratio", f"{many / few:.3f}", limited("misspelt names", many / few,
+                                                      MISSPELT_LIMIT)]])
 
 
 def report_rest(names, instructions, allocations):
@@ -464,6 +490,7 @@ def report_bench(build, scratch):
     report_check(instructions, checks)
     report_variants(checks)
     report_findings(checks)
+    report_misspelt(checks)
     report_rest(names[:-2], instructions, allocations)
 
 

@@ -92,6 +92,17 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                           {"'not a boolean'", 0, "Skipped %s in %s: %s"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
+                          // Names are near as in "check", and other words for a codec are known.
+                          {"private_max_render_rate", 1, "private_max_supported_render_rate?"},
+                          {"private_perf_res_vals_video_enc", 1, "values_video_encode?"},
+                          {"private_slice_size_MB_Mode", 1,
+                           "Did you mean private_max_slice_size_MB_Mode or "
+                           "private_min_slice_size_MB_Mode?"},
+                          {"private_enc_bitrate", 1, "Did you mean private_enc_all_intra_bitrate?"},
+                          {"private_zoom", 1, "unknown name \"private_zoom\".\n"},
+                          {"h264", 1, "Did you mean c2.kvx.avc.decoder?"},
+                          {"c2.kvx.h265.enc", 1, "Did you mean c2.kvx.hevc.encoder?"},
+                          {"c2.kvx.mpeg2.decoder", 1, "unknown name \"c2.kvx.mpeg2.decoder\".\n"},
                           {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
                           {"no_such_name" + device, 1, "no document sets it"},
                   });

@@ -55,6 +55,16 @@ constexpr Mistake kMistakes[] = {
          R"(["c2.kvx.hevc.encoder"]})",
          "list-not-array@45"},
         {R"("codecs-available": ["c2.kvx.avc.decoder"])", "section-not-object@32"},
+        // Other words for a codec: the variant beside it is right.
+        {R"("codecs-available": {"decoders": ["c2.kvx.h264.decoder", "c2.kvx.avc.decoder.secure"], )"
+         R"("encoders": ["c2.kvx.h265.encoder", "c2.kvx.hevc.encoder.secure"]})",
+         "codec-misspelt@46 codec-misspelt@112"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.av01.decoder", "c2.kvx.av1.decoder.secure"], )"
+         R"("encoders": ["c2.kvx.avc.enc", "c2.kvx.avc.encoder.secure"]})",
+         "codec-misspelt@46 codec-misspelt@112"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.vp09.dec", "c2.kvx.vp9.decoder.secure"], )"
+         R"("encoders": ["c2.kvx.hevc.encoder"]})",
+         "codec-misspelt@46"},
         {R"("codecs-available": {"decoders": ["c2.kvx.acv.decoder"], "encoders": )"
          R"(["c2.kvx.hevc.encoder"]})",
          "codec-misspelt@46"},

@@ -172,7 +172,7 @@ TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
         tree.write(std::string("vendor/etc/media") + kSpec, R"({"Video": {}})");
         for (int i = 0; i < variants; ++i) {
             tree.write("odm/etc/media_" + std::to_string(1000 + i) + kSpec, R"({"Video": {
-                "Features": {"private_enc_open_gop": true, "number": 1},
+                "Features": {"vendors_enc_open_gop": true, "number": 1},
                 "codecs-available": {"decoders": ["c2.kvx.avc.decoder"], "encoders": []}}})");
         }
         tree.write(std::string("odm/etc/media_other") + kSpec, R"({"Video": {}})");

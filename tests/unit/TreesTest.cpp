@@ -231,6 +231,43 @@ constexpr TreeRow kWrongTrees[] = {
         {"vendor built-in 3\n"
          R"(private {"Video": {"Features": {"debug_private_dec_picture_order": true}}})",
          "[leading-zero] vendor:45 [name-without-effect] private:60"},
+        // A name that another document spells almost the same: reported at the rarer one, else at
+        // the later one, unless that has a word and the other one has none.
+        {R"(vendor {"Video": {"Presets": {"vendor_zom_max": 1}}})"
+         "\n"
+         R"(odm_x {"Video": {"Presets": {"vendor_zoom_max": 1}}})"
+         "\n"
+         R"(odm_y {"Video": {"Presets": {"vendor_zoom_max": 1}}})",
+         "[name-varies] vendor:24"},
+        {R"(vendor {"Video": {"Features": {"vendor_boost": true}}})"
+         "\n"
+         R"(odm_x {"Video": {"Features": {"Vendor-Boost": true}}})",
+         "[name-varies] vendor:25"},
+        {R"(odm_x {"Video": {"Features": {"acme_max_layer": true}}})"
+         "\n"
+         R"(odm_y {"Video": {"Features": {"acme_layer_max": true}}})",
+         "[name-varies] odm_y:25"},
+        {R"(odm_x {"Video": {"Features": {"acme_zooom_fast": true}}})"
+         "\n"
+         R"(odm_y {"Video": {"Presets": {"acme_zoom_fast": 1}}})",
+         "[name-varies] odm_x:25"},
+        {R"(vendor {"Video": {"Features": {"vendor_boost": true}}})"
+         "\n"
+         R"(fallback {"Video": {"Features": {"vendor_bost": true}}})",
+         "[name-varies] fallback:25"},
+        {R"(odm_x {"Video": {"KC2CodecPlugins": ["libacme_tuning.so"]}})"
+         "\n"
+         R"(odm_y {"Video": {"KC2CodecPlugins": ["libacme_tunning.so"]}})",
+         "[name-varies] odm_y:32"},
+        {R"(odm_x {"Video": {"OptionalCodecs": ["c2.acme.vvc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(odm_y {"Video": {"OptionalCodecs": ["c2.acmee.vvc.decoder", "c2.kvx.avc.encoder"]}})",
+         "[codecs-added] odm_x:12 [codecs-added] odm_y:12 [name-varies] odm_y:31"},
+        {R"(vendor {"Video": {"Presets": {"vendor_zoom_limit": 1}, )"
+         R"("OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"Presets": {"vendor_zoom_limits": 2, "vendor_b": 1}}})",
+         "[built-in-not-read] private [name-varies] private:24", ""},
         // A load that finds nothing, or less than it should.
         {"vendor -> nowhere\nfallback good", "[spec-missing] fallback"},
         {"odm_x -> nowhere", "[spec-missing] vendor_x"},
@@ -282,6 +319,19 @@ constexpr TreeRow kCorrectTrees[] = {
         {R"(vendor {"Video": {"NimbraModeBitrateTable": [[0, 10, 1], [10, 20, 2], )"
          R"([100000, 200000, 3], [200000, 300000, 4]]}})",
          "[rows-apart] vendor:64"},
+        // Names of vendors that differ in a word or a number, or that one document has both of.
+        {R"(odm_x {"Video": {"Presets": {"vendor_min_zoom": 1, "vendor_cbr_mode": 1, )"
+         R"("vendor_enc_zoom": 1, "vendor_row_8": 1, "vendor_gain_limit": 1, "vendor_a": 1}}})"
+         "\n"
+         R"(odm_y {"Video": {"Presets": {"vendor_mix_zoom": 1, "vendor_vbr_mode": 1, )"
+         R"("vendor_dec_zoom": 1, "vendor_row_9": 1, "vendor_gate_limit": 1, "vendor_b": 1}}})",
+         ""},
+        {R"(odm_x {"Video": {"Presets": {"acme_zoom": 1, "acme_zooms": 1}}})"
+         "\n"
+         R"(odm_y {"Video": {"Presets": {"acme_zoom": 1}}})"
+         "\n"
+         R"(odm_z {"Video": {"Presets": {"acme_zooms": 1}}})",
+         ""},
         // Leftovers beside the documents.
         {"vendor good\n/vendor/etc/media/video_system_specs.json~ broken\n"
          "/vendor/etc/media/#video_system_specs.json# broken\n"

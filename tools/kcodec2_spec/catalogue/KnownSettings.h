@@ -10,8 +10,8 @@ struct KnownSettings {
     explicit KnownSettings(Catalogue from);
 
     Catalogue catalogue;
-    NearNames settings{NearNames::Kind::Setting};
-    NearNames components{NearNames::Kind::Component};
+    NearNames settings{NameKind::Setting};
+    NearNames components{NameKind::Component};
 };
 
 }  // namespace kc2::tool

@@ -697,13 +697,27 @@ inline constexpr Check kChecks[] = {
                 .summary = "a setting whose name is nearly a known one",
                 .meaning = "The name differs from a known one in a few letters, in case, in the "
                            "order of its words, in separators, in look-alike letters of another "
-                           "script or in a prefix. The device stores the setting, but nothing "
-                           "reads it. Names that resemble no known one are not reported: any name "
-                           "is allowed.",
+                           "script or in a prefix, or a word is missing, shortened or written out. "
+                           "The device stores the setting, but nothing reads it. Other names are "
+                           "free; for those that begin with private_, see private-name-unknown.",
                 .fix = "Correct the name. If a component of this device does read it, make it "
                        "known with --settings FILE.",
                 .mistake = R"({"Video": {"Presets": {"private_complexty": 50}}})",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
+        },
+        {
+                .id = "private-name-unknown",
+                .group = "name",
+                .severity = Severity::Note,
+                .summary = "names that begin with private_ or debug_private_, but are not known",
+                .meaning = "These prefixes mark the store's own settings, so a name with one that "
+                           "the catalogue does not have may be misspelt beyond recognition, or of "
+                           "another release. The device stores it. All of a document's are reported "
+                           "once, at the first, with the nearest known name of the first five.",
+                .fix = "Correct the names. For settings of your own use another prefix, or make "
+                       "them known with --settings FILE.",
+                .mistake = R"({"Video": {"Presets": {"private_zoom_width": 50}}})",
+                .fixed = R"({"Video": {"Presets": {"vendor_zoom_width": 50}}})",
         },
         {
                 .id = "name-case",
@@ -726,6 +740,19 @@ inline constexpr Check kChecks[] = {
                 .mistake = R"({"Video": {"Features": {"vendor_limit": true}, )"
                            R"("Presets": {"vendor_limit": 1}}})",
                 .fixed = R"({"Video": {"Presets": {"vendor_limit": 1}}})",
+        },
+        {
+                .id = "name-varies",
+                .group = "name",
+                .severity = Severity::Note,
+                .summary = "a name that another document spells almost the same",
+                .meaning = "Two documents of the device tree, such as two variants' or a private file "
+                           "and a system spec document, have names that differ in one letter, in the "
+                           "order of two letters or words, in case or in separators. The device "
+                           "stores them as two names. It is reported at the name that fewer documents "
+                           "have. Two names that one document has are not compared.",
+                .fix = "Correct the misspelt one. Leave both if components read both.",
+                .whyNoExample = kNeedsLoad,
         },
         {
                 .id = "name-empty",
@@ -757,8 +784,9 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Warning,
                 .summary = "a component whose name is nearly a known one",
                 .meaning = "The device stores the name, but that does not enable the component "
-                           "that was probably meant. Codecs that resemble no known one, such as "
-                           "vvc, are not reported.",
+                           "that was probably meant. Other words for a codec, such as h264, and "
+                           "dec for decoder are recognised. Codecs that resemble no known one, "
+                           "such as vvc, are not reported.",
                 .fix = "Correct the name, or leave it if the device has such a component.",
                 .mistake = R"({"Video": {"OptionalCodecs": ["c2.kvx.acv.decoder"]}})",
                 .fixed = R"({"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder"]}})",

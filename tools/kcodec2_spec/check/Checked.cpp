@@ -21,15 +21,20 @@ std::vector<const Document*> documentsOf(const Load& load) {
 
 }  // namespace
 
-Checked::Checked(const Document& alone, const KnownSettings& knownSettings)
-    : known(knownSettings), load(nullptr), documents({&alone}), variantDocuments(nullptr) {}
+Checked::Checked(const Document& alone, const KnownSettings& knownSettings, const TreeNames* ofTree)
+    : known(knownSettings),
+      load(nullptr),
+      documents({&alone}),
+      variantDocuments(nullptr),
+      treeNames(ofTree) {}
 
 Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings,
-                 const std::vector<VariantDocument>* ofVariants)
+                 const std::vector<VariantDocument>* ofVariants, const TreeNames* ofTree)
     : known(knownSettings),
       load(&ofLoad),
       documents(documentsOf(ofLoad)),
-      variantDocuments(ofVariants) {
+      variantDocuments(ofVariants),
+      treeNames(ofTree) {
     if (documents.size() == 2) {
         mMerged = merge(documents[0]->content, documents[1]->content);
     }

@@ -14,19 +14,24 @@
 
 namespace kc2::tool {
 
+class TreeNames;
+
 // One document alone, or the documents of a load.
 class Checked {
 public:
-    // The document must outlive this.
-    Checked(const Document& alone, const KnownSettings& known);
+    // The document must outlive this. `ofTree` are the names in all documents of a tree; null: only
+    // those of this load are compared.
+    Checked(const Document& alone, const KnownSettings& known, const TreeNames* ofTree = nullptr);
     // `ofVariants` are those of the tree, for whoever checks many loads: each would list the tree.
     Checked(const Load& load, const KnownSettings& known,
-            const std::vector<VariantDocument>* ofVariants = nullptr);
+            const std::vector<VariantDocument>* ofVariants = nullptr,
+            const TreeNames* ofTree = nullptr);
 
     const KnownSettings& known;
     const Load* const load;                        // Null for a document alone.
     const std::vector<const Document*> documents;  // In the order in which they are merged.
     const std::vector<VariantDocument>* const variantDocuments;  // Null: not listed yet.
+    const TreeNames* const treeNames;
 
     bool isAlone() const { return load == nullptr; }
     // Whether a second document is merged, and written by somebody: not a built-in one.

@@ -14,6 +14,7 @@
 #include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
+#include "check/rules/TreeNames.h"
 #include "device/DevicePaths.h"
 #include "store/TreeFiles.h"
 
@@ -133,28 +134,45 @@ std::unique_ptr<Document> fallbackBesides(const std::vector<Load>& loads) {
     return isRead ? nullptr : readFallback();
 }
 
+// Of all loads, in their order.
+std::vector<const Document*> documentsOf(const CheckedVariants& checked) {
+    std::vector<const Document*> documents;
+    for (const Load& load : checked.loads) {
+        documents.push_back(load.systemSpec.get());
+        documents.push_back(load.overlay.get());
+    }
+    documents.push_back(checked.fallback.get());
+    std::erase(documents, nullptr);
+    return documents;
+}
+
 }  // namespace
 
 CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
                               const KnownSettings& known) {
     CheckedVariants checked = {std::move(variants), {}, nullptr, Report(levels)};
     checked.loads.reserve(checked.variants.size());
-    SharedFindings findings;
     const std::vector<VariantDocument> documents = variantDocumentsInTree();
     for (const std::string& variant : checked.variants) {
         playVariant(variant);
-        const Load& load = checked.loads.emplace_back(readLoad());
+        checked.loads.push_back(readLoad());
+    }
+    checked.fallback = fallbackBesides(checked.loads);
+    const TreeNames names(documentsOf(checked), known);
+    SharedFindings findings;
+    for (size_t i = 0; i < checked.loads.size(); ++i) {
+        const Load& load = checked.loads[i];
+        playVariant(checked.variants[i]);  // The rules look at its files.
         Report report(levels);
-        check(Checked(load, known, &documents), &report);
+        check(Checked(load, known, &documents, &names), &report);
         for (const LoadFacts& facts : report.loads()) {
             checked.report.addLoad(facts);
         }
         findings.add(report, load);
     }
-    checked.fallback = fallbackBesides(checked.loads);
     if (checked.fallback != nullptr) {
         Report report(levels);
-        check(Checked(*checked.fallback, known), &report);
+        check(Checked(*checked.fallback, known, &names), &report);
         findings.addFallback(report, *checked.fallback);
     }
     findings.addTo(&checked.report);

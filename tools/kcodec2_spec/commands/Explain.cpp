@@ -9,15 +9,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/DeviceOptions.h"
+#include "base/NearNames.h"
 #include "base/OptionValues.h"
 #include "base/Print.h"
 #include "base/Spelling.h"
 #include "base/Text.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/Explanation.h"
+#include "catalogue/KnownSettings.h"
 #include "catalogue/SettingsPage.h"
 #include "check/Checks.h"
 #include "commands/Commands.h"
@@ -139,14 +142,9 @@ bool explainOnDevice(const std::string& name) {
 
 // --- Near misses --------------------------------------------------------------------------------
 
-std::vector<std::string> allNames(const Catalogue& catalogue) {
+// Of everything but settings and components.
+std::vector<std::string> otherNames() {
     std::vector<std::string> names;
-    for (const Setting& setting : catalogue.settings()) {
-        names.push_back(setting.name);
-    }
-    for (const CodecComponent& component : catalogue.components()) {
-        names.push_back(component.name);
-    }
     for (const Section& section : kSections) {
         names.emplace_back(*section.key != nullptr ? *section.key : "");
     }
@@ -167,16 +165,52 @@ bool contains(const std::string& name, const std::string& part) {
     return inSmallLetters(name).find(inSmallLetters(part)) != std::string::npos;
 }
 
-int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
-    const std::vector<std::string> names = allNames(catalogue);
-    std::string near = nearest(wanted, names);
-    constexpr size_t kEnough = 3;                    // Fewer letters are in many names.
-    if (near.empty() && wanted.size() >= kEnough) {  // A part of a name, such as nv12?
-        const auto whole = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
-            return contains(name, wanted);
-        });
-        near = whole != names.end() ? *whole : "";
+// The first name that has `part`, such as nv12, or that has all words of it, such as h264; empty
+// when there is none.
+std::string nameWith(const std::string& part, const KnownSettings& known) {
+    constexpr size_t kEnough = 3;  // Fewer letters are in many names.
+    if (part.size() < kEnough) {
+        return "";
     }
+    if (const NearNames::Entry* const component = known.components.withWordsOf(part)) {
+        return component->name;
+    }
+    std::vector<std::string> names;
+    for (const Setting& setting : known.catalogue.settings()) {
+        names.push_back(setting.name);
+    }
+    for (std::string& name : otherNames()) {
+        names.push_back(std::move(name));
+    }
+    const auto whole = std::find_if(names.begin(), names.end(),
+                                    [&](const std::string& name) { return contains(name, part); });
+    return whole != names.end() ? *whole : "";
+}
+
+// What `wanted` may mean; empty when it is like nothing. As `check` finds it, then looser: here
+// nobody is warned about a name that is right.
+std::string meantBy(const std::string& wanted, const KnownSettings& known) {
+    for (const NearNames* const names : {&known.settings, &known.components}) {
+        const NearNames::Match match = names->find(wanted, "");
+        if (match.entry != nullptr) {
+            return match.other == nullptr
+                           ? match.entry->name
+                           : fmt::format("{} or {}", match.entry->name, match.other->name);
+        }
+    }
+    const bool isComponent = inSmallLetters(wanted).starts_with("c2.");
+    if (isComponent) {  // One of another codec is no help.
+        return "";
+    }
+    std::string near = nearest(wanted, otherNames());
+    near = near.empty() ? nameWith(wanted, known) : near;
+    const NearNames::Entry* const closest =
+            near.empty() && hasPrivatePrefix(wanted) ? known.settings.closest(wanted) : nullptr;
+    return closest != nullptr ? closest->name : near;
+}
+
+int printUnknown(const Catalogue& catalogue, const std::string& wanted) {
+    const std::string near = meantBy(wanted, KnownSettings(catalogue));
     printError("unknown name \"{}\".{}", escaped(wanted),
                near.empty() ? "" : fmt::format(" Did you mean {}?", escaped(near)));
     return kExitFindings;

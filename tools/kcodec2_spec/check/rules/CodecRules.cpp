@@ -73,8 +73,9 @@ void checkMisspeltComponents(const Document& document, const KnownSettings& know
         const NearNames::Match match = known.components.find(name.text, name.list);
         if (match.isMisspelt()) {
             misspelt.push_back({name.span, match.entry->name,
-                                fmt::format("\"{}\" is not a known component. Did you mean \"{}\"?",
-                                            name.text, match.entry->name)});
+                                fmt::format("\"{}\" is not a known component. Did you mean {}?",
+                                            name.text, meantBy(match)),
+                                match.isCertain});
         }
     });
     const auto& codecs = document.content.supportedCodecs;
@@ -154,6 +155,7 @@ std::unordered_set<std::string> misspeltAndMeant(const Checked& checked) {
             const NearNames::Match match = checked.known.components.find(name.text, name.list);
             if (match.isMisspelt()) {
                 names.insert(match.entry->name);
+                names.insert(match.other != nullptr ? match.other->name : "");
                 names.emplace(name.text);
             }
         });

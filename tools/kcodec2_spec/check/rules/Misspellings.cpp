@@ -3,10 +3,18 @@
 #include "check/rules/Misspellings.h"
 #include "base/Spelling.h"
 
+#include <fmt/format.h>
+
 #include <unordered_map>
 #include <utility>
 
 namespace kc2::tool {
+
+std::string meantBy(const NearNames::Match& match) {
+    return match.other == nullptr
+                   ? fmt::format("\"{}\"", match.entry->name)
+                   : fmt::format("\"{}\" or \"{}\"", match.entry->name, match.other->name);
+}
 
 void reportMisspellings(CheckId check, const Document& document,
                         std::vector<Misspelling> misspellings,
@@ -17,8 +25,8 @@ void reportMisspellings(CheckId check, const Document& document,
         ++timesMeant[one.meant];
     }
     for (Misspelling& one : misspellings) {
-        const bool isCertain =
-                !one.meant.empty() && timesMeant[one.meant] == 1 && !isPresent(one.meant);
+        const bool isCertain = one.isCertain && !one.meant.empty() && timesMeant[one.meant] == 1 &&
+                               !isPresent(one.meant);
         report->add(check, document, one.name, std::move(one.message),
                     {.fixes = isCertain ? renaming(document.text, one.name, one.meant)
                                         : std::vector<Fix>()});

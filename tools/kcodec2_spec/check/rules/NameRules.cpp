@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/NearNames.h"
 #include "base/OddCharacters.h"
 #include "base/Spelling.h"
 #include "base/Text.h"
@@ -42,29 +43,71 @@ void checkMisplacedSettings(const Document& document, const KnownSettings& known
     });
 }
 
+// Names that begin as the store's own settings do, but that are like no known one: reported once,
+// as a document may have many.
+class UnknownPrivateNames {
+public:
+    void add(const DocumentName& name) {
+        if (hasPrivatePrefix(name.text)) {
+            ++mCount;
+            if (mFirst.size() < kShown) {
+                mFirst.push_back(name);
+            }
+        }
+    }
+
+    void addTo(const Document& document, const NearNames& known, Report* report) const {
+        if (mCount == 0) {
+            return;
+        }
+        std::vector<std::string> shown;
+        for (const DocumentName& name : mFirst) {
+            const NearNames::Entry* const near = known.closest(name.text);
+            shown.push_back(fmt::format(
+                    "\"{}\" ({})", name.text,
+                    near != nullptr ? fmt::format("nearest: \"{}\"", near->name) : "like none"));
+        }
+        report->add("private-name-unknown", document, mFirst.front().span,
+                    fmt::format("{} not known: {}{}",
+                                mCount == 1 ? "1 private setting is"
+                                            : fmt::format("{} private settings are", mCount),
+                                joined(shown, ", "), mCount > kShown ? ", ..." : ""));
+    }
+
+private:
+    static constexpr size_t kShown = 5;
+
+    std::vector<DocumentName> mFirst;
+    size_t mCount = 0;
+};
+
 void checkMisspeltSettings(const Document& document, const KnownSettings& known, Report* report) {
     std::vector<Misspelling> misspelt;
     std::unordered_set<std::string> present;
+    UnknownPrivateNames unknown;
     forEachSettingName(document, [&](const DocumentName& name) {
-        const auto [meant, isExact] = known.settings.find(name.text, name.section);
-        if (meant == nullptr) {
+        const NearNames::Match match = known.settings.find(name.text, name.section);
+        if (match.entry == nullptr) {
+            unknown.add(name);
             return;
         }
-        if (isExact) {
-            present.insert(meant->name);
+        if (match.isExact) {
+            present.insert(match.entry->name);
             return;
         }
-        const bool isElsewhere = meant->group != name.section;
-        misspelt.push_back(
-                {name.span, isElsewhere ? "" : meant->name,
-                 fmt::format("\"{}\" is not a known setting. Did you mean \"{}\"{}?", name.text,
-                             meant->name,
-                             isElsewhere ? fmt::format(", which belongs in \"{}\"", meant->group)
-                                         : "")});
+        const bool isElsewhere = match.entry->group != name.section;
+        misspelt.push_back({name.span, isElsewhere ? "" : match.entry->name,
+                            fmt::format("\"{}\" is not a known setting. Did you mean {}{}?",
+                                        name.text, meantBy(match),
+                                        isElsewhere ? fmt::format(", which belongs in \"{}\"",
+                                                                  match.entry->group)
+                                                    : ""),
+                            match.isCertain});
     });
     reportMisspellings(
             "name-misspelt", document, std::move(misspelt),
             [&](const std::string& meant) { return present.count(meant) != 0; }, report);
+    unknown.addTo(document, known.settings, report);
 }
 
 // --- Names beside each other ---

@@ -20,6 +20,7 @@ void checkTrees(const Checked& checked, Report* report);      // Files that noth
 void checkReading(const Checked& checked, Report* report);    // What the reader found.
 void checkTexts(const Checked& checked, Report* report);      // What the reader does not look at.
 void checkNames(const Checked& checked, Report* report);      // Of settings and list entries.
+void checkTreeNames(const Checked& checked, Report* report);  // Other documents' spelling.
 void checkCodecs(const Checked& checked, Report* report);     // Codec components.
 void checkValues(const Checked& checked, Report* report);     // Presets, and empty sections.
 void checkPerfWords(const Checked& checked, Report* report);  // Perf-lock words.
@@ -35,8 +36,9 @@ void checkTreeFiles(std::span<const Load> loads, Report* report);
 std::vector<const Check*> checksForReason(std::string_view reason);
 
 // In the order in which findings at one place are reported.
-inline constexpr Rule kRules[] = {checkLoads,    checkTrees,   checkReading,  checkTexts,
-                                  checkNames,    checkCodecs,  checkValues,   checkPerfWords,
-                                  checkBuiltIns, checkMerging, checkBitRates, checkOverlays};
+inline constexpr Rule kRules[] = {checkLoads,     checkTrees,     checkReading, checkTexts,
+                                  checkNames,     checkTreeNames, checkCodecs,  checkValues,
+                                  checkPerfWords, checkBuiltIns,  checkMerging, checkBitRates,
+                                  checkOverlays};
 
 }  // namespace kc2::tool
