@@ -407,8 +407,17 @@ TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
                                           "       1  error    feature-not-boolean\n"
                                           "151 errors, 0 warnings, 0 notes\n"))
             << all;
+    EXPECT_NE(std::string::npos,
+              all.find("\n51 findings not shown; --max-findings 0 prints all\n151 errors"))
+            << all;
+    EXPECT_EQ(100U, countOf("^", all));
+    EXPECT_EQ(100U + 151U,  // Of each document.
+              countOf("^", run("check " + document + " " + document).output) +
+                      countOf("^", run("check --max-findings 0 " + document).output));
+    EXPECT_EQ(151U, parsed(run("check --format json " + document).output)["findings"].size());
     const std::string few = run("check --max-findings 2 " + document).output;
-    EXPECT_NE(std::string::npos, few.find("\n149 findings not shown (--max-findings)\n151 errors"))
+    EXPECT_NE(std::string::npos,
+              few.find("\n149 findings not shown; --max-findings 0 prints all\n151 errors"))
             << few;
     EXPECT_EQ(2, std::count(few.begin(), few.end(), '^'));
 }

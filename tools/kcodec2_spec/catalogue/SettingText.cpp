@@ -56,7 +56,10 @@ std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
 
 std::string rangeOf(const Setting& setting) {
     if (setting.minimum && setting.maximum) {
-        return fmt::format("{} to {}", *setting.minimum, *setting.maximum);
+        return fmt::format("{} to {}{}", *setting.minimum, *setting.maximum,
+                           setting.maximumOfByte
+                                   ? fmt::format(", each byte up to {}", *setting.maximumOfByte)
+                                   : "");
     }
     if (setting.minimum) {
         return fmt::format("from {}", *setting.minimum);

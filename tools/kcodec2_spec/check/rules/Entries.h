@@ -32,6 +32,15 @@ inline bool isOfNames(SectionType type) {
     return type == SectionType::Names || isOfCodecs(type);
 }
 
+// Whether a string looks like several entries of a list: "liba.so, libb.so".
+inline bool isSeveralInOne(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t";
+    constexpr std::string_view kBetween = " \t,;";
+    const size_t first = text.find_first_not_of(kBlanks);
+    const size_t end = std::min(text.find_first_of(kBetween, first), text.size());
+    return text.find_first_not_of(kBetween, end) != std::string_view::npos;
+}
+
 // Calls visit(section row, node of the section) for each section that the document has.
 template <typename Visit>
 void forEachSection(const Document& document, Visit visit) {

@@ -58,7 +58,9 @@ std::string rightPlaceOf(std::string_view name, const KnownSettings& known) {
 void reportUnknownMembers(const Document& document, const Node& object, std::string_view place,
                           const std::vector<std::string_view>& names, const KnownSettings& known,
                           Report* report) {
-    std::vector<Misspelling> misspellings;
+    std::vector<Misspelling> others;
+    std::vector<Misspelling> sections;  // A whole section is lost, so it is an error.
+    const bool isVideo = &object == document.video();
     for (const Node& member : object.children) {
         const bool isUnknown = member.has(FindingKind::UnknownMember) ||
                                member.has(FindingKind::UnknownRootMember);
@@ -70,13 +72,16 @@ void reportUnknownMembers(const Document& document, const Node& object, std::str
         const std::string hint = !rightPlace.empty() ? fmt::format(". It belongs in {}", rightPlace)
                                  : near.empty()      ? ""
                                                      : fmt::format(". Did you mean \"{}\"?", near);
-        misspellings.push_back(
-                {member.name, std::move(near),
-                 fmt::format("unknown member \"{}\" of {}, ignored{}", member.key, place, hint)});
+        (isVideo && !near.empty() ? sections : others)
+                .push_back({member.name, std::move(near),
+                            fmt::format("unknown member \"{}\" of {}, ignored{}", member.key, place,
+                                        hint)});
     }
-    reportMisspellings(
-            "unknown-member", document, std::move(misspellings),
-            [&](const std::string& near) { return findMember(object, near) != nullptr; }, report);
+    const auto isPresent = [&](const std::string& near) {
+        return findMember(object, near) != nullptr;
+    };
+    reportMisspellings("section-misspelt", document, std::move(sections), isPresent, report);
+    reportMisspellings("unknown-member", document, std::move(others), isPresent, report);
 }
 
 std::vector<std::string_view> namesOf(std::span<const char* const* const> keys) {
@@ -137,10 +142,31 @@ void checkDuplicateMembers(const Document& document, Report* report) {
                         "duplicate-member", document, member.name,
                         fmt::format(
                                 "duplicate member \"{}\"; this value is used, not the one at {}",
-                                member.key, document.source.placeOf(earlier->name.start)),
+                                member.key, document.source.positionText(earlier->name.start)),
                         besides(document.source, earlier->name));
             }
             earlier = &member;
+        }
+    });
+}
+
+// A template's placeholder in a name, or in a string that the device uses.
+void checkPlaceholders(const Document& document, Report* report) {
+    const auto isPlaceholder = [](std::string_view text) {
+        return text.find("${") != std::string_view::npos ||
+               text.find("$(") != std::string_view::npos ||
+               text.find("{{") != std::string_view::npos;
+    };
+    const auto check = [&](std::string_view text, Span span) {
+        if (isPlaceholder(text)) {
+            report->add("placeholder", document, span,
+                        fmt::format("\"{}\" has a placeholder that nothing has replaced", text));
+        }
+    };
+    visitAll(document.tree.root, [&](const Node& node) {
+        check(node.key, node.name);
+        if (node.isString() && node.isUsed()) {
+            check(node.string, node.value);
         }
     });
 }
@@ -194,9 +220,31 @@ void checkExtremeNumbers(const Document& document, Report* report) {
     });
 }
 
+// Whether a line begins with the mark of a merge that was not finished.
+bool hasMergeMark(std::string_view text) {
+    for (size_t line = 0; line < text.size();) {
+        for (const std::string_view mark : {"<<<<<<<", "=======", ">>>>>>>", "|||||||"}) {
+            if (text.substr(line).starts_with(mark)) {
+                return true;
+            }
+        }
+        line = std::min(text.find('\n', line), text.size() - 1) + 1;
+    }
+    return false;
+}
+
 void checkTrailingText(const Document& document, Report* report) {
     const std::string_view text = document.source.text();
-    if (document.tree.limit < text.size()) {
+    const std::string_view rest = std::string_view(document.parserText).substr(document.tree.limit);
+    if (hasMergeMark(rest)) {
+        report->add("second-document", document, {document.tree.limit, text.size()},
+                    "merge marks after the end of the document: the merge was not finished, and "
+                    "the device reads only what is above");
+    } else if (rest.starts_with('{') || rest.starts_with('[')) {
+        report->add("second-document", document, {document.tree.limit, text.size()},
+                    "a second document after the end of the first: the device reads only the "
+                    "first");
+    } else if (!rest.empty()) {
         report->add("trailing-text", document, {document.tree.limit, text.size()},
                     "text after the end of the document, ignored");
     }
@@ -224,11 +272,14 @@ void checkTexts(const Checked& checked, Report* report) {
         }
         checkUnknownMembers(document, checked.known, report);
         checkDuplicateMembers(document, report);
+        checkPlaceholders(document, report);
         checkLeadingZeros(document, report);
-        checkLoneMinuses(document, report);
+        if (document.isAccepted) {  // Else the root is the mistake.
+            checkLoneMinuses(document, report);
+            checkTrailingText(document, report);
+        }
         checkExtremeNumbers(document, report);
         checkControlCharacters(document, report);
-        checkTrailingText(document, report);
     });
 }
 
