@@ -31,8 +31,9 @@ using LogSink = std::function<void(int priority, const char* tag, const char* te
 
 /**
  * Sends log lines to `sink`, one call at a time, instead of to standard error; with an empty sink
- * they go to standard error again, in logcat's brief form. The sink must not log. It is called on
- * the thread that logs, and its texts are valid only during the call.
+ * they go to standard error again, in logcat's brief form, with control characters escaped. The
+ * sink gets the text as it was logged. It must not log. It is called on the thread that logs, and
+ * its texts are valid only during the call.
  */
 void setLogSink(LogSink sink);
 

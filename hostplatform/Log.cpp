@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "hostplatform/HostPlatform.h"
+#include "targetspec/reading/Escaped.h"
 
 namespace {
 
@@ -24,11 +25,13 @@ Output& output() {
     return output;
 }
 
+// A document or a property may contain what a terminal would obey, so the line is escaped here. A
+// sink gets the bytes.
 void writeBrief(int priority, const char* tag, const char* text) {
     constexpr char kLetters[] = "??VDIWEFS";
     const bool isKnown = priority >= 0 && priority < static_cast<int>(sizeof(kLetters)) - 1;
     std::fprintf(stderr, "%c/%-8s(%5d): %s\n", isKnown ? kLetters[priority] : '?', tag,
-                 static_cast<int>(getpid()), text);
+                 static_cast<int>(getpid()), kc2::escaped(text).c_str());
 }
 
 }  // namespace

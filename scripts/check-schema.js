@@ -160,7 +160,10 @@ const isUpperBound = (one) => one.id === 'row-without-bound';
 
 // Line by line, the editor underlines what the checker reports, and nothing else.
 function compare(what, text, problems, expect) {
-    const isAt = (one, other) => other.line <= one.to && (other.endLine || other.line) >= one.from;
+    // Where "Video" is missing, the engine marks the root; the checker, what is there in its place.
+    const isOfRoot = (one, other) => other.id === 'no-video' && /Missing property/.test(one.message);
+    const isAt = (one, other) => isOfRoot(one, other) ||
+        (other.line <= one.to && (other.endLine || other.line) >= one.from);
     const found = reports(text);
     for (const one of problems) {
         const isReported = found.some((other) => isAt(one, other) &&
@@ -254,4 +257,9 @@ async function main() {
     process.exitCode = failures.length === 0 ? 0 : 1;
 }
 
-main();
+if (require.main === module) {
+    main();
+} else {
+    // The documents, and the editor with the tool's schema.
+    module.exports = { texts: TEXTS, editor: new Editor(JSON.parse(run('schema'))), ENGINES_OWN };
+}

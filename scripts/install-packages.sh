@@ -20,8 +20,10 @@ test="$test android-liblog-dev blueprint-tools golang-android-soong-dev
 test="$test libsimdjson-dev rapidjson-dev
     abigail-tools binutils llvm python3 relacy-dev valgrind
     chromium doxygen"
-# The Debian packages, their manual page and completions.
-test="$test dpkg-dev file groff zsh"
+# The Debian packages, their manual page and completions; an editor.
+test="$test dpkg-dev file groff neovim zsh"
+# Hooks, and the Markdown that the tool prints.
+test="$test cmark-gfm git pre-commit python3-yaml"
 
 case "${1:-}" in
     run) packages=$run ;;

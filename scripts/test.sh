@@ -29,7 +29,9 @@ performance         bench,phone         scripts/check-performance.py
 package             dev                 scripts/check-package.sh
 report              dev                 scripts/check-report.py
 schema              dev                 scripts/check-schema.sh
+editors             dev                 scripts/check-editors.sh
 sarif               dev                 scripts/check-sarif.py
+git                 dev                 scripts/check-git.py
 docs                -                   scripts/check-docs.sh
 commands            dev                 scripts/check-commands.py
 asan                asan,dev            ctest --preset asan && tool_tests asan

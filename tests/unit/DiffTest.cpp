@@ -121,6 +121,150 @@ TEST(DiffTest, ComparesEffectsNotTexts) {
     }
 }
 
+std::string inVideo(const std::string& sections) {
+    return "{\"Video\": {" + sections + "}}";
+}
+
+// What no query shows is listed, but it is no difference. Each pair is compared in both directions.
+TEST(DiffTest, WhatNoQueryShowsIsNoDifference) {
+    const ScratchDirectory directory;
+    const auto rows = [](const char* table) {
+        return std::string("\"NimbraModeBitrateTable\": ") + table;
+    };
+    const std::string base = rows("[[0, 10, 1], [10, 20, 2]]");
+    const std::string features = "\"Features\": {\"f\": ";
+    const struct {
+        std::string a;
+        std::string b;
+        size_t seen;
+        size_t unseen;
+    } pairs[] = {
+            {"\"perf-resource-values\": {\"p\": []}", "", 0, 1},
+            {"\"perf-resource-values\": {\"p\": []}",
+             "\"perf-resource-values\": {\"p\": [\"0x1\"]}", 1, 0},
+            {features + "false}", "", 0, 1},
+            {features + "false}", features + "true}", 1, 0},
+            {features + "true}", "", 1, 0},
+            {"\"Presets\": {\"z\": 0}", "", 1, 0},
+            // Rows that do not touch in another order, rows that overlap in another order.
+            {base, rows("[[10, 20, 2], [0, 10, 1]]"), 0, 2},
+            {rows("[[0, 15, 1], [10, 20, 2]]"), rows("[[10, 20, 2], [0, 15, 1]]"), 2, 0},
+            {rows("[[0, 15, 1], [10, 20, 1]]"), rows("[[10, 20, 1], [0, 15, 1]]"), 0, 2},
+            // Rows that no value reaches.
+            {base, rows("[[0, 10, 1], [10, 20, 2], [5, 15, 3]]"), 0, 1},
+            {base, rows("[[7, 7, 3], [0, 10, 1], [9, 3, 4], [10, 20, 2]]"), 0, 2},
+            {base, rows("[[5, 15, 3], [0, 10, 1], [10, 20, 2]]"), 1, 0},
+            {base, rows("[[0, 10, 7], [10, 20, 2], [5, 10, 3]]"), 2, 1},
+            // A row in two parts of the same rate, of another rate, with a gap.
+            {base, rows("[[0, 4, 1], [4, 10, 1], [10, 20, 2]]"), 0, 3},
+            {base, rows("[[0, 4, 1], [4, 10, 5], [10, 20, 2]]"), 3, 0},
+            {base, rows("[[0, 4, 1], [5, 10, 1], [10, 20, 2]]"), 3, 0},
+            {rows("[[0, -1, 1]]"), rows("[[0, -2, 1]]"), 2, 0},
+            // A row whose rate is the answer for values in no row.
+            {base, rows("[[0, 10, 1], [10, 20, 2], [30, 40, -1]]"), 0, 1},
+            // Lists and sets are returned whole.
+            {"\"KC2CodecPlugins\": [\"a\", \"b\"]", "\"KC2CodecPlugins\": [\"b\", \"a\"]", 2, 0},
+            {"\"KC2PreProcessingFilters\": [\"a\"]", "\"KC2PreProcessingFilters\": [\"a\", \"a\"]",
+             1, 0},
+            {"\"OptionalCodecs\": [\"a\", \"b\"]", "\"OptionalCodecs\": [\"b\", \"a\"]", 0, 0},
+            {"\"OptionalCodecs\": [\"a\"]", "", 1, 0},
+            {"\"DolbyVision\": {\"profiles\": [5]}", "\"DolbyVision\": {\"profiles\": [5, 5]}", 0,
+             0},
+            {"\"DolbyVision\": {\"max_main_tier_level\": 1}", "\"DolbyVision\": {}", 1, 0},
+    };
+    for (const auto& pair : pairs) {
+        const std::string a = directory.write("a.json", inVideo(pair.a));
+        const std::string b = directory.write("b.json", inVideo(pair.b));
+        for (const std::string& documents : {a + " " + b, b + " " + a}) {
+            const Result result = run("diff --json " + documents);
+            const Json::Value root = parsed(result.output);
+            EXPECT_EQ(pair.seen, root["differences"].size()) << pair.a << "\n" << result.output;
+            EXPECT_EQ(pair.unseen, root["sameAnswers"].size()) << pair.b << "\n" << result.output;
+            EXPECT_EQ(pair.seen == 0 ? 0 : 1, result.exitCode);
+        }
+    }
+}
+
+TEST(DiffTest, SaysWhatIsStoredDifferently) {
+    const ScratchDirectory directory;
+    const std::string a =
+            directory.write("a.json", inVideo(R"("Features": {"f": false}, "Presets": {"p": 1},
+                                  "NimbraModeBitrateTable": [[0, 10, 1]])"));
+    const std::string b = directory.write(
+            "b.json", inVideo(R"("NimbraModeBitrateTable": [[0, 4, 1], [4, 10, 1]])"));
+    const Result result = run("diff " + a + " " + b);
+    EXPECT_EQ(
+            R"(
+Presets (1)
+  - p  1  document
+
+Stored differently, same answers: Features (1)
+  - f  off  document
+      a private file could set it in B, but not in A
+
+Stored differently, same answers: Nimbra-mode bit rates (3)
+  - #1 [0, 10)  1  document
+  + #1 [0, 4)   1  document
+  + #2 [4, 10)  1  document
+)",
+            result.output.substr(std::min(result.output.find("\nPresets"), result.output.size())));
+}
+
+// A device ignores a rejected document, so two of them have no effect that could differ.
+TEST(DiffTest, RejectedDocumentsAreNoMatch) {
+    const ScratchDirectory directory;
+    const std::string bad = directory.write("bad.json", "{");
+    const std::string worse = directory.write("worse.json", "");
+    const std::string none = directory.write("none.json", "{}");
+    const std::string warning = "warning: the device ignores the system spec document of ";
+    expectAnswers("diff ",
+                  {
+                          {bad + " " + worse, 2, "nothing to compare"},
+                          {bad + " " + bad + " --json", 2, "nothing to compare"},
+                          {bad + " " + none, 1, warning + bad},
+                          {none + " " + bad, 1, "but a device rejects the document of B\n"},
+                          {none + " /dev/null", 0, "\nno difference in effect\n"},
+                          {bad + " /dev/null", 1, warning + bad},
+                          {"tests/unit/check/load-seeded tests/unit/check/load-seeded", 0,
+                           warning + "tests/unit/check/load-seeded"},
+                  });
+}
+
+// What git passes, to an external diff driver and by the line of docs/diff.md for git difftool.
+TEST(DiffTest, GitNamesTheChipAndAlwaysGetsZero) {
+    const ScratchDirectory directory;
+    const std::string a = directory.write("a.json", inVideo(R"("Presets": {"p": 1})"));
+    const std::string b = directory.write("b.json", inVideo(R"("Presets": {"p": 2})"));
+    const std::string bad = directory.write("bad.json", "{");
+    const std::string mirt = "odm/etc/media_mirt/video_system_specs.json ";
+    const auto driver = [](const std::string& before, const std::string& after) {
+        return before + " 0123456 100644 " + after + " 89abcde 100644";
+    };
+    const std::string one = "private overlay       built-in document 1\n";
+    const std::string two = "private overlay       built-in document 2\n";
+    expectAnswers(
+            "diff --git ",
+            {
+                    {mirt + a + " " + b, 0, one},
+                    {mirt + driver(a, b), 0, "  ~ p  1 -> 2  document\n"},
+                    {mirt + driver(a, b) + " --format json", 0, "\"title\" : \"a/odm/etc"},
+                    {mirt + driver("/dev/null", b), 0,
+                     "A  /dev/null\n   system spec document  none\n"},
+                    {mirt + driver(a, "/dev/null"), 0, "  - p  1  document\n"},
+                    {mirt + driver(bad, b), 0, "specs.json (rejected)\n"},
+                    {mirt + driver(bad, bad), 0, "nothing to compare"},
+                    {mirt + driver(a, "/no/such/file"), 0, "/no/such/file cannot be read"},
+                    {mirt + driver(a, b) + " vendor/etc/media_orvelle/x.json similarity", 0, two},
+                    {mirt, 0, mirt.substr(0, mirt.size() - 1) + " is not merged\n"},
+                    {mirt + driver(a, b) + " --variant-b _orvelle", 0, two},
+                    // Directories above the device's own name no chip.
+                    {"brel/vendor/etc/media_orvelle/x.json " + a + " " + b, 0, two},
+                    {"specs/orvelle.json " + a + " " + b, 0, two},
+                    {mirt + a, 2, "--git needs the arguments that git passes"},
+                    {mirt + a + " " + b + " -- " + a, 2, "A and --git cannot be used together"},
+            });
+}
+
 TEST(DiffTest, IsColouredOnATerminalOnly) {
     const std::string arguments =
             "diff targetspec/defaults/built_in_document_1.json "
@@ -147,6 +291,23 @@ TEST(DiffTest, LongListsAreComparedInGoodTime) {
                               directory.write("b.json", document(lists[1])));
     EXPECT_EQ(1, result.exitCode);
     EXPECT_NE(std::string::npos, result.output.find("Codec plug-ins (80000)"));
+
+    // The same of rows, with which a query that finds nothing goes through all of them.
+    std::string tables[2];
+    for (uint32_t i = 0; i < 20000; ++i) {
+        const std::string bounds = "[" + std::to_string(i) + "," + std::to_string(i) + ",";
+        for (uint32_t side = 0; side < 2; ++side) {
+            tables[side] += (i == 0 ? "" : ",") + bounds + std::to_string(side) + "]";
+        }
+    }
+    const auto table = [](const std::string& rows) {
+        return R"({"Video": {"NimbraModeBitrateTable": [)" + rows + "]}}";
+    };
+    const Result rows = run("diff " + directory.write("a.json", table(tables[0])) + " " +
+                            directory.write("b.json", table(tables[1])));
+    EXPECT_EQ(1, rows.exitCode);
+    EXPECT_NE(std::string::npos, rows.output.find("too long to compare what they return"));
+    EXPECT_NE(std::string::npos, rows.output.find("\nNimbra-mode bit rates (40000)\n"));
 }
 
 }  // namespace

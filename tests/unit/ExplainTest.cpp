@@ -9,6 +9,7 @@
 #include <string>
 
 #include "RunTool.h"
+#include "catalogue/HeaderTexts.h"
 #include "check/CheckRows.h"
 
 namespace kc2::test {
@@ -88,12 +89,71 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                           {"'I/KC2TargetSpec( 4):        private_enc_cvp_enable    : 1'", 0,
                            "  values    private_enc_cvp_enable, 1\nprivate_enc_cvp_enable\n"},
                           {"'private_complexity : 60'", 0, "private_complexity\n  meaning"},
-                          {"'not a boolean'", 0, "Skipped %s in %s: %s\n"},
+                          {"'not a boolean'", 0, "Skipped %s in %s: %s"},
                           {"real-truncatd", 1, "Did you mean real-truncated?"},
                           {"nv12", 1, "Did you mean TAMRA_NV12?"},
                           {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
                           {"no_such_name" + device, 1, "no document sets it"},
                   });
+}
+
+// What the library does is said by its headers, which the tool contains.
+TEST(ExplainTest, ExplainsNamesBesideDocuments) {
+    expectAnswers(
+            "explain ",
+            {
+                    {"mirt", 0, "  chip      built-in document 1; \"kcodec2_spec defaults 1\""},
+                    {"orvelle", 0, "c2.kvx.mvhevc.decoder\n"},
+                    {"vendor.media.target_variant", 0, "  see       readTargetVariant: "},
+                    {"kcodec2_test", 0,
+                     "  see       extractPrivateData: Where the codec test tool"},
+                    {"/vendor/bin/kcodec2_test", 0, "is first seeded with"},
+                    {"/data/vendor/media/video_private_configs.json", 0,
+                     "extractPrivateData: Second"},
+                    {"/odm/etc/media_x/video_system_specs.json", 0, "extractSpecData: First step"},
+                    {"isFeatureEnabled", 0, "  returns   the switch of the feature"},
+                    {"'kc2::TargetSpec::getPresetValue()'", 0, "  value     receives the preset;"},
+                    {"Get", 0, "            Safe to call from any thread. Threads that arrive"},
+                    {"AlignmentFor", 0, "  returns   the alignment of buffer sizes"},
+                    {"SPEC_NO_LIST", 0, "SPEC_NO_LIST = -2\n  meaning   The output list is null"},
+                    {"0xFFFFFFFF", 0, "getNimbraModeBitRateValue: the row's bit rate"},
+                    {"4294967295", 0, "0xFFFFFFFF\n  see       "},
+                    {"-- -1", 0, "0xFFFFFFFF\n  see       "},
+                    {"Y", 0, "  meaning   luma\n  format    TAMRA_NV12\n"},
+                    {"RGB_META", 0, "  format    RGBA1010102_CMPR\n"},
+                    {"'not an integer in the signed 32-bit range'", 0,
+                     "  check     tier-level-not"},
+                    {"'W/KC2TargetSpec( 4): Skipped Video/Presets/a in the system spec: not an "
+                     "integer "
+                     "in the signed 32-bit range'",
+                     0, "  check     preset-not-integer: "},
+                    {"perf", 0, "  group     of checks: Perf words\n  check     perf-odd-length: "},
+                    {"codec", 0, "  check     codec-misspelt: "},
+                    {".secure", 0, "  component c2.kvx.avc.decoder.secure\n"},
+                    {".low_latency", 0, "  check     variant-without-base: "},
+                    {"0xFFFFFFFE", 1, "unknown name"},
+                    {"secure", 1, "unknown name"},
+            });
+}
+
+// Each comment is read with its declaration, and none is lost.
+TEST(ExplainTest, EachCommentOfTheHeadersHasItsName) {
+    const std::regex commented(R"((\w+)(?: = -?\w+)?[;,] +///<|\*/\n[^;{(=/]*?(\w+)[(;])");
+    size_t count = 0;
+    for (const auto& file : std::filesystem::directory_iterator(KC2_SOURCE_DIR "/include/kc2")) {
+        const std::string header = readFile(file.path());
+        for (std::sregex_iterator at(header.begin(), header.end(), commented);
+             at != std::sregex_iterator(); ++at) {
+            const std::string name = (*at)[1].str() + (*at)[2].str();
+            EXPECT_FALSE(tool::headerTextsOf(name).empty()) << name;
+            ++count;
+        }
+    }
+    EXPECT_LT(60u, count);
+    for (const tool::HeaderText& text : tool::headerTexts()) {
+        EXPECT_NE("", text.name) << text.declaration;
+        EXPECT_NE("", text.paragraphs.front().text) << text.name;
+    }
 }
 
 // The first document that sets a name wins; the other's value is reported as lost.

@@ -73,7 +73,7 @@ TEST(ToolTest, EachCommandWorks) {
 // The whole message, so that nothing of the option parser's own wording gets through.
 TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
     const std::string commands =
-            "show, check, log, diff, report, defaults, formats, explain, schema, help, man, "
+            "show, check, log, diff, report, defaults, formats, explain, schema, lsp, help, man, "
             "completion";
     const std::string noDevice =
             "--rootdir DIR must name the root of the device's file system (--rootdir / is this "
@@ -89,7 +89,7 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
              "there is no command chek. Did you mean check?\nThe commands are " + commands + "."},
             {"help chek",
              "COMMAND: must be show, check, log, diff, report, defaults, formats, "
-             "explain, schema, help, man or completion, not \"chek\". Did you mean "
+             "explain, schema, lsp, help, man or completion, not \"chek\". Did you mean "
              "check?"},
             {"'ch\nek\x1b[1m' x",
              "there is no command ch\\x0Aek\\x1B[1m\nThe commands are " + commands + "."},
@@ -214,7 +214,7 @@ TEST(ToolTest, TheReadmeNamesEachCommand) {
                 << name;
         ++commands;
     }
-    EXPECT_EQ(12u, commands);
+    EXPECT_EQ(13u, commands);
     const std::regex named("kcodec2_spec ([a-z]+)");
     for (std::sregex_iterator at(readme.begin(), readme.end(), named); at != std::sregex_iterator();
          ++at) {
@@ -322,6 +322,25 @@ TEST(ToolTest, LinksStayInTheTree) {
     EXPECT_NE(std::string::npos, run(vendorOnly + "_relative").output.find("feature_a"));
     EXPECT_EQ(std::string::npos, run(vendorOnly + "_host").output.find("outside"));
     fs::remove_all(top);
+}
+
+// The library's own lines contain names as documents write them; a terminal would obey them.
+TEST(ToolTest, TheLogOnStandardErrorIsEscaped) {
+    const ScratchDirectory root;
+    std::filesystem::create_directories(root.path() + "/vendor/etc");
+    root.write("vendor/etc/video_system_specs.json",
+               R"({"Video": {"Features": {"f\u001b[31m\u009b": true}, "Presets": {"p\u0007": 1},
+                             "KC2CodecPlugins": ["l\u202e"]}})");
+    const Result result = run("show --log debug --rootdir " + root.path() +
+                              " --variant \"$(printf 'v\\033]0;')\"");
+    EXPECT_EQ(0, result.exitCode);
+    for (const char* shown :
+         {"KC2TargetSpec", "f\\x1B[31m\\xC2\\x9B", "p\\x07", "l\\xE2\\x80\\xAE", "v\\x1B]0;"}) {
+        EXPECT_NE(std::string::npos, result.output.find(shown)) << shown << "\n" << result.output;
+    }
+    for (const char* raw : {"\x1b", "\x07", "\xC2\x9B", "\xE2\x80\xAE"}) {
+        EXPECT_EQ(std::string::npos, result.output.find(raw));
+    }
 }
 
 TEST(ToolTest, WhatShipsHasNoMistakes) {

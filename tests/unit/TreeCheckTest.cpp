@@ -70,8 +70,7 @@ TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
                  "/media_a/Video_system_specs.json:1:1: warning: nothing reads this file: a system "
                  "spec document is called video_system_specs.json [document-unselectable]",
                  "video_private_config.json:1:1: warning: nothing reads this file: the private "
-                 "file "
-                 "is called video_private_configs.json (every variant) [private-file-name]",
+                 "file is called video_private_configs.json [private-file-name]",
                  "/vendor/etc/media/video_system_specs.json:1:1: warning: others may not read this "
                  "file (mode bit o+r), so a media service cannot (no variant) [mode]",
                  "/odm/etc/media_umbrella:1:1: warning: others may not search this directory",

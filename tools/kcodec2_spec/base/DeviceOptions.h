@@ -50,6 +50,10 @@ std::string whyUnused(const DeviceOptions& options);
 // on a device it may seed the private file.
 void applyDeviceOptions(const DeviceOptions& options);
 
+// Uses a file of this machine for one file of the device; does nothing in a build for a device. No
+// part of the device path may be a link.
+void mapFile(const std::string& devicePath, const std::string& file);
+
 // Sets the target variant; does nothing in a build for a device.
 void playVariant(const std::string& variant);
 // Whether the tool can load any device: its files, its variants. False in a build for a device.

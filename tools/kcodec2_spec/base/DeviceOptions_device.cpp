@@ -27,6 +27,8 @@ std::string whyUnused(const DeviceOptions& /*options*/) {
 
 void applyDeviceOptions(const DeviceOptions& /*options*/) {}
 
+void mapFile(const std::string& /*devicePath*/, const std::string& /*file*/) {}
+
 void playVariant(const std::string& /*variant*/) {}
 
 bool canPlayDevices() {

@@ -162,7 +162,9 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
 
 void addVariantsOption(CLI::App& command, DeviceOptions* options) {
     command.add_flag("--all-variants", options->isEachVariant,
-                     "Check with each variant that the device has a document for, and without one")
+                     "Check with each variant that the device has a document for, without one, and "
+                     "the "
+                     "fallback")
             ->group(kDeviceGroup);
 }
 
@@ -199,6 +201,10 @@ void applyDeviceOptions(const DeviceOptions& options) {
         playVariant(*options.variant);
     }
     reportUnused(options);
+}
+
+void mapFile(const std::string& devicePath, const std::string& file) {
+    host::mapDirectory(devicePath, file);
 }
 
 void playVariant(const std::string& variant) {

@@ -19,29 +19,6 @@ namespace {
 
 constexpr char kOtherChips[] = "other chips";
 
-struct BuiltInDocument {
-    int number;
-    std::string chips;
-    SpecDocument content;
-};
-
-// Read once: one for each number, with all of its chips.
-const std::vector<BuiltInDocument>& builtInDocuments() {
-    static const std::vector<BuiltInDocument> documents = [] {
-        std::vector<BuiltInDocument> read;
-        for (const ChipDocument& row : kChipDocuments) {
-            const std::string chip = *row.chip != '\0' ? row.chip : kOtherChips;
-            if (!read.empty() && read.back().number == row.number) {
-                read.back().chips.append(", ").append(chip);
-            } else {
-                read.push_back({row.number, chip, Document({}, row.text).content});
-            }
-        }
-        return read;
-    }();
-    return documents;
-}
-
 Json::Value jsonOf(bool value) {
     return value;
 }
@@ -57,6 +34,22 @@ Json::Value jsonOf(const std::vector<uint32_t>& words) {
 }
 
 }  // namespace
+
+const std::vector<BuiltInDocument>& builtInDocuments() {
+    static const std::vector<BuiltInDocument> documents = [] {
+        std::vector<BuiltInDocument> read;
+        for (const ChipDocument& row : kChipDocuments) {
+            const std::string chip = *row.chip != '\0' ? row.chip : kOtherChips;
+            if (!read.empty() && read.back().number == row.number) {
+                read.back().chips.append(", ").append(chip);
+            } else {
+                read.push_back({row.number, chip, Document({}, row.text).content});
+            }
+        }
+        return read;
+    }();
+    return documents;
+}
 
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name) {

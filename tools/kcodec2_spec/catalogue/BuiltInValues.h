@@ -16,6 +16,15 @@ namespace kc2::tool {
 Json::Value settingIn(const SpecDocument& document, const std::string& section,
                       const std::string& name);
 
+struct BuiltInDocument {
+    int number;
+    std::string chips;  // "brel, mirt", or "other chips".
+    SpecDocument content;
+};
+
+// One for each number.
+const std::vector<BuiltInDocument>& builtInDocuments();
+
 // The value that one built-in document gives a setting.
 struct BuiltInValue {
     int number;         // Of the built-in document.

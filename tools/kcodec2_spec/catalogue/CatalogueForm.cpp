@@ -104,7 +104,7 @@ const CatalogueObject& formOf(CatalogueKind kind) {
 std::vector<std::string> chipNames() {
     std::vector<std::string> names;
     for (const ChipDocument& row : kChipDocuments) {
-        names.emplace_back(*row.chip != '\0' ? row.chip : "other");
+        names.emplace_back(*row.chip != '\0' ? row.chip : kOtherChip);
     }
     return names;
 }

@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -19,8 +18,6 @@
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
-#include "device/DevicePaths.h"
-#include "store/TreeFiles.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -182,23 +179,20 @@ int checkDevice(const CheckOptions& options) {
     Report report(options.levels);
     const Load load = readLoad();
     check(Checked(load, *options.known), &report);
-    checkTreeFiles(&report);
+    checkTreeFiles({&load, 1}, &report);
     const int exitCode = finish(report, options);
     return fixer.isEachFixed() ? exitCode : kExitUsage;
 }
 
 int checkEachVariant(const CheckOptions& options) {
-    std::set<std::string> variants = variantsInTree();
-    variants.insert(kDefaultVariant);
     Fixer fixer(options);
-    for (const std::string& variant : variants) {
-        if (options.fix != FixMode::None) {
+    if (options.fix != FixMode::None) {
+        for (const std::string& variant : variantsToCheck()) {
             playVariant(variant);
             fixer.fixLoad();
         }
     }
-    const CheckedVariants checked =
-            checkVariants({variants.begin(), variants.end()}, options.levels, *options.known);
+    const CheckedVariants checked = checkAllVariants(options.levels, *options.known);
     const int exitCode = finish(checked.report, options);
     return fixer.isEachFixed() ? exitCode : kExitUsage;
 }

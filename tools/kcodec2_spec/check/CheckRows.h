@@ -74,6 +74,28 @@ inline constexpr Check kChecks[] = {
                 .whyNoExample = kNeedsLoad,
         },
         {
+                .id = "fallback-alone",
+                .group = "load",
+                .severity = Severity::Note,
+                .summary = "a load without a variant that reads the fallback",
+                .meaning = "The variant is not set, and the document that a load then reads first "
+                           "does not exist. The device logs an error for it at each load, and "
+                           "reads the fallback.",
+                .fix = "Leave it if the fallback is the device's only document. Otherwise install "
+                       "the document where the message says.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "variant-needed",
+                .group = "load",
+                .severity = Severity::Note,
+                .summary = "a load without a variant where every document is for a variant",
+                .meaning = "The variant is not set, so the load reads none of the device's system "
+                           "spec documents: each is for a variant.",
+                .fix = "Name a variant with --variant, or check all with --all-variants.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
                 .id = "unreadable",
                 .group = "load",
                 .severity = Severity::Error,
@@ -117,8 +139,31 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The file looks like a system spec document, but no load reads it: its "
                            "name is misspelt (case matters), or no variant selects its directory. "
                            "/odm/etc/media is such a directory: without a variant, a load reads "
-                           "only /vendor/etc/media.",
-                .fix = "Rename or move the file as the message says.",
+                           "only /vendor/etc/media. A document that a device would reject, and "
+                           "that one in /odm/etc replaces, is another example.",
+                .fix = "Rename, move or remove the file as the message says.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "document-shadowed",
+                .group = "tree",
+                .severity = Severity::Note,
+                .summary = "a document in /vendor/etc that one in /odm/etc replaces",
+                .meaning = "The variant selects the document in /odm/etc, and no load reads the "
+                           "one in /vendor/etc. A change to that one has no effect.",
+                .fix = "Remove the document in /vendor/etc, or leave it if other images of the "
+                       "device have none in /odm/etc.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "link-broken",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a link that leads nowhere in place of a document",
+                .meaning = "The link, or a link on the way to a document, has no target in the "
+                           "device tree. A load goes on as if the document did not exist, and logs "
+                           "nothing about the link.",
+                .fix = "Correct the target of the link, or remove the link.",
                 .whyNoExample = kNeedsTree,
         },
         {
@@ -129,6 +174,28 @@ inline constexpr Check kChecks[] = {
                 .meaning = "The private file does not open, but a file beside it has a name that "
                            "differs in one or two letters. Nothing reads that file.",
                 .fix = "Rename the file as the message says.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "private-file-place",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a private file in a directory where nothing reads it",
+                .meaning = "The only private file that a load reads is "
+                           "/data/vendor/media/video_private_configs.json. The directories of the "
+                           "system spec documents have none.",
+                .fix = "Move the file, or what it sets into the system spec document. Leave it if "
+                       "the device copies it into /data/vendor/media.",
+                .whyNoExample = kNeedsTree,
+        },
+        {
+                .id = "private-file-type",
+                .group = "tree",
+                .severity = Severity::Warning,
+                .summary = "a directory or a pipe in place of the private file",
+                .meaning = "The device reads only a regular file. It goes on as if the private "
+                           "file could not be opened, and uses the built-in document.",
+                .fix = "Remove what is there, or replace it by a regular file.",
                 .whyNoExample = kNeedsTree,
         },
         {
@@ -515,6 +582,21 @@ inline constexpr Check kChecks[] = {
                 .fix = "Write the name that the message gives.",
                 .mistake = R"({"Video": {"Preset": {"private_complexity": 50}}})",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
+        },
+        {
+                .id = "wrong-level",
+                .group = "document",
+                .severity = Severity::Error,
+                .summary = "sections that are not directly in \"Video\"",
+                .meaning = "A bracket closes \"Video\" too early, the closing bracket of a section "
+                           "is missing, or an object is one too many. The device does not read "
+                           "the sections that are at a wrong level. It is one finding, at the "
+                           "bracket or at the first section.",
+                .fix = "Move the bracket or the sections as the message says.",
+                .mistake = R"({"Video": {"Features": {"vendor_a": true}}, )"
+                           R"("Presets": {"private_complexity": 50}})",
+                .fixed = R"({"Video": {"Features": {"vendor_a": true}, )"
+                         R"("Presets": {"private_complexity": 50}}})",
         },
         {
                 .id = "unknown-member",
@@ -1032,8 +1114,9 @@ inline constexpr Check kChecks[] = {
                 .group = "row",
                 .severity = Severity::Note,
                 .summary = "a bit-rate table whose rows do not touch",
-                .meaning = "The rows leave out values, and so many of them that it is probably "
-                           "meant. A component gets 0xFFFFFFFF for such a value.",
+                .meaning = "The rows leave out values, so many of them or between groups so "
+                           "far apart that it is probably meant. A component gets 0xFFFFFFFF for "
+                           "such a value.",
                 .fix = "Leave it if the values between the rows need no bit rate. Otherwise add "
                        "rows for them.",
                 .mistake = R"({"Video": {"NimbraModeBitrateTable": [[0, 100, 5], [150, 200, 7]]}})",
@@ -1073,6 +1156,42 @@ inline constexpr Check kChecks[] = {
                 .fixed = R"({"Video": {"NimbraModeBitrateTable": [[0, 100, 5]]}})",
         },
         // --- What the documents result in together ----------------------------------------------
+        {
+                .id = "document-of-other-chip",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "a document that is mostly another chip's built-in document",
+                .meaning = "The path of the system spec document selects the built-in document of "
+                           "its chip, but most of the document is as in the built-in document of "
+                           "another one. Probably it was copied from a target with that chip.",
+                .fix = "Copy from the chip's own built-in document (\"kcodec2_spec defaults\" "
+                       "prints it), or correct the chip's name in the variant.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "setting-of-other-chip",
+                .group = "merge",
+                .severity = Severity::Note,
+                .summary = "a setting, a component or a perf code of another chip",
+                .meaning = "The system spec document has something that the settings catalogue "
+                           "knows only for other chips than the one in its path, or that only "
+                           "their built-in documents use.",
+                .fix = "Leave it if this chip has it, too. Otherwise remove it.",
+                .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "debug-setting",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "a debug setting that is changed in a system spec document",
+                .meaning = "A known setting whose name begins with \"debug_\" has another value "
+                           "in the system spec document than in the built-in document, so it "
+                           "applies on every phone, and no private file can change it. A document "
+                           "alone is taken for one by its name, video_system_specs.json.",
+                .fix = "Remove it, and set it in the private file of the phone that is being "
+                       "debugged.",
+                .whyNoExample = "an example has another name than a system spec document",
+        },
         {
                 .id = "listed-twice",
                 .group = "merge",
@@ -1161,7 +1280,8 @@ inline constexpr Check kChecks[] = {
                 .group = "merge",
                 .severity = Severity::Note,
                 .summary = "a private file replaces a built-in document that sets more",
-                .meaning = "As built-in-lost, for a private file with several settings.",
+                .meaning = "As built-in-lost, for a private file with several settings, or "
+                           "with a single debug setting.",
                 .fix = "Leave it, or repeat in the private file what the message names.",
                 .whyNoExample = kNeedsLoad,
         },

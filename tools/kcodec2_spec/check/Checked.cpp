@@ -6,6 +6,7 @@
 
 #include "base/Spelling.h"
 #include "device/DevicePaths.h"
+#include "kc2/TargetSpecKeys.h"
 
 namespace kc2::tool {
 
@@ -28,6 +29,18 @@ Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings)
     if (documents.size() == 2) {
         mMerged = merge(documents[0]->content, documents[1]->content);
     }
+}
+
+bool resetLevels(const Checked& checked) {
+    const Node* const section =
+            checked.documents.size() == 2 ? checked.documents[1]->section(targetSpecDV) : nullptr;
+    const auto& before = checked.before().dvTierLevels;
+    const auto isReset = [&](const char* key, int32_t level) {
+        return level != 0 && findMember(*section, key) == nullptr;
+    };
+    return section != nullptr && before && checked.documents[1]->content.dvTierLevels &&
+           (isReset(targetSpecDVMaxMainTierLevel, before->main) ||
+            isReset(targetSpecDVMaxHighTierLevel, before->high));
 }
 
 bool isPrivateFile(const Document& document) {

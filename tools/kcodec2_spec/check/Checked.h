@@ -48,6 +48,10 @@ private:
     std::optional<MergedStore> mMerged;  // Of two documents.
 };
 
+// Whether the second document sets a tier level to 0 that the first one has set, because it has
+// "DolbyVision" without that level.
+bool resetLevels(const Checked& checked);
+
 // Whether it is a private file by its name: what it lacks may be in the system spec document.
 bool isPrivateFile(const Document& document);
 

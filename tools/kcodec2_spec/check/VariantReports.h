@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,12 +14,21 @@ namespace kc2::tool {
 struct CheckedVariants {
     std::vector<std::string> variants;
     std::vector<Load> loads;  // The report points into these.
+    std::unique_ptr<Document>
+            fallback;  // And into this; null when there is none, or a load reads it.
     Report report;
 };
 
-// Loads and checks the device under each of the variants. Each finding is reported once, with the
-// variants that have it.
+// Loads and checks the device under each of the variants, and the document that a load with any
+// other one falls back to. Each finding is reported once, with the variants that have it.
 CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& levels,
                               const KnownSettings& known);
+
+// Each variant that the tree has a document for, and the default one, unless every document is for
+// a variant.
+std::set<std::string> variantsToCheck();
+
+// The same with each variant to check.
+CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known);
 
 }  // namespace kc2::tool

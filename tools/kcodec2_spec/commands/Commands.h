@@ -30,6 +30,7 @@ void addDefaultsCommand(CLI::App* app, int* exitCode);
 void addFormatsCommand(CLI::App* app, int* exitCode);
 void addExplainCommand(CLI::App* app, int* exitCode);
 void addSchemaCommand(CLI::App* app, int* exitCode);
+void addLspCommand(CLI::App* app, int* exitCode);
 // These are about all commands, including those that are added later.
 void addHelpCommand(CLI::App* app, int* exitCode);
 void addManualCommand(CLI::App* app, int* exitCode);

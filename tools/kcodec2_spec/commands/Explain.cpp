@@ -16,20 +16,18 @@
 #include "base/Print.h"
 #include "base/Spelling.h"
 #include "base/Text.h"
-#include "catalogue/BuiltInValues.h"
 #include "catalogue/Catalogue.h"
-#include "catalogue/SectionTexts.h"
-#include "catalogue/SettingText.h"
+#include "catalogue/Explanation.h"
 #include "catalogue/SettingsPage.h"
 #include "check/Checks.h"
 #include "commands/Commands.h"
+#include "commands/ExplainTopics.h"
 #include "commands/UnknownVariant.h"
-#include "kc2/TargetSpec.h"
 #include "log/LineMatch.h"
 #include "log/LogLines.h"
 #include "platform/FormatRows.h"
 #include "store/Load.h"
-#include "store/StoreSnapshot.h"
+#include "store/Setters.h"
 #include "targetspec/reading/Escaped.h"
 #include "targetspec/reading/Sections.h"
 
@@ -37,83 +35,27 @@ namespace kc2::tool {
 
 namespace {
 
-void printTitle(std::string_view name) {
-    printOut("{}\n", escaped(name));
-}
-
-void printLine(const char* title, std::string_view text) {
-    if (!text.empty()) {
-        printOut("  {:9} {}\n", title, escaped(text));
-    }
-}
-
-void printValues(const char* title, const std::vector<CatalogueValue>& values) {
-    for (const CatalogueValue& value : values) {
-        printLine(title, fmt::format("{}  {}", value.value, meaningOf(value)));
-    }
+bool print(const std::optional<Explanation>& explanation) {
+    writeOut(explanation ? formatted(*explanation) : "");
+    return explanation.has_value();
 }
 
 // --- Each kind of name: prints what it is, or returns false -------------------------------------
 
 bool explainSetting(const Catalogue& catalogue, const std::string& name) {
-    const Setting* const setting = catalogue.setting(name);
-    if (setting == nullptr) {
-        return false;
-    }
-    printTitle(setting->name);
-    printLine("meaning", setting->meaning);
-    printLine("section", setting->section);
-    printLine("type", setting->type);
-    printLine("unit", setting->unit);
-    printLine("range", rangeOf(*setting));
-    printValues("value", setting->values);
-    printValues("bit", setting->bits);
-    printLine("chips", chipsOf(setting->chips));
-    for (const BuiltInValue& one : builtInValuesOf(*setting)) {
-        printLine("built-in", fmt::format("{} ({}, document {})", writtenValue(one.value),
-                                          one.chips, one.number));
-    }
-    printLine("needs", setting->neededFeature);
-    printLine("at most", setting->atMost);
-    return true;
+    return print(explainedSetting(catalogue, name));
 }
 
 bool explainSection(const Catalogue& catalogue, const std::string& name) {
-    const std::string meaning = meaningOfSection(name);
-    if (meaning.empty()) {
-        return false;
-    }
-    printTitle(name);
-    printLine("meaning", meaning);
-    for (const Setting& setting : catalogue.settings()) {
-        printLine("setting", setting.section == name ? setting.name : "");
-    }
-    return true;
+    return print(explainedSection(catalogue, name));
 }
 
 bool explainComponent(const Catalogue& catalogue, const std::string& name) {
-    const CodecComponent* const component = catalogue.component(name);
-    if (component == nullptr) {
-        return false;
-    }
-    printTitle(component->name);
-    printLine("list", component->list);
-    printLine("chips", chipsOf(component->chips));
-    return true;
+    return print(explainedComponent(catalogue, name));
 }
 
 bool explainCode(const Catalogue& catalogue, const std::string& name) {
-    const std::optional<uint32_t> word = toWord(name);
-    const auto& codes = catalogue.codes();
-    const auto code = std::find_if(codes.begin(), codes.end(), [&](const PerfResourceCode& one) {
-        return word && one.code == *word;
-    });
-    if (code == codes.end()) {
-        return false;
-    }
-    printTitle(hexadecimal(code->code));
-    printLine("meaning", code->meaning);
-    return true;
+    return print(explainedCode(catalogue, name));
 }
 
 bool explainFormat(const Catalogue&, const std::string& name) {
@@ -168,68 +110,31 @@ bool explainLogText(const Catalogue& catalogue, const std::string& text) {
         printLogLine(*line);
     }
     printLine("values", joined(asked.values, ", "));
+    for (const std::string& value : asked.values) {
+        printChecksForReason(value);
+    }
     const bool isSetting = !asked.setting.empty() && explainSetting(catalogue, asked.setting);
     return !asked.rows.empty() || isSetting;
 }
 
 constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {
-        explainSetting, explainSection, explainComponent, explainCode,
-        explainFormat,  explainCheck,   explainLogText};
+        explainSetting, explainSection, explainComponent,  explainCode,
+        explainFormat,  explainCheck,   explainOtherTopic, explainLogText};
 
 // --- One device ---------------------------------------------------------------------------------
-
-std::string valueIn(const SpecDocument& document, const std::string& section,
-                    const std::string& name) {
-    const Json::Value value = settingIn(document, section, name);
-    return value.isNull() ? "" : writtenValue(value);
-}
-
-// The value of `name` in one document of the load; empty when it has none.
-std::string saidBy(const Document& document, const std::string& name) {
-    for (const std::string& section : settingSections()) {
-        const std::string value = valueIn(document.content, section, name);
-        if (!value.empty()) {
-            return fmt::format("{}: {}", section, value);
-        }
-    }
-    return document.content.supportedCodecs.count(name) != 0 ? "lists it" : "";
-}
-
-std::string shownOrigin(const Document& document) {
-    return document.path.empty() ? document.origin
-                                 : fmt::format("{}, {}", document.origin, document.path);
-}
-
-// The document that the store's value of `name` comes from; empty when it has none.
-std::string winnerOf(const Load& load, const std::string& name) {
-    for (const SnapshotSection& section : loadedSections(deviceSteps(load))) {
-        for (const SnapshotEntry& entry : section.entries) {
-            if (entry.name == name && section.form != SectionForm::List) {
-                return entry.origin;
-            }
-        }
-    }
-    return "";
-}
 
 // Which document sets `name` on this device, and whose value has no effect.
 bool explainOnDevice(const std::string& name) {
     muteLog();
     const Load load = readLoad();
     reportUnknownVariant(load);
-    const std::string winner = winnerOf(load, name);
+    Explanation explanation;
+    const bool isSet = explainSetters(load, name, &explanation);
     unmuteLog();
-    printLine("device",
-              winner.empty() ? "no document sets it" : fmt::format("set by the {}", winner));
-    for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
-        const std::string said = document != nullptr ? saidBy(*document, name) : "";
-        const bool isLoser =
-                document != nullptr && winner.find(document->origin) == std::string::npos;
-        printLine("", said.empty() ? ""
-                                   : fmt::format("{}: {}{}", shownOrigin(*document), said,
-                                                 isLoser ? " (has no effect)" : ""));
+    for (const Explanation::Line& line : explanation.lines) {
+        writeOut(formatted(line));
     }
-    return !winner.empty();
+    return isSet;
 }
 
 // --- Near misses --------------------------------------------------------------------------------
@@ -315,7 +220,10 @@ int explain(const ExplainArguments& arguments) {
 
 constexpr char kExplainFooter[] =
         "NAME is a setting, a section, a codec component, a perf resource code, a pixel format, "
-        "the id of a check, or a log line: the whole line, or a part of it without values. With "
+        "a check or a group of checks, a chip, a function, a constant or a plane of the headers, a "
+        "property or path of the device, a value such as 0xFFFFFFFF, or a log line: the whole "
+        "line, "
+        "or a part of it without values. With "
         "--rootdir, also shows which document of that device sets the name, and whose value has "
         "no effect.\n"
         "\n"

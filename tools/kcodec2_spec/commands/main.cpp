@@ -48,6 +48,7 @@ int run(int argc, char** argv) {
     addFormatsCommand(&app, &exitCode);
     addExplainCommand(&app, &exitCode);
     addSchemaCommand(&app, &exitCode);
+    addLspCommand(&app, &exitCode);
     addHelpCommand(&app, &exitCode);
     addManualCommand(&app, &exitCode);
     addCompletionCommand(&app, &exitCode);

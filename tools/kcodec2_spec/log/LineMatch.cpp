@@ -8,7 +8,6 @@
 
 #include "base/Text.h"
 #include "log/Logcat.h"
-#include "targetspec/reading/Findings.h"
 
 namespace kc2::tool {
 
@@ -152,12 +151,6 @@ const LogLine* rowAtEndOf(std::string_view text) {
     return best;
 }
 
-bool isReason(std::string_view text) {
-    return std::any_of(
-            std::begin(kFindingRows), std::end(kFindingRows),
-            [&](const FindingRow& row) { return row.reason != nullptr && row.reason == text; });
-}
-
 // A whole line, without its header.
 AskedText askedLine(std::string_view tag, std::string_view text) {
     const std::string_view blanks = literalsOf(logLine(LineId::Entry).text).front();
@@ -193,9 +186,6 @@ AskedText matchAsked(const std::string& text) {
     }
     if (asked.rows.empty()) {
         asked.rows = rowsWith(text);
-    }
-    if (asked.rows.empty() && isReason(text)) {
-        asked.rows = {&logLine(LineId::Skipped)};
     }
     if (const LogLine* const row = rowAtEndOf(text); row != nullptr && asked.rows.empty()) {
         asked.rows = {row};

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <optional>
 #include <utility>
@@ -42,18 +44,23 @@ std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
     return std::nullopt;
 }
 
+constexpr char kSystemSpecOrigin[] = "system spec";
+
+std::unique_ptr<Document> unreadPipe(const std::string& path) {
+    auto document =
+            Document::unreadable(nameOf(kSystemSpecOrigin, path),
+                                 "a pipe: a load waits here until something is written into it");
+    document->isPipe = true;
+    return document;
+}
+
 std::unique_ptr<Document> openedSystemSpec(const std::string& firstPath) {
-    constexpr char kOrigin[] = "system spec";
     if (const std::optional<std::string> path = pipeAsSystemSpec(firstPath)) {
-        auto document = Document::unreadable(
-                nameOf(kOrigin, *path),
-                "a pipe: a load waits here until something is written into it");
-        document->isPipe = true;
-        return document;
+        return unreadPipe(*path);
     }
     std::ifstream stream;
     const std::optional<std::string> path = openSystemSpec(stream);
-    return path ? readDocumentStream(nameOf(kOrigin, *path), stream) : nullptr;
+    return path ? readDocumentStream(nameOf(kSystemSpecOrigin, *path), stream) : nullptr;
 }
 
 }  // namespace
@@ -71,6 +78,25 @@ std::string variantIn(const std::string& path) {
         }
     }
     return std::string();
+}
+
+std::string odmPathOf(const std::string& variant) {
+    return kOdmSpecDirectory + variant + kSystemSpecName;
+}
+
+std::unique_ptr<Document> readFallback() {
+    struct stat status = {};
+    if (!examine(kFallbackSystemSpec, &status)) {
+        return nullptr;
+    }
+    if (S_ISFIFO(status.st_mode)) {
+        return unreadPipe(kFallbackSystemSpec);
+    }
+    std::ifstream stream(localPath(kFallbackSystemSpec));
+    return stream.is_open()
+                   ? readDocumentStream(nameOf(kSystemSpecOrigin, kFallbackSystemSpec), stream)
+                   : Document::unreadable(nameOf(kSystemSpecOrigin, kFallbackSystemSpec),
+                                          std::strerror(errno));
 }
 
 std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip) {

@@ -13,6 +13,9 @@ namespace kc2::tool {
 // without a variant, and when no variant selects it.
 std::string variantIn(const std::string& path);
 
+// The path that the variant tries first.
+std::string odmPathOf(const std::string& variant);
+
 // The documents of one load, and why it is these.
 struct Load {
     std::string variant;    // As the property has it; kDefaultVariant when it is not set.
@@ -26,10 +29,14 @@ struct Load {
     bool hasSystemSpec() const { return systemSpec != nullptr; }
     bool hasPrivateFile() const { return !overlay->isBuiltIn(); }
     bool isVariantSet() const;
+    bool hasFirstDocument() const { return hasSystemSpec() && systemSpec->path == firstPath; }
 };
 
 // Does what TargetSpec::Get() does, step by step, and keeps what each step produced.
 Load readLoad();
+
+// The document that a load falls back to; null when it does not exist.
+std::unique_ptr<Document> readFallback();
 
 // The built-in document of a chip.
 std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip);

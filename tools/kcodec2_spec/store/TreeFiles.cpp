@@ -6,13 +6,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
 #include "base/Spelling.h"
+#include "base/Text.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
 #include "store/Load.h"
@@ -35,10 +38,8 @@ std::set<std::string> namesIn(const std::string& directory) {
 
 // Whether the path is a link, though it cannot be followed.
 bool isLink(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    const std::string parent = localPath(slash == 0 ? "/" : path.substr(0, slash));
     struct stat status = {};
-    return lstat((parent + path.substr(slash)).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+    return lstat(pathOfLink(path).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 std::string reasonOf(int error, const std::string& part, bool isWhole) {
@@ -64,7 +65,8 @@ void visitFiles(const std::string& directory, int depth,
     for (const std::string& name : namesIn(directory)) {
         const std::string path = directory + "/" + name;
         std::error_code error;
-        if (!fs::is_directory(localPath(path), error)) {
+        // A directory in place of a document is selected like one.
+        if (path.ends_with(kSystemSpecName) || !fs::is_directory(localPath(path), error)) {
             visit(path);
         } else if (depth > 1) {
             visitFiles(path, depth - 1, visit);
@@ -81,6 +83,34 @@ std::set<std::string> variantsInTree() {
     variants.erase("");  // Of what is not a variant's document.
     variants.erase(kDefaultVariant);
     return variants;
+}
+
+bool hasDocumentWithoutVariant() {
+    const std::string withoutVariant = std::string(kVendorSpecDirectory) + kSystemSpecName;
+    const std::string paths[] = {withoutVariant, kFallbackSystemSpec};
+    return std::any_of(std::begin(paths), std::end(paths), [](const std::string& path) {
+        struct stat ignored = {};
+        return examine(path, &ignored) || !brokenLinkTo(path).empty();
+    });
+}
+
+std::string brokenLinkTo(const std::string& path) {
+    for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+        const std::string part = path.substr(0, slash);
+        struct stat ignored = {};
+        if (!examine(part, &ignored)) {
+            return isLink(part) ? part : std::string();
+        }
+        if (slash == std::string::npos) {
+            return std::string();
+        }
+    }
+}
+
+std::string pathOfLink(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return std::string(withoutTrailing(localPath(slash == 0 ? "/" : path.substr(0, slash)), '/')) +
+           path.substr(slash);
 }
 
 std::string whyNotOpen(const std::string& path) {

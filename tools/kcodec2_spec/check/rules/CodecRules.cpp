@@ -170,14 +170,14 @@ struct LoneVariant {
 };
 
 std::vector<LoneVariant> loneVariants(const Checked& checked) {
-    constexpr std::string_view kVariants[] = {".secure", ".low_latency"};
     const auto& codecs = checked.whole().supportedCodecs;
     std::vector<LoneVariant> lone;
     for (const Document* const document : checked.documents) {
         forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
             const ComponentName component(name.text);
-            const bool isVariant = std::find(std::begin(kVariants), std::end(kVariants),
-                                             component.variant) != std::end(kVariants);
+            const bool isVariant =
+                    std::find(std::begin(kComponentVariants), std::end(kComponentVariants),
+                              component.variant) != std::end(kComponentVariants);
             std::string base(isVariant ? component.base : "");
             if (isVariant && component.hasForm() && codecs.count(base) == 0) {
                 lone.push_back({document, name.span, std::string(name.text), std::move(base)});

@@ -1,9 +1,11 @@
 // Which documents a load reads, and what is wrong with that.
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 
 #include <cctype>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -31,13 +33,13 @@ std::string reasonForSystemSpec(const Load& load) {
     if (load.isVariantSet()) {
         why = fmt::format("the variant \"{}\" selects {}", load.variant, load.firstPath);
         if (load.firstPath.starts_with(kVendorSpecDirectory)) {
-            why += fmt::format(
-                    ", since {}{} does not exist", kOdmSpecDirectory,
-                    load.firstPath.substr(std::string_view(kVendorSpecDirectory).size()));
+            const std::string odmPath = odmPathOf(load.variant);
+            const std::string link = brokenLinkTo(odmPath);
+            why += link.empty() ? fmt::format(", since {} does not exist", odmPath)
+                                : fmt::format(", since {} is a link to nowhere", link);
         }
     }
-    const bool isFirst = load.hasSystemSpec() && load.systemSpec->path == load.firstPath;
-    return isFirst && !load.systemSpec->isPipe ? why + ", and that opens" : why;
+    return load.hasFirstDocument() && !load.systemSpec->isPipe ? why + ", and that opens" : why;
 }
 
 std::string reasonForOverlay(const Load& load) {
@@ -59,22 +61,52 @@ void checkSeeding(const Load& load, Report* report) {
     }
 }
 
+// Why the first path does not open, with the link at the path before it that leads there.
+std::string whyNotFirst(const Load& load) {
+    const std::string why = whyNotOpen(load.firstPath);
+    const std::string link =
+            load.isVariantSet() ? brokenLinkTo(odmPathOf(load.variant)) : std::string();
+    return link.empty() || load.firstPath.starts_with(kOdmSpecDirectory)
+                   ? why
+                   : fmt::format("{}; {} is a link to nowhere", why, link);
+}
+
+bool isAbsent(const std::string& path) {
+    struct stat ignored = {};
+    return !examine(path, &ignored) && brokenLinkTo(path).empty();
+}
+
+void reportNoDocument(const Load& load, Report* report) {
+    const std::set<std::string> variants = variantsInTree();
+    if (!load.isVariantSet() && !hasDocumentWithoutVariant() && !variants.empty()) {
+        report->addForFile(
+                "variant-needed", specPathOf(load),
+                fmt::format("the variant is not set, and every system spec document is for a "
+                            "variant: {}. --variant NAME checks one, --all-variants checks all",
+                            joined({variants.begin(), variants.end()}, ", ")));
+        return;
+    }
+    const bool isFilled = load.overlay->isAccepted;
+    report->addForFile(
+            "spec-missing", specPathOf(load),
+            fmt::format("no system spec document: neither {} ({}) nor {} opens, so {} ({}){}",
+                        load.firstPath, whyNotFirst(load), kFallbackSystemSpec,
+                        isFilled ? "only the overlay" : "the store stays empty: the overlay",
+                        load.overlay->origin, isFilled ? " fills the store" : " is rejected"));
+}
+
 void checkMissingSpec(const Load& load, Report* report) {
     if (!load.hasSystemSpec()) {
-        report->addForFile(
-                "spec-missing", specPathOf(load),
-                fmt::format("no system spec document: neither {} ({}) nor {} opens, so {}",
-                            load.firstPath, whyNotOpen(load.firstPath), kFallbackSystemSpec,
-                            load.overlay->isAccepted
-                                    ? fmt::format("only the overlay ({}) fills the store",
-                                                  load.overlay->origin)
-                                    : fmt::format("the store stays empty: the overlay ({}) is "
-                                                  "rejected",
-                                                  load.overlay->origin)));
-    } else if (load.systemSpec->path != load.firstPath) {
+        reportNoDocument(load, report);
+    } else if (!load.hasFirstDocument() && !load.isVariantSet() && isAbsent(load.firstPath)) {
+        report->addForFile("fallback-alone", specPathOf(load),
+                           fmt::format("the fallback is read, since {} does not exist: the device "
+                                       "logs an error for that at each load",
+                                       load.firstPath));
+    } else if (!load.hasFirstDocument()) {
         report->addForFile("spec-missing", specPathOf(load),
                            fmt::format("the fallback is read, since {} does not open ({})",
-                                       load.firstPath, whyNotOpen(load.firstPath)));
+                                       load.firstPath, whyNotFirst(load)));
     }
 }
 
@@ -112,7 +144,7 @@ std::string lettersAndDigitsOf(std::string_view text) {
 }
 
 void checkVariantNearby(const Load& load, Report* report) {
-    if (!load.isVariantSet() || (load.hasSystemSpec() && load.systemSpec->path == load.firstPath)) {
+    if (!load.isVariantSet() || load.hasFirstDocument()) {
         return;
     }
     const std::string wanted = lettersAndDigitsOf(load.variant);
@@ -138,7 +170,7 @@ void checkVariantNearby(const Load& load, Report* report) {
 
 void checkLoads(const Checked& checked, Report* report) {
     if (checked.isAlone()) {
-        return;
+        return checkUnreadable(checked, report);
     }
     const Load& load = *checked.load;
     report->addFile(specPathOf(load));

@@ -3,12 +3,18 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "base/Spelling.h"
+#include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
+#include "targetspec/reading/BuiltInDocuments.h"
 
 namespace kc2::tool {
 
@@ -95,8 +101,23 @@ void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDo
     }
 }
 
+std::string_view withoutBlanksAround(std::string_view text) {
+    const size_t start = text.find_first_not_of(kJsonBlanks);
+    return start == std::string_view::npos
+                   ? std::string_view()
+                   : text.substr(start, text.find_last_not_of(kJsonBlanks) + 1 - start);
+}
+
+// The library's text has a line break before it that its source file does not have.
+bool isCopyOfBuiltIn(const Document& document) {
+    const std::string_view text = withoutBlanksAround(document.text);
+    return std::any_of(
+            std::begin(kChipDocuments), std::end(kChipDocuments),
+            [&](const ChipDocument& row) { return text == withoutBlanksAround(row.text); });
+}
+
 void checkSharedNames(const Checked& checked, Report* report) {
-    if (!checked.hasWrittenOverlay()) {
+    if (!checked.hasWrittenOverlay() || isCopyOfBuiltIn(*checked.documents[1])) {
         return;  // A built-in document is there to fill the gaps.
     }
     forEachContainer([&](const char* const* key, auto member) {
@@ -117,18 +138,27 @@ void checkResetLevels(const Checked& checked, Report* report) {
     if (!areSetTwice || section == nullptr) {
         return;
     }
+    std::vector<std::string> absent;
     const auto compare = [&](const char* key, int32_t from, int32_t to) {
-        if (from != to) {
-            const Node* const level = findMember(*section, key);
-            report->add("levels-reset", overlay, level != nullptr ? level->value : section->name,
-                        fmt::format("this document's \"{}\" changes {} from {} to {}", targetSpecDV,
-                                    key, from, to));
+        const Node* const level = findMember(*section, key);
+        const std::string change = fmt::format("{} from {} to {}", key, from, to);
+        if (from != to && level == nullptr) {
+            absent.push_back(change);
+        } else if (from != to) {
+            report->add("levels-reset", overlay, level->value,
+                        fmt::format("this document's \"{}\" changes {}", targetSpecDV, change));
         }
     };
     const TierLevels& before = *checked.before().dvTierLevels;
     const TierLevels& after = *checked.whole().dvTierLevels;
     compare(targetSpecDVMaxMainTierLevel, before.main, after.main);
     compare(targetSpecDVMaxHighTierLevel, before.high, after.high);
+    if (!absent.empty()) {
+        report->add("levels-reset", overlay, section->name,
+                    fmt::format("this document's \"{}\" changes {}: a level that it does not have "
+                                "becomes 0",
+                                targetSpecDV, joined(absent, " and ")));
+    }
 }
 
 }  // namespace

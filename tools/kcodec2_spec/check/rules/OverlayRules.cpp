@@ -129,7 +129,8 @@ std::string describe(const Lost& lost) {
 
 // How much a document sets: a file with one setting is there for that setting only.
 size_t settingsIn(const SpecDocument& content) {
-    size_t count = 0;
+    constexpr size_t kLevels = 2;
+    size_t count = content.dvTierLevels ? kLevels : 0;  // The section sets both.
     forEachContainer([&](const char* const* /*key*/, auto member) {
         if constexpr (requires { (content.*member).size(); }) {
             count += (content.*member).size();
@@ -144,6 +145,14 @@ bool setsNothing(const Document& document) {
     return video == nullptr || video->isNull() || video->children.empty();
 }
 
+// The private file of a phone that is being debugged.
+bool isDebugSwitch(const SpecDocument& content) {
+    const auto isOne = [](const auto& values) {
+        return values.size() == 1 && isDebugName(values.begin()->first);
+    };
+    return isOne(content.features) || isOne(content.presets);
+}
+
 void checkKeptOut(const Checked& checked, Report* report) {
     const Load& load = *checked.load;
     if (!load.hasPrivateFile() || !load.overlay->isAccepted || setsNothing(*load.overlay)) {
@@ -153,8 +162,10 @@ void checkKeptOut(const Checked& checked, Report* report) {
     if (lost.empty()) {
         return;
     }
-    const CheckId check = settingsIn(load.overlay->content) <= 1 ? CheckId("built-in-lost")
-                                                                 : CheckId("built-in-not-read");
+    const SpecDocument& content = load.overlay->content;
+    const CheckId check = settingsIn(content) <= 1 && !isDebugSwitch(content)
+                                  ? CheckId("built-in-lost")
+                                  : CheckId("built-in-not-read");
     report->addForFile(check, load.overlay->source.path(),
                        fmt::format("while this file is there, built-in document {} is not read: "
                                    "its {} are then unset. \"kcodec2_spec defaults {}\" prints it",

@@ -33,7 +33,8 @@ struct UseCases {
             for (const Node& member : section.children) {
                 const bool isList = member.isArray() || member.isNull() ||
                                     (member.isObject() && member.children.empty());
-                if (isList && member.isUsed()) {
+                // A section in here is at a wrong level, and that is the finding.
+                if (isList && member.isUsed() && sectionOf(member.key) == nullptr) {
                     all.push_back({member, document.content.perfResourceValues.at(
                                                    std::string(member.key))});
                 }
@@ -89,22 +90,22 @@ size_t digitsIn(std::string_view quoted) {
 // The codes of all platforms have eight digits; a value may have any number.
 void checkShortCodes(const UseCases& cases, const KnownSettings& known, Report* report) {
     constexpr size_t kCodeDigits = 8;
+    std::vector<std::string> codes;
+    for (const PerfResourceCode& code : known.catalogue.codes()) {
+        codes.push_back(hexadecimal(code.code));
+    }
     for (const auto& [member, words] : cases.all) {
         for (size_t i = 0; i < words.size(); i += 2) {
             const Node& node = member.children[i];
-            const std::string_view text = cases.document.source.textAt(node.value);
-            if (!node.isString() || digitsIn(text) + 1 != kCodeDigits ||
-                node.has(FindingKind::PerfWordTail)) {
+            const std::string word = hexadecimal(words[i]);
+            if (!node.isString() || node.has(FindingKind::PerfWordTail) ||
+                digitsIn(cases.document.source.textAt(node.value)) + 1 != kCodeDigits ||
+                std::find(codes.begin(), codes.end(), word) != codes.end()) {
                 continue;
             }
-            std::vector<std::string> codes;
-            for (const PerfResourceCode& code : known.catalogue.codes()) {
-                codes.push_back(hexadecimal(code.code));
-            }
-            const std::string near = nearest(hexadecimal(words[i]), codes, 1);
+            const std::string near = nearest(word, codes, 1);
             report->add("perf-code-short", cases.document, node.value,
-                        fmt::format("the resource code {} has 7 digits, and codes have 8{}",
-                                    hexadecimal(words[i]),
+                        fmt::format("the resource code {} has 7 digits, and codes have 8{}", word,
                                     near.empty() ? "" : fmt::format(". Did you mean {}?", near)));
         }
     }
@@ -158,11 +159,12 @@ void checkEmptyUseCases(const UseCases& cases, Report* report) {
 
 void checkOddLengths(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
-        // Where a word has a tail, what lacks is there.
-        const bool isTailLost =
-                std::any_of(member.children.begin(), member.children.end(),
-                            [](const Node& word) { return word.has(FindingKind::PerfWordTail); });
-        if (words.size() % 2 != 0 && !isTailLost) {
+        // Where a string has several words, what is missing is there.
+        const bool isInOther =
+                std::any_of(member.children.begin(), member.children.end(), [](const Node& word) {
+                    return word.has(FindingKind::PerfWordTail) && isSeveralWords(word.string);
+                });
+        if (words.size() % 2 != 0 && !isInOther) {
             report->add("perf-odd-length", cases.document, member.value,
                         fmt::format("\"{}\" has {}: a resource code lacks its value", member.key,
                                     counted(words.size(), "word")));

@@ -16,6 +16,7 @@
 #include "base/Utf8.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
+#include "check/rules/WrongLevels.h"
 #include "targetspec/reading/Limits.h"
 
 namespace kc2::tool {
@@ -174,12 +175,12 @@ std::optional<int64_t> oddNumber(const Verdict& verdict, const Document& documen
                text.end());
     const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
     const std::string_view digits = std::string_view(text).substr(isHexadecimal ? 2 : 0);
-    int64_t number = 0;
+    uint32_t number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number,
                                               isHexadecimal ? 16 : 10);
     const bool isWhole = error == std::errc() && end == digits.data() + digits.size() &&
-                         number >= 0 && number <= std::numeric_limits<int32_t>::max();
-    return isWhole && !digits.starts_with('-') ? std::optional(number) : std::nullopt;
+                         number <= std::numeric_limits<int32_t>::max();
+    return isWhole ? std::optional(int64_t{number}) : std::nullopt;
 }
 
 bool isOddNumber(const Verdict& verdict, const Document& document) {
@@ -190,15 +191,22 @@ bool isOddNumber(const Verdict& verdict, const Document& document) {
 bool hasThousands(const Verdict& verdict, const Document& document) {
     constexpr size_t kGroup = 3;
     const Node* const row = findValueAt(document.tree.root, verdict.start);
-    const auto text = [&](const Node& node) { return document.source.textAt(node.value); };
     if (row == nullptr || !row->isArray() || row->children.size() <= kGroup) {
         return false;
     }
-    return std::adjacent_find(row->children.begin(), row->children.end(),
-                              [&](const Node& one, const Node& next) {
-                                  return one.value.limit + 1 == next.value.start &&
-                                         text(one).size() <= kGroup && text(next).size() == kGroup;
-                              }) != row->children.end();
+    const auto text = [&](const Node& node) { return document.source.textAt(node.value); };
+    const auto hasPair = [&](const auto& isOne) {
+        return std::adjacent_find(row->children.begin(), row->children.end(), isOne) !=
+               row->children.end();
+    };
+    const auto areGroups = [&](const Node& one, const Node& next) {
+        return one.value.limit + 1 == next.value.start && text(one).size() <= kGroup &&
+               text(next).size() == kGroup;
+    };
+    const auto areApart = [](const Node& one, const Node& next) {
+        return one.value.limit + 1 < next.value.start;
+    };
+    return hasPair(areGroups) && hasPair(areApart);
 }
 
 // "1.958", where a point separates thousands.
@@ -206,12 +214,12 @@ bool mayBeThousands(const Verdict& verdict, const Document& document) {
     constexpr size_t kGroup = 3;
     const std::string_view text = textOf(verdict, document);
     const size_t point = text.find('.');
-    return point <= kGroup && text.size() == point + 1 + kGroup;
+    return point <= kGroup && text.size() == point + 1 + kGroup && text[0] != '0';
 }
 
 // Several words in one string: "0x40800000, 0x5DC".
 bool hasTwoWords(const Verdict& verdict, const Document& document) {
-    return isSeveralInOne(quotedText(verdict, document).value_or(""));
+    return isSeveralWords(quotedText(verdict, document).value_or(""));
 }
 
 bool isQuotedNumber(const Verdict& verdict, const Document& document) {
@@ -331,8 +339,8 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::NegativeAsUnsigned, "negative-as-unsigned",
          "{place} should not be negative: {value} is stored as {converted}"},
         {FindingKind::PerfWordUnquoted, "perf-word-unquoted",
-         "{place} should be a string: the digits of {value} are read as hexadecimal, as "
-         "0x{converted:X}"},
+         "{place} should be a string: the decimal text of {value} is read as hexadecimal, as "
+         "{converted} (0x{converted:X})"},
         {FindingKind::PerfWordTail, "perf-word-tail",
          "{place} has several words in one string: only the first, 0x{converted:X}, is used",
          hasTwoWords},
@@ -462,19 +470,51 @@ void reportSyntaxErrors(const Document& document, Report* report) {
                 std::string(withoutTrailing(words, '.')) + kEffect);
 }
 
-void checkReadingOf(const Document& document, const Catalogue& catalogue, Report* report) {
+void reportNoVideo(const ReaderRule& rule, const Verdict& verdict, const Document& document,
+                   Report* report) {
+    const InPlaceOfVideo other = inPlaceOfVideo(document);
+    const Span whole = {verdict.start, verdict.limit};
+    report->add(rule.check, document, other.span.limit == 0 ? whole : other.span,
+                messageOf(rule, verdict, document) + other.hint,
+                {.fixes = other.meant.empty() ? std::vector<Fix>()
+                                              : renaming(document.text, other.span, other.meant)});
+}
+
+// Whether something else is reported about the place of the value, or of what is missing.
+bool isOfWrongLevel(const Verdict& verdict, const Document& document, const WrongLevels& levels) {
+    const Node* const level = verdict.kind == FindingKind::TierLevelAbsent
+                                      ? findMember(*document.video(), verdict.name)
+                                      : nullptr;
+    return levels.covers(verdict) || (level != nullptr && levels.covers(*level));
+}
+
+void checkReadingOf(const Document& document, const Checked& checked, Report* report) {
+    const Catalogue& catalogue = checked.known.catalogue;
+    std::optional<WrongLevels> levels;  // Once a verdict needs them.
+    const auto isOfLevels = [&](const Verdict& verdict) {
+        if (!levels) {
+            levels.emplace(document, checked.known);
+        }
+        return isOfWrongLevel(verdict, document, *levels);
+    };
+    const bool areLevelsReset = checked.documents.back() == &document && resetLevels(checked);
     const Verdict* before = nullptr;
     const Verdict* noArray = nullptr;  // What is skipped in it is the same mistake.
     for (const Verdict& verdict : document.verdicts) {
         const Verdict* const previous = std::exchange(before, &verdict);
         const ReaderRule* const rule = ruleFor(verdict, document);
         if (rule == nullptr || isMisplaced(verdict, catalogue) ||
-            (noArray != nullptr && isSkippedIn(*noArray, verdict)) ||
+            (noArray != nullptr && isSkippedIn(*noArray, verdict)) || isOfLevels(verdict) ||
+            (areLevelsReset && verdict.kind == FindingKind::TierLevelAbsent) ||
             (previous != nullptr && isSameMistake(verdict, *previous, document))) {
             continue;
         }
         if (verdict.kind == FindingKind::SyntaxError) {
             reportSyntaxErrors(document, report);
+            continue;
+        }
+        if (verdict.kind == FindingKind::NoVideo) {
+            reportNoVideo(*rule, verdict, document, report);
             continue;
         }
         if (verdict.kind == FindingKind::ObjectAsArray && isNoArrayAtAll(verdict, document)) {
@@ -488,10 +528,23 @@ void checkReadingOf(const Document& document, const Catalogue& catalogue, Report
 
 }  // namespace
 
+std::vector<const Check*> checksForReason(std::string_view reason) {
+    std::vector<const Check*> checks;
+    for (const ReaderRule& rule : kReaderRules) {
+        const Check* const check = rule.check.operator->();
+        const char* const logged = rowOf(rule.kind).reason;
+        if (logged != nullptr && reason == logged &&
+            std::find(checks.begin(), checks.end(), check) == checks.end()) {
+            checks.push_back(check);
+        }
+    }
+    return checks;
+}
+
 void checkReading(const Checked& checked, Report* report) {
     for (const Document* const document : checked.documents) {
         if (document->isReadable) {
-            checkReadingOf(*document, checked.known.catalogue, report);
+            checkReadingOf(*document, checked, report);
         }
     }
 }

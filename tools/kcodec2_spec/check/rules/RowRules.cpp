@@ -184,21 +184,37 @@ void reportOnce(CheckId check, const std::vector<Neighbours>& found, std::string
                 besides(before->document->source, before->span));
 }
 
+// Rows without a wide gap between them.
+struct RowGroup {
+    uint64_t low;
+    uint64_t high;
+    size_t rows = 1;
+};
+
 struct Gaps {
     std::vector<Neighbours> ofOne;  // As if upper bounds were inclusive.
     std::vector<Neighbours> wide;
-    size_t joints = 0;  // Rows that begin where the one before ended.
+    std::vector<RowGroup> groups;  // One more than wide gaps.
+    size_t joints = 0;             // Rows that begin where the one before ended.
 };
 
 Gaps gapsOf(const Rows& rows) {
     Gaps gaps;
     const PlacedRow* before = nullptr;  // Of the highest upper bound so far.
     for (const PlacedRow* const row : inAscendingOrder(rows, true)) {
+        bool isApart = before == nullptr;
         if (before != nullptr && row->row.low > before->row.high) {
             auto& found = row->row.low - before->row.high == 1 ? gaps.ofOne : gaps.wide;
             found.push_back({before, row});
+            isApart = &found == &gaps.wide;
         } else if (before != nullptr && row->row.low == before->row.high) {
             ++gaps.joints;
+        }
+        if (isApart) {
+            gaps.groups.push_back({row->row.low, row->row.high});
+        } else {
+            gaps.groups.back().high = std::max(gaps.groups.back().high, uint64_t{row->row.high});
+            ++gaps.groups.back().rows;
         }
         if (before == nullptr || row->row.high > before->row.high) {
             before = row;
@@ -292,9 +308,24 @@ std::string missingValues(const Neighbours& gap) {
                          : fmt::format("the values {} to {} have", first, last);
 }
 
-// Gaps are intended in a table where hardly any two rows touch.
+// Whether a gap is between two groups of rows, and wider than any row that may be missing there.
+bool isBetweenGroups(const Neighbours& gap, const RowGroup& below, const RowGroup& above) {
+    constexpr uint64_t kTimesFurther = 4;
+    const uint64_t width = above.low - below.high;
+    const bool isWiderThanRows = width > gap.before->row.high - gap.before->row.low &&
+                                 width > gap.after->row.high - gap.after->row.low;
+    return below.rows > 1 && above.rows > 1 &&
+           (isWiderThanRows || width / kTimesFurther >= below.high - below.low);
+}
+
+// Gaps are intended in a table where hardly any two rows touch, and where groups are far apart.
 bool isWideGapMeant(const Gaps& gaps) {
-    return gaps.joints < gaps.wide.size();
+    bool areAllBetweenGroups = true;
+    for (size_t i = 0; i < gaps.wide.size(); ++i) {
+        areAllBetweenGroups = areAllBetweenGroups &&
+                              isBetweenGroups(gaps.wide[i], gaps.groups[i], gaps.groups[i + 1]);
+    }
+    return gaps.joints < gaps.wide.size() || areAllBetweenGroups;
 }
 
 void checkGaps(const Table& table, Report* report) {

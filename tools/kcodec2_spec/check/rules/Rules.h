@@ -3,6 +3,11 @@
 // add its row there and its code to the file that fits.
 #pragma once
 
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "check/CheckRows.h"
 #include "check/Checked.h"
 #include "check/Report.h"
 
@@ -18,16 +23,20 @@ void checkNames(const Checked& checked, Report* report);      // Of settings and
 void checkCodecs(const Checked& checked, Report* report);     // Codec components.
 void checkValues(const Checked& checked, Report* report);     // Presets, and empty sections.
 void checkPerfWords(const Checked& checked, Report* report);  // Perf-lock words.
+void checkBuiltIns(const Checked& checked, Report* report);   // Other chips', debug settings.
 void checkMerging(const Checked& checked, Report* report);    // What documents result in.
 void checkBitRates(const Checked& checked, Report* report);   // Rows of the bit-rate table.
 void checkOverlays(const Checked& checked, Report* report);   // What the second document adds.
 
-// Files of the tree that look like documents, but that no load reads: once for all variants.
-void checkTreeFiles(Report* report);
+// Files of the tree that look like documents, but that no load reads: once for all loads.
+void checkTreeFiles(std::span<const Load> loads, Report* report);
+
+// The checks that report what the device logs as skipped for this reason.
+std::vector<const Check*> checksForReason(std::string_view reason);
 
 // In the order in which findings at one place are reported.
-inline constexpr Rule kRules[] = {checkLoads,   checkTrees,    checkReading, checkTexts,
-                                  checkNames,   checkCodecs,   checkValues,  checkPerfWords,
-                                  checkMerging, checkBitRates, checkOverlays};
+inline constexpr Rule kRules[] = {checkLoads,    checkTrees,   checkReading,  checkTexts,
+                                  checkNames,    checkCodecs,  checkValues,   checkPerfWords,
+                                  checkBuiltIns, checkMerging, checkBitRates, checkOverlays};
 
 }  // namespace kc2::tool

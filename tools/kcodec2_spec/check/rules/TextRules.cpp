@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string>
@@ -17,6 +19,7 @@
 #include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"
 #include "check/rules/Rules.h"
+#include "check/rules/WrongLevels.h"
 #include "document/SyntaxHints.h"
 
 namespace kc2::tool {
@@ -34,37 +37,21 @@ void visitAll(const Node& node, const Visit& visit) {
 // Editors look for their schema here.
 constexpr std::string_view kSchemaMember = "$schema";
 
-// Where a name belongs that is right elsewhere; empty when it is not.
-std::string rightPlaceOf(std::string_view name, const KnownSettings& known) {
-    const auto isKey = [&](const char* key) { return key != nullptr && name == key; };
-    if (isKey(targetSpecRoot)) {
-        return "the root";
-    }
-    for (const Section& row : kSections) {
-        if (isKey(*row.key)) {
-            return fmt::format("\"{}\"", targetSpecRoot);
-        }
-        for (const char* const* member : fixedMembersOf(row.type)) {
-            if (isKey(*member)) {
-                return fmt::format("\"{}\"", *row.key);
-            }
-        }
-    }
-    const Setting* const setting = known.catalogue.setting(name);
-    return setting != nullptr ? fmt::format("\"{}\"", setting->section) : "";
-}
+// Whether a member has another finding.
+using Covers = std::function<bool(const Node& member)>;
 
 // The members of one object that the reader did not look up.
 void reportUnknownMembers(const Document& document, const Node& object, std::string_view place,
                           const std::vector<std::string_view>& names, const KnownSettings& known,
-                          Report* report) {
+                          const Covers& isReported, Report* report) {
     std::vector<Misspelling> others;
     std::vector<Misspelling> sections;  // A whole section is lost, so it is an error.
     const bool isVideo = &object == document.video();
     for (const Node& member : object.children) {
         const bool isUnknown = member.has(FindingKind::UnknownMember) ||
                                member.has(FindingKind::UnknownRootMember);
-        if (!isUnknown || (&object == &document.tree.root && member.key == kSchemaMember)) {
+        if (!isUnknown || isReported(member) ||
+            (&object == &document.tree.root && member.key == kSchemaMember)) {
             continue;
         }
         const std::string rightPlace = rightPlaceOf(member.key, known);
@@ -94,9 +81,16 @@ std::vector<std::string_view> namesOf(std::span<const char* const* const> keys) 
     return names;
 }
 
-void checkUnknownMembers(const Document& document, const KnownSettings& known, Report* report) {
-    reportUnknownMembers(document, document.tree.root, "the root", {targetSpecRoot}, known, report);
+void checkUnknownMembers(const Document& document, const WrongLevels& levels,
+                         const KnownSettings& known, Report* report) {
     const Node* const video = document.video();
+    const InPlaceOfVideo other = video == nullptr ? inPlaceOfVideo(document) : InPlaceOfVideo();
+    const Covers isReported = [&](const Node& member) {
+        return levels.covers(member) || std::find(other.members.begin(), other.members.end(),
+                                                  &member) != other.members.end();
+    };
+    reportUnknownMembers(document, document.tree.root, "the root", {targetSpecRoot}, known,
+                         isReported, report);
     if (video == nullptr) {
         return;
     }
@@ -105,11 +99,11 @@ void checkUnknownMembers(const Document& document, const KnownSettings& known, R
         sections.push_back(row.key);
     }
     reportUnknownMembers(document, *video, fmt::format("\"{}\"", targetSpecRoot), namesOf(sections),
-                         known, report);
+                         known, isReported, report);
     forEachSection(document, [&](const Section& row, const Node& section) {
         if (!fixedMembersOf(row.type).empty()) {
             reportUnknownMembers(document, section, fmt::format("\"{}\"", *row.key),
-                                 namesOf(fixedMembersOf(row.type)), known, report);
+                                 namesOf(fixedMembersOf(row.type)), known, isReported, report);
         }
     });
 }
@@ -233,20 +227,33 @@ bool hasMergeMark(std::string_view text) {
     return false;
 }
 
-void checkTrailingText(const Document& document, Report* report) {
-    const std::string_view text = document.source.text();
-    const std::string_view rest = std::string_view(document.parserText).substr(document.tree.limit);
+void checkWrongLevels(const Document& document, const WrongLevels& levels, Report* report) {
+    for (const WrongLevels::Cause& cause : levels.causes()) {
+        report->add(cause.isOfSections ? CheckId("wrong-level") : CheckId("unknown-member"),
+                    document, cause.span, cause.message,
+                    cause.related.limit == 0 ? FindingDetails()
+                                             : besides(document.source, cause.related));
+    }
+}
+
+void checkTrailingText(const Document& document, const WrongLevels& levels, Report* report) {
+    const Span span = {document.tree.limit, document.source.text().size()};
+    const std::string_view rest = std::string_view(document.parserText).substr(span.start);
+    const bool isBracketLeft = levels.hasBracketLeft() &&
+                               rest.find_first_not_of("}] \t\r\n") == std::string_view::npos;
+    if (rest.empty() || isBracketLeft || levels.isRootClosedEarly()) {
+        return;
+    }
     if (hasMergeMark(rest)) {
-        report->add("second-document", document, {document.tree.limit, text.size()},
+        report->add("second-document", document, span,
                     "merge marks after the end of the document: the merge was not finished, and "
                     "the device reads only what is above");
     } else if (rest.starts_with('{') || rest.starts_with('[')) {
-        report->add("second-document", document, {document.tree.limit, text.size()},
+        report->add("second-document", document, span,
                     "a second document after the end of the first: the device reads only the "
                     "first");
-    } else if (!rest.empty()) {
-        report->add("trailing-text", document, {document.tree.limit, text.size()},
-                    "text after the end of the document, ignored");
+    } else {
+        report->add("trailing-text", document, span, "text after the end of the document, ignored");
     }
 }
 
@@ -270,13 +277,15 @@ void checkTexts(const Checked& checked, Report* report) {
         if (!document.isJson()) {
             return;  // The syntax error is the finding.
         }
-        checkUnknownMembers(document, checked.known, report);
+        const WrongLevels levels(document, checked.known);
+        checkWrongLevels(document, levels, report);
+        checkUnknownMembers(document, levels, checked.known, report);
         checkDuplicateMembers(document, report);
         checkPlaceholders(document, report);
         checkLeadingZeros(document, report);
         if (document.isAccepted) {  // Else the root is the mistake.
             checkLoneMinuses(document, report);
-            checkTrailingText(document, report);
+            checkTrailingText(document, levels, report);
         }
         checkExtremeNumbers(document, report);
         checkControlCharacters(document, report);

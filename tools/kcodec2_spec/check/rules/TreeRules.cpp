@@ -1,22 +1,18 @@
-// What is wrong with the files and names of a device tree, whatever is in its documents.
+// The path of a system spec document: the chip's name in it, and the modes along it.
 
 #include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cctype>
-#include <set>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
-#include "store/TreeFiles.h"
 #include "targetspec/reading/BuiltInDocuments.h"
 
 namespace kc2::tool {
@@ -24,73 +20,6 @@ namespace kc2::tool {
 namespace {
 
 constexpr size_t kMostNameMistakes = 2;
-
-bool isNear(std::string_view name, std::string_view wanted) {
-    return editDistance(name, wanted, kMostNameMistakes) <= kMostNameMistakes;
-}
-
-// --- Documents that no path selects ---
-
-// Whether some value of the property selects this path, or it is the fallback.
-bool isSelectable(const std::string& path) {
-    if (path == kFallbackSystemSpec ||
-        path == std::string(kVendorSpecDirectory) + kSystemSpecName) {
-        return true;
-    }
-    const std::string variant = variantIn(path);
-    return !variant.empty() && variant != kDefaultVariant;
-}
-
-void checkUnselectable(Report* report) {
-    const std::string_view wanted = std::string_view(kSystemSpecName).substr(1);
-    // As paths of this machine: links may lead to a file by several paths of the device.
-    std::set<std::string> selectable;
-    std::set<std::string> misnamed;
-    std::set<std::string> others;
-    for (const char* const directory :
-         {"/odm/etc", "/vendor/etc", "/product/etc", "/system/etc", "/system_ext/etc"}) {
-        visitFiles(directory, kTreeDepth, [&](const std::string& path) {
-            const std::string name = path.substr(path.rfind('/') + 1);
-            if (name == wanted) {
-                (isSelectable(path) ? selectable : others).insert(localPath(path));
-            } else if (isNear(name, wanted)) {
-                misnamed.insert(localPath(path));
-            }
-        });
-    }
-    for (const std::string& path : misnamed) {
-        report->addForFile(
-                "document-unselectable", path,
-                fmt::format("nothing reads this file: a system spec document is called {}",
-                            wanted));
-    }
-    for (const std::string& path : others) {
-        if (selectable.count(path) == 0) {
-            report->addForFile(
-                    "document-unselectable", path,
-                    fmt::format("no variant selects this document: it must be in {}<variant> or "
-                                "{}<variant>, or without a variant in {}",
-                                kOdmSpecDirectory, kVendorSpecDirectory, kVendorSpecDirectory));
-        }
-    }
-}
-
-void checkPrivateName(const Load& load, Report* report) {
-    const std::string path = kPrivateConfig;
-    const size_t slash = path.rfind('/');
-    const std::string wanted = path.substr(slash + 1);
-    if (load.isPrivateFileOpen) {
-        return;  // A similar name beside it may be a backup.
-    }
-    visitFiles(path.substr(0, slash), 1, [&](const std::string& found) {
-        const std::string name = found.substr(slash + 1);
-        if (name != wanted && isNear(name, wanted)) {
-            report->addForFile(
-                    "private-file-name", localPath(found),
-                    fmt::format("nothing reads this file: the private file is called {}", wanted));
-        }
-    });
-}
 
 // --- The chip's name in the path ---
 
@@ -173,13 +102,8 @@ void checkModes(const Load& load, Report* report) {
 
 }  // namespace
 
-void checkTreeFiles(Report* report) {
-    checkUnselectable(report);
-}
-
 void checkTrees(const Checked& checked, Report* report) {
     if (!checked.isAlone()) {
-        checkPrivateName(*checked.load, report);
         checkChipName(*checked.load, report);
         checkModes(*checked.load, report);
     }

@@ -17,12 +17,6 @@ namespace kc2::tool {
 
 namespace {
 
-const Node* memberOf(const Document& document, const std::string& section,
-                     const std::string& name) {
-    const Node* const node = document.section(section.c_str());
-    return node != nullptr ? findMember(*node, name) : nullptr;
-}
-
 // --- Values in the catalogue's terms ---
 
 // Calls visit(setting, value) for each preset of the catalogue that the document sets.
@@ -47,6 +41,24 @@ void reportAtValue(CheckId check, const Document& document, const Setting& setti
     }
 }
 
+// A value of several bytes, each with its own limit, such as the QPs of three kinds of frames.
+void checkBytes(const Document& document, const Setting& setting, int64_t value, Report* report) {
+    constexpr int kBits = 8;
+    for (int64_t rest = setting.maximumOfByte ? value : 0, byte = 0; rest > 0;
+         ++byte, rest >>= kBits) {
+        const int64_t one = rest & 0xFF;
+        if (one > *setting.maximumOfByte) {
+            reportAtValue("value-range", document, setting,
+                          fmt::format("byte {} of {} (0x{:08X}) is {}, above {}, the highest value "
+                                      "of a byte of \"{}\" ({})",
+                                      byte, value, value, one, *setting.maximumOfByte, setting.name,
+                                      setting.meaning),
+                          report);
+            return;
+        }
+    }
+}
+
 void checkRanges(const Document& document, const KnownSettings& known, Report* report) {
     forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         const bool isBelow = setting.minimum && value < *setting.minimum;
@@ -59,6 +71,8 @@ void checkRanges(const Document& document, const KnownSettings& known, Report* r
                                       isBelow ? "lowest value" : "highest value", setting.name,
                                       setting.meaning),
                           report);
+        } else {
+            checkBytes(document, setting, value, report);
         }
     });
 }
@@ -77,24 +91,6 @@ const CatalogueValue* findValue(const std::vector<CatalogueValue>& values, int64
     return found != values.end() ? &*found : nullptr;
 }
 
-// A value of several bytes, each with its own limit, such as the QPs of three kinds of frames.
-void checkBytes(const Document& document, const Setting& setting, int64_t value, Report* report) {
-    constexpr int kBits = 8;
-    for (int64_t rest = value, byte = 0; setting.maximumOfByte && rest > 0;
-         ++byte, rest >>= kBits) {
-        const int64_t one = rest & 0xFF;
-        if (one > *setting.maximumOfByte) {
-            reportAtValue("value-range", document, setting,
-                          fmt::format("byte {} of {} (0x{:08X}) is {}, above {}, the highest value "
-                                      "of a byte of \"{}\" ({})",
-                                      byte, value, value, one, *setting.maximumOfByte, setting.name,
-                                      setting.meaning),
-                          report);
-            return;
-        }
-    }
-}
-
 void checkListedValues(const Document& document, const KnownSettings& known, Report* report) {
     forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         if (setting.hasOnlyValues && findValue(setting.values, value) == nullptr) {
@@ -103,7 +99,6 @@ void checkListedValues(const Document& document, const KnownSettings& known, Rep
                                       setting.meaning, listOf(setting.values)),
                           report);
         }
-        checkBytes(document, setting, value, report);
         int64_t rest = value;
         for (const CatalogueValue& bit : setting.bits) {
             rest &= ~bit.value;

@@ -1,0 +1,62 @@
+// kcodec2_spec lsp: the checker in an editor.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/DeviceOptions.h"
+#include "catalogue/Catalogue.h"
+#include "commands/Commands.h"
+#include "editor/Serve.h"
+
+namespace kc2::tool {
+
+namespace {
+
+struct LspArguments {
+    std::vector<std::string> settingsFiles;
+    std::string root;
+};
+
+int runServer(const LspArguments& arguments) {
+    std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
+    if (!catalogue) {
+        return kExitUsage;
+    }
+    return serveEditor(std::make_shared<KnownSettings>(*std::move(catalogue)), arguments.root);
+}
+
+}  // namespace
+
+void addLspCommand(CLI::App* app, int* exitCode) {
+    CLI::App* const command = app->add_subcommand(
+            "lsp", "Serve an editor: findings, fixes, meanings and names while you write");
+    command->footer(
+            "The editor starts it, and both talk over standard input and output (Language Server "
+            "Protocol 3.17). docs/editors.md shows what to write into an editor's settings.\n"
+            "\n"
+            "A document at a path that a load reads, such as "
+            "DIR/vendor/etc/media/video_system_specs.json, is checked with the loads that read "
+            "it, as by check --all-variants. Any other is checked alone.\n"
+            "\n"
+            "Exit codes: 0 fine; 1 the editor sent \"exit\" without \"shutdown\"; 2 wrong usage, a "
+            "FILE that cannot be read, input that is not of the protocol or that has ended, or "
+            "output that cannot be written.");
+    const auto arguments = std::make_shared<LspArguments>();
+    addSettingsOption(command, &arguments->settingsFiles);
+    if (canPlayDevices()) {
+        command->add_option("--rootdir", arguments->root,
+                            "Root of the device's file system, for the documents in it")
+                ->type_name("DIR")
+                ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
+                ->group(kDeviceGroup);
+    }
+    command->callback([=] { *exitCode = runServer(*arguments); });
+}
+
+}  // namespace kc2::tool

@@ -1,0 +1,87 @@
+// What an editor shows about the name or the value under the pointer.
+
+#include "editor/Hover.h"
+
+#include <charconv>
+#include <optional>
+
+#include "catalogue/Explanation.h"
+#include "kc2/TargetSpecKeys.h"
+#include "targetspec/reading/Sections.h"
+
+namespace kc2::tool {
+
+namespace {
+
+std::optional<int64_t> numberIn(const std::string& word) {
+    int64_t number = 0;
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+std::string formattedOrEmpty(const std::optional<Explanation>& explanation) {
+    return explanation && !explanation->lines.empty() ? formatted(*explanation) : "";
+}
+
+const Section* sectionOfKey(std::string_view key) {
+    for (const Section& section : kSections) {
+        if (*section.key != nullptr && key == *section.key) {
+            return &section;
+        }
+    }
+    return nullptr;
+}
+
+// What the value of a setting means, then what the setting is.
+HoverText textOfSetting(const Cursor& cursor, const std::string& name, const Catalogue& catalogue) {
+    HoverText text = {formattedOrEmpty(explainedSetting(catalogue, name)), name};
+    if (cursor.role == Cursor::Role::Name) {
+        return text;
+    }
+    const Setting* const setting = catalogue.setting(name);
+    const std::optional<int64_t> number = numberIn(cursor.word);
+    if (setting != nullptr && number) {
+        text.text = formattedOrEmpty(explainedValue(*setting, *number)) + text.text;
+    }
+    return text;
+}
+
+}  // namespace
+
+HoverText hoverTextAt(const Cursor& cursor, const Catalogue& catalogue) {
+    const Section* const section = cursor.key(0) == std::string_view(targetSpecRoot)
+                                           ? sectionOfKey(cursor.key(1))
+                                           : nullptr;
+    const size_t depth = cursor.path.size();
+    const bool isName = cursor.role == Cursor::Role::Name;
+    if (section == nullptr || (isName && depth <= 2)) {
+        return {isName && depth <= 2 ? formattedOrEmpty(explainedSection(catalogue, cursor.word))
+                                     : "",
+                ""};
+    }
+    switch (section->type) {
+        case SectionType::Features:
+        case SectionType::Presets:
+            return textOfSetting(cursor, std::string(cursor.key(2)), catalogue);
+        case SectionType::PerfResourceValues:
+            if (!isName) {
+                if (const auto code = explainedCode(catalogue, cursor.word)) {
+                    return {formatted(*code), ""};
+                }
+            }
+            return textOfSetting(cursor, std::string(cursor.key(2)), catalogue);
+        case SectionType::CodecLists:
+        case SectionType::CodecNames:
+            if (!isName) {
+                return {formattedOrEmpty(explainedComponent(catalogue, cursor.word)), cursor.word};
+            }
+            break;
+        default:
+            break;
+    }
+    const std::string key(isName ? cursor.key(depth - 1) : cursor.key(1));
+    return {formattedOrEmpty(explainedSection(catalogue, key)), ""};
+}
+
+}  // namespace kc2::tool

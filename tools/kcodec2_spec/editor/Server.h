@@ -1,0 +1,119 @@
+// The language server: answers an editor's messages about the documents that it has open.
+#pragma once
+
+#include <json/value.h>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "check/Check.h"
+#include "editor/Cursor.h"
+#include "editor/OpenDocument.h"
+#include "editor/TreeCheck.h"
+
+namespace kc2::tool {
+
+class LanguageServer {
+public:
+    using Send = std::function<void(const Json::Value& message)>;
+
+    // `root` is the device tree of the documents in it; where it is empty, a document's own path
+    // says where the tree is.
+    LanguageServer(std::shared_ptr<const KnownSettings> known, std::string root, Send send);
+
+    // Keeps a message for later. A request that is waiting can be cancelled by one that is added.
+    void add(const std::string& text);
+    bool isWaiting() const { return !mWaiting.empty(); }
+
+    // Handles the message that has waited longest.
+    void handleNext();
+
+    // Checks what has changed and sends what was found. To be called when no message is waiting.
+    void publish();
+
+    bool isEnded() const { return mIsEnded; }
+    // Whether the editor has ended in order.
+    bool isShutDown() const { return mState == State::ShutDown; }
+
+private:
+    enum class State { New, Running, ShutDown };
+
+    struct Reply {
+        Json::Value result;
+        int error = 0;
+        std::string message = {};
+    };
+
+    using Request = Reply (LanguageServer::*)(const Json::Value& params);
+    using Notification = void (LanguageServer::*)(const Json::Value& params);
+    struct RequestRow {
+        const char* method;
+        Request handle;
+    };
+    struct NotificationRow {
+        const char* method;
+        Notification handle;
+    };
+    static const RequestRow kRequests[];
+    static const NotificationRow kNotifications[];
+
+    void reply(const Json::Value& id, const Reply& reply);
+    void cancel(const Json::Value& id);
+    Reply handleRequest(const std::string& method, const Json::Value& params);
+    void handleNotification(const std::string& method, const Json::Value& params);
+
+    Reply initialize(const Json::Value& params);
+    Reply shutDown(const Json::Value& params);
+    Reply hover(const Json::Value& params);
+    Reply complete(const Json::Value& params);
+    Reply define(const Json::Value& params);
+    Reply listSymbols(const Json::Value& params);
+    Reply listActions(const Json::Value& params);
+
+    void open(const Json::Value& params);
+    void change(const Json::Value& params);
+    void close(const Json::Value& params);
+    void noteSaved(const Json::Value& params);
+    void noteChangedFiles(const Json::Value& params);
+
+    OpenDocument* find(const Json::Value& params);
+    // Calls use(document, cursor) for a request about a place, with the document checked.
+    template <typename Use>
+    Reply atPlace(const Json::Value& params, CursorUse cursorUse, Use use);
+    std::string rootOf(const std::string& path) const;
+    // Those in the tree of this one, itself too.
+    std::vector<OpenDocument*> together(const OpenDocument& document);
+    void markChanged(const OpenDocument& document);
+    void dropUnusedTrees();
+
+    void checkAlone(OpenDocument* document);
+    void checkTree(const std::string& root);
+    void addFindings(const Report& report, const TreeCheck* tree, OpenDocument* document);
+    Json::Value diagnosticOf(const ReportEntry& entry, const TreeCheck* tree,
+                             const OpenDocument& document);
+    Json::Value relatedOf(const RelatedPlace& related, const TreeCheck* tree,
+                          const OpenDocument& document);
+    void sendDiagnostics(const OpenDocument& document);
+    Json::Value locationOf(const Source& source, Span span, const TreeCheck* tree) const;
+    std::string explanationAt(const OpenDocument& document, const Cursor& cursor);
+    std::string settersText(const OpenDocument& document, const std::string& name);
+
+    CheckOptions mOptions;
+    const Json::Value mSchema;
+    std::string mRoot;
+    const Send mSend;
+
+    State mState = State::New;
+    bool mIsEnded = false;
+    PositionEncoding mEncoding = PositionEncoding::Utf16;
+    bool mHasFlatSymbols = true;
+    std::deque<Json::Value> mWaiting;
+    std::map<std::string, OpenDocument> mDocuments;                  // By URI.
+    std::map<std::string, std::unique_ptr<const TreeCheck>> mTrees;  // By root.
+};
+
+}  // namespace kc2::tool
