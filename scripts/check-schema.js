@@ -19,6 +19,12 @@ const withoutComments = (text) => text.replace(/^\s*\/\/.*$/gm, '');
 const settings = JSON.parse(withoutComments(fs.readFileSync(SNIPPET, 'utf8')));
 const association = settings['json.schemas'][0];
 
+// How the editor has the engine treat each of its two languages.
+const LANGUAGES = {
+    json: { comments: 'error', trailingCommas: 'error' },
+    jsonc: { comments: 'ignore', trailingCommas: 'warning' },
+};
+
 // The engine as the editor sets it up, with schema and file names from the snippet.
 class Editor {
     constructor(schema) {
@@ -30,19 +36,21 @@ class Editor {
     }
 
     open(text, name = 'video_system_specs.json') {
-        const document = TextDocument.create(`file:///odm/etc/media_x/${name}`, 'json', 1, text);
+        const document = TextDocument.create(`file:///odm/etc/media_x/${name}`,
+            settings['files.associations'][name], 1, text);
         return { document, json: this.service.parseJSONDocument(document) };
     }
 
     // [{from, to, text}], with lines from 1.
     async problems(text, name) {
         const { document, json } = this.open(text, name);
-        const found = await this.service.doValidation(document, json);
+        const found = await this.service.doValidation(document, json, LANGUAGES[document.languageId]);
         return found.map((one) => ({
             from: one.range.start.line + 1,
             to: one.range.end.line + 1,
             text: document.getText(one.range),
             message: one.message,
+            isError: one.severity === 1,
         }));
     }
 
@@ -97,6 +105,7 @@ const UNDERLINED = [
     ['a misspelt section', '{"Video": {"Feature": {}}}', ['"Feature"']],
     ['a misspelt root', '{"video": {}}', ['"video"', '{']],
     ['a comment', '{ // one\n "Video": {} /* two */ }', []],
+    ['a trailing comma', '{"Video": {"Features": {},}}', [',']],
     ['a feature that is a number', '{"Video": {"Features": {"private_enc_cvp_enable": 1}}}', ['1']],
     ['a preset that is a text', '{"Video": {"Presets": {"private_complexity": "5"}}}', ['"5"']],
     ['a preset that is cut', '{"Video": {"Presets": {"vendor_x": 1.5}}}', ['1.5']],
@@ -136,6 +145,9 @@ const SHOWN = [
         [/^private_max_supported_render_rate:.*highest decoder output rate/m]],
     ['completions', '{"Video": {"Presets": {"private_outbuf_fence": |}}}',
         [/^1:.*transmit fence/m, /^2:.*not supported/m, /^3:/m]],
+    ['completions', '{"Video": {"perf-resource-values": {"x": [|]}}}',
+        [/^0x40C00000:.*all cores/m]],
+    ['completions', '{"Video": {"NimbraModeBitrateTable": [|]}}', [/^\[low, high, bit rate\]:/m]],
     ['completions', '{"Video": {"Presets": {"private_transcode_metadata_stat": |}}}',
         [/^3:.*decoder, encoder/m]],
     ['completions', '{"Video": {"codecs-available": {"encoders": [|]}}}', [/c2\.kvx\.hevc\.encoder/]],
@@ -180,6 +192,8 @@ async function failuresOf(schema) {
         expect(JSON.stringify(found.sort()) === JSON.stringify([...pieces].sort()),
             `${what}: underlined is ${JSON.stringify(found)}, not ${JSON.stringify(pieces)}`);
     }
+    const [comma] = await editor.problems('{"Video": {"Features": {},}}');
+    expect(comma && comma.isError, 'a trailing comma is not an error');
     for (const [how, text, patterns] of SHOWN) {
         const shown = [].concat(await editor[how](text)).join('\n');
         for (const pattern of patterns) {
@@ -209,6 +223,8 @@ const FAULTS = {
     'any section passes': (schema) => delete schema.properties.Video.additionalProperties,
     'any root passes': (schema) => delete schema.required,
     'comments are mistakes': (schema) => { schema.allowComments = false; },
+    'trailing commas pass': (schema) => { schema.allowTrailingCommas = true; },
+    'no snippet is offered': (schema) => deepen(schema, (one) => delete one.defaultSnippets),
     'no meaning is shown': (schema) => deepen(schema, (one) => delete one.description),
     'any number passes': (schema) => deepen(schema, (one) => delete one.maximum),
     'any perf word passes': (schema) => deepen(schema, (one) => delete one.pattern),

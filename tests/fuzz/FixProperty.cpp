@@ -28,7 +28,7 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 // What no fix adds or removes.
 std::multiset<std::string> wordsOf(const std::string& line) {
-    constexpr std::string_view kBetween = ",\"+\xEF\xBB\xBF{}[]:/ \t\r";
+    constexpr std::string_view kBetween = ",\"+\xEF\xBB\xBF{}[]: \t\r";
     std::multiset<std::string> words;
     std::string word;
     for (const char c : line + " ") {
@@ -55,29 +55,27 @@ bool isKnown(const std::string& word, const tool::KnownSettings& known) {
     });
 }
 
-std::string whyOtherWords(const std::string& before, const std::string& after,
+// Compares the texts as the parser sees them: without comments.
+std::string whyOtherWords(const tool::Document& before, const tool::Document& after,
                           const tool::KnownSettings& known) {
-    const std::vector<std::string> old = linesOf(before);
-    const std::vector<std::string> now = linesOf(after);
+    const std::vector<std::string> old = linesOf(before.parserText);
+    const std::vector<std::string> now = linesOf(after.parserText);
     if (old.size() != now.size()) {
         return "another number of lines";
     }
     for (size_t line = 0; line < old.size(); ++line) {
         const std::multiset<std::string> oldWords = wordsOf(old[line]);
         const std::multiset<std::string> newWords = wordsOf(now[line]);
+        const auto isNameHere = [&](const std::string& word) { return isKnown(word, known); };
         std::vector<std::string> added;
-        std::vector<std::string> removed;
         std::set_difference(newWords.begin(), newWords.end(), oldWords.begin(), oldWords.end(),
                             std::back_inserter(added));
-        std::set_difference(oldWords.begin(), oldWords.end(), newWords.begin(), newWords.end(),
-                            std::back_inserter(removed));
-        if (added.empty() != removed.empty()) {
-            return "words are only added, or only removed, in: " + now[line];
+        if (!std::all_of(added.begin(), added.end(), isNameHere)) {
+            return "a word that is not a known name is new in: " + now[line];
         }
-        for (const std::string& word : added) {
-            if (!isKnown(word, known)) {
-                return "not a known name: " + word;
-            }
+        const bool isSame = oldWords == newWords;
+        if (!isSame && std::none_of(newWords.begin(), newWords.end(), isNameHere)) {
+            return "words have changed, and none is a known name, in: " + now[line];
         }
     }
     return std::string();
@@ -118,13 +116,14 @@ std::string whyUnsafe(const std::string& before, const std::string& after,
     if (after == before) {
         return std::string();
     }
-    if (!tool::Document({.path = "document"}, after).isAccepted) {
+    const tool::Document fixed({.path = "document"}, after);
+    if (!fixed.isAccepted) {
         return "the fixed text is not accepted";
     }
     if (after != withReportedFixes(before, known)) {
         return "the text differs elsewhere than at the reported fixes";
     }
-    return whyOtherWords(before, after, known);
+    return whyOtherWords(tool::Document({.path = "document"}, before), fixed, known);
 }
 
 }  // namespace kc2::fuzz

@@ -252,7 +252,7 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
           R"({"Video": {"Presetz": {}, "Presetx": {}}})",
           R"({"Video": {"Presetz": {}, "Presets": {}}})",
           R"({"Video": {"perf-resource-values": {"a": [1.5, -1, 016]}}})",
-          R"({"Video": {"presets": {}}} // kcodec2_spec: allow unknown-member)"}) {
+          R"({"Video": {"presets": {}}} // kcodec2_spec: allow section-misspelt)"}) {
         scratch.write("uncertain.json", uncertain);
         run("check --fix " + scratch.path() + "/uncertain.json");
         EXPECT_EQ(uncertain, readFile(scratch.path() + "/uncertain.json"));
@@ -395,6 +395,43 @@ TEST(CheckReportTest, HelpFitsAnyTerminal) {
     }
 }
 
+// A system spec document that sets nothing is a mistake; as the private file it is legal, but keeps
+// the built-in document out.
+TEST(CheckReportTest, ADocumentThatSetsNothingIsAsSevereAsItsPlace) {
+    const ScratchDirectory scratch;
+    const std::string spec =
+            scratch.write("vendor/etc/media/video_system_specs.json",
+                          R"({"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder"]}})");
+    const struct {
+        const char* text;
+        const char* id;  // In a system spec document.
+    } rows[] = {
+            {"{}", "[no-video]"},
+            {"null", "[no-video]"},
+            {R"({"Features": {"vendor_a": true}})", "[no-video]"},
+            {R"({"Vdeo": {"Features": {"vendor_a": true}}})", "[no-video]"},
+            {R"({"Video": {}})", "[video-empty]"},
+            {R"({"Video": null})", "[video-empty]"},
+    };
+    for (const auto& row : rows) {
+        const Result alone = run("check " + scratch.write("spec.json", row.text));
+        EXPECT_EQ(1, alone.exitCode) << row.text;
+        EXPECT_NE(std::string::npos, alone.output.find(row.id)) << alone.output;
+        const std::string file =
+                scratch.write("data/vendor/media/video_private_configs.json", row.text);
+        for (const std::string& arguments : {file, "--rootdir " + scratch.path()}) {
+            const Result result = run("check --disable mode " + arguments);
+            EXPECT_EQ(0, result.exitCode) << row.text;
+            EXPECT_NE(std::string::npos, result.output.find("[private-file-empty]"))
+                    << result.output;
+            EXPECT_NE(std::string::npos, result.output.find("no built-in document is read"))
+                    << result.output;
+            EXPECT_NE(std::string::npos, result.output.find("\n0 errors, 1 warning,"))
+                    << result.output;
+        }
+    }
+}
+
 TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
     const ScratchDirectory scratch;
     std::string text = "{\"Video\": {\"Features\": {\"a\": \"\"}, \"KC2CodecPlugins\": [\"a\"";
@@ -405,10 +442,17 @@ TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
     const std::string all = run("check " + document).output;
     EXPECT_NE(std::string::npos, all.find("\n     150  error    element-not-string\n"
                                           "       1  error    feature-not-boolean\n"
+                                          "51 findings not shown; --max-findings 0 prints all\n"
                                           "151 errors, 0 warnings, 0 notes\n"))
             << all;
+    EXPECT_EQ(100U, countOf("^", all));
+    const std::string other = scratch.write("other.json", text + "]}}");
+    EXPECT_EQ(200U, countOf("^", run("check " + document + " " + other).output));
+    EXPECT_EQ(151U, countOf("^", run("check --max-findings 0 " + document).output));
+    EXPECT_EQ(151U, parsed(run("check --format json " + document).output)["findings"].size());
     const std::string few = run("check --max-findings 2 " + document).output;
-    EXPECT_NE(std::string::npos, few.find("\n149 findings not shown (--max-findings)\n151 errors"))
+    EXPECT_NE(std::string::npos,
+              few.find("\n149 findings not shown; --max-findings 0 prints all\n151 errors"))
             << few;
     EXPECT_EQ(2, std::count(few.begin(), few.end(), '^'));
 }

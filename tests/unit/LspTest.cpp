@@ -702,7 +702,7 @@ TEST_F(LspTreeTest, ADocumentThatNoLoadReadsIsCheckedAlone) {
                   scratch.path() + "\"}}");
     const std::string uri = "file://" + scratch.write("vendor/other.json", "");
     editor.open(uri, R"({"Video": {"Preset": {}}})");
-    EXPECT_EQ((std::vector<std::string>{"unknown-member"}), idsOf(&editor, uri));
+    EXPECT_EQ((std::vector<std::string>{"section-misspelt"}), idsOf(&editor, uri));
 }
 
 // What the process uses after many changes is what it used after a few.

@@ -188,11 +188,12 @@ TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
     EXPECT_NE(std::string::npos, many.find("_1399</details>"));
     // The worst finding first, and each once; the cell of its entry has a link to it.
     for (const char* const part :
-         {">402 warnings</a>", ">402 warnings, 2 distinct</h3>", "<p>400 × Features/number should",
-          ":2:70</code> · <a href=\"#load-1\">400 variants</a>",
+         {">2 errors</a>", ">400 warnings</a>", ">400 warnings, 1 distinct</h3>",
+          "<p>400 × Features/number should", ":2:70</code> · <a href=\"#load-1\">400 variants</a>",
           " <a class=\"warning\" href=\"#finding-1\">warning</a></td></tr>"}) {
         EXPECT_NE(std::string::npos, many.find(part)) << part;
     }
+    EXPECT_LT(many.find("id=\"errors\""), many.find("id=\"warnings\""));
     EXPECT_LT(many.find("id=\"warnings\""), many.find("id=\"notes\""));
 }
 

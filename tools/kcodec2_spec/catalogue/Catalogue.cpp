@@ -197,6 +197,7 @@ Setting readSetting(EntryReader& reader, const Json::Value& entry) {
     setting.unit = reader.text(entry, "unit", false);
     setting.minimum = reader.number(entry, "minimum");
     setting.maximum = reader.number(entry, "maximum");
+    setting.maximumOfByte = reader.number(entry, "maximum-of-byte");
     setting.values = reader.values(entry, "values", CatalogueKind::Value);
     setting.hasOnlyValues = reader.flag(entry, "only-values", false);
     setting.bits = reader.values(entry, "bits", CatalogueKind::Bit);
@@ -213,7 +214,7 @@ Setting readSetting(EntryReader& reader, const Json::Value& entry) {
                     fmt::format("the type in \"{}\" must be \"{}\"", setting.section, type));
     }
     for (const char* const member :
-         {"minimum", "maximum", "values", "only-values", "bits", "at-most"}) {
+         {"minimum", "maximum", "maximum-of-byte", "values", "only-values", "bits", "at-most"}) {
         if (type != typeOf(SectionType::Presets) && entry.isMember(member)) {
             reader.fail(entry[member], fmt::format("\"{}\" is for integers only", member));
         }

@@ -30,6 +30,7 @@ struct Setting {
     std::string unit;  // Empty where there is none.
     std::optional<int64_t> minimum;
     std::optional<int64_t> maximum;
+    std::optional<int64_t> maximumOfByte;  // Of each byte of the value.
     std::vector<CatalogueValue> values;
     bool hasOnlyValues = false;  // No other values are allowed.
     std::vector<CatalogueValue> bits;

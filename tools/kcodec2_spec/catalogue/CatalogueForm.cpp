@@ -52,6 +52,8 @@ std::vector<CatalogueObject> makeForm() {
               {"unit", kOptional, kText, "The unit of its values."},
               {"minimum", kOptional, kWholeNumber, "The lowest value. Default: no limit."},
               {"maximum", kOptional, kWholeNumber, "The highest value. Default: no limit."},
+              {"maximum-of-byte", kOptional, kWholeNumber,
+               "The highest value of each byte. Default: no limit."},
               {"values", kOptional, "list of values", "Values with a meaning."},
               {"only-values", kOptional, kFlag,
                "`true`: only the values in `values` are allowed. Default: `false`."},

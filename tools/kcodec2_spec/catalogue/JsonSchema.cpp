@@ -59,8 +59,16 @@ Json::Value text() {
     return schema;
 }
 
-Json::Value perfWord() {
+// Offers the known resource codes.
+Json::Value perfWord(const Catalogue& catalogue) {
     Json::Value schema = text();
+    for (const PerfResourceCode& code : catalogue.codes()) {
+        Json::Value snippet;
+        snippet["label"] = hexadecimal(code.code);
+        snippet["description"] = code.meaning;
+        snippet["body"] = snippet["label"];
+        schema["defaultSnippets"].append(snippet);
+    }
     schema["pattern"] = kPerfWordPattern;
     schema["patternErrorMessage"] =
             "This must be a hexadecimal string up to \"0x7FFFFFFF\", with nothing after it.";
@@ -74,6 +82,10 @@ Json::Value bitRateRow() {
     row["errorMessage"] = "This must be three whole numbers: [low, high, bit rate].";
     row["minItems"] = 3;
     row["maxItems"] = 3;
+    Json::Value& snippet = row["defaultSnippets"].append(Json::objectValue);
+    snippet["label"] = "[low, high, bit rate]";
+    snippet["description"] = "the bit rate of values from low to high, high itself not included";
+    snippet["bodyText"] = "[${1:low}, ${2:high}, ${3:bit rate}]";
     constexpr int64_t kNoUpperBound = -1;
     constexpr struct {
         const char* meaning;
@@ -255,7 +267,7 @@ Json::Value schemaOf(const Section& section, const Catalogue& catalogue) {
         case SectionType::Names:
             return arrayOf(text());
         case SectionType::PerfResourceValues:
-            return namedValues(*section.key, catalogue, arrayOf(perfWord()));
+            return namedValues(*section.key, catalogue, arrayOf(perfWord(catalogue)));
         case SectionType::CodecLists:
             return codecLists(catalogue);
         case SectionType::CodecNames:

@@ -55,13 +55,14 @@ std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
 }  // namespace
 
 std::string rangeOf(const Setting& setting) {
-    if (setting.minimum && setting.maximum) {
-        return fmt::format("{} to {}", *setting.minimum, *setting.maximum);
-    }
-    if (setting.minimum) {
-        return fmt::format("from {}", *setting.minimum);
-    }
-    return setting.maximum ? fmt::format("up to {}", *setting.maximum) : "";
+    const std::string range = setting.minimum && setting.maximum
+                                      ? fmt::format("{} to {}", *setting.minimum, *setting.maximum)
+                              : setting.minimum ? fmt::format("from {}", *setting.minimum)
+                              : setting.maximum ? fmt::format("up to {}", *setting.maximum)
+                                                : "";
+    return setting.maximumOfByte ? fmt::format("{}{}each byte up to {}", range,
+                                               range.empty() ? "" : ", ", *setting.maximumOfByte)
+                                 : range;
 }
 
 std::string meaningOf(const CatalogueValue& value) {

@@ -422,10 +422,10 @@ inline constexpr Check kChecks[] = {
         {
                 .id = "no-video",
                 .group = "reader",
-                .severity = Severity::Warning,
-                .summary = "a document without \"Video\"",
+                .severity = Severity::Error,
+                .summary = "a system spec document without \"Video\"",
                 .meaning = "The root has no member \"Video\", so the device uses nothing in the "
-                           "document.",
+                           "document. In the private file that is private-file-empty.",
                 .fix = "Put the sections into \"Video\".",
                 .mistake = R"({"Features": {"private_enc_cvp_enable": true}})",
                 .fixed = R"({"Video": {"Features": {"private_enc_cvp_enable": true}}})",
@@ -573,6 +573,17 @@ inline constexpr Check kChecks[] = {
         },
         // --- What is valid in a document, but probably not meant --------------------------------
         {
+                .id = "section-misspelt",
+                .group = "document",
+                .severity = Severity::Error,
+                .summary = "a section whose name is misspelt",
+                .meaning = "\"Video\" has a member that is nearly a section. The device ignores it "
+                           "with everything in it. Names are case-sensitive.",
+                .fix = "Write the name that the message gives.",
+                .mistake = R"({"Video": {"Preset": {"private_complexity": 50}}})",
+                .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
+        },
+        {
                 .id = "wrong-level",
                 .group = "document",
                 .severity = Severity::Error,
@@ -596,7 +607,7 @@ inline constexpr Check kChecks[] = {
                            "fixed members; the device ignores all others. Names are "
                            "case-sensitive.",
                 .fix = "Correct the name, or move the member where it belongs.",
-                .mistake = R"({"Video": {"Preset": {"private_complexity": 50}}})",
+                .mistake = R"({"Video": {"private_complexity": 50}})",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
         },
         {
@@ -665,6 +676,29 @@ inline constexpr Check kChecks[] = {
                            "\t"
                            R"(in"]}})",
                 .fixed = R"({"Video": {"KC2CodecPlugins": ["plugin"]}})",
+        },
+        {
+                .id = "placeholder",
+                .group = "document",
+                .severity = Severity::Warning,
+                .summary = "a placeholder of a template, as it is",
+                .meaning = "A name, or a string that the device uses, has ${, $( or {{. The "
+                           "device replaces nothing, so this is the name.",
+                .fix = "Write what the placeholder is for, or correct the script that replaces it.",
+                .mistake = R"({"Video": {"KC2CodecPlugins": ["lib${NAME}.so"]}})",
+                .fixed = R"({"Video": {"KC2CodecPlugins": ["libfilter.so"]}})",
+        },
+        {
+                .id = "second-document",
+                .group = "document",
+                .severity = Severity::Error,
+                .summary = "a second document, or merge marks, after the end of the document",
+                .meaning = "The device reads only the first document.",
+                .fix = "Join the two documents, or finish the merge.",
+                .mistake = R"({"Video": {"Presets": {"private_complexity": 50}}} )"
+                           R"({"Video": {"Features": {"private_enc_cvp_enable": true}}})",
+                .fixed = R"({"Video": {"Presets": {"private_complexity": 50}, )"
+                         R"("Features": {"private_enc_cvp_enable": true}}})",
         },
         {
                 .id = "trailing-text",
@@ -924,9 +958,10 @@ inline constexpr Check kChecks[] = {
         {
                 .id = "video-empty",
                 .group = "value",
-                .severity = Severity::Warning,
-                .summary = "a \"Video\" that is null or empty",
-                .meaning = "The document sets nothing.",
+                .severity = Severity::Error,
+                .summary = "a system spec document whose \"Video\" is null or empty",
+                .meaning = "The document sets nothing. In the private file that is "
+                           "private-file-empty.",
                 .fix = "Write the sections into it, or do not install the document.",
                 .mistake = R"({"Video": {}})",
                 .fixed = R"({"Video": {"Presets": {"private_complexity": 50}}})",
@@ -999,6 +1034,17 @@ inline constexpr Check kChecks[] = {
                 .fix = "Write 0x, and the hexadecimal digits of the value that is meant.",
                 .mistake = R"({"Video": {"perf-resource-values": {"x": ["0x40C00000", "1500"]}}})",
                 .fixed = R"({"Video": {"perf-resource-values": {"x": ["0x40C00000", "0x5DC"]}}})",
+        },
+        {
+                .id = "perf-code-short",
+                .group = "perf",
+                .severity = Severity::Warning,
+                .summary = "a resource code of seven digits",
+                .meaning = "Resource codes have eight hexadecimal digits, so one is missing. The "
+                           "device stores the word all the same.",
+                .fix = "Write the missing digit.",
+                .mistake = R"({"Video": {"perf-resource-values": {"x": ["0x40C0000", "0x1"]}}})",
+                .fixed = R"({"Video": {"perf-resource-values": {"x": ["0x40C00000", "0x1"]}}})",
         },
         {
                 .id = "perf-code-repeated",
@@ -1186,6 +1232,16 @@ inline constexpr Check kChecks[] = {
                 .fixed = R"({"Video": {"KC2CodecPlugins": ["plugin"]}})",
         },
         {
+                .id = "entries-in-one",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "several entries of a list in one string",
+                .meaning = "The device keeps the string as one name, with its commas and blanks.",
+                .fix = "Write each entry in its own quotes.",
+                .mistake = R"({"Video": {"KC2CodecPlugins": ["liba.so, libb.so"]}})",
+                .fixed = R"({"Video": {"KC2CodecPlugins": ["liba.so", "libb.so"]}})",
+        },
+        {
                 .id = "name-without-effect",
                 .group = "merge",
                 .severity = Severity::Warning,
@@ -1226,6 +1282,16 @@ inline constexpr Check kChecks[] = {
                 .fix = "If the device has the components, list them in the system spec document as "
                        "well. Otherwise install a private file.",
                 .whyNoExample = kNeedsLoad,
+        },
+        {
+                .id = "private-file-empty",
+                .group = "merge",
+                .severity = Severity::Warning,
+                .summary = "a private file that sets nothing",
+                .meaning = "The private file has no \"Video\", or an empty one. While the file is "
+                           "there, no built-in document is read.",
+                .fix = "Remove the file, or write settings into it.",
+                .whyNoExample = "it is about a file's place, not about its text alone",
         },
         {
                 .id = "built-in-lost",

@@ -90,7 +90,8 @@ void addReportOptions(CLI::App* command, CheckArguments* arguments) {
             "Report only findings of this severity and above")
             ->group(kReporting);
     command->add_option("--max-findings", options.output.mostFindings,
-                        "Print at most N findings, the most severe ones (default: 0, all)")
+                        "Print at most N findings, the most severe ones; 0 prints all. Default: "
+                        "all, and in text 100 for each document")
             ->check(CLI::Validator(whyNotCount, ""))
             ->type_name("N")
             ->group(kReporting);

@@ -57,9 +57,13 @@ Source::Position Source::positionOf(size_t offset) const {
     return {line, charactersBefore(offset) - charactersBefore(startOf(line)) + 1};
 }
 
-std::string Source::placeOf(size_t offset) const {
+std::string Source::positionText(size_t offset) const {
     const Position position = positionOf(offset);
-    return mPath + ":" + std::to_string(position.line) + ":" + std::to_string(position.column);
+    return std::to_string(position.line) + ":" + std::to_string(position.column);
+}
+
+std::string Source::placeOf(size_t offset) const {
+    return mPath + ":" + positionText(offset);
 }
 
 }  // namespace kc2::tool

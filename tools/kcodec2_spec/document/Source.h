@@ -34,6 +34,14 @@ public:
     // "path:line:column", with the path's bytes as they are.
     std::string placeOf(size_t offset) const;
 
+    // "line:column", for a message that is about this source.
+    std::string positionText(size_t offset) const;
+
+    // The place as a message about `other` names it: without the path where that is this source.
+    std::string placeSeenFrom(const Source& other, size_t offset) const {
+        return this == &other ? positionText(offset) : placeOf(offset);
+    }
+
     // The first line is 1. An offset past the end of the text is at its end.
     size_t lineOf(size_t offset) const;
     size_t startOf(size_t line) const { return mLineStarts[line - 1]; }

@@ -33,6 +33,9 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+constexpr char kNoXmlComment[] = "<!-- --> is not a comment in JSON: write /* */";
+constexpr char kDiff[] = "this is a diff, not a document: apply it to the document";
+
 constexpr StartRow kStarts[] = {
         {"\xFF\xFE"sv,
          "the document is UTF-16 or UTF-32: save it as UTF-8 without byte order mark"},
@@ -42,10 +45,16 @@ constexpr StartRow kStarts[] = {
         {"version https://git-lfs"sv,
          "this is a Git LFS pointer, not the document: fetch it with \"git lfs pull\""},
         {"<?xml"sv, "this is XML: a system spec document is JSON"},
+        {"<!--"sv, kNoXmlComment},
+        {"diff --git"sv, kDiff},
+        {"--- "sv, kDiff},
+        {"@@ -"sv, kDiff},
         {"<!"sv, "this is XML: a system spec document is JSON"},
 };
 
 // --- Beginnings of tokens ---
+
+constexpr char kPlaceholder[] = "a placeholder that nothing has replaced: write its value";
 
 constexpr StartRow kTokenStarts[] = {
         {"<<<<<<<"sv, "a merge mark: the merge was not finished; keep one of the two sides"},
@@ -55,6 +64,12 @@ constexpr StartRow kTokenStarts[] = {
         {"/*"sv, "the comment never ends: \"*/\" is missing"},
         {"*/"sv, "this ends a comment that nothing opened (comments do not nest)"},
         {"/"sv, "a lone '/': a comment starts with // or /*"},
+        {"<!--"sv, kNoXmlComment},
+        {"-->"sv, kNoXmlComment},
+        {"@@ -"sv, "a line of a diff: remove it"},
+        {"$"sv, kPlaceholder},
+        {"@"sv, kPlaceholder},
+        {"%"sv, kPlaceholder},
         {"--"sv, "-- does not start a comment: write //"},
         {"#"sv, "# does not start a comment: write //"},
         {"'"sv, "strings must be in double quotes, not in single ones"},
@@ -125,12 +140,6 @@ SyntaxHint withFix(SyntaxHint hint, Fix fix, Recovery recovery) {
     return hint;
 }
 
-// "3:17": the file is the finding's own.
-std::string positionIn(const Source& source, size_t offset) {
-    const Source::Position position = source.positionOf(offset);
-    return fmt::format("{}:{}", position.line, position.column);
-}
-
 // The text from `at` to the next blank, mark or quote.
 std::string_view runFrom(std::string_view text, size_t at) {
     const auto end =
@@ -145,6 +154,21 @@ bool consistsOf(std::string_view text, int (*is)(int)) {
 
 MaybeHint atToken(const Context& context, std::string message) {
     return SyntaxHint{context.misfit.token.span, std::move(message)};
+}
+
+// A line that was copied from a diff, with its mark. The parser may have read a minus as a number.
+MaybeHint lineOfDiff(const Context& context) {
+    for (const Token* const token : {&context.misfit.previous, &context.misfit.token}) {
+        const size_t start = token->span.start;
+        const std::string_view mark = context.of(token->span);
+        if ((mark == "+" || mark == "-") && (start == 0 || context.text[start - 1] == '\n')) {
+            return SyntaxHint{token->span,
+                              mark == "+" ? "the '+' is the mark of a line in a diff: remove it"
+                                          : "the '-' is the mark of a line in a diff: remove the "
+                                            "line"};
+        }
+    }
+    return std::nullopt;
 }
 
 // A comment in a comment: the first end ends both, and the rest of the outer one is left.
@@ -162,7 +186,7 @@ MaybeHint nestedComment(const Context& context) {
     return SyntaxHint{context.misfit.token.span,
                       fmt::format("comments do not nest: the one that opens at {} ends at the "
                                   "first \"*/\"",
-                                  positionIn(context.source, start + outer)),
+                                  context.source.positionText(start + outer)),
                       {{&context.source, {start + outer, start + outer + 2}, "the outer comment"}}};
 }
 
@@ -170,7 +194,22 @@ MaybeHint stringOverLines(const Context& context, const Token& string) {
     return SyntaxHint{{string.span.start, string.span.start + 1},
                       fmt::format("the string that opens at {} runs past the end of its line: its "
                                   "closing quote is missing",
-                                  positionIn(context.source, string.span.start))};
+                                  context.source.positionText(string.span.start))};
+}
+
+constexpr char kExtraQuote[] = "there are two quotes in a row: remove one";
+
+// The closing quote is there twice, so that the second one opens a string of what follows.
+MaybeHint extraQuote(const Context& context) {
+    const Misfit& misfit = context.misfit;
+    const bool isBeside = misfit.token.kind == Token::kString &&
+                          misfit.previous.kind == Token::kString &&
+                          context.follows(misfit.token.span.start);
+    const size_t quote = misfit.token.span.start;
+    if (!isBeside || context.text.find_first_of(" \t\r\n,:]}", quote + 1) != quote + 1) {
+        return std::nullopt;
+    }
+    return SyntaxHint{{quote, quote + 1}, kExtraQuote};
 }
 
 MaybeHint stringItself(const Context& context) {
@@ -184,7 +223,7 @@ MaybeHint stringItself(const Context& context) {
         }
         return atToken(context, fmt::format("the string that opens at {} never ends: its closing "
                                             "quote is missing",
-                                            positionIn(context.source, token.span.start)));
+                                            context.source.positionText(token.span.start)));
     }
     const size_t bad = badEscapeIn(context.token());
     if (bad == kNowhere) {
@@ -213,11 +252,14 @@ MaybeHint stringBefore(const Context& context) {
         return stringOverLines(context, string);
     }
     const char first = context.token()[0];
+    if (context.of(string.span) == "\"\"") {
+        return SyntaxHint{string.span, kExtraQuote};
+    }
     if (first == '\\' || std::isalnum(static_cast<unsigned char>(first)) != 0 || first == '_') {
         return SyntaxHint{context.misfit.token.span,
                           fmt::format("the string that opens at {} ends before this: a quote is "
                                       "missing, or one inside it must be written as \\\"",
-                                      positionIn(context.source, string.span.start)),
+                                      context.source.positionText(string.span.start)),
                           {{&context.source, string.span, "the string"}}};
     }
     return std::nullopt;
@@ -313,15 +355,18 @@ bool isNumberToken(const Context& context, const Token& token) {
 // The parser may read the separator as the end of the member or element.
 MaybeHint thousands(const Context& context) {
     const Misfit& misfit = context.misfit;
-    if (!context.token().empty() && !isDigit(context.token()[0]) && context.token()[0] != '\'' &&
-        context.token()[0] != '.') {
+    if (misfit.token.kind != Token::kWord ||
+        (!isDigit(context.token()[0]) && context.token()[0] != '\'')) {
         return std::nullopt;
     }
     const bool isInList = !misfit.open.empty() && misfit.open.back().kind == '[';
     const auto number = groupedNumberAt(context.text, misfit.token.span.start);
     // In a list, a comma between two numbers is what belongs there.
-    if (!number || number->span.start >= misfit.token.span.start ||
-        (isInList && context.of(number->span).find(',') != kNowhere)) {
+    const bool isMisfit =
+            number &&
+            (number->span.start < misfit.token.span.start ||
+             (number->span.start == misfit.token.span.start && !isValue(context.token())));
+    if (!isMisfit || (isInList && context.of(number->span).find(',') != kNowhere)) {
         return std::nullopt;
     }
     return SyntaxHint{number->span,
@@ -412,10 +457,8 @@ MaybeHint numberForm(const Context& context) {
     if (token.kind != Token::kWord) {
         return std::nullopt;
     }
-    for (const auto& make : {thousands, twoNumbers}) {
-        if (MaybeHint hint = make(context)) {
-            return hint;
-        }
+    if (MaybeHint hint = twoNumbers(context)) {
+        return hint;
     }
     const std::string_view run = runFrom(context.text, token.span.start);
     const Span whole = {token.span.start, token.span.start + run.size()};
@@ -494,7 +537,7 @@ MaybeHint openBracket(const Context& context) {
     }
     const OpenBracket& bracket = misfit.unclosed ? *misfit.unclosed : innermost;
     const std::string name = fmt::format("the '{}' that opens at {}", bracket.kind,
-                                         positionIn(context.source, bracket.at));
+                                         context.source.positionText(bracket.at));
     const char end = bracket.kind == '{' ? '}' : ']';
     SyntaxHint hint = {misfit.token.span,
                        "",
@@ -563,13 +606,13 @@ MaybeHint missingComma(const Context& context) {
                        misfit.open.back().kind == '['
                                ? fmt::format("a name with a value belongs in {{ }}, not in the "
                                              "list that opens at {}",
-                                             positionIn(context.source, misfit.open.back().at))
+                                             context.source.positionText(misfit.open.back().at))
                                : "a second ':': a ',' or a '{' is missing before it");
     }
     const size_t end = misfit.previous.span.limit;
     SyntaxHint hint = {misfit.token.span,
                        fmt::format("a comma is missing: write it after the value that ends at {}",
-                                   positionIn(context.source, end - 1))};
+                                   context.source.positionText(end - 1))};
     return beginsNext(context)
                    ? withFix(std::move(hint), {{end, end}, ",", "add the missing comma"},
                              Recovery::InsertComma)
@@ -588,7 +631,11 @@ MaybeHint missingPart(const Context& context) {
                                   : "a ':' is missing between the name and its value");
         case Expected::Name:
         case Expected::NameOrEnd:
-            return atToken(context, "a name in double quotes is missing before this");
+            return atToken(context, misfit.token.kind == '{' && misfit.previous.kind == '{' &&
+                                                    context.follows(misfit.token.span.start)
+                                            ? "\"{{\" is a placeholder that nothing has replaced, "
+                                              "or there is one '{' too many"
+                                            : "a name in double quotes is missing before this");
         case Expected::Value:
         case Expected::ValueOrEnd:
             return atToken(context, context.isFirst() ? "a document starts with '{'"
@@ -601,8 +648,9 @@ MaybeHint missingPart(const Context& context) {
 
 // In this order: the special before the general.
 constexpr MaybeHint (*kHints[])(const Context& context) = {
-        nestedComment, stringItself, stringBefore, lookAlike,    startOfToken, numberForm,
-        unquoted,      strayComma,   openBracket,  missingComma, missingPart,
+        lineOfDiff, nestedComment, extraQuote,   stringItself, stringBefore,
+        lookAlike,  thousands,     startOfToken, numberForm,   unquoted,
+        strayComma, openBracket,   missingComma, missingPart,
 };
 
 }  // namespace

@@ -80,7 +80,9 @@ std::vector<Choice> choicesIn(const Json::Value& schema) {
         addEnumeration(alternative, &choices);
     }
     for (const Json::Value& snippet : memberOf(schema, "defaultSnippets")) {
-        addChoice(memberOf(snippet, "body"), textOf(memberOf(snippet, "description")), &choices);
+        if (snippet.isMember("body")) {  // Else it is a text with places to fill in.
+            addChoice(snippet["body"], textOf(memberOf(snippet, "description")), &choices);
+        }
     }
     if (textOf(memberOf(schema, "type")) == "boolean") {
         addChoice(true, "", &choices);
@@ -159,16 +161,13 @@ void offerNames(const Cursor& cursor, const Json::Value& object, Offers* offers)
     }
 }
 
-void offerValues(const Cursor& cursor, const Json::Value& schema, const Catalogue& catalogue,
-                 Offers* offers) {
+void offerValues(const Cursor& cursor, const Json::Value& schema, Offers* offers) {
     std::vector<Choice> choices = choicesIn(schema);
     const Cursor::Step& last = cursor.path.back();
     const bool isPerfWord = !memberOf(schema, "pattern").isNull();
-    // Words come in pairs: a code, then its value.
-    if (isPerfWord && last.isElement && last.index % 2 == 0) {
-        for (const PerfResourceCode& code : catalogue.codes()) {
-            choices.push_back({fmt::format("\"{}\"", hexadecimal(code.code)), code.meaning});
-        }
+    // Words come in pairs: a code, which the schema offers for each, then its value.
+    if (isPerfWord && last.isElement && last.index % 2 != 0) {
+        choices.clear();
     }
     for (const Choice& choice : choices) {
         const bool isText = choice.value.starts_with('"') && choice.value.size() > 1;
@@ -182,13 +181,12 @@ void offerValues(const Cursor& cursor, const Json::Value& schema, const Catalogu
 
 }  // namespace
 
-Json::Value completionsAt(const Cursor& cursor, const TextLines& lines, const Json::Value& schema,
-                          const Catalogue& catalogue) {
+Json::Value completionsAt(const Cursor& cursor, const TextLines& lines, const Json::Value& schema) {
     Offers offers(cursor, lines);
     if (cursor.role == Cursor::Role::Name) {
         offerNames(cursor, schemaAt(schema, cursor, cursor.path.size() - 1), &offers);
     } else if (cursor.role == Cursor::Role::Value) {
-        offerValues(cursor, schemaAt(schema, cursor, cursor.path.size()), catalogue, &offers);
+        offerValues(cursor, schemaAt(schema, cursor, cursor.path.size()), &offers);
     }
     return offers.items();
 }

@@ -3,7 +3,6 @@
 
 #include <json/value.h>
 
-#include "catalogue/Catalogue.h"
 #include "editor/Cursor.h"
 #include "editor/TextLines.h"
 
@@ -11,7 +10,6 @@ namespace kc2::tool {
 
 // A list of CompletionItem. `schema` is that of the documents: it has the names that an object may
 // have, their meaning, and their values.
-Json::Value completionsAt(const Cursor& cursor, const TextLines& lines, const Json::Value& schema,
-                          const Catalogue& catalogue);
+Json::Value completionsAt(const Cursor& cursor, const TextLines& lines, const Json::Value& schema);
 
 }  // namespace kc2::tool

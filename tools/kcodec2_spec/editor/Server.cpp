@@ -515,10 +515,10 @@ std::string LanguageServer::settersText(const OpenDocument& document, const std:
 }
 
 LanguageServer::Reply LanguageServer::complete(const Json::Value& params) {
-    return atPlace(
-            params, CursorUse::Typing, [this](const OpenDocument& document, const Cursor& cursor) {
-                return completionsAt(cursor, *document.lines, mSchema, mOptions.known->catalogue);
-            });
+    return atPlace(params, CursorUse::Typing,
+                   [this](const OpenDocument& document, const Cursor& cursor) {
+                       return completionsAt(cursor, *document.lines, mSchema);
+                   });
 }
 
 // From a setting to the one that is used.

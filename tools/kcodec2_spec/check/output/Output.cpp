@@ -13,24 +13,52 @@
 
 namespace kc2::tool {
 
-std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options) {
-    std::vector<const ReportEntry*> entries = report.inOrder();
-    if (options.mostFindings == 0 || entries.size() <= options.mostFindings) {
-        return entries;
-    }
+namespace {
+
+using Entries = std::vector<const ReportEntry*>;
+
+// Adds at most so many of `entries`, the most severe ones.
+void addMostSevere(const Entries& entries, size_t most, Entries* shown) {
     size_t room[3] = {};  // By severity.
-    size_t left = options.mostFindings;
+    size_t left = most;
     for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
+        const auto count = static_cast<size_t>(std::count_if(
+                entries.begin(), entries.end(),
+                [severity](const ReportEntry* entry) { return entry->severity == severity; }));
         size_t& own = room[static_cast<size_t>(severity)];
-        own = std::min(left, report.count(severity));
+        own = std::min(left, count);
         left -= own;
     }
-    std::vector<const ReportEntry*> shown;
-    std::copy_if(entries.begin(), entries.end(), std::back_inserter(shown),
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(*shown),
                  [&](const ReportEntry* entry) {
                      size_t& own = room[static_cast<size_t>(entry->severity)];
                      return own != 0 && own-- != 0;
                  });
+}
+
+}  // namespace
+
+std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options) {
+    Entries entries = report.inOrder();
+    const size_t most = options.mostFindings.value_or(0);
+    if (most == 0 || entries.size() <= most) {
+        return entries;
+    }
+    Entries shown;
+    addMostSevere(entries, most, &shown);
+    return shown;
+}
+
+std::vector<const ReportEntry*> shownOfEachDocument(const Report& report, size_t most) {
+    const Entries entries = report.inOrder();
+    Entries shown;
+    for (auto first = entries.begin(); first != entries.end();) {
+        const auto end = std::find_if(first, entries.end(), [first](const ReportEntry* entry) {
+            return entry->source != (*first)->source;
+        });
+        addMostSevere({first, end}, most, &shown);
+        first = end;
+    }
     return shown;
 }
 

@@ -4,6 +4,7 @@
 #include <json/value.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,7 +14,9 @@
 namespace kc2::tool {
 
 struct OutputOptions {
-    size_t mostFindings = 0;  // 0: all of them. The most severe ones are shown.
+    // At most so many, the most severe ones; 0: all of them. Not set: all of them, but in a text
+    // for people a hundred for each document.
+    std::optional<size_t> mostFindings;
 };
 
 void printText(const Report& report, const OutputOptions& options);
@@ -25,6 +28,9 @@ Json::Value toJson(const std::vector<LoadFacts>& loads);
 
 // The entries to show: at most so many, the most severe ones, in the report's order.
 std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options);
+
+// The same with at most so many for each document.
+std::vector<const ReportEntry*> shownOfEachDocument(const Report& report, size_t most);
 
 // `bytes` as UTF-8 that can be converted back: a byte that is not part of a printable UTF-8
 // character is written \xNN, and a backslash is doubled, so that no two texts become one.

@@ -24,7 +24,7 @@ namespace kc2::tool {
 namespace {
 
 constexpr size_t kWidthOfFiles = 109;  // For lines of 100 columns after the margin.
-constexpr size_t kMostUnsummed = 100;  // Findings that one can look through.
+constexpr size_t kMostUnsummed = 100;  // Findings that one can look through, of a document too.
 
 const char* colourOf(Severity severity, const Colours& colours) {
     return severity == Severity::Error     ? colours.red
@@ -44,7 +44,8 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
     }
     for (const RelatedPlace& related : entry.details->related) {
         if (!related.message.empty()) {  // Otherwise the finding's message names the place.
-            printOut("    {}: {}\n", escaped(related.source->placeOf(related.span.start)),
+            printOut("    {}: {}\n",
+                     escaped(related.source->placeSeenFrom(*entry.source, related.span.start)),
                      escaped(related.message));
         }
     }
@@ -98,7 +99,9 @@ void printText(const Report& report, const OutputOptions& options) {
     printLoads(report.loads());
     const Terminal terminal = terminalOf(STDOUT_FILENO);
     const Colours colours = coloursOf(terminal);
-    const std::vector<const ReportEntry*> shown = shownEntries(report, options);
+    const std::vector<const ReportEntry*> shown =
+            options.mostFindings ? shownEntries(report, options)
+                                 : shownOfEachDocument(report, kMostUnsummed);
     for (const ReportEntry* const entry : shown) {
         printEntry(*entry, colours, terminal.width != 0 ? terminal.width : kWidthOfFiles);
     }
@@ -106,7 +109,7 @@ void printText(const Report& report, const OutputOptions& options) {
         printSummary(report);
     }
     if (shown.size() < report.count()) {
-        printOut("{} not shown (--max-findings)\n",
+        printOut("{} not shown; --max-findings 0 prints all\n",
                  counted(report.count() - shown.size(), "finding"));
     }
     printOut("{}, {}, {}\n", counted(report.count(Severity::Error), "error"),

@@ -86,7 +86,8 @@ void checkMisspeltComponents(const Document& document, const KnownSettings& know
 
 void checkCodecForm(const Document& document, const KnownSettings& known, Report* report) {
     forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
-        if (!name.text.empty() && !ComponentName(name.text).hasForm() &&
+        if (!name.text.empty() && !isSeveralInOne(name.text) &&
+            !ComponentName(name.text).hasForm() &&
             known.components.find(name.text, name.list).entry == nullptr) {
             report->add("codec-name-form", document, name.span,
                         "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
@@ -133,7 +134,7 @@ void checkRepeatedComponents(const Document& document, Report* report) {
         if (!isNew) {
             report->add("codec-repeated", document, name.span,
                         fmt::format("\"{}\" is listed already, at {}: once is enough", name.text,
-                                    document.source.placeOf(found->second.start)),
+                                    document.source.positionText(found->second.start)),
                         besides(document.source, found->second));
         }
     });

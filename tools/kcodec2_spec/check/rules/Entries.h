@@ -33,6 +33,40 @@ inline bool isOfNames(SectionType type) {
     return type == SectionType::Names || isOfCodecs(type);
 }
 
+// What is between the commas, semicolons and blanks of a text.
+inline std::vector<std::string_view> partsOf(std::string_view text) {
+    constexpr std::string_view kBetween = " ,;";
+    std::vector<std::string_view> parts;
+    for (size_t at = 0; (at = text.find_first_not_of(kBetween, at)) != std::string_view::npos;) {
+        const size_t end = std::min(text.find_first_of(kBetween, at), text.size());
+        parts.push_back(text.substr(at, end - at));
+        at = end;
+    }
+    return parts;
+}
+
+// Whether a string looks like several entries of a list: "liba.so, libb.so". A blank may be in one
+// name, unless it is between file names.
+inline bool isSeveralInOne(std::string_view text) {
+    const std::vector<std::string_view> parts = partsOf(text);
+    const auto hasPoint = [](std::string_view part) {
+        return part.find('.') != std::string_view::npos;
+    };
+    return parts.size() > 1 && (text.find_first_of(",;") != std::string_view::npos ||
+                                std::all_of(parts.begin(), parts.end(), hasPoint));
+}
+
+// Whether a perf word looks like several: "0x40800000, 0x5DC".
+inline bool isSeveralWords(std::string_view text) {
+    const std::vector<std::string_view> parts = partsOf(text);
+    const auto isWord = [](std::string_view part) {
+        part.remove_prefix(part.starts_with("0x") || part.starts_with("0X") ? 2 : 0);
+        return !part.empty() &&
+               part.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+    };
+    return parts.size() > 1 && std::all_of(parts.begin(), parts.end(), isWord);
+}
+
 // The section of that key; null when there is none.
 inline const Section* sectionOf(std::string_view key) {
     const auto row = std::find_if(std::begin(kSections), std::end(kSections), [&](const auto& one) {

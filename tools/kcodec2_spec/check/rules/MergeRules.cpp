@@ -31,7 +31,9 @@ void checkListedTwice(const Checked& checked, Report* report) {
                 const Source& source = earlier.document->source;
                 report->add("listed-twice", *entry.document, entry.span,
                             fmt::format("\"{}\" is in {} already, from {}: the list keeps both",
-                                        *entry.value, section, source.placeOf(earlier.span.start)),
+                                        *entry.value, section,
+                                        source.placeSeenFrom(entry.document->source,
+                                                             earlier.span.start)),
                             besides(source, earlier.span));
             }
         }
@@ -41,6 +43,17 @@ void checkListedTwice(const Checked& checked, Report* report) {
             checkList(*row.key, row.names);
         }
     }
+}
+
+void checkSeveralInOne(const Document& document, Report* report) {
+    forEachEntry(document, isOfNames, [&](const DocumentName& name) {
+        if (isSeveralInOne(name.text)) {
+            report->add("entries-in-one", document, name.span,
+                        fmt::format("\"{}\" is one entry with this name: write each entry in its "
+                                    "own quotes",
+                                    name.text));
+        }
+    });
 }
 
 // The members of a section that the device uses, by name.
@@ -73,7 +86,7 @@ void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDo
         if (before == after) {
             report->add("name-repeated", second, node->value,
                         fmt::format("{} is set to the same value at {}", name,
-                                    first.source.placeOf(place.start)),
+                                    first.source.placeSeenFrom(second.source, place.start)),
                         besides(first.source, place));
             continue;
         }
@@ -83,7 +96,7 @@ void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDo
         const Span used = isFirstUsed ? place : node->value;
         report->add("name-without-effect", loser, isFirstUsed ? node->value : place,
                     fmt::format("{} has no effect here: the value at {} is used", name,
-                                winner.source.placeOf(used.start)),
+                                winner.source.placeSeenFrom(loser.source, used.start)),
                     besides(winner.source, used));
     }
 }
@@ -151,6 +164,8 @@ void checkResetLevels(const Checked& checked, Report* report) {
 }  // namespace
 
 void checkMerging(const Checked& checked, Report* report) {
+    checked.forEachWritten(
+            [report](const Document& document) { checkSeveralInOne(document, report); });
     checkListedTwice(checked, report);
     checkSharedNames(checked, report);
     checkResetLevels(checked, report);

@@ -156,7 +156,7 @@ void checkCaseTwins(const Document& document, const KnownSettings& known, Report
                     "name-case", document, name.span,
                     fmt::format(
                             "\"{}\" differs only in case from the name at {}: these are two names",
-                            name.text, document.source.placeOf(earlier->span.start)),
+                            name.text, document.source.positionText(earlier->span.start)),
                     besides(document.source, earlier->span));
         }
     };

@@ -139,6 +139,12 @@ size_t settingsIn(const SpecDocument& content) {
     return count;
 }
 
+// Without "Video", or with an empty one.
+bool setsNothing(const Document& document) {
+    const Node* const video = document.video();
+    return video == nullptr || video->isNull() || video->children.empty();
+}
+
 // The private file of a phone that is being debugged.
 bool isDebugSwitch(const SpecDocument& content) {
     const auto isOne = [](const auto& values) {
@@ -149,8 +155,8 @@ bool isDebugSwitch(const SpecDocument& content) {
 
 void checkKeptOut(const Checked& checked, Report* report) {
     const Load& load = *checked.load;
-    if (!load.hasPrivateFile() || !load.overlay->isAccepted) {
-        return;
+    if (!load.hasPrivateFile() || !load.overlay->isAccepted || setsNothing(*load.overlay)) {
+        return;  // What is wrong with the file is reported at its place.
     }
     const std::string lost = describe(lostBy(checked));
     if (lost.empty()) {

@@ -79,6 +79,38 @@ void checkPrefixes(const UseCases& cases, Report* report) {
     }
 }
 
+// How many hexadecimal digits a word has, without 0x and leading zeros.
+size_t digitsIn(std::string_view quoted) {
+    std::string_view word = quoted.substr(1, quoted.size() - 2);
+    word.remove_prefix(hasPrefix(quoted) ? word.find_first_of("xX") + 1 : 0);
+    const size_t first = word.find_first_not_of('0');
+    return first == std::string_view::npos ? 0 : word.size() - first;
+}
+
+// The codes of all platforms have eight digits; a value may have any number.
+void checkShortCodes(const UseCases& cases, const KnownSettings& known, Report* report) {
+    constexpr size_t kCodeDigits = 8;
+    std::vector<std::string> codes;
+    for (const PerfResourceCode& code : known.catalogue.codes()) {
+        codes.push_back(hexadecimal(code.code));
+    }
+    for (const auto& [member, words] : cases.all) {
+        for (size_t i = 0; i < words.size(); i += 2) {
+            const Node& node = member.children[i];
+            const std::string word = hexadecimal(words[i]);
+            if (!node.isString() || node.has(FindingKind::PerfWordTail) ||
+                digitsIn(cases.document.source.textAt(node.value)) + 1 != kCodeDigits ||
+                std::find(codes.begin(), codes.end(), word) != codes.end()) {
+                continue;
+            }
+            const std::string near = nearest(word, codes, 1);
+            report->add("perf-code-short", cases.document, node.value,
+                        fmt::format("the resource code {} has 7 digits, and codes have 8{}", word,
+                                    near.empty() ? "" : fmt::format(". Did you mean {}?", near)));
+        }
+    }
+}
+
 void checkRepeatedCodes(const UseCases& cases, Report* report) {
     constexpr size_t kTwoPairs = 4;
     for (const auto& [member, words] : cases.all) {
@@ -127,7 +159,12 @@ void checkEmptyUseCases(const UseCases& cases, Report* report) {
 
 void checkOddLengths(const UseCases& cases, Report* report) {
     for (const auto& [member, words] : cases.all) {
-        if (words.size() % 2 != 0) {
+        // Where a string has several words, what is missing is there.
+        const bool isInOther =
+                std::any_of(member.children.begin(), member.children.end(), [](const Node& word) {
+                    return word.has(FindingKind::PerfWordTail) && isSeveralWords(word.string);
+                });
+        if (words.size() % 2 != 0 && !isInOther) {
             report->add("perf-odd-length", cases.document, member.value,
                         fmt::format("\"{}\" has {}: a resource code lacks its value", member.key,
                                     counted(words.size(), "word")));
@@ -143,6 +180,7 @@ void checkPerfWords(const Checked& checked, Report* report) {
         checkOddLengths(cases, report);
         checkPrefixes(cases, report);
         checkRepeatedCodes(cases, report);
+        checkShortCodes(cases, checked.known, report);
         checkSwappedPairs(cases, checked.known, report);
         checkEmptyUseCases(cases, report);
     });

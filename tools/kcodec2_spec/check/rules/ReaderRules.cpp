@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
@@ -139,6 +140,88 @@ std::optional<int32_t> plainDecimal(std::string_view text) {
     return fits ? std::optional(static_cast<int32_t>(number)) : std::nullopt;
 }
 
+// A diff that somebody saved in place of the document: the parser reads its first '-' as 0.
+bool isDiff(const Verdict& /*verdict*/, const Document& document) {
+    return document.text.starts_with("--- ");
+}
+
+bool isOfPrivateFile(const Verdict& /*verdict*/, const Document& document) {
+    return isPrivateFile(document);
+}
+
+// Words that people write for true and false.
+std::optional<bool> wordOfSwitch(const Verdict& verdict, const Document& document) {
+    const std::string word = inSmallLetters(quotedText(verdict, document).value_or(""));
+    const auto isOneOf = [&word](const auto& words) {
+        return std::find(std::begin(words), std::end(words), word) != std::end(words);
+    };
+    if (isOneOf(std::initializer_list<const char*>{"true", "yes", "on", "1", "enabled"})) {
+        return true;
+    }
+    return isOneOf(std::initializer_list<const char*>{"false", "no", "off", "0", "disabled"})
+                   ? std::optional(false)
+                   : std::nullopt;
+}
+
+bool isOtherSwitch(const Verdict& verdict, const Document& document) {
+    return wordOfSwitch(verdict, document).has_value();
+}
+
+// The number in a string that is not a plain decimal one: "0x90", "1,958,400", "0144", "144 ".
+std::optional<int64_t> oddNumber(const Verdict& verdict, const Document& document) {
+    std::string text(quotedText(verdict, document).value_or(""));
+    text.erase(std::remove_if(text.begin(), text.end(),
+                              [](char c) { return c == ',' || c == '_' || c == ' '; }),
+               text.end());
+    const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+    const std::string_view digits = std::string_view(text).substr(isHexadecimal ? 2 : 0);
+    uint32_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number,
+                                              isHexadecimal ? 16 : 10);
+    const bool isWhole = error == std::errc() && end == digits.data() + digits.size() &&
+                         number <= std::numeric_limits<int32_t>::max();
+    return isWhole ? std::optional(int64_t{number}) : std::nullopt;
+}
+
+bool isOddNumber(const Verdict& verdict, const Document& document) {
+    return oddNumber(verdict, document).has_value();
+}
+
+// The values of a row between which commas separate thousands: [0, 1,958,400, 5].
+bool hasThousands(const Verdict& verdict, const Document& document) {
+    constexpr size_t kGroup = 3;
+    const Node* const row = findValueAt(document.tree.root, verdict.start);
+    if (row == nullptr || !row->isArray() || row->children.size() <= kGroup) {
+        return false;
+    }
+    const auto text = [&](const Node& node) { return document.source.textAt(node.value); };
+    const auto hasPair = [&](const auto& isOne) {
+        return std::adjacent_find(row->children.begin(), row->children.end(), isOne) !=
+               row->children.end();
+    };
+    const auto areGroups = [&](const Node& one, const Node& next) {
+        return one.value.limit + 1 == next.value.start && text(one).size() <= kGroup &&
+               text(next).size() == kGroup;
+    };
+    const auto areApart = [](const Node& one, const Node& next) {
+        return one.value.limit + 1 < next.value.start;
+    };
+    return hasPair(areGroups) && hasPair(areApart);
+}
+
+// "1.958", where a point separates thousands.
+bool mayBeThousands(const Verdict& verdict, const Document& document) {
+    constexpr size_t kGroup = 3;
+    const std::string_view text = textOf(verdict, document);
+    const size_t point = text.find('.');
+    return point <= kGroup && text.size() == point + 1 + kGroup && text[0] != '0';
+}
+
+// Several words in one string: "0x40800000, 0x5DC".
+bool hasTwoWords(const Verdict& verdict, const Document& document) {
+    return isSeveralWords(quotedText(verdict, document).value_or(""));
+}
+
 bool isQuotedNumber(const Verdict& verdict, const Document& document) {
     const auto text = quotedText(verdict, document);
     return text && plainDecimal(*text);
@@ -147,7 +230,7 @@ bool isQuotedNumber(const Verdict& verdict, const Document& document) {
 // --- The tables ---
 
 // {place}, {value}: as written, {converted}: what the device uses instead, {switch}: the same as
-// true or false.
+// true or false; {word}, {number}: what a string means that is neither a boolean nor a number.
 struct ReaderRule {
     FindingKind kind;
     CheckId check;
@@ -165,22 +248,36 @@ constexpr ReaderRule kReaderRules[] = {
          "nested deeper than {mostNesting} levels: the device rejects the whole document"},
         {FindingKind::SyntaxError, "syntax", nullptr},
         {FindingKind::RootNotObject, "root-not-object",
+         "this is a diff, not a document: the device rejects it", isDiff},
+        {FindingKind::RootNotObject, "root-not-object",
          "the root must be an object: the device rejects the whole document"},
         {FindingKind::VideoNotObject, "video-not-object",
          "\"Video\" must be an object: the device rejects the whole document"},
         {FindingKind::SectionNotObject, "section-not-object",
          "{place} must be an object: the section is skipped"},
         {FindingKind::FeatureNotBoolean, "feature-not-boolean",
-         "{place} must be true or false, without quotes: the feature is skipped", isQuotedBoolean},
+         "{place} must be true or false, not a string: remove the quotes; the feature is skipped",
+         isQuotedBoolean},
+        {FindingKind::FeatureNotBoolean, "feature-not-boolean",
+         "{place} must be true or false, not {value}: write {word}; the feature is skipped",
+         isOtherSwitch},
         {FindingKind::FeatureNotBoolean, "feature-not-boolean",
          "{place} must be true or false: the feature is skipped"},
         {FindingKind::PresetNotInteger, "preset-not-integer",
-         "{place} must be a number without quotes: the preset is skipped", isQuotedNumber},
+         "{place} must be a number, not a string: remove the quotes; the preset is skipped",
+         isQuotedNumber},
+        {FindingKind::PresetNotInteger, "preset-not-integer",
+         "{place} must be a decimal number, not a string: write {number}; the preset is skipped",
+         isOddNumber},
         {FindingKind::PresetNotInteger, "preset-not-integer",
          "{place} must be an integer from -2147483648 to 2147483647: the preset is skipped"},
         {FindingKind::RowSizeNotThree, "row-size",
          "{place} and what follows are not rows: each row must be an array [low, high, bit rate]",
          isRepeated},
+        {FindingKind::RowSizeNotThree, "row-size",
+         "{place} must have three integers [low, high, bit rate], and JSON numbers have no "
+         "thousands separators: remove their commas; the row is skipped",
+         hasThousands},
         {FindingKind::RowSizeNotThree, "row-size",
          "{place} must have three integers [low, high, bit rate]: the row is skipped"},
         {FindingKind::RowNotArray, "row-not-array",
@@ -207,6 +304,10 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::ProfileNotUnsigned, "profile-not-unsigned",
          "{place} must be an integer from 0 to 4294967295: the profile is skipped, and the device "
          "does not log it"},
+        {FindingKind::NoVideo, "private-file-empty",
+         "the file has no member \"Video\": it sets nothing, and while it is there, no built-in "
+         "document is read",
+         isOfPrivateFile},
         {FindingKind::NoVideo, "no-video",
          "the document has no member \"Video\": nothing in it is read"},
         {FindingKind::ObjectAsArray, "object-not-array",
@@ -227,6 +328,10 @@ constexpr ReaderRule kReaderRules[] = {
         {FindingKind::NullAsZero, "null-as-zero",
          "{place} should be an integer: null is used as 0"},
         {FindingKind::RealTruncated, "real-truncated",
+         "{place} should be an integer: {value} is cut to {converted}. A point does not separate "
+         "thousands",
+         mayBeThousands},
+        {FindingKind::RealTruncated, "real-truncated",
          "{place} should be an integer: {value} is cut to {converted}"},
         {FindingKind::NegativeAsUnsigned, "row-without-bound",
          "{place}: the upper bound {value} is stored as {converted}, so there is no upper bound",
@@ -235,7 +340,10 @@ constexpr ReaderRule kReaderRules[] = {
          "{place} should not be negative: {value} is stored as {converted}"},
         {FindingKind::PerfWordUnquoted, "perf-word-unquoted",
          "{place} should be a string: the decimal text of {value} is read as hexadecimal, as "
-         "{converted}"},
+         "{converted} (0x{converted:X})"},
+        {FindingKind::PerfWordTail, "perf-word-tail",
+         "{place} has several words in one string: only the first, 0x{converted:X}, is used",
+         hasTwoWords},
         {FindingKind::PerfWordTail, "perf-word-tail",
          "{place}: what follows the hexadecimal digits is ignored: 0x{converted:X} is used"},
         {FindingKind::TierLevelAbsent, "tier-level-absent",
@@ -267,6 +375,8 @@ std::string messageOf(const ReaderRule& rule, const Verdict& verdict, const Docu
                        fmt::arg("value", shortened(textOf(verdict, document))),
                        fmt::arg("converted", verdict.converted),
                        fmt::arg("switch", verdict.converted != 0),
+                       fmt::arg("word", wordOfSwitch(verdict, document).value_or(false)),
+                       fmt::arg("number", oddNumber(verdict, document).value_or(0)),
                        fmt::arg("mostMebibytes", kMaxTextBytes >> 20),
                        fmt::arg("mostValues", kMaxValues), fmt::arg("mostNesting", kMaxNesting));
 }

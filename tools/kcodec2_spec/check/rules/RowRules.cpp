@@ -29,7 +29,9 @@ struct PlacedRow {
     bool isLast = false;  // Of its document.
 
     bool matchesNothing() const { return row.low >= row.high; }
-    std::string place() const { return document->source.placeOf(span.start); }
+    std::string placeSeenFrom(const PlacedRow& other) const {
+        return document->source.placeSeenFrom(other.document->source, span.start);
+    }
     // As the last row, so that every value has a rate.
     bool isCatchAll() const { return isLast && row.high >= INT32_MAX; }
 };
@@ -175,7 +177,8 @@ void reportOnce(CheckId check, const std::vector<Neighbours>& found, std::string
     const auto& [before, after] = found.front();
     if (found.size() > 1) {
         message += fmt::format(". The same at {}, the next one at {}",
-                               counted(found.size() - 1, "more row"), found[1].after->place());
+                               counted(found.size() - 1, "more row"),
+                               found[1].after->placeSeenFrom(*after));
     }
     report->add(check, *after->document, after->span, std::move(message),
                 besides(before->document->source, before->span));
@@ -257,7 +260,7 @@ void checkHiddenRows(const Table& table, Report* report) {
                     "row-hidden", placed,
                     fmt::format("this row is never used: earlier rows, the first at {}, cover its "
                                 "range",
-                                placed.earlier->place()),
+                                placed.earlier->placeSeenFrom(placed)),
                     report);
         }
     }
@@ -270,7 +273,7 @@ void checkOverlappingRows(const Table& table, Report* report) {
                     "row-overlaps", placed,
                     fmt::format("the row overlaps the earlier one at {}, which is used for the "
                                 "values that both cover",
-                                placed.earlier->place()),
+                                placed.earlier->placeSeenFrom(placed)),
                     report);
         }
     }

@@ -44,7 +44,9 @@ using Covers = std::function<bool(const Node& member)>;
 void reportUnknownMembers(const Document& document, const Node& object, std::string_view place,
                           const std::vector<std::string_view>& names, const KnownSettings& known,
                           const Covers& isReported, Report* report) {
-    std::vector<Misspelling> misspellings;
+    std::vector<Misspelling> others;
+    std::vector<Misspelling> sections;  // A whole section is lost, so it is an error.
+    const bool isVideo = &object == document.video();
     for (const Node& member : object.children) {
         const bool isUnknown = member.has(FindingKind::UnknownMember) ||
                                member.has(FindingKind::UnknownRootMember);
@@ -57,13 +59,16 @@ void reportUnknownMembers(const Document& document, const Node& object, std::str
         const std::string hint = !rightPlace.empty() ? fmt::format(". It belongs in {}", rightPlace)
                                  : near.empty()      ? ""
                                                      : fmt::format(". Did you mean \"{}\"?", near);
-        misspellings.push_back(
-                {member.name, std::move(near),
-                 fmt::format("unknown member \"{}\" of {}, ignored{}", member.key, place, hint)});
+        (isVideo && !near.empty() ? sections : others)
+                .push_back({member.name, std::move(near),
+                            fmt::format("unknown member \"{}\" of {}, ignored{}", member.key, place,
+                                        hint)});
     }
-    reportMisspellings(
-            "unknown-member", document, std::move(misspellings),
-            [&](const std::string& near) { return findMember(object, near) != nullptr; }, report);
+    const auto isPresent = [&](const std::string& near) {
+        return findMember(object, near) != nullptr;
+    };
+    reportMisspellings("section-misspelt", document, std::move(sections), isPresent, report);
+    reportMisspellings("unknown-member", document, std::move(others), isPresent, report);
 }
 
 std::vector<std::string_view> namesOf(std::span<const char* const* const> keys) {
@@ -131,10 +136,31 @@ void checkDuplicateMembers(const Document& document, Report* report) {
                         "duplicate-member", document, member.name,
                         fmt::format(
                                 "duplicate member \"{}\"; this value is used, not the one at {}",
-                                member.key, document.source.placeOf(earlier->name.start)),
+                                member.key, document.source.positionText(earlier->name.start)),
                         besides(document.source, earlier->name));
             }
             earlier = &member;
+        }
+    });
+}
+
+// A template's placeholder in a name, or in a string that the device uses.
+void checkPlaceholders(const Document& document, Report* report) {
+    const auto isPlaceholder = [](std::string_view text) {
+        return text.find("${") != std::string_view::npos ||
+               text.find("$(") != std::string_view::npos ||
+               text.find("{{") != std::string_view::npos;
+    };
+    const auto check = [&](std::string_view text, Span span) {
+        if (isPlaceholder(text)) {
+            report->add("placeholder", document, span,
+                        fmt::format("\"{}\" has a placeholder that nothing has replaced", text));
+        }
+    };
+    visitAll(document.tree.root, [&](const Node& node) {
+        check(node.key, node.name);
+        if (node.isString() && node.isUsed()) {
+            check(node.string, node.value);
         }
     });
 }
@@ -188,6 +214,19 @@ void checkExtremeNumbers(const Document& document, Report* report) {
     });
 }
 
+// Whether a line begins with the mark of a merge that was not finished.
+bool hasMergeMark(std::string_view text) {
+    for (size_t line = 0; line < text.size();) {
+        for (const std::string_view mark : {"<<<<<<<", "=======", ">>>>>>>", "|||||||"}) {
+            if (text.substr(line).starts_with(mark)) {
+                return true;
+            }
+        }
+        line = std::min(text.find('\n', line), text.size() - 1) + 1;
+    }
+    return false;
+}
+
 void checkWrongLevels(const Document& document, const WrongLevels& levels, Report* report) {
     for (const WrongLevels::Cause& cause : levels.causes()) {
         report->add(cause.isOfSections ? CheckId("wrong-level") : CheckId("unknown-member"),
@@ -198,13 +237,23 @@ void checkWrongLevels(const Document& document, const WrongLevels& levels, Repor
 }
 
 void checkTrailingText(const Document& document, const WrongLevels& levels, Report* report) {
-    const std::string_view text = document.source.text();
+    const Span span = {document.tree.limit, document.source.text().size()};
+    const std::string_view rest = std::string_view(document.parserText).substr(span.start);
     const bool isBracketLeft = levels.hasBracketLeft() &&
-                               document.parserText.find_first_not_of(
-                                       "}] \t\r\n", document.tree.limit) == std::string::npos;
-    if (document.tree.limit < text.size() && !isBracketLeft && !levels.isRootClosedEarly()) {
-        report->add("trailing-text", document, {document.tree.limit, text.size()},
-                    "text after the end of the document, ignored");
+                               rest.find_first_not_of("}] \t\r\n") == std::string_view::npos;
+    if (rest.empty() || isBracketLeft || levels.isRootClosedEarly()) {
+        return;
+    }
+    if (hasMergeMark(rest)) {
+        report->add("second-document", document, span,
+                    "merge marks after the end of the document: the merge was not finished, and "
+                    "the device reads only what is above");
+    } else if (rest.starts_with('{') || rest.starts_with('[')) {
+        report->add("second-document", document, span,
+                    "a second document after the end of the first: the device reads only the "
+                    "first");
+    } else {
+        report->add("trailing-text", document, span, "text after the end of the document, ignored");
     }
 }
 
@@ -232,11 +281,14 @@ void checkTexts(const Checked& checked, Report* report) {
         checkWrongLevels(document, levels, report);
         checkUnknownMembers(document, levels, checked.known, report);
         checkDuplicateMembers(document, report);
+        checkPlaceholders(document, report);
         checkLeadingZeros(document, report);
-        checkLoneMinuses(document, report);
+        if (document.isAccepted) {  // Else the root is the mistake.
+            checkLoneMinuses(document, report);
+            checkTrailingText(document, levels, report);
+        }
         checkExtremeNumbers(document, report);
         checkControlCharacters(document, report);
-        checkTrailingText(document, levels, report);
     });
 }
 

@@ -41,6 +41,24 @@ void reportAtValue(CheckId check, const Document& document, const Setting& setti
     }
 }
 
+// A value of several bytes, each with its own limit, such as the QPs of three kinds of frames.
+void checkBytes(const Document& document, const Setting& setting, int64_t value, Report* report) {
+    constexpr int kBits = 8;
+    for (int64_t rest = setting.maximumOfByte ? value : 0, byte = 0; rest > 0;
+         ++byte, rest >>= kBits) {
+        const int64_t one = rest & 0xFF;
+        if (one > *setting.maximumOfByte) {
+            reportAtValue("value-range", document, setting,
+                          fmt::format("byte {} of {} (0x{:08X}) is {}, above {}, the highest value "
+                                      "of a byte of \"{}\" ({})",
+                                      byte, value, value, one, *setting.maximumOfByte, setting.name,
+                                      setting.meaning),
+                          report);
+            return;
+        }
+    }
+}
+
 void checkRanges(const Document& document, const KnownSettings& known, Report* report) {
     forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
         const bool isBelow = setting.minimum && value < *setting.minimum;
@@ -53,6 +71,8 @@ void checkRanges(const Document& document, const KnownSettings& known, Report* r
                                       isBelow ? "lowest value" : "highest value", setting.name,
                                       setting.meaning),
                           report);
+        } else {
+            checkBytes(document, setting, value, report);
         }
     });
 }
@@ -163,11 +183,20 @@ bool isEmptyContainer(const Node& node) {
 
 void checkEmptyVideo(const Document& document, Report* report) {
     const Node* const video = document.video();
-    if (video != nullptr && document.isAccepted && (video->isNull() || isEmptyContainer(*video))) {
-        report->add("video-empty", document, video->name,
-                    fmt::format("\"{}\" is {}: the document sets nothing", targetSpecRoot,
-                                video->isNull() ? "null" : "empty"));
+    if (video == nullptr || !document.isAccepted ||
+        (!video->isNull() && !isEmptyContainer(*video))) {
+        return;
     }
+    const char* const state = video->isNull() ? "null" : "empty";
+    if (isPrivateFile(document)) {
+        report->add("private-file-empty", document, video->name,
+                    fmt::format("\"{}\" is {}: the file sets nothing, and while it is there, no "
+                                "built-in document is read",
+                                targetSpecRoot, state));
+        return;
+    }
+    report->add("video-empty", document, video->name,
+                fmt::format("\"{}\" is {}: the document sets nothing", targetSpecRoot, state));
 }
 
 // "DolbyVision" is left to the reader's finding: its levels become 0.
