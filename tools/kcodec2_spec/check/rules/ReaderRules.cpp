@@ -142,7 +142,7 @@ std::optional<int32_t> plainDecimal(std::string_view text) {
 
 // A diff that somebody saved in place of the document: the parser reads its first '-' as 0.
 bool isDiff(const Verdict& /*verdict*/, const Document& document) {
-    return document.text.starts_with("--- ");
+    return document.text.starts_with("--- ") || document.text.starts_with("-{");
 }
 
 bool isOfPrivateFile(const Verdict& /*verdict*/, const Document& document) {

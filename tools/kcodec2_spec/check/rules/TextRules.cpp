@@ -227,6 +227,12 @@ bool hasMergeMark(std::string_view text) {
     return false;
 }
 
+// Whether a text begins with a document, which people separate by a comma or by a line "---".
+bool hasDocument(std::string_view text) {
+    const size_t first = text.find_first_not_of("-,; \t\r\n");
+    return first != std::string_view::npos && (text[first] == '{' || text[first] == '[');
+}
+
 void checkWrongLevels(const Document& document, const WrongLevels& levels, Report* report) {
     for (const WrongLevels::Cause& cause : levels.causes()) {
         report->add(cause.isOfSections ? CheckId("wrong-level") : CheckId("unknown-member"),
@@ -248,7 +254,7 @@ void checkTrailingText(const Document& document, const WrongLevels& levels, Repo
         report->add("second-document", document, span,
                     "merge marks after the end of the document: the merge was not finished, and "
                     "the device reads only what is above");
-    } else if (rest.starts_with('{') || rest.starts_with('[')) {
+    } else if (hasDocument(rest)) {
         report->add("second-document", document, span,
                     "a second document after the end of the first: the device reads only the "
                     "first");
