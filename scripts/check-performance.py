@@ -261,7 +261,7 @@ def count_change(scratch):
     # Each tenth entry is a row: they follow each other without a gap.
     text = re.sub(r"\[(\d+)0, \d+, 500\]",
                   lambda row: f"[{int(row[1]) // 10}, {int(row[1]) // 10 + 1}, 500]",
-                  generated(CHANGE_ENTRIES))
+                  generated(CHANGE_ENTRIES).replace('"private_', '"vendor_'))
     counts = []
     for changes in (10, 60):
         result = subprocess.run(

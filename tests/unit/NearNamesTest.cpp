@@ -54,7 +54,7 @@ std::vector<KnownName> allKnownNames() {
 
 using Names = std::vector<std::string>;
 
-std::vector<std::string> wordsOf(const KnownName& known) {
+std::vector<std::string> partsOf(const KnownName& known) {
     std::vector<std::string> words(1);
     for (const char c : known.name) {
         c == known.separator ? words.emplace_back() : words.back() += c;
@@ -62,7 +62,7 @@ std::vector<std::string> wordsOf(const KnownName& known) {
     return words;
 }
 
-std::string nameOf(const std::vector<std::string>& words, std::string_view separator) {
+std::string nameFrom(const std::vector<std::string>& words, std::string_view separator) {
     return tool::joined(words, separator);
 }
 
@@ -127,38 +127,38 @@ Names otherCase(const KnownName& known) {
     for (const char c : known.name) {
         names.back() += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     }
-    std::vector<std::string> words = wordsOf(known);
+    std::vector<std::string> words = partsOf(known);
     for (std::string& word : words) {
         word = capitalised(word);
-        names.push_back(nameOf(words, std::string(1, known.separator)));
+        names.push_back(nameFrom(words, std::string(1, known.separator)));
     }
     return names;
 }
 
 Names otherSeparators(const KnownName& known) {
-    std::vector<std::string> words = wordsOf(known);
+    std::vector<std::string> words = partsOf(known);
     Names names;
     for (const char* const separator : {"-", ".", " ", "/", "", "__", ":", "_"}) {
-        names.push_back(nameOf(words, separator));
+        names.push_back(nameFrom(words, separator));
     }
     for (size_t i = 1; i < words.size(); ++i) {  // One is missing, or another one.
         for (const char* const separator : {"", "-"}) {
             std::vector<std::string> joined = words;
             joined[i - 1] += separator + joined[i];
             joined.erase(joined.begin() + static_cast<ptrdiff_t>(i));
-            names.push_back(nameOf(joined, std::string(1, known.separator)));
+            names.push_back(nameFrom(joined, std::string(1, known.separator)));
         }
     }
     for (size_t i = 1; i < words.size(); ++i) {
         words[i] = capitalised(words[i]);
     }
-    names.push_back(nameOf(words, ""));
+    names.push_back(nameFrom(words, ""));
     return names;
 }
 
 // With one word replaced by what `change` returns for it; an empty one is left out.
 Names eachWord(const KnownName& known, const std::function<Names(const std::string&)>& change) {
-    const std::vector<std::string> words = wordsOf(known);
+    const std::vector<std::string> words = partsOf(known);
     Names names;
     for (size_t i = 0; i < words.size(); ++i) {
         for (const std::string& instead : change(words[i])) {
@@ -167,7 +167,7 @@ Names eachWord(const KnownName& known, const std::function<Names(const std::stri
             if (instead.empty()) {
                 changed.erase(changed.begin() + static_cast<ptrdiff_t>(i));
             }
-            names.push_back(nameOf(changed, std::string(1, known.separator)));
+            names.push_back(nameFrom(changed, std::string(1, known.separator)));
         }
     }
     return names;
@@ -269,10 +269,10 @@ Names wordLeftOut(const KnownName& known) {
 
 Names wordsSwapped(const KnownName& known) {
     Names names;
-    for (size_t i = 1; i < wordsOf(known).size(); ++i) {
-        std::vector<std::string> words = wordsOf(known);
+    for (size_t i = 1; i < partsOf(known).size(); ++i) {
+        std::vector<std::string> words = partsOf(known);
         std::swap(words[i - 1], words[i]);
-        names.push_back(nameOf(words, std::string(1, known.separator)));
+        names.push_back(nameFrom(words, std::string(1, known.separator)));
     }
     return names;
 }
@@ -292,7 +292,7 @@ Names otherPrefix(const KnownName& known) {
     if (at == 0) {
         names.erase(names.end() - 2);
     }
-    if (wordsOf(known).size() < 3) {
+    if (partsOf(known).size() < 3) {
         names.pop_back();
     }
     return names;
@@ -327,7 +327,7 @@ struct Misspelt {
     std::string name;
 };
 
-std::vector<Misspelt> allOf(const Kind& kind) {
+std::vector<Misspelt> misspeltNames(const Kind& kind) {
     std::vector<Misspelt> all;
     for (const KnownName& known : allKnownNames()) {
         for (std::string& name : kind.make(known)) {
@@ -402,7 +402,7 @@ struct Found {
 
 Found countFound(const Kind& kind) {
     constexpr size_t kAskedStep = 61;  // `explain` is run for each of these only.
-    const std::vector<Misspelt> all = allOf(kind);
+    const std::vector<Misspelt> all = misspeltNames(kind);
     const std::map<std::string, std::string> messages = checkMessages(all);
     Found found = {.kind = kind.name};
     for (const auto& [known, name] : all) {

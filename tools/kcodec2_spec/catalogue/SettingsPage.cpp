@@ -23,11 +23,14 @@ constexpr char kIntroduction[] =
         "<!-- Written by \"kcodec2_spec explain --markdown\" from the settings catalogue. -->\n"
         "\n"
         "The settings, codec components and perf resource codes that the tool knows.\n"
-        "`kcodec2_spec explain NAME` explains one of them, and `kcodec2_spec check` compares names\n"
-        "and values in documents with them. [A file of your own](#a-settings-file-of-your-own) adds\n"
+        "`kcodec2_spec explain NAME` explains one of them, and `kcodec2_spec check` compares "
+        "names\n"
+        "and values in documents with them. [A file of your own](#a-settings-file-of-your-own) "
+        "adds\n"
         "to them.\n"
         "\n"
-        "`private_` and `debug_private_` begin the names of the store's own settings. `check` reports\n"
+        "`private_` and `debug_private_` begin the names of the store's own settings. `check` "
+        "reports\n"
         "those of a document that are not here with one note, and one that is nearly here with a\n"
         "warning. All other names are free: use them for settings of your own.\n";
 

@@ -744,10 +744,11 @@ inline constexpr Check kChecks[] = {
                 .group = "name",
                 .severity = Severity::Note,
                 .summary = "names that begin with private_ or debug_private_, but are not known",
-                .meaning = "These prefixes mark the store's own settings, so a name with one that "
-                           "the catalogue does not have may be misspelt beyond recognition, or of "
-                           "another release. The device stores it. All of a document's are reported "
-                           "once, at the first, with the nearest known name of the first five.",
+                .meaning =
+                        "These prefixes mark the store's own settings, so a name with one that "
+                        "the catalogue does not have may be misspelt beyond recognition, or of "
+                        "another release. The device stores it. All of a document's are reported "
+                        "once, at the first, with the nearest known name of the first five.",
                 .fix = "Correct the names. For settings of your own use another prefix, or make "
                        "them known with --settings FILE.",
                 .mistake = R"({"Video": {"Presets": {"private_zoom_width": 50}}})",
@@ -780,11 +781,12 @@ inline constexpr Check kChecks[] = {
                 .group = "name",
                 .severity = Severity::Note,
                 .summary = "a name that another document spells almost the same",
-                .meaning = "Two documents of the device tree, such as two variants' or a private file "
-                           "and a system spec document, have names that differ in one letter, in the "
-                           "order of two letters or words, in case or in separators. The device "
-                           "stores them as two names. It is reported at the name that fewer documents "
-                           "have. Two names that one document has are not compared.",
+                .meaning =
+                        "Two documents of the device tree, such as two variants' or a private file "
+                        "and a system spec document, have names that differ in one letter, in the "
+                        "order of two letters or words, in case or in separators. The device "
+                        "stores them as two names. It is reported at the name that fewer documents "
+                        "have. Two names that one document has are not compared.",
                 .fix = "Correct the misspelt one. Leave both if components read both.",
                 .whyNoExample = kNeedsLoad,
         },

@@ -135,7 +135,7 @@ std::unique_ptr<Document> fallbackBesides(const std::vector<Load>& loads) {
 }
 
 // Of all loads, in their order.
-std::vector<const Document*> documentsOf(const CheckedVariants& checked) {
+std::vector<const Document*> allDocuments(const CheckedVariants& checked) {
     std::vector<const Document*> documents;
     for (const Load& load : checked.loads) {
         documents.push_back(load.systemSpec.get());
@@ -158,7 +158,7 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
         checked.loads.push_back(readLoad());
     }
     checked.fallback = fallbackBesides(checked.loads);
-    const TreeNames names(documentsOf(checked), known);
+    const TreeNames names(allDocuments(checked), known);
     SharedFindings findings;
     for (size_t i = 0; i < checked.loads.size(); ++i) {
         const Load& load = checked.loads[i];
