@@ -27,7 +27,7 @@ must_fail() {
     if cmake --build "$scratch/build" > "$scratch/log" 2>&1; then
         fail "a misspelt section in $1 does not fail the build"
     fi
-    grep -q "$1.*unknown-member" "$scratch/log" || fail "the build does not say what is wrong in $1"
+    grep -q "$1.*section-misspelt" "$scratch/log" || fail "the build does not say what is wrong in $1"
 }
 
 for document in odm/etc/media_orvelle vendor/etc/media; do

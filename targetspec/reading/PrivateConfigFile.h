@@ -8,9 +8,9 @@ namespace kc2 {
 // Whether the codec test tool exists, whatever kind of file it is.
 bool isTestToolInstalled();
 
-// Opens the private configuration file for parseJsonData(), which merges the built-in document where
-// the stream has failed. Returns whether the file must be seeded with that document: with the test
-// tool, if it is missing or empty.
+// Opens the private configuration file for parseJsonData(), which merges the built-in document
+// where the stream has failed. Returns whether the file must be seeded with that document: with the
+// test tool, if it is missing or empty.
 //
 // What is not a regular file is treated as one that cannot be opened, and is not seeded: opening a
 // pipe that nobody writes to waits for ever, with the store's lock taken, and every process in the
