@@ -136,20 +136,28 @@ void forEachEntry(const Document& document, bool (*isWanted)(SectionType), Visit
     });
 }
 
+// Calls visit(element) for each element or member of a section that the device uses, in the order
+// of the text.
+template <typename Visit>
+void forEachUsed(const Document& document, const char* section, Visit visit) {
+    const Node* const whole = document.section(section);
+    if (whole == nullptr) {
+        return;
+    }
+    for (const Node& element : whole->children) {
+        if (element.isUsed()) {
+            visit(element);
+        }
+    }
+}
+
 // The elements of a list that the device uses, in the order in which it reads them: an object in
 // place of an array is read in the order of its names.
 inline std::vector<const Node*> usedElements(const Document& document, const char* section) {
     std::vector<const Node*> used;
+    forEachUsed(document, section, [&](const Node& element) { used.push_back(&element); });
     const Node* const list = document.section(section);
-    if (list == nullptr) {
-        return used;
-    }
-    for (const Node& element : list->children) {
-        if (element.isUsed()) {
-            used.push_back(&element);
-        }
-    }
-    if (list->isObject()) {
+    if (list != nullptr && list->isObject()) {
         std::sort(used.begin(), used.end(),
                   [](const Node* a, const Node* b) { return a->key < b->key; });
     }

@@ -60,9 +60,8 @@ void checkSeveralInOne(const Document& document, Report* report) {
 std::unordered_map<std::string_view, const Node*> usedMembers(const Document& document,
                                                               const char* section) {
     std::unordered_map<std::string_view, const Node*> members;
-    for (const Node* const member : usedElements(document, section)) {
-        members.emplace(member->key, member);
-    }
+    forEachUsed(document, section,
+                [&](const Node& member) { members.emplace(member.key, &member); });
     return members;
 }
 
@@ -74,31 +73,31 @@ void checkNamesOfBoth(const Checked& checked, const char* section, Values SpecDo
     const Document& second = *checked.documents[1];
     const Values& whole = checked.whole().*member;
     const auto nodesOfFirst = usedMembers(first, section);
-    for (const Node* const node : usedElements(second, section)) {
-        const auto other = nodesOfFirst.find(node->key);
+    forEachUsed(second, section, [&](const Node& node) {
+        const auto other = nodesOfFirst.find(node.key);
         if (other == nodesOfFirst.end()) {
-            continue;
+            return;
         }
-        const std::string name(node->key);
+        const std::string name(node.key);
         const Span place = other->second->value;
         const auto& before = (first.content.*member).at(name);
         const auto& after = (second.content.*member).at(name);
         if (before == after) {
-            report->add("name-repeated", second, node->value,
+            report->add("name-repeated", second, node.value,
                         fmt::format("{} is set to the same value at {}", name,
                                     first.source.placeSeenFrom(second.source, place.start)),
                         besides(first.source, place));
-            continue;
+            return;
         }
         const bool isFirstUsed = whole.at(name) == before;
         const Document& loser = isFirstUsed ? second : first;
         const Document& winner = isFirstUsed ? first : second;
-        const Span used = isFirstUsed ? place : node->value;
-        report->add("name-without-effect", loser, isFirstUsed ? node->value : place,
+        const Span used = isFirstUsed ? place : node.value;
+        report->add("name-without-effect", loser, isFirstUsed ? node.value : place,
                     fmt::format("{} has no effect here: the value at {} is used", name,
                                 winner.source.placeSeenFrom(loser.source, used.start)),
                     besides(winner.source, used));
-    }
+    });
 }
 
 std::string_view withoutBlanksAround(std::string_view text) {
