@@ -262,6 +262,8 @@ constexpr Mistake kMistakes[] = {
          R"("private_enc_c2d_rotation": false)",
          "unknown-member@55"},
         {R"("Presets": {"vendor_a": 1}, "vendor_b": 2, "vendor_c": 3)", "unknown-member@37"},
+        {R"("Features": {"vendor_a": true}, "vendor_b": true, "vendor_c": false)",
+         "unknown-member@41"},
         {R"("Presets": {"vendor_a": 1}, "vendor_b": 2)", "unknown-member@40"},
         {"{\n    \"Video\": {\"Presets\": {\"vendor_a\": 1}},\n    \"KC2CodecPlugins\": [\"a\"]\n}",
          "wrong-level@5", Form::Whole},

@@ -197,6 +197,17 @@ TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
     EXPECT_LT(many.find("id=\"warnings\""), many.find("id=\"notes\""));
 }
 
+TEST(ReportTest, ShowsWhatIsWrongInAFallbackThatNoLoadReads) {
+    const ScratchDirectory tree;
+    const std::string spec = R"({"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder"]}})";
+    tree.write(std::string("vendor/etc/media") + kSpec, spec);
+    tree.write(std::string("odm/etc/media_a") + kSpec, spec);
+    tree.write("vendor/etc/video_system_specs.json", R"({"Video": {"Presets": {"a": true}}})");
+    const std::string page = run("report --output - --rootdir " + tree.path()).output;
+    EXPECT_NE(std::string::npos, page.find("true is used as 1 (a variant without a document)"))
+            << page;
+}
+
 TEST(ReportTest, WritesACompleteFileOrNone) {
     const ScratchDirectory directory;
     const std::string kept = directory.write("kept.html", "before");
