@@ -37,7 +37,7 @@ demo $tool show --rootdir build/bare-device
 
 echo
 echo "The example device: its variant's document, then the private file."
-demo $tool show --rootdir examples/device --property vendor.media.target_variant=_orvelle
+demo $tool show --rootdir examples/device --variant _orvelle
 
 echo
 echo "All variants of the example device on one page, with what the checker finds; open it in a browser."

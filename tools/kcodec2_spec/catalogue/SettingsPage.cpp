@@ -38,7 +38,7 @@ constexpr char kOwnFile[] =
         "\n## A settings file of your own\n"
         "\n"
         "`--settings FILE` adds a vendor's settings, components and codes to these; `check`,\n"
-        "`explain`, `diff`, `report` and `schema` have the option, and it may be repeated.\n"
+        "`explain`, `diff`, `report`, `schema` and `lsp` have the option, and it may be repeated.\n"
         "`tools/kcodec2_spec/catalogue/settings.json` has the same form. The tool refuses a file\n"
         "that has a mistake, defines a known name again, or refers to a name that neither it nor\n"
         "an earlier file defines, and prints the place.\n";

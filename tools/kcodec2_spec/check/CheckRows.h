@@ -195,7 +195,7 @@ inline constexpr Check kChecks[] = {
                 .summary = "a directory or a pipe in place of the private file",
                 .meaning = "The device reads only a regular file. It goes on as if the private "
                            "file could not be opened, and uses the built-in document.",
-                .fix = "Remove what is there, or replace it by a regular file.",
+                .fix = "Remove what is there, or replace it with a regular file.",
                 .whyNoExample = kNeedsTree,
         },
         {
@@ -589,7 +589,7 @@ inline constexpr Check kChecks[] = {
                 .severity = Severity::Error,
                 .summary = "sections that are not directly in \"Video\"",
                 .meaning = "A bracket closes \"Video\" too early, the closing bracket of a section "
-                           "is missing, or an object is one too many. The device does not read "
+                           "is missing, or there is one object too many. The device does not read "
                            "the sections that are at a wrong level. It is one finding, at the "
                            "bracket or at the first section.",
                 .fix = "Move the bracket or the sections as the message says.",
@@ -681,9 +681,9 @@ inline constexpr Check kChecks[] = {
                 .id = "placeholder",
                 .group = "document",
                 .severity = Severity::Warning,
-                .summary = "a placeholder of a template, as it is",
-                .meaning = "A name, or a string that the device uses, has ${, $( or {{. The "
-                           "device replaces nothing, so this is the name.",
+                .summary = "a placeholder that nothing has replaced",
+                .meaning = "A name, or a string that the device uses, contains ${, $( or {{. "
+                           "The device uses it as it is.",
                 .fix = "Write what the placeholder is for, or correct the script that replaces it.",
                 .mistake = R"({"Video": {"KC2CodecPlugins": ["lib${NAME}.so"]}})",
                 .fixed = R"({"Video": {"KC2CodecPlugins": ["libfilter.so"]}})",
@@ -747,8 +747,9 @@ inline constexpr Check kChecks[] = {
                 .meaning =
                         "These prefixes mark the store's own settings, so a name with one that "
                         "the catalogue does not have may be misspelt beyond recognition, or of "
-                        "another release. The device stores it. All of a document's are reported "
-                        "once, at the first, with the nearest known name of the first five.",
+                        "another release. The device stores it. All such names of a document are "
+                        "one finding, which lists the first five, each with the nearest known "
+                        "name.",
                 .fix = "Correct the names. For settings of your own use another prefix, or make "
                        "them known with --settings FILE.",
                 .mistake = R"({"Video": {"Presets": {"private_zoom_width": 50}}})",
@@ -1144,9 +1145,9 @@ inline constexpr Check kChecks[] = {
                 .group = "row",
                 .severity = Severity::Note,
                 .summary = "a bit-rate table whose rows do not touch",
-                .meaning = "The rows leave out values, so many of them or between groups so "
-                           "far apart that it is probably meant. A component gets 0xFFFFFFFF for "
-                           "such a value.",
+                .meaning = "The rows leave out values: so many, or between groups so far apart, "
+                           "that it is probably meant. A component gets 0xFFFFFFFF for such a "
+                           "value.",
                 .fix = "Leave it if the values between the rows need no bit rate. Otherwise add "
                        "rows for them.",
                 .mistake = R"({"Video": {"NimbraModeBitrateTable": [[0, 100, 5], [150, 200, 7]]}})",
@@ -1217,7 +1218,8 @@ inline constexpr Check kChecks[] = {
                 .meaning = "A known setting whose name begins with \"debug_\" has another value "
                            "in the system spec document than in the built-in document, so it "
                            "applies on every phone, and no private file can change it. A document "
-                           "alone is taken for one by its name, video_system_specs.json.",
+                           "that is checked alone is taken for a system spec document if its name "
+                           "is video_system_specs.json.",
                 .fix = "Remove it, and set it in the private file of the phone that is being "
                        "debugged.",
                 .whyNoExample = "an example has another name than a system spec document",

@@ -102,7 +102,7 @@ bool explainComponentVariant(const Catalogue& catalogue, const std::string& name
     }
     constexpr CheckId kWithoutBase = "variant-without-base";
     printTitle(name);
-    printLine("ending", "of a component that is a variant of the one without");
+    printLine("ending", "marks a variant of the component without this ending");
     for (const CodecComponent& component : catalogue.components()) {
         printLine("component", component.name.ends_with(name) ? component.name : "");
     }

@@ -45,7 +45,7 @@ void addLspCommand(CLI::App* app, int* exitCode) {
             "it, as by check --all-variants. Any other is checked alone.\n"
             "\n"
             "Exit codes: 0 fine; 1 the editor sent \"exit\" without \"shutdown\"; 2 wrong usage, a "
-            "FILE that cannot be read, input that is not of the protocol or that has ended, or "
+            "FILE that cannot be read, input that breaks the protocol or ends without \"exit\", or "
             "output that cannot be written.");
     const auto arguments = std::make_shared<LspArguments>();
     addSettingsOption(command, &arguments->settingsFiles);

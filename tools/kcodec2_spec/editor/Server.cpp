@@ -159,14 +159,15 @@ void LanguageServer::handleNext() {
 LanguageServer::Reply LanguageServer::handleRequest(const std::string& method,
                                                     const Json::Value& params) {
     if (mState == State::ShutDown) {
-        return {{}, kInvalidRequest, "the server is shut down"};
+        return {{}, kInvalidRequest, "the server has been shut down"};
     }
     if (method == "initialize") {
-        return mState == State::New ? initialize(params)
-                                    : Reply{{}, kInvalidRequest, "initialize comes once"};
+        return mState == State::New
+                       ? initialize(params)
+                       : Reply{{}, kInvalidRequest, "initialize may be sent only once"};
     }
     if (mState == State::New) {
-        return {{}, kServerNotInitialized, "initialize comes first"};
+        return {{}, kServerNotInitialized, "initialize must come first"};
     }
     const auto row = std::find_if(std::begin(kRequests), std::end(kRequests),
                                   [&](const RequestRow& one) { return method == one.method; });

@@ -423,8 +423,7 @@ private:
         }
         std::vector<uint64_t> lines = overlayLines();
         if (results.size() == 1) {
-            addNote("overlay", fmt::format("the second document is {}", results.front()), "",
-                    lines);
+            addNote("overlay", fmt::format("second document: {}", results.front()), "", lines);
             return;
         }
         const bool isNoneExcluded = !isNoneOpen && mTrace.lineAfter != 0;

@@ -486,7 +486,8 @@ void complainOf(const TraceCollector& collector) {
 int describeLog(const std::string& path, const LogOptions& options) {
     const ReadLog log = readLog(path);
     if (!log.failure.empty()) {
-        complain(fmt::format("{} cannot be read: {}", path, log.failure));
+        complain(fmt::format("{} cannot be read: {}", path == "-" ? "standard input" : path,
+                             log.failure));
         return kExitUsage;
     }
     const std::vector<Diagnosis> diagnoses = diagnose(log.collector, options);

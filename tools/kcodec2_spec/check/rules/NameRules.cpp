@@ -63,9 +63,9 @@ public:
         std::vector<std::string> shown;
         for (const DocumentName& name : mFirst) {
             const NearNames::Entry* const near = known.closest(name.text);
-            shown.push_back(fmt::format(
-                    "\"{}\" ({})", name.text,
-                    near != nullptr ? fmt::format("nearest: \"{}\"", near->name) : "like none"));
+            shown.push_back(fmt::format("\"{}\" ({})", name.text,
+                                        near != nullptr ? fmt::format("nearest: \"{}\"", near->name)
+                                                        : "nothing similar"));
         }
         report->add("private-name-unknown", document, mFirst.front().span,
                     fmt::format("{} not known: {}{}",

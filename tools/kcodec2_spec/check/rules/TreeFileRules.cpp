@@ -271,7 +271,7 @@ void checkPrivatePlaces(const TreeFiles& files, std::span<const Load> loads, Rep
 const char* kindOfFile(const struct stat& status) {
     return S_ISDIR(status.st_mode)    ? "a directory"
            : S_ISFIFO(status.st_mode) ? "a pipe"
-                                      : "no regular file";
+                                      : "not a regular file";
 }
 
 void checkPrivateType(Report* report) {
