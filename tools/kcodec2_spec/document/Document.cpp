@@ -74,8 +74,10 @@ Document::Document(DocumentId name, std::string from)
         return;
     }
     tree = treeOf(parserText);
-    std::stable_sort(verdicts.begin(), verdicts.end(),
-                     [](const Verdict& a, const Verdict& b) { return a.start < b.start; });
+    const auto isBefore = [](const Verdict& a, const Verdict& b) { return a.start < b.start; };
+    if (!std::is_sorted(verdicts.begin(), verdicts.end(), isBefore)) {  // A list often is.
+        std::stable_sort(verdicts.begin(), verdicts.end(), isBefore);
+    }
     joinVerdicts(&tree.root, verdicts);
 }
 

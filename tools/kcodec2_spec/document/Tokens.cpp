@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <string>
 
 #include "base/Spelling.h"
 #include "base/Text.h"
@@ -154,6 +158,20 @@ size_t valueLength(std::string_view word) {
         }
     }
     return !word.empty() && (isDigit(word[0]) || word[0] == '-') ? numberLength(word) : 0;
+}
+
+NumberRange rangeOf(std::string_view number) {
+    const auto isExponent = [](char c) { return c == 'e' || c == 'E'; };
+    const auto exponent = std::find_if(number.begin(), number.end(), isExponent);
+    if (exponent == number.end() && number.size() <= std::numeric_limits<double>::max_exponent10) {
+        return NumberRange::Normal;  // As nearly all.
+    }
+    const double value = std::abs(std::strtod(std::string(number).c_str(), nullptr));
+    const bool isNotZero = std::any_of(number.begin(), exponent,
+                                       [](char c) { return c >= '1' && c <= '9'; });
+    return std::isinf(value) ? NumberRange::TooLarge
+           : value < std::numeric_limits<double>::min() && isNotZero ? NumberRange::TooSmall
+                                                                     : NumberRange::Normal;
 }
 
 size_t badEscapeIn(std::string_view quoted) {

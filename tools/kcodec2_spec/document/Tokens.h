@@ -49,6 +49,10 @@ inline bool isValue(std::string_view word) {
     return !word.empty() && valueLength(word) == word.size();
 }
 
+// The size of a number that double can represent only in part. A parser may fail on either kind.
+enum class NumberRange { Normal, TooLarge, TooSmall };
+NumberRange rangeOf(std::string_view number);
+
 // The first escape in a quoted string that the parser rejects; kNowhere when it accepts all.
 size_t badEscapeIn(std::string_view quoted);
 

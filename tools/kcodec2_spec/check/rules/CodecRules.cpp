@@ -86,8 +86,8 @@ void checkMisspeltComponents(const Document& document, const KnownSettings& know
 
 void checkCodecForm(const Document& document, const KnownSettings& known, Report* report) {
     forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
-        if (!name.text.empty() && !isSeveralInOne(name.text) &&
-            !ComponentName(name.text).hasForm() &&
+        if (!name.text.empty() && !ComponentName(name.text).hasForm() &&
+            !isSeveralInOne(name.text) &&
             known.components.find(name.text, name.list).entry == nullptr) {
             report->add("codec-name-form", document, name.span,
                         "not of the form of a component name, such as c2.kvx.avc.decoder.secure");

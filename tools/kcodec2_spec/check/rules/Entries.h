@@ -33,10 +33,14 @@ inline bool isOfNames(SectionType type) {
     return type == SectionType::Names || isOfCodecs(type);
 }
 
-// What is between the commas, semicolons and blanks of a text.
+// What is between the commas, semicolons and blanks of a text; nothing where there are none.
 inline std::vector<std::string_view> partsOf(std::string_view text) {
     constexpr std::string_view kBetween = " ,;";
     std::vector<std::string_view> parts;
+    const auto has = [&](char c) { return text.find(c) != std::string_view::npos; };
+    if (!std::any_of(kBetween.begin(), kBetween.end(), has)) {
+        return parts;  // As nearly always, and this test is fast.
+    }
     for (size_t at = 0; (at = text.find_first_not_of(kBetween, at)) != std::string_view::npos;) {
         const size_t end = std::min(text.find_first_of(kBetween, at), text.size());
         parts.push_back(text.substr(at, end - at));

@@ -4,10 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cmath>
-#include <cstdlib>
 #include <functional>
-#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -21,6 +18,7 @@
 #include "check/rules/Rules.h"
 #include "check/rules/WrongLevels.h"
 #include "document/SyntaxHints.h"
+#include "document/Tokens.h"
 
 namespace kc2::tool {
 
@@ -190,28 +188,16 @@ void checkLoneMinuses(const Document& document, Report* report) {
     });
 }
 
-// Whether a number has another digit than 0 before its exponent.
-bool isNotZero(std::string_view number) {
-    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
-    return mantissa.find_first_of("123456789") != std::string_view::npos;
-}
-
 // Parsers and C++ libraries differ in how they read a number beyond the range of double.
 void checkExtremeNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
-        const std::string_view text = node.isNumber() ? document.source.textAt(node.value) : "";
-        const auto isExponent = [](char c) { return c == 'e' || c == 'E'; };
-        const bool mayBeExtreme = text.size() > std::numeric_limits<double>::max_exponent10 ||
-                                  std::any_of(text.begin(), text.end(), isExponent);
-        if (!mayBeExtreme) {
-            return;
-        }
-        const double value = std::abs(std::strtod(std::string(text).c_str(), nullptr));
-        if (std::isinf(value)) {
+        const NumberRange range = node.isNumber() ? rangeOf(document.source.textAt(node.value))
+                                                  : NumberRange::Normal;
+        if (range == NumberRange::TooLarge) {
             report->add("number-too-large", document, node.value,
                         "the number is too large for any parser: JsonCpp up to 1.9.5 rejects the "
                         "whole document for it, and later releases skip the value");
-        } else if (value < std::numeric_limits<double>::min() && isNotZero(text)) {
+        } else if (range == NumberRange::TooSmall) {
             report->add("number-too-small", document, node.value,
                         "the number is too close to 0: every phone rejects the whole document for "
                         "it, though this machine may read it");

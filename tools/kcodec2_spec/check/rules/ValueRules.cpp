@@ -12,6 +12,7 @@
 #include "base/Spelling.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
+#include "document/Tokens.h"
 
 namespace kc2::tool {
 
@@ -154,7 +155,8 @@ void checkWholeReals(const Document& document, Report* report) {
         const bool isChanged = std::any_of(
                 node.verdicts.begin(), node.verdicts.end(),
                 [](const Verdict& verdict) { return verdict.kind != FindingKind::Taken; });
-        if (node.isNumber() && isWholeReal(text) && whole.isUsed() && !isChanged) {
+        if (node.isNumber() && isWholeReal(text) && whole.isUsed() && !isChanged &&
+            rangeOf(text) == NumberRange::Normal) {
             report->add("real-number", document, node.value,
                         fmt::format("{} is a real number; the device uses it as {}", text,
                                     static_cast<int64_t>(
