@@ -50,7 +50,8 @@ bool UnsavedTexts::add(const OpenDocument& document) {
         return true;
     }
     mDirectory = mDirectory.empty() ? newTemporaryDirectory() : mDirectory;
-    const std::string file = mDirectory + "/" + std::to_string(mTexts.size());
+    // No name is the start of another one: messages with them are searched.
+    const std::string file = mDirectory + "/" + std::to_string(mTexts.size()) + ".json";
     if (mDirectory.empty() || !writeNewFile(file, document.text, status.st_mode & 07777)) {
         return false;
     }
