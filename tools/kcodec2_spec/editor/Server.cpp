@@ -345,7 +345,7 @@ void LanguageServer::checkTree(const std::string& root) {
     std::unique_ptr<const TreeCheck>& tree = mTrees[root];
     tree = std::make_unique<const TreeCheck>(root, open, *mOptions.known);
     for (OpenDocument* const document : together(*open.front())) {
-        if (tree->loadsOf(document->path).empty()) {
+        if (!tree->hasTextOf(*document) || tree->loadsOf(document->path).empty()) {
             checkAlone(document);
             continue;
         }

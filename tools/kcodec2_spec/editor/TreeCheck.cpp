@@ -81,7 +81,9 @@ TreeCheck::TreeCheck(const std::string& root, const std::vector<const OpenDocume
                      const KnownSettings& known)
     : mRoot(root) {
     for (const OpenDocument* const document : open) {
-        mUnsaved.add(*document);
+        if (!mUnsaved.add(*document)) {
+            mOtherTexts.insert(document->uri);
+        }
     }
     setUp();
     mChecked = std::make_unique<CheckedVariants>(checkAllVariants(Levels(), known));
