@@ -13,11 +13,16 @@ namespace kc2::tool {
 
 namespace {
 
+// Without the sign, because libc++ wraps around zero where it reads "-0" as a signed number.
 std::optional<int64_t> numberIn(const std::string& word) {
-    int64_t number = 0;
+    const bool isNegative = word.starts_with('-');
     const char* const end = word.data() + word.size();
-    const auto [stop, error] = std::from_chars(word.data(), end, number);
-    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+    uint32_t digits = 0;
+    const auto [stop, error] = std::from_chars(word.data() + (isNegative ? 1 : 0), end, digits);
+    if (error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return isNegative ? -int64_t{digits} : int64_t{digits};
 }
 
 std::string formattedOrEmpty(const std::optional<Explanation>& explanation) {

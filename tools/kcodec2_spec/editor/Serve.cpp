@@ -52,8 +52,9 @@ private:
 // Adds the messages that have arrived, and waits for the first. Returns what is wrong when no more
 // can come; empty when nothing is.
 std::string receive(EditorInput* input, LanguageServer* server) {
-    constexpr int kMostWaiting = 256;  // So that an editor that never stops does not fill memory.
-    for (int count = 0; count < kMostWaiting;) {
+    // So that an editor that never stops does not fill memory.
+    constexpr size_t kMostWaiting = 256;
+    for (size_t count = 0; count < kMostWaiting && server->countWaiting() < kMostWaiting;) {
         if (const std::optional<std::string> message = input->frames().next()) {
             server->add(*message);
             ++count;

@@ -33,7 +33,8 @@ constexpr int kInvalidParams = -32602;
 constexpr int kServerNotInitialized = -32002;
 constexpr int kRequestCancelled = -32800;
 
-constexpr size_t kMostDiagnostics = 1000;  // The most severe ones: editors show them all at once.
+// Of one document, the most severe ones: editors show them all at once.
+constexpr size_t kMostDiagnostics = 1000;
 constexpr char kToolName[] = "kcodec2_spec";
 
 int numberOf(Severity severity) {
@@ -345,7 +346,7 @@ void LanguageServer::checkTree(const std::string& root) {
     std::unique_ptr<const TreeCheck>& tree = mTrees[root];
     tree = std::make_unique<const TreeCheck>(root, open, *mOptions.known);
     for (OpenDocument* const document : together(*open.front())) {
-        if (tree->loadsOf(document->path).empty()) {
+        if (!tree->hasTextOf(*document) || tree->loadsOf(document->path).empty()) {
             checkAlone(document);
             continue;
         }
@@ -361,7 +362,7 @@ void LanguageServer::addFindings(const Report& report, const TreeCheck* tree,
                                  OpenDocument* document) {
     const std::string real = tree != nullptr ? realPath(document->path) : "";
     std::map<const Source*, bool> isOfDocument;
-    for (const ReportEntry* const entry : shownEntries(report, {kMostDiagnostics})) {
+    for (const ReportEntry* const entry : shownOfEachDocument(report, kMostDiagnostics)) {
         if (tree != nullptr) {
             const auto [known, isNew] = isOfDocument.emplace(entry->source, false);
             known->second = isNew ? tree->realNameOf(entry->source->path()) == real : known->second;

@@ -28,6 +28,7 @@ public:
     // Keeps a message for later. A request that is waiting can be cancelled by one that is added.
     void add(const std::string& text);
     bool isWaiting() const { return !mWaiting.empty(); }
+    size_t countWaiting() const { return mWaiting.size(); }
 
     // Handles the message that has waited longest.
     void handleNext();

@@ -50,7 +50,8 @@ bool UnsavedTexts::add(const OpenDocument& document) {
         return true;
     }
     mDirectory = mDirectory.empty() ? newTemporaryDirectory() : mDirectory;
-    const std::string file = mDirectory + "/" + std::to_string(mTexts.size());
+    // No name is the start of another one: messages with them are searched.
+    const std::string file = mDirectory + "/" + std::to_string(mTexts.size()) + ".json";
     if (mDirectory.empty() || !writeNewFile(file, document.text, status.st_mode & 07777)) {
         return false;
     }
@@ -80,7 +81,9 @@ TreeCheck::TreeCheck(const std::string& root, const std::vector<const OpenDocume
                      const KnownSettings& known)
     : mRoot(root) {
     for (const OpenDocument* const document : open) {
-        mUnsaved.add(*document);
+        if (!mUnsaved.add(*document)) {
+            mOtherTexts.insert(document->uri);
+        }
     }
     setUp();
     mChecked = std::make_unique<CheckedVariants>(checkAllVariants(Levels(), known));

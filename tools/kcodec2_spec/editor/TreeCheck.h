@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,11 @@ public:
 
     const Report& report() const { return mChecked->report; }
 
+    // Whether the loads could read the document's text: else the findings are about another one.
+    bool hasTextOf(const OpenDocument& document) const {
+        return mOtherTexts.count(document.uri) == 0;
+    }
+
     // The loads that read this file.
     std::vector<const Load*> loadsOf(const std::string& path) const;
 
@@ -62,6 +68,7 @@ private:
 
     std::string mRoot;
     UnsavedTexts mUnsaved;
+    std::set<std::string> mOtherTexts;  // URIs of documents whose unsaved text is not in a file.
     std::unique_ptr<CheckedVariants> mChecked;
 };
 

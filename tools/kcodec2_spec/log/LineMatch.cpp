@@ -130,6 +130,9 @@ std::optional<NamedEntry> matchNamed(std::string_view entry) {
         return std::nullopt;
     }
     const std::string_view value = entry.substr(colon + 3);
+    if (value.starts_with("-0")) {
+        return std::nullopt;  // No number is logged so, and libc++ wraps around zero for it.
+    }
     int32_t number = 0;
     const auto read = std::from_chars(value.data(), value.data() + value.size(), number);
     if (read.ec != std::errc() || read.ptr != value.data() + value.size()) {

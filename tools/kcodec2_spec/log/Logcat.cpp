@@ -39,10 +39,13 @@ public:
     }
 
     std::optional<int> readNumber() {
+        if (mRest.starts_with('-')) {
+            return std::nullopt;  // Not left to libc++, which wraps around zero for "-0".
+        }
         int number = 0;
         const std::from_chars_result read =
                 std::from_chars(mRest.data(), mRest.data() + mRest.size(), number);
-        if (read.ec != std::errc() || number < 0) {
+        if (read.ec != std::errc()) {
             return std::nullopt;
         }
         mRest.remove_prefix(static_cast<size_t>(read.ptr - mRest.data()));

@@ -201,11 +201,14 @@ TreeNames::TreeNames(std::span<const Document* const> documents, const KnownSett
                     {place.span, place.text, first.text, first.document, first.span, other.size()});
         }
     };
+    size_t room = 50'000;  // So many alike names come from no person, and comparing takes long.
     SharedNames(documents).forEachPair([&](const SharedName& a, const SharedName& b) {
-        const auto [rare, other] = rarerFirst(a, b);
-        if (isInOneDocument(a, b) || digitsOf(a.front().text) != digitsOf(b.front().text)) {
+        if (room == 0 || isInOneDocument(a, b) ||
+            digitsOf(a.front().text) != digitsOf(b.front().text)) {
             return;  // These are two names.
         }
+        --room;
+        const auto [rare, other] = rarerFirst(a, b);
         const bool isRareMisspelt = isVariation(*rare, *other);
         const bool isTie = rare->size() == other->size();
         if (!isRareMisspelt && !(isTie && isVariation(*other, *rare))) {
