@@ -116,6 +116,10 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
           "no finding of the group \"value\" to allow"}) {
         EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
     }
+    // Nothing is before the first byte.
+    const std::string first =
+            scratch.write("first.json", "/* kcodec2_spec: allow video-empty */{\"Video\": {}}");
+    EXPECT_EQ("", placesIn(parsed(run("check --format json " + first).output)));
     // A comment for a check that is left out is not reported as useless.
     EXPECT_EQ("", placesIn(parsed(run("check --format json --disable all " + document).output)));
 }

@@ -417,6 +417,9 @@ TEST(LogCommandTest, WhatIsProvedIsSaidAndWhatIsNotIsLeftOpen) {
             {{"I KC2TargetSpec: Codec plugins:", "E KC2Platform: NOTE9: Failed to fstat(7)",
               "I KC2TargetSpec:        a"},
              {"codec plug-ins, then codec components (1): a", "start of the dump is missing"}},
+            {{tag + "       a                         : -0",
+              tag + "       b                         : 0"},
+             {"a                         : -0"}},
             // Cut lines prove what they show, and the absence of others proves nothing.
             {{tag + "Couldn't parse js"}, {"error gaps: 1 cut line"}},
             {{kFailed, kFalling, tag + "Failed to open /vendor/etc/video_system_specs.json... Ex"},

@@ -5,8 +5,9 @@
 #include <json/writer.h>
 #include <malloc.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -590,24 +591,12 @@ protected:
         fs::rename(scratch.path() + "/odm", scratch.path() + "/vendor/odm");
         fs::create_directory_symlink("/vendor/odm", scratch.path() + "/odm");
         specPath = scratch.path() + "/vendor/odm/etc/media_a/video_system_specs.json";
-        // Other tests run at the same time, and have temporary files of their own.
-        fs::create_directory(scratch.path() + "/tmp");
-        setenv("TMPDIR", (scratch.path() + "/tmp").c_str(), 1);
-    }
-
-    ~LspTreeTest() override {
-        if (hadTemporary) {
-            setenv("TMPDIR", temporary.c_str(), 1);
-        } else {
-            unsetenv("TMPDIR");
-        }
     }
 
     std::vector<std::string> idsOf(Editor* editor, const std::string& uri) {
         std::vector<std::string> ids;
         for (const Json::Value& finding : editor->findings[uri]) {
-            EXPECT_EQ(std::string::npos, finding.toStyledString().find("/kcodec2_spec."))
-                    << finding;
+            EXPECT_EQ(std::string::npos, finding.toStyledString().find("/proc/self/")) << finding;
             ids.push_back(finding["code"].asString());
         }
         return ids;
@@ -637,8 +626,6 @@ protected:
     const std::string spec = R"({"Video": {"Presets": {"private_complexity": 1}}})";
     const std::string overlay = R"({"Video": {"Presets": {"private_complexity": 2}}})";
     const ScratchDirectory scratch;
-    const bool hadTemporary = getenv("TMPDIR") != nullptr;
-    const std::string temporary = hadTemporary ? getenv("TMPDIR") : "";
     std::string specPath;
     std::string privatePath;
 };
@@ -687,14 +674,43 @@ TEST_F(LspTreeTest, HoverAndDefinitionKnowWhichValueIsUsed) {
         EXPECT_TRUE(path == privatePath || std::filesystem::equivalent(path, specPath)) << place;
         EXPECT_EQ(23, place["range"]["start"]["character"].asInt());
     }
-    // The temporary files are gone.
-    editor.replace(uri, R"({"Video": {}})");
-    editor.notify("textDocument/didClose", jsonOf(R"({"textDocument": {"uri": ")" + uri + "\"}}"));
-    for (const auto& entry :
-         std::filesystem::directory_iterator(std::filesystem::temp_directory_path())) {
-        EXPECT_EQ(std::string::npos, entry.path().filename().string().find("kcodec2_spec."))
-                << entry;
+}
+
+TEST_F(LspTreeTest, EachOfManyUnsavedTextsIsReadByItsLoad) {
+    const auto countOpen = [] {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return std::distance(begin(files), end(files));
+    };
+    const auto before = countOpen();
+    {
+        Editor editor;
+        for (char variant = 'c'; variant <= 'p'; ++variant) {
+            const std::string name = std::string("_") + variant;
+            const std::string uri =
+                    "file://" +
+                    scratch.write("vendor/odm/etc/media" + name + "/video_system_specs.json", spec);
+            editor.open(uri, R"({"Video": {"Zqqqq": {}}})");
+            EXPECT_EQ(0u, idsOf(&editor, uri).empty() ? 1u : 0u) << name;
+            for (const std::string& message : messagesOf(&editor, uri)) {
+                EXPECT_NE(std::string::npos, message.find("(variant \"" + name + "\")")) << message;
+            }
+        }
     }
+    EXPECT_EQ(before, countOpen());
+}
+
+TEST_F(LspTreeTest, ABadNeighbourHidesNothing) {
+    std::string features;
+    for (int i = 0; i < 1500; ++i) {
+        features += (i == 0 ? "" : ", ") + ("\"vendor_" + std::to_string(i) + "\": \"\"");
+    }
+    scratch.write("vendor/odm/etc/media_b/video_system_specs.json",
+                  R"({"Video": {"Features": {)" + features + "}}}");
+    Editor editor;
+    const std::string uri = "file://" + privatePath;
+    editor.open(uri, R"({"Video": {"Zqqqq": {}}})");
+    const std::vector<std::string> ids = idsOf(&editor, uri);
+    EXPECT_NE(ids.end(), std::find(ids.begin(), ids.end(), "unknown-member"));
 }
 
 TEST_F(LspTreeTest, ADocumentThatNoLoadReadsIsCheckedAlone) {

@@ -3,14 +3,13 @@
 #include "commands/DiffSide.h"
 
 #include <fmt/format.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <utility>
 
+#include "base/MemoryFile.h"
 #include "base/Print.h"
 #include "commands/UnknownVariant.h"
 #include "device/DevicePaths.h"
@@ -20,24 +19,6 @@
 namespace kc2::tool {
 
 namespace {
-
-// The library reads documents from files, and each step runs more than once; a pipe gives its text
-// only once. So the text is put into a file in memory.
-class MemoryFile {
-public:
-    explicit MemoryFile(const std::string& text)
-        : mDescriptor(memfd_create("document", MFD_CLOEXEC)) {
-        std::ofstream(path()).write(text.data(), static_cast<std::streamsize>(text.size()));
-    }
-    ~MemoryFile() { close(mDescriptor); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string path() const { return fmt::format("/proc/self/fd/{}", mDescriptor); }
-
-private:
-    int mDescriptor;
-};
 
 // Repeats the steps for the store, then for what each of them set.
 void loadStore(const LoadSteps& steps, Loaded* loaded) {
@@ -82,6 +63,8 @@ std::optional<Loaded> loadDocument(const Side& side) {
         return std::nullopt;
     }
     const ChipDocument& chip = chipDocumentFor(pathForChip(side));
+    // The library reads documents from files, and each step runs more than once, while a pipe gives
+    // its text only once.
     const MemoryFile file(document->text);
     LoadSteps steps;
     steps.systemSpec = [&file, isNone](TargetSpec& store) {

@@ -2,18 +2,14 @@
 
 #include "editor/TreeCheck.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <system_error>
 #include <utility>
 
 #include "base/DeviceOptions.h"
 #include "base/Spelling.h"
+#include "base/Text.h"
 
 namespace kc2::tool {
 
@@ -21,27 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string newTemporaryDirectory() {
-    std::error_code error;
-    std::string name = (fs::temp_directory_path(error) / "kcodec2_spec.XXXXXX").string();
-    return !error && mkdtemp(name.data()) != nullptr ? name : std::string();
-}
-
-bool writeNewFile(const std::string& path, const std::string& text, mode_t mode) {
-    std::ofstream stream(path, std::ios::binary);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    return stream.good() && chmod(path.c_str(), mode) == 0;  // The check looks at modes, too.
-}
-
 }  // namespace
-
-UnsavedTexts::~UnsavedTexts() {
-    std::error_code error;
-    if (!mDirectory.empty()) {
-        fs::remove_all(mDirectory, error);
-    }
-}
 
 bool UnsavedTexts::add(const OpenDocument& document) {
     struct stat status = {};
@@ -49,13 +25,12 @@ bool UnsavedTexts::add(const OpenDocument& document) {
         readDocumentFile(document.path)->text == document.text) {
         return true;
     }
-    mDirectory = mDirectory.empty() ? newTemporaryDirectory() : mDirectory;
-    // No name is the start of another one: messages with them are searched.
-    const std::string file = mDirectory + "/" + std::to_string(mTexts.size()) + ".json";
-    if (mDirectory.empty() || !writeNewFile(file, document.text, status.st_mode & 07777)) {
+    // The check looks at modes, too.
+    auto file = std::make_unique<const MemoryFile>(document.text, status.st_mode & 07777);
+    if (!file->isWhole()) {
         return false;
     }
-    mTexts.push_back({file, document.path});
+    mTexts.push_back({std::move(file), document.path});
     return true;
 }
 
@@ -63,15 +38,19 @@ void UnsavedTexts::map(const std::string& root) const {
     const fs::path top = realPath(root);
     for (const Unsaved& unsaved : mTexts) {
         mapFile("/" + fs::path(realPath(unsaved.path)).lexically_relative(top).string(),
-                unsaved.file);
+                unsaved.file->path());
     }
 }
 
 std::string UnsavedTexts::withDocumentNames(std::string text) const {
     for (const Unsaved& unsaved : mTexts) {
-        for (size_t at = 0; (at = text.find(unsaved.file, at)) != std::string::npos;) {
-            text.replace(at, unsaved.file.size(), unsaved.path);
-            at += unsaved.path.size();
+        const std::string file = unsaved.file->path();
+        for (size_t at = 0; (at = text.find(file, at)) != std::string::npos;) {
+            const size_t end = at + file.size();
+            const bool isOther = end < text.size() && isDigit(text[end]);  // 1 begins 10.
+            const std::string& name = isOther ? file : unsaved.path;
+            text.replace(at, file.size(), name);
+            at += name.size();
         }
     }
     return text;

@@ -7,20 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "base/MemoryFile.h"
 #include "check/VariantReports.h"
 #include "editor/OpenDocument.h"
 
 namespace kc2::tool {
 
-// Files with the unsaved texts, for the loads to read. They are removed at the end.
+// Files with the unsaved texts, for the loads to read.
 class UnsavedTexts {
 public:
-    UnsavedTexts() = default;
-    ~UnsavedTexts();
-    UnsavedTexts(const UnsavedTexts&) = delete;
-    UnsavedTexts& operator=(const UnsavedTexts&) = delete;
-
-    // Writes the document's text if its file has another one. Returns whether it could.
+    // Keeps the document's text if its file has another one. Returns whether it could.
     bool add(const OpenDocument& document);
     // Uses the files in place of those of the tree.
     void map(const std::string& root) const;
@@ -30,11 +26,10 @@ public:
 
 private:
     struct Unsaved {
-        std::string file;
+        std::unique_ptr<const MemoryFile> file;
         std::string path;  // Of the document.
     };
 
-    std::string mDirectory;
     std::vector<Unsaved> mTexts;
 };
 
