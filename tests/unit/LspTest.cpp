@@ -676,6 +676,23 @@ TEST_F(LspTreeTest, HoverAndDefinitionKnowWhichValueIsUsed) {
     }
 }
 
+TEST(LspTest, HalfASurrogatePairLosesNoChange) {
+    const std::string uri = "file:///x.json";
+    Editor editor;
+    editor.open(uri, "{}");
+    const std::string params = R"("params": {"textDocument": {"uri": ")" + uri +
+                               R"(", "version": 2}, "contentChanges": [{"text": )";
+    for (const char* const text :
+         {R"("{\"\ud83d\": {}}")", R"("{\"\uDE00\": {}}")", R"("{\"\\\\ud83d\": {}}")"}) {
+        editor.send(R"({"method": "textDocument/didChange", )" + params + text + "}]}}");
+        editor.server().publish();
+        ASSERT_LT(0u, editor.findings[uri].size()) << text;
+        EXPECT_EQ("no-video", editor.findings[uri][0]["code"].asString()) << text;
+        editor.replace(uri, R"({"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder"]}})");
+        EXPECT_EQ(0u, editor.findings[uri].size()) << editor.findings[uri];
+    }
+}
+
 TEST_F(LspTreeTest, EachOfManyUnsavedTextsIsReadByItsLoad) {
     const auto countOpen = [] {
         const std::filesystem::directory_iterator files("/proc/self/fd");

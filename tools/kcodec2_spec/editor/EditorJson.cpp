@@ -31,6 +31,34 @@ bool isModest(std::string_view text) {
     return true;
 }
 
+// Whether `text` begins with an escape of one half of a surrogate pair: of U+D800 to U+DBFF or of
+// U+DC00 to U+DFFF, by the second digit.
+bool beginsWithHalf(std::string_view text, std::string_view digits) {
+    return text.size() >= 6 && text[0] == '\\' && text[1] == 'u' &&
+           (text[2] == 'd' || text[2] == 'D') && digits.find(text[3]) != std::string_view::npos;
+}
+
+// An editor sends half a pair where a change splits one. JsonCpp rejects that, and with the message
+// a change would be lost; U+FFFD is as long.
+std::string withoutHalfPairs(std::string text) {
+    constexpr std::string_view kFirst = "89abAB";
+    constexpr std::string_view kSecond = "cdefCDEF";
+    const std::string_view whole = text;
+    for (size_t at = 0; (at = whole.find('\\', at)) != std::string_view::npos;) {
+        const std::string_view rest = whole.substr(at);
+        const bool isFirst = beginsWithHalf(rest, kFirst);
+        if (isFirst && beginsWithHalf(rest.substr(6), kSecond)) {
+            at += 12;
+        } else if (isFirst || beginsWithHalf(rest, kSecond)) {
+            text.replace(at, 6, "\\ufffd");
+            at += 6;
+        } else {
+            at += 2;
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 #pragma GCC diagnostic push
@@ -39,7 +67,8 @@ bool isModest(std::string_view text) {
 std::optional<Json::Value> readMessage(const std::string& text) {
     Json::Value root;
     Json::Reader reader(Json::Features::strictMode());
-    if (!isModest(text) || !reader.parse(text, root, false)) {
+    if (!isModest(text) ||
+        (!reader.parse(text, root, false) && !reader.parse(withoutHalfPairs(text), root, false))) {
         return std::nullopt;
     }
     return root;

@@ -422,7 +422,10 @@ Json::Value LanguageServer::locationOf(const Source& source, Span span,
     });
     Json::Value json;
     json["uri"] = open != mDocuments.end() ? open->first : uriOf(path);
-    json["range"] = rangeToJson(TextLines(source.text(), mEncoding), span);
+    const bool isOfOpen = open != mDocuments.end() && open->second.document != nullptr &&
+                          &open->second.document->source == &source;
+    json["range"] = isOfOpen ? rangeToJson(*open->second.lines, span)
+                             : rangeToJson(TextLines(source.text(), mEncoding), span);
     return json;
 }
 
