@@ -167,9 +167,9 @@ NumberRange rangeOf(std::string_view number) {
         return NumberRange::Normal;  // As nearly all.
     }
     const double value = std::abs(std::strtod(std::string(number).c_str(), nullptr));
-    const bool isNotZero = std::any_of(number.begin(), exponent,
-                                       [](char c) { return c >= '1' && c <= '9'; });
-    return std::isinf(value) ? NumberRange::TooLarge
+    const bool isNotZero =
+            std::any_of(number.begin(), exponent, [](char c) { return c >= '1' && c <= '9'; });
+    return std::isinf(value)                                         ? NumberRange::TooLarge
            : value < std::numeric_limits<double>::min() && isNotZero ? NumberRange::TooSmall
                                                                      : NumberRange::Normal;
 }

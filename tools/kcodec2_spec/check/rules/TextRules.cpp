@@ -191,8 +191,8 @@ void checkLoneMinuses(const Document& document, Report* report) {
 // Parsers and C++ libraries differ in how they read a number beyond the range of double.
 void checkExtremeNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
-        const NumberRange range = node.isNumber() ? rangeOf(document.source.textAt(node.value))
-                                                  : NumberRange::Normal;
+        const NumberRange range =
+                node.isNumber() ? rangeOf(document.source.textAt(node.value)) : NumberRange::Normal;
         if (range == NumberRange::TooLarge) {
             report->add("number-too-large", document, node.value,
                         "the number is too large for any parser: JsonCpp up to 1.9.5 rejects the "
