@@ -52,7 +52,7 @@ replace() {
     sed -i "s/$2/$3/" "$1"
 }
 
-# reads_as_later DIRECTORY: changes JsonCpp 1.9.5 to read a document as 1.9.7 does. A number beyond
+# reads_as_later DIRECTORY: changes JsonCpp 1.9.5 or 1.9.6 to read a document as 1.9.7 does. A number beyond
 # the range of double is infinity (from 1.9.6 on); an unescaped control character in a string is an
 # error.
 reads_as_later() {
@@ -62,7 +62,7 @@ reads_as_later() {
         return addError("Control character in string", token, current);\
       decoded += c;'
     replace "$reader" '^#include <cassert>' '#include <cassert>\n#include <cmath>'
-    replace "$1/include/json/version.h" '^#define JSONCPP_VERSION_PATCH 5' \
+    replace "$1/include/json/version.h" '^#define JSONCPP_VERSION_PATCH [0-9]*' \
         '#define JSONCPP_VERSION_PATCH 7'
 }
 

@@ -62,7 +62,8 @@ std::optional<Loaded> loadDocument(const Side& side) {
         printError("{} cannot be read: {}", escaped(side.path), document->whyNotReadable);
         return std::nullopt;
     }
-    const ChipDocument& chip = chipDocumentFor(pathForChip(side));
+    const std::string chipPath = pathForChip(side);
+    const ChipDocument& chip = chipDocumentFor(chipPath);
     // The library reads documents from files, and each step runs more than once, while a pipe gives
     // its text only once.
     const MemoryFile file(document->text);
