@@ -487,6 +487,21 @@ TEST(LogCommandTest, ALogThatEndsAfterALineLeavesTheNextOneOpen) {
     EXPECT_EQ("-x-x-", possibleIn(described(log + other(3660))[0]).substr(0, 5));
 }
 
+TEST(LogCommandTest, ADumpWithoutItsStartIsNamedByItsFirstEntry) {
+    const std::string tag = kTag;
+    const Json::Value loads = described(inLog({tag + "       a                         : 1",
+                                               tag + "       b                         : 0"}));
+    ASSERT_EQ(1u, loads.size());
+    size_t dumps = 0;
+    for (const Json::Value& conclusion : loads[0]["conclusions"]) {
+        if (conclusion["topic"] == "store") {
+            EXPECT_EQ(loads[0]["firstLine"].asInt(), conclusion["lines"][0].asInt());
+            ++dumps;
+        }
+    }
+    EXPECT_EQ(1u, dumps);
+}
+
 TEST(LogCommandTest, ANewLoadBeginsWhereALineCannotFollow) {
     const std::string rejected = timed({kRejected}, 77, 3600);
     const std::vector<std::string> five(5, kMissing);

@@ -162,6 +162,13 @@ TEST(SyntaxHintTest, RawControlCharactersInStringsAreReportedOncePerString) {
     EXPECT_EQ(2U, count);
 }
 
+TEST(SyntaxHintTest, ALimitIsReportedAtTheByteThatExceedsIt) {
+    const ScratchDirectory scratch;
+    const std::string file = scratch.write("a.json", std::string(256, '[') + std::string(256, ']'));
+    const std::string report = run("check --format json " + file).output;
+    EXPECT_NE(std::string::npos, report.find(R"("column":256,"endColumn":257,)")) << report;
+}
+
 // JsonCpp up to 1.9.5 rejects the document; a later release on this machine must not hide that.
 TEST(SyntaxHintTest, ANumberOutOfRangeIsReportedWithEveryRelease) {
     const ScratchDirectory scratch;
