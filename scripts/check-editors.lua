@@ -81,7 +81,7 @@ local function check()
   for _, answer in pairs(answers) do
     for _, item in ipairs(answer.result or {}) do
       if item.label == "private_enc_vpss_flip" then
-        vim.lsp.util.apply_text_edits({ item.textEdit }, 0, "utf-16")
+        vim.lsp.util.apply_text_edits({ item.textEdit }, vim.api.nvim_get_current_buf(), "utf-16")
       end
     end
   end
