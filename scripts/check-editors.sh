@@ -23,6 +23,9 @@ quietly() {
 fetch() {
     grep -qs "\"version\": \"$2\"" "$fetched/node_modules/$1/package.json" && return
     echo "Fetching $1 $2"
+    # Newer releases of cheerio, which vsce uses, need a later Node than Debian 12 has.
+    [ -f "$fetched/package.json" ] || echo '{"private": true}' > "$fetched/package.json"
+    (cd "$fetched" && npm pkg set overrides.cheerio=1.0.0-rc.12)
     quietly "$fetched/npm.log" npm install --no-audit --no-fund --prefix "$fetched" "$1@$2"
 }
 fetch vscode-languageserver-protocol 3.17.5

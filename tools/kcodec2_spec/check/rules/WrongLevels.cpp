@@ -296,7 +296,7 @@ InPlaceOfVideo inPlaceOfVideo(const Document& document) {
     if (const Node* const misspelt = misspeltVideo(root)) {
         return {fmt::format(". Did you mean \"{}\"?", targetSpecRoot),
                 misspelt->name,
-                targetSpecRoot,
+                misspelt->isObject() ? targetSpecRoot : "",  // With another value it is rejected.
                 {misspelt}};
     }
     for (const Node& member : root.children) {
