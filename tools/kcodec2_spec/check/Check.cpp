@@ -121,7 +121,7 @@ void check(const Checked& checked, Report* report) {
 }
 
 std::string withSafeFixes(const Document& document, const CheckOptions& options) {
-    constexpr int kMostRounds = 4;  // Once the parser accepts a text, there may be more to fix.
+    constexpr int kMostRounds = 16;  // Once the parser accepts a text, there may be more to fix.
     const Document* current = &document;
     std::unique_ptr<Document> fixed;
     for (int round = 0; round < kMostRounds; ++round) {
