@@ -83,8 +83,7 @@ std::string whyOtherWords(const tool::Document& before, const tool::Document& af
 
 // The text with the fixes of each report made, until a report has none.
 std::string withReportedFixes(std::string text, const tool::KnownSettings& known) {
-    constexpr int kMostRounds = 16;
-    for (int round = 0; round < kMostRounds; ++round) {
+    for (int round = 0; round < tool::kMostFixRounds; ++round) {
         const tool::Document document({.path = "document"}, text);
         tool::Report report{tool::Levels()};
         tool::check(tool::Checked(document, known), &report);

@@ -121,10 +121,9 @@ void check(const Checked& checked, Report* report) {
 }
 
 std::string withSafeFixes(const Document& document, const CheckOptions& options) {
-    constexpr int kMostRounds = 16;  // Once the parser accepts a text, there may be more to fix.
     const Document* current = &document;
     std::unique_ptr<Document> fixed;
-    for (int round = 0; round < kMostRounds; ++round) {
+    for (int round = 0; round < kMostFixRounds; ++round) {
         Report report(options.levels);
         check(Checked(*current, *options.known), &report);
         std::vector<Fix> fixes;

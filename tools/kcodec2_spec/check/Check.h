@@ -31,6 +31,9 @@ struct CheckOptions {
 // Applies every rule. What is checked must outlive the report.
 void check(const Checked& checked, Report* report);
 
+// How often a text is checked anew: once the parser accepts it, there may be more to fix.
+inline constexpr int kMostFixRounds = 16;
+
 // The text with all safe fixes of what the check reports; nothing else is changed.
 std::string withSafeFixes(const Document& document, const CheckOptions& options);
 

@@ -199,8 +199,7 @@ std::string replaceFile(const std::string& path, const std::string& before,
                fsync(descriptor) == 0;
     };
     const std::string wrong = replaceWhole(real, after, finish, [&] {
-        const bool isSame = readDocumentFile(real)->text == before;
-        return std::string(isSame ? "" : "it has changed meanwhile");
+        return std::string(hasFileText(real, before) ? "" : "it has changed meanwhile");
     });
     return wrong.empty() || lost.empty() || isForced
                    ? wrong

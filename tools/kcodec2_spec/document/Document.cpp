@@ -139,4 +139,12 @@ std::unique_ptr<Document> readDocumentStream(DocumentId name, std::ifstream& str
                                       std::string(text.bytes().begin(), text.bytes().end()));
 }
 
+bool hasFileText(const std::string& path, std::string_view text) {
+    DocumentText saved;
+    std::ifstream stream(path);
+    const bool isRead = stream.is_open() && saved.read(stream);
+    return isRead ? std::equal(text.begin(), text.end(), saved.bytes().begin(), saved.bytes().end())
+                  : text.empty();
+}
+
 }  // namespace kc2::tool

@@ -66,4 +66,7 @@ std::unique_ptr<Document> readDocumentFile(const std::string& path, std::string 
 // Reads the rest of a stream.
 std::unique_ptr<Document> readDocumentStream(DocumentId name, std::ifstream& stream);
 
+// Whether a document of that file has this text; of one that cannot be read, it is empty.
+bool hasFileText(const std::string& path, std::string_view text);
+
 }  // namespace kc2::tool

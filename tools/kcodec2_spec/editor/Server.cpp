@@ -326,11 +326,16 @@ void LanguageServer::publish() {
     }
 }
 
-void LanguageServer::checkAlone(OpenDocument* document) {
+// What all checks of a text need.
+void LanguageServer::read(OpenDocument* document) const {
     document->findings.clear();
     document->lines = std::make_unique<TextLines>(document->text, mEncoding);
     document->document =
             std::make_unique<Document>(DocumentId{.path = document->path}, document->text);
+}
+
+void LanguageServer::checkAlone(OpenDocument* document) {
+    read(document);
     Report report{Levels()};
     check(Checked(*document->document, *mOptions.known), &report);
     addFindings(report, nullptr, document);
@@ -350,10 +355,7 @@ void LanguageServer::checkTree(const std::string& root) {
             checkAlone(document);
             continue;
         }
-        document->findings.clear();
-        document->lines = std::make_unique<TextLines>(document->text, mEncoding);
-        document->document =
-                std::make_unique<Document>(DocumentId{.path = document->path}, document->text);
+        read(document);
         addFindings(tree->report(), tree.get(), document);
     }
 }

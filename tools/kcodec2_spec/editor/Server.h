@@ -91,6 +91,7 @@ private:
     void markChanged(const OpenDocument& document);
     void dropUnusedTrees();
 
+    void read(OpenDocument* document) const;
     void checkAlone(OpenDocument* document);
     void checkTree(const std::string& root);
     void addFindings(const Report& report, const TreeCheck* tree, OpenDocument* document);

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 bool UnsavedTexts::add(const OpenDocument& document) {
     struct stat status = {};
     if (stat(document.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        readDocumentFile(document.path)->text == document.text) {
+        hasFileText(document.path, document.text)) {
         return true;
     }
     // The check looks at modes, too.
