@@ -17,8 +17,8 @@ work=$build/fuzz-work
 found=$build/fuzz-found
 
 cmake --preset asan > /dev/null
-cmake --build --preset asan --target fuzz_document fuzz_values fuzz_check fuzz_tree \
-    fuzz_log fuzz_editor
+cmake --build --preset asan --target fuzz_document fuzz_values fuzz_check fuzz_fix \
+    fuzz_tree fuzz_log fuzz_editor
 
 # Seeds: the built-in documents, the examples, and hand-written ones, under different names.
 rm -rf "$work/seeds"
@@ -50,6 +50,7 @@ export ASAN_OPTIONS=malloc_context_size=5:quarantine_size_mb=64
 run fuzz_document -dict=tests/fuzz/json.dict -max_len=20000 "$work/fuzz_document" "$work/seeds"
 run fuzz_values -max_len=4000 "$work/fuzz_values"
 run fuzz_check -dict=tests/fuzz/json.dict -max_len=4000 "$work/fuzz_check" "$work/seeds"
+run fuzz_fix -dict=tests/fuzz/json.dict -max_len=4000 "$work/fuzz_fix" "$work/seeds"
 run fuzz_tree -dict=tests/fuzz/json.dict -max_len=4000 "$work/fuzz_tree" tests/fuzz/corpus/trees
 run fuzz_log -max_len=8000 "$work/fuzz_log" tests/fuzz/corpus/logs
 run fuzz_editor -dict=tests/fuzz/json.dict -max_len=4000 "$work/fuzz_editor" tests/fuzz/corpus/editor \
