@@ -7,8 +7,8 @@
 
 #include "catalogue/KnownSettings.h"
 #include "check/Checked.h"
+#include "check/Checks.h"
 #include "check/FixFiles.h"
-#include "check/Levels.h"
 #include "check/Report.h"
 #include "check/output/Output.h"
 

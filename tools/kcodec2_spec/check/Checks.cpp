@@ -1,11 +1,10 @@
-// Looks up checks by their ids.
+// Looks up checks by their ids, and what the options set for them.
 
 #include "check/Checks.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <iterator>
 #include <set>
@@ -15,7 +14,6 @@
 
 #include "base/Print.h"
 #include "base/Spelling.h"
-#include "base/Text.h"
 
 namespace kc2::tool {
 
@@ -55,22 +53,14 @@ static_assert(hasEachItsTexts());
 }  // namespace
 
 const char* nameOf(Severity severity) {
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "";
+    constexpr const char* kNames[] = {"note", "warning", "error"};
+    return kNames[static_cast<size_t>(severity)];
 }
 
 bool isFormerCheck(std::string_view name) {
-    return name == "system-spec" || name == "overlay";
-}
-
-void noteFormerCheck(std::string_view name) {
+    if (name != "system-spec" && name != "overlay") {
+        return false;
+    }
     static std::set<std::string, std::less<>> noted;
     if (noted.emplace(name).second) {
         printError(
@@ -78,6 +68,7 @@ void noteFormerCheck(std::string_view name) {
                 "the report",
                 name);
     }
+    return true;
 }
 
 const Check* findCheck(std::string_view id) {
@@ -107,8 +98,38 @@ std::string unknownCheck(std::string_view name) {
         names.emplace_back(check.id);
     }
     const std::string near = nearest(name, names);
-    return "there is no check \"" + std::string(name) + "\"" +
-           (near.empty() ? "" : ". Did you mean \"" + near + "\"?");
+    return fmt::format("there is no check \"{}\"{}", name,
+                       near.empty() ? "" : fmt::format(". Did you mean \"{}\"?", near));
+}
+
+std::string Levels::set(const std::string& name, std::optional<Severity> severity) {
+    if (isFormerCheck(name)) {
+        return std::string();
+    }
+    if (const Check* const check = findCheck(name)) {
+        if (check->isRejection && severity != Severity::Error) {
+            return fmt::format("\"{}\" is always an error: the device uses nothing in the document",
+                               name);
+        }
+        mChanged[check->id] = severity;
+        return std::string();
+    }
+    if (!isCheckGroup(name)) {
+        return unknownCheck(name);
+    }
+    for (const Check& check : kChecks) {
+        if (isInGroup(check, name) && !check.isRejection) {
+            mChanged[check.id] = severity;
+        }
+    }
+    return std::string();
+}
+
+std::optional<Severity> Levels::of(const Check& check) const {
+    const auto changed = mChanged.find(check.id);
+    const std::optional<Severity> severity =
+            changed != mChanged.end() ? changed->second : check.severity;
+    return severity >= mLeast ? severity : std::nullopt;
 }
 
 }  // namespace kc2::tool

@@ -9,9 +9,6 @@
 #include <optional>
 #include <string_view>
 
-#include "base/Spelling.h"
-#include "check/Checks.h"
-
 namespace kc2::tool {
 
 namespace {

@@ -3,8 +3,7 @@
 
 #include <string>
 
-#include "check/CheckRows.h"
-#include "check/Levels.h"
+#include "check/Checks.h"
 
 namespace kc2::tool {
 

@@ -1,7 +1,6 @@
 // What a check found: the findings of a run, each with its place, related places and fixes.
 
 #include "check/Report.h"
-#include "base/Spelling.h"
 
 #include <algorithm>
 #include <tuple>
@@ -24,15 +23,15 @@ const Source& Report::sourceOf(const std::string& shownPath) {
     return file;
 }
 
-void Report::add(const Check& check, const Source& source, Span span, std::string message,
+void Report::add(CheckId check, const Source& source, Span span, std::string message,
                  FindingDetails details) {
-    add({&check, &source, span, std::move(message), check.severity, false, nullptr},
+    add({&*check, &source, span, std::move(message), check->severity, false, nullptr},
         std::move(details));
 }
 
-void Report::addForFile(const Check& check, const std::string& shownPath, std::string message,
+void Report::addForFile(CheckId check, const std::string& shownPath, std::string message,
                         FindingDetails details) {
-    add({&check, &sourceOf(shownPath), Span(), std::move(message), check.severity, true, nullptr},
+    add({&*check, &sourceOf(shownPath), Span(), std::move(message), check->severity, true, nullptr},
         std::move(details));
 }
 
@@ -65,13 +64,13 @@ void Report::readSuppressions(const Document& document) {
 void Report::addUnusedSuppressions() {
     for (auto& [source, suppressions] : std::exchange(mSuppressions, {})) {
         for (const Suppressions::Unused& unused : suppressions.unused()) {
-            add(CheckId("allows-nothing"), *source, unused.span, unused.message);
+            add("allows-nothing", *source, unused.span, unused.message);
         }
     }
 }
 
 bool isUnusedSuppression(const Check& check) {
-    return &check == &static_cast<const Check&>(CheckId("allows-nothing"));
+    return &check == &*CheckId("allows-nothing");
 }
 
 std::vector<const ReportEntry*> Report::inOrder() const {

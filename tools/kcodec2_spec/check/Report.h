@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "check/Checks.h"
-#include "check/Levels.h"
 #include "check/Suppressions.h"
 #include "document/Document.h"
 #include "document/Fix.h"
@@ -68,7 +67,7 @@ public:
 
     // A finding at a place. Rules put in names and values as they are; what prints the report makes
     // them fit for where it goes.
-    void add(const Check& check, const Source& source, Span span, std::string message,
+    void add(CheckId check, const Source& source, Span span, std::string message,
              FindingDetails details = {});
     void add(CheckId check, const Document& document, Span span, std::string message,
              FindingDetails details = {}) {
@@ -76,11 +75,8 @@ public:
     }
 
     // A finding about a whole file: it is at 1:1 and shows no line.
-    void addForFile(const Check& check, const std::string& shownPath, std::string message,
+    void addForFile(CheckId check, const std::string& shownPath, std::string message,
                     FindingDetails details = {});
-    void addForFile(CheckId check, const std::string& shownPath, std::string message) {
-        addForFile(static_cast<const Check&>(check), shownPath, std::move(message));
-    }
 
     // Reads the comments in this document that suppress findings: call it before the document's
     // findings are added, and addUnusedSuppressions() once after all of them.

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 
 namespace kc2::tool {
@@ -44,28 +43,24 @@ Suppressions::Suppressions(const Source& source, const std::vector<Span>& commen
 // Reads the ids of a comment that is for the tool.
 void Suppressions::readComment(Span comment, size_t line) {
     const std::string_view text = mSource->textAt(comment);
-    size_t at = text.find_first_not_of(kJsonBlanks, 2);
-    if (at == std::string_view::npos || text.substr(at, kMark.size()) != kMark) {
+    const size_t start = text.find_first_not_of(kJsonBlanks, 2);
+    if (start == std::string_view::npos || !text.substr(start).starts_with(kMark)) {
         return;
     }
-    const bool isBlock = text[1] == '*';
-    const std::string_view inside = text.substr(0, text.size() - (isBlock ? 2 : 0));
-    bool isFirst = true;
-    bool hasId = false;
-    at += kMark.size();
-    while ((at = inside.find_first_not_of(" \t\r\n,", at)) != std::string_view::npos) {
-        const size_t limit = std::min(inside.find_first_of(" \t\r\n,", at), inside.size());
-        if (isFirst && inside.substr(at, limit - at) != "allow") {
+    constexpr std::string_view kBetween = " \t\r\n,";
+    const std::string_view inside = text.substr(0, text.size() - (text[1] == '*' ? 2 : 0));
+    size_t words = 0;
+    size_t limit = start + kMark.size();
+    for (size_t at; (at = inside.find_first_not_of(kBetween, limit)) != std::string_view::npos;
+         ++words) {
+        limit = std::min(inside.find_first_of(kBetween, at), inside.size());
+        if (words != 0) {
+            addId({comment.start + at, comment.start + limit}, line);
+        } else if (inside.substr(at, limit - at) != "allow") {
             break;
         }
-        if (!isFirst) {
-            addId({comment.start + at, comment.start + limit}, line);
-            hasId = true;
-        }
-        isFirst = false;
-        at = limit;
     }
-    if (!hasId) {
+    if (words < 2) {
         mMistakes.push_back(
                 {comment, "the comment must continue with \"allow\" and the ids of checks"});
     }
@@ -75,8 +70,9 @@ void Suppressions::addId(Span span, size_t line) {
     const std::string_view id = mSource->textAt(span);
     const Check* const check = findCheck(id);
     if (isFormerCheck(id)) {
-        noteFormerCheck(id);
-    } else if (check == nullptr && !isCheckGroup(id)) {
+        return;
+    }
+    if (check == nullptr && !isCheckGroup(id)) {
         mMistakes.push_back({span, mMistakes.size() < kMostSuggestions
                                            ? unknownCheck(id)
                                            : fmt::format("there is no check \"{}\"", id)});

@@ -106,7 +106,7 @@ bool explainComponentVariant(const Catalogue& catalogue, const std::string& name
     for (const CodecComponent& component : catalogue.components()) {
         printLine("component", component.name.ends_with(name) ? component.name : "");
     }
-    printCheck(kWithoutBase);
+    printCheck(*kWithoutBase);
     return true;
 }
 

@@ -13,7 +13,7 @@
 #include "base/OutputFile.h"
 #include "base/Print.h"
 #include "catalogue/Catalogue.h"
-#include "check/Levels.h"
+#include "check/Checks.h"
 #include "check/VariantReports.h"
 #include "commands/Commands.h"
 #include "device/DevicePaths.h"
