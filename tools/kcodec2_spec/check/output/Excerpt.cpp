@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/Spelling.h"
 #include "base/Terminal.h"
 #include "base/Utf8.h"
 #include "targetspec/reading/Escaped.h"

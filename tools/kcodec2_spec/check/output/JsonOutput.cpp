@@ -1,13 +1,9 @@
 // A report for scripts and editors. docs/tool.md describes it.
 
-#include <fmt/format.h>
 #include <json/value.h>
-
-#include <algorithm>
 
 #include "base/JsonPrinter.h"
 #include "base/Print.h"
-#include "base/Spelling.h"
 #include "check/output/Output.h"
 
 namespace kc2::tool {
@@ -17,14 +13,8 @@ namespace {
 constexpr int kFormatVersion = 2;  // Raised by each change that readers must know about.
 
 Json::Value toJson(const Source& source, Span span) {
-    const Source::Position start = source.positionOf(span.start);
-    const Source::Position end = source.positionOf(std::max(span.start, span.limit));
-    Json::Value json;
+    Json::Value json = regionOf(source, span, "line", "column");
     json["path"] = reversible(source.path());
-    json["line"] = Json::UInt64(start.line);
-    json["column"] = Json::UInt64(start.column);
-    json["endLine"] = Json::UInt64(end.line);
-    json["endColumn"] = Json::UInt64(end.column);
     return json;
 }
 

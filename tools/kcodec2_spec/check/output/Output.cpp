@@ -8,7 +8,6 @@
 #include <iterator>
 #include <utility>
 
-#include "base/Spelling.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
@@ -20,14 +19,12 @@ using Entries = std::vector<const ReportEntry*>;
 // Adds at most so many of `entries`, the most severe ones.
 void addMostSevere(const Entries& entries, size_t most, Entries* shown) {
     size_t room[3] = {};  // By severity.
-    size_t left = most;
-    for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
-        const auto count = static_cast<size_t>(std::count_if(
-                entries.begin(), entries.end(),
-                [severity](const ReportEntry* entry) { return entry->severity == severity; }));
-        size_t& own = room[static_cast<size_t>(severity)];
-        own = std::min(left, count);
-        left -= own;
+    for (const ReportEntry* const entry : entries) {
+        ++room[static_cast<size_t>(entry->severity)];
+    }
+    for (size_t severity = std::size(room), left = most; severity-- != 0;) {
+        room[severity] = std::min(room[severity], left);
+        left -= room[severity];
     }
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(*shown),
                  [&](const ReportEntry* entry) {
@@ -78,6 +75,17 @@ Json::Value toJson(const std::vector<LoadFacts>& loads) {
         list.append(std::move(json));
     }
     return list;
+}
+
+Json::Value regionOf(const Source& source, Span span, const char* line, const char* column) {
+    const Source::Position start = source.positionOf(span.start);
+    const Source::Position end = source.positionOf(std::max(span.start, span.limit));
+    Json::Value region;
+    region[line] = Json::UInt64(start.line);
+    region[column] = Json::UInt64(start.column);
+    region["endLine"] = Json::UInt64(end.line);
+    region["endColumn"] = Json::UInt64(end.column);
+    return region;
 }
 
 std::string reversible(std::string_view bytes) {

@@ -26,6 +26,9 @@ void printSarif(const Report& report, const OutputOptions& options);
 // Which documents each load reads, and why, for scripts.
 Json::Value toJson(const std::vector<LoadFacts>& loads);
 
+// Where a span is; `line` and `column` are the keys of its start.
+Json::Value regionOf(const Source& source, Span span, const char* line, const char* column);
+
 // The entries to show: at most so many, the most severe ones, in the report's order.
 std::vector<const ReportEntry*> shownEntries(const Report& report, const OutputOptions& options);
 

@@ -3,13 +3,11 @@
 #include <fmt/format.h>
 #include <json/value.h>
 
-#include <algorithm>
 #include <iterator>
 #include <set>
 
 #include "base/JsonPrinter.h"
 #include "base/Print.h"
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/Checks.h"
 #include "check/ChecksPage.h"
@@ -26,17 +24,6 @@ Json::Value textOf(std::string_view text) {
     return json;
 }
 
-Json::Value regionOf(const Source& source, Span span) {
-    const Source::Position start = source.positionOf(span.start);
-    const Source::Position end = source.positionOf(std::max(span.start, span.limit));
-    Json::Value region;
-    region["startLine"] = Json::UInt64(start.line);
-    region["startColumn"] = Json::UInt64(start.column);
-    region["endLine"] = Json::UInt64(end.line);
-    region["endColumn"] = Json::UInt64(end.column);
-    return region;
-}
-
 Json::Value artifactOf(const Source& source) {
     Json::Value artifact;
     artifact["uri"] = uriOf(source.path());
@@ -47,7 +34,7 @@ Json::Value locationOf(const Source& source, Span span) {
     Json::Value location;
     Json::Value& place = location["physicalLocation"];
     place["artifactLocation"] = artifactOf(source);
-    place["region"] = regionOf(source, span);
+    place["region"] = regionOf(source, span, "startLine", "startColumn");
     return location;
 }
 
@@ -70,22 +57,18 @@ Json::Value fixOf(const Source& source, const FindingDetails& details) {
     change["artifactLocation"] = artifactOf(source);
     for (const Fix& fix : details.fixes) {
         Json::Value replacement;
-        replacement["deletedRegion"] = regionOf(source, fix.span);
+        replacement["deletedRegion"] = regionOf(source, fix.span, "startLine", "startColumn");
         if (!fix.replacement.empty()) {
             replacement["insertedContent"]["text"] = fix.replacement;
         }
         change["replacements"].append(std::move(replacement));
     }
-    Json::Value json;
     std::set<std::string> changes;
     for (const Fix& fix : details.fixes) {
         changes.insert(fix.what);
     }
-    std::string description;
-    for (const std::string& what : changes) {
-        description += (description.empty() ? "" : ", ") + what;
-    }
-    json["description"] = textOf(description);
+    Json::Value json;
+    json["description"] = textOf(joined({changes.begin(), changes.end()}, ", "));
     json["artifactChanges"].append(std::move(change));
     return json;
 }

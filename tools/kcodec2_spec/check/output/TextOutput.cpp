@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "base/Print.h"
-#include "base/Spelling.h"
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "check/output/Excerpt.h"
