@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -13,7 +14,6 @@
 #include "base/DeviceOptions.h"
 #include "base/ExitCodes.h"
 #include "base/Print.h"
-#include "base/Spelling.h"
 #include "check/FixFiles.h"
 #include "check/VariantReports.h"
 #include "check/rules/Rules.h"
@@ -191,7 +191,8 @@ int checkEachVariant(const CheckOptions& options) {
             fixer.fixLoad();
         }
     }
-    const CheckedVariants checked = checkAllVariants(options.levels, *options.known);
+    const CheckedVariants checked =
+            checkVariants(variantsToCheck(), options.levels, *options.known);
     const int exitCode = finish(checked.report, options);
     return fixer.isEachFixed() ? exitCode : kExitUsage;
 }

@@ -6,12 +6,12 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <tuple>
 #include <utility>
 
 #include "base/DeviceOptions.h"
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Rules.h"
 #include "check/rules/TreeNames.h"
@@ -27,27 +27,20 @@ constexpr char kOtherVariant[] = "a variant without a document";
 // The findings of several reports, each once, with the variants that have it.
 class SharedFindings {
 public:
-    // The load must outlive this, and the report that it is added to.
-    void add(const Report& report, const Load& load) {
-        for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
-            if (document != nullptr) {
-                addReader(*document);
-            }
+    explicit SharedFindings(const std::vector<std::string>& variants) : mVariants(variants) {}
+
+    // What was checked must outlive this, and the report that it is added to. `load` is the index
+    // of its variant; the fallback, which none of the variants reads, has none.
+    void add(const Report& report, const Checked& checked, std::optional<size_t> load) {
+        for (const Document* const document : checked.documents) {
+            ++mReaders[document->source.path()];
+            mSources.emplace(document->source.path(), &document->source);
         }
-        mVariants.push_back(load.variant);
         for (const ReportEntry* const entry : report.inOrder()) {
             std::vector<size_t>& loads = findingOf(*entry)->details.loads;
-            if (loads.empty() || loads.back() != mVariants.size() - 1) {
-                loads.push_back(mVariants.size() - 1);
+            if (load && (loads.empty() || loads.back() != *load)) {
+                loads.push_back(*load);
             }
-        }
-    }
-
-    // The same for the fallback, which none of the variants reads: its findings have no load.
-    void addFallback(const Report& report, const Document& fallback) {
-        addReader(fallback);
-        for (const ReportEntry* const entry : report.inOrder()) {
-            findingOf(*entry);
         }
     }
 
@@ -82,11 +75,6 @@ private:
     };
     using Key = std::tuple<std::string, std::string_view, size_t, size_t, std::string>;
 
-    void addReader(const Document& document) {
-        ++mReaders[document.source.path()];
-        mSources.emplace(document.source.path(), &document.source);
-    }
-
     // The one that is equal to the entry: a new one where there is none.
     Shared* findingOf(const ReportEntry& entry) {
         const Key key = {entry.source->path(), entry.check->id, entry.span.start, entry.span.limit,
@@ -94,13 +82,10 @@ private:
         const auto [place, isNew] = mPlaces.emplace(key, mFindings.size());
         if (isNew) {
             mFindings.push_back({entry.check, entry.source->path(), entry.span, entry.message,
-                                 entry.isForFile, detailsOf(entry)});
+                                 entry.isForFile,
+                                 entry.details != nullptr ? *entry.details : FindingDetails()});
         }
         return &mFindings[place->second];
-    }
-
-    static FindingDetails detailsOf(const ReportEntry& entry) {
-        return entry.details != nullptr ? *entry.details : FindingDetails();
     }
 
     std::string variantsOf(const std::vector<size_t>& loads) const {
@@ -119,7 +104,7 @@ private:
         return joined(names, ", ");
     }
 
-    std::vector<std::string> mVariants;             // Of the loads, in their order.
+    const std::vector<std::string>& mVariants;      // Of the loads, in their order.
     std::map<std::string, size_t> mReaders;         // How many loads read a document, by its path.
     std::map<std::string, const Source*> mSources;  // One for each path.
     std::map<Key, size_t> mPlaces;                  // In mFindings.
@@ -159,38 +144,33 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
     }
     checked.fallback = fallbackBesides(checked.loads);
     const TreeNames names(allDocuments(checked), known);
-    SharedFindings findings;
-    for (size_t i = 0; i < checked.loads.size(); ++i) {
-        const Load& load = checked.loads[i];
-        playVariant(checked.variants[i]);  // The rules look at its files.
+    SharedFindings findings(checked.variants);
+    const auto add = [&](const Checked& one, std::optional<size_t> load) {
         Report report(levels);
-        check(Checked(load, known, &documents, &names), &report);
+        check(one, &report);
         for (const LoadFacts& facts : report.loads()) {
             checked.report.addLoad(facts);
         }
-        findings.add(report, load);
+        findings.add(report, one, load);
+    };
+    for (size_t i = 0; i < checked.loads.size(); ++i) {
+        playVariant(checked.variants[i]);  // The rules look at its files.
+        add(Checked(checked.loads[i], known, &documents, &names), i);
     }
     if (checked.fallback != nullptr) {
-        Report report(levels);
-        check(Checked(*checked.fallback, known, &names), &report);
-        findings.addFallback(report, *checked.fallback);
+        add(Checked(*checked.fallback, known, &names), std::nullopt);
     }
     findings.addTo(&checked.report);
     checkTreeFiles(checked.loads, &checked.report);
     return checked;
 }
 
-std::set<std::string> variantsToCheck() {
+std::vector<std::string> variantsToCheck() {
     std::set<std::string> variants = variantsInTree();
     if (variants.empty() || hasDocumentWithoutVariant()) {
         variants.insert(kDefaultVariant);  // Else such a load is not meant to be.
     }
-    return variants;
-}
-
-CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known) {
-    const std::set<std::string> variants = variantsToCheck();
-    return checkVariants({variants.begin(), variants.end()}, levels, known);
+    return {variants.begin(), variants.end()};
 }
 
 }  // namespace kc2::tool

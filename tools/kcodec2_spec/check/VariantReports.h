@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -26,9 +25,6 @@ CheckedVariants checkVariants(std::vector<std::string> variants, const Levels& l
 
 // Each variant that the tree has a document for, and the default one, unless every document is for
 // a variant.
-std::set<std::string> variantsToCheck();
-
-// The same with each variant to check.
-CheckedVariants checkAllVariants(const Levels& levels, const KnownSettings& known);
+std::vector<std::string> variantsToCheck();
 
 }  // namespace kc2::tool

@@ -65,7 +65,7 @@ TreeCheck::TreeCheck(const std::string& root, const std::vector<const OpenDocume
         }
     }
     setUp();
-    mChecked = std::make_unique<CheckedVariants>(checkAllVariants(Levels(), known));
+    mChecked = std::make_unique<CheckedVariants>(checkVariants(variantsToCheck(), Levels(), known));
 }
 
 void TreeCheck::setUp() const {
