@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
@@ -16,24 +15,19 @@ namespace kc2::tool {
 
 namespace {
 
-// What earlier rows leave of a row.
-enum class Left { Nothing, Part, All };
-
 struct PlacedRow {
     NimbraBitRateEntry row;
     const Document* document;
     Span span;
-    Left left = Left::All;
+    bool isLast = false;  // Of its document.
     // The row for the lowest value that both cover; null when no earlier row covers one.
     const PlacedRow* earlier = nullptr;
-    bool isLast = false;  // Of its document.
+    bool isHidden = false;  // Earlier rows cover every value of the row.
 
     bool matchesNothing() const { return row.low >= row.high; }
     std::string placeSeenFrom(const PlacedRow& other) const {
         return document->source.placeSeenFrom(other.document->source, span.start);
     }
-    // As the last row, so that every value has a rate.
-    bool isCatchAll() const { return isLast && row.high >= INT32_MAX; }
 };
 
 using Rows = std::vector<PlacedRow>;
@@ -41,17 +35,12 @@ using Rows = std::vector<PlacedRow>;
 // Which values the rows so far cover, and which row is used for each.
 class Coverage {
 public:
-    struct Overlap {
-        // The row for the lowest value that both cover; null when no earlier row covers one.
-        const PlacedRow* earlier;
-        bool isWhole;  // Earlier rows cover every value of the row.
-    };
-
-    // Adds a row after the earlier ones and returns what they leave of it.
-    Overlap add(const PlacedRow& placed) {
-        const uint64_t low = placed.row.low;
-        const uint64_t high = placed.row.high;
-        const Overlap overlap = {firstOwner(low, high), isCovered(low, high)};
+    // Adds a row after the earlier ones, and fills in what they cover of it.
+    void add(PlacedRow* placed) {
+        const uint64_t low = placed->row.low;
+        const uint64_t high = placed->row.high;
+        placed->earlier = firstOwner(low, high);
+        placed->isHidden = isCovered(low, high);
         // The gaps between covered ranges are what the new row is used for. Covered ranges that it
         // joins become one, so that each range is visited once over all rows.
         auto range = mCovered.upper_bound(low);
@@ -63,7 +52,7 @@ public:
         uint64_t at = low;
         while (range != mCovered.end() && range->first <= high) {
             if (range->first > at) {
-                mOwners[at] = {range->first, &placed};
+                mOwners[at] = {range->first, placed};
             }
             joinedLow = std::min(joinedLow, range->first);
             joinedHigh = std::max(joinedHigh, range->second);
@@ -71,10 +60,9 @@ public:
             range = mCovered.erase(range);
         }
         if (at < high) {
-            mOwners[at] = {high, &placed};
+            mOwners[at] = {high, placed};
         }
         mCovered[joinedLow] = joinedHigh;
-        return overlap;
     }
 
 private:
@@ -100,28 +88,18 @@ private:
     std::map<uint64_t, Owned> mOwners;      // low -> the row up to high, disjoint.
 };
 
-// Fills in what earlier rows leave of each. Most tables are in order and need no search.
+// Fills in what earlier rows cover of each. Most tables are in order and need no search.
 void findOverlaps(Rows* rows) {
-    uint32_t end = 0;
-    size_t inOrder = 0;
-    for (; inOrder < rows->size(); ++inOrder) {
-        const PlacedRow& placed = (*rows)[inOrder];
-        if (!placed.matchesNothing() && placed.row.low < end) {
-            break;
-        }
-        end = placed.matchesNothing() ? end : placed.row.high;
-    }
-    if (inOrder == rows->size()) {
+    const auto mayOverlap = [](const PlacedRow& placed, const PlacedRow& next) {
+        return placed.matchesNothing() || next.row.low < placed.row.high;
+    };
+    if (std::adjacent_find(rows->begin(), rows->end(), mayOverlap) == rows->end()) {
         return;
     }
     Coverage coverage;
     for (PlacedRow& placed : *rows) {
         if (!placed.matchesNothing()) {
-            const Coverage::Overlap overlap = coverage.add(placed);
-            placed.earlier = overlap.earlier;
-            placed.left = overlap.earlier == nullptr ? Left::All
-                          : overlap.isWhole          ? Left::Nothing
-                                                     : Left::Part;
+            coverage.add(&placed);
         }
     }
 }
@@ -149,7 +127,7 @@ Rows rowsOf(const Checked& checked) {
 std::vector<const PlacedRow*> inAscendingOrder(const Rows& rows, bool isWithOverlaps) {
     std::vector<const PlacedRow*> ordered;
     for (const PlacedRow& placed : rows) {
-        const bool isWanted = isWithOverlaps || placed.left == Left::All;
+        const bool isWanted = isWithOverlaps || placed.earlier == nullptr;
         if (!placed.matchesNothing() && isWanted && placed.row.low <= INT32_MAX) {
             ordered.push_back(&placed);
         }
@@ -171,9 +149,6 @@ struct Neighbours {
 // One report for a mistake that a whole table repeats.
 void reportOnce(CheckId check, const std::vector<Neighbours>& found, std::string message,
                 Report* report) {
-    if (found.empty()) {
-        return;
-    }
     const auto& [before, after] = found.front();
     if (found.size() > 1) {
         message += fmt::format(". The same at {}, the next one at {}",
@@ -202,39 +177,52 @@ Gaps gapsOf(const Rows& rows) {
     Gaps gaps;
     const PlacedRow* before = nullptr;  // Of the highest upper bound so far.
     for (const PlacedRow* const row : inAscendingOrder(rows, true)) {
-        bool isApart = before == nullptr;
-        if (before != nullptr && row->row.low > before->row.high) {
-            auto& found = row->row.low - before->row.high == 1 ? gaps.ofOne : gaps.wide;
-            found.push_back({before, row});
-            isApart = &found == &gaps.wide;
-        } else if (before != nullptr && row->row.low == before->row.high) {
-            ++gaps.joints;
+        const uint64_t low = row->row.low;
+        const uint64_t high = row->row.high;
+        const bool isAfterGap = before != nullptr && low > before->row.high;
+        const bool isGapOfOne = isAfterGap && low - before->row.high == 1;
+        if (isAfterGap) {
+            (isGapOfOne ? gaps.ofOne : gaps.wide).push_back({before, row});
         }
-        if (isApart) {
-            gaps.groups.push_back({row->row.low, row->row.high});
+        if (before == nullptr || (isAfterGap && !isGapOfOne)) {
+            gaps.groups.push_back({low, high});
         } else {
-            gaps.groups.back().high = std::max(gaps.groups.back().high, uint64_t{row->row.high});
+            gaps.joints += low == before->row.high ? 1 : 0;
+            gaps.groups.back().high = std::max(gaps.groups.back().high, high);
             ++gaps.groups.back().rows;
         }
-        if (before == nullptr || row->row.high > before->row.high) {
+        if (before == nullptr || high > before->row.high) {
             before = row;
         }
     }
     return gaps;
 }
 
-// All rows, and the gaps between them, which two rules look at.
-struct Table {
-    explicit Table(const Checked& checked) : rows(rowsOf(checked)), gaps(gapsOf(rows)) {}
-
-    Rows rows;
-    Gaps gaps;
-};
-
 // --- Row by row ---
 
-void checkRowsThatMatchNothing(const Table& table, Report* report) {
-    for (const PlacedRow& placed : table.rows) {
+// A row of which earlier rows cover something.
+void reportOverlap(const PlacedRow& placed, Report* report) {
+    const PlacedRow& earlier = *placed.earlier;
+    const std::string place = earlier.placeSeenFrom(placed);
+    const auto add = [&](CheckId check, std::string message) {
+        report->add(check, *placed.document, placed.span, std::move(message),
+                    besides(earlier.document->source, earlier.span));
+    };
+    if (placed.isHidden) {
+        add("row-hidden",
+            fmt::format("this row is never used: earlier rows, the first at {}, cover its range",
+                        place));
+    } else if (placed.isLast && placed.row.high >= INT32_MAX) {
+        add("row-catches-all", "the last row is for every value that no earlier row covers");
+    } else {
+        add("row-overlaps", fmt::format("the row overlaps the earlier one at {}, which is used for "
+                                        "the values that both cover",
+                                        place));
+    }
+}
+
+void checkRanges(const Rows& rows, Report* report) {
+    for (const PlacedRow& placed : rows) {
         if (placed.matchesNothing()) {
             report->add(
                     "row-matches-nothing", *placed.document, placed.span,
@@ -242,56 +230,15 @@ void checkRowsThatMatchNothing(const Table& table, Report* report) {
                             "the row matches no value: its lower bound {} is not below its upper "
                             "bound {}",
                             placed.row.low, placed.row.high));
+        } else if (placed.earlier != nullptr) {
+            reportOverlap(placed, report);
         }
     }
 }
 
-void reportBesideEarlier(CheckId check, const PlacedRow& placed, std::string message,
-                         Report* report) {
-    const PlacedRow& earlier = *placed.earlier;
-    report->add(check, *placed.document, placed.span, std::move(message),
-                besides(earlier.document->source, earlier.span));
-}
-
-void checkHiddenRows(const Table& table, Report* report) {
-    for (const PlacedRow& placed : table.rows) {
-        if (placed.left == Left::Nothing) {
-            reportBesideEarlier(
-                    "row-hidden", placed,
-                    fmt::format("this row is never used: earlier rows, the first at {}, cover its "
-                                "range",
-                                placed.earlier->placeSeenFrom(placed)),
-                    report);
-        }
-    }
-}
-
-void checkOverlappingRows(const Table& table, Report* report) {
-    for (const PlacedRow& placed : table.rows) {
-        if (placed.left == Left::Part && !placed.isCatchAll()) {
-            reportBesideEarlier(
-                    "row-overlaps", placed,
-                    fmt::format("the row overlaps the earlier one at {}, which is used for the "
-                                "values that both cover",
-                                placed.earlier->placeSeenFrom(placed)),
-                    report);
-        }
-    }
-}
-
-void checkCatchAlls(const Table& table, Report* report) {
-    for (const PlacedRow& placed : table.rows) {
-        if (placed.left == Left::Part && placed.isCatchAll()) {
-            reportBesideEarlier("row-catches-all", placed,
-                                "the last row is for every value that no earlier row covers",
-                                report);
-        }
-    }
-}
-
-void checkZeroRates(const Table& table, Report* report) {
-    for (const PlacedRow& placed : table.rows) {
-        if (placed.row.bitRate == 0 && !placed.matchesNothing() && placed.left != Left::Nothing) {
+void checkZeroRates(const Rows& rows, Report* report) {
+    for (const PlacedRow& placed : rows) {
+        if (placed.row.bitRate == 0 && !placed.matchesNothing() && !placed.isHidden) {
             report->add("rate-zero", *placed.document, placed.span,
                         "the bit rate is 0, and a component uses it as a rate: for a value without "
                         "a row it gets 0xFFFFFFFF");
@@ -301,11 +248,11 @@ void checkZeroRates(const Table& table, Report* report) {
 
 // --- One row after the other ---
 
-std::string missingValues(const Neighbours& gap) {
+std::string withoutRow(const Neighbours& gap) {
     const uint32_t first = gap.before->row.high;
     const uint32_t last = gap.after->row.low - 1;
-    return first == last ? fmt::format("the value {} has", first)
-                         : fmt::format("the values {} to {} have", first, last);
+    return first == last ? fmt::format("the value {} has no row", first)
+                         : fmt::format("the values {} to {} have no row", first, last);
 }
 
 // Whether a gap is between two groups of rows, and wider than any row that may be missing there.
@@ -328,29 +275,22 @@ bool isWideGapMeant(const Gaps& gaps) {
     return gaps.joints < gaps.wide.size() || areAllBetweenGroups;
 }
 
-void checkGaps(const Table& table, Report* report) {
-    const Gaps& gaps = table.gaps;
+void checkGaps(const Rows& rows, Report* report) {
+    const Gaps gaps = gapsOf(rows);
     if (!gaps.ofOne.empty()) {
         reportOnce("row-gap", gaps.ofOne,
-                   missingValues(gaps.ofOne.front()) + " no row: upper bounds are exclusive",
-                   report);
+                   withoutRow(gaps.ofOne.front()) + ": upper bounds are exclusive", report);
     }
-    if (!gaps.wide.empty() && !isWideGapMeant(gaps)) {
-        reportOnce("row-gap", gaps.wide, missingValues(gaps.wide.front()) + " no row", report);
-    }
-}
-
-void checkRowsApart(const Table& table, Report* report) {
-    const Gaps& gaps = table.gaps;
-    if (!gaps.wide.empty() && isWideGapMeant(gaps)) {
-        reportOnce("rows-apart", gaps.wide, missingValues(gaps.wide.front()) + " no row", report);
+    if (!gaps.wide.empty()) {
+        reportOnce(isWideGapMeant(gaps) ? CheckId("rows-apart") : CheckId("row-gap"), gaps.wide,
+                   withoutRow(gaps.wide.front()), report);
     }
 }
 
 // A rate that falls now and then is a slip; a table of falling rates is intended.
-void checkFallingRates(const Table& table, Report* report) {
+void checkFallingRates(const Rows& rows, Report* report) {
     constexpr size_t kOneOf = 3;
-    const std::vector<const PlacedRow*> ordered = inAscendingOrder(table.rows, false);
+    const std::vector<const PlacedRow*> ordered = inAscendingOrder(rows, false);
     std::vector<Neighbours> falls;
     for (size_t i = 1; i < ordered.size(); ++i) {
         const uint32_t rate = ordered[i]->row.bitRate;
@@ -368,10 +308,10 @@ void checkFallingRates(const Table& table, Report* report) {
     }
 }
 
-void checkOrder(const Table& table, Report* report) {
+void checkOrder(const Rows& rows, Report* report) {
     const PlacedRow* before = nullptr;
-    for (const PlacedRow& placed : table.rows) {
-        if (placed.matchesNothing() || placed.left != Left::All) {
+    for (const PlacedRow& placed : rows) {
+        if (placed.matchesNothing() || placed.earlier != nullptr) {
             continue;
         }
         if (before != nullptr && before->document == placed.document &&
@@ -388,16 +328,12 @@ void checkOrder(const Table& table, Report* report) {
 }  // namespace
 
 void checkBitRates(const Checked& checked, Report* report) {
-    const Table table(checked);
-    checkRowsThatMatchNothing(table, report);
-    checkHiddenRows(table, report);
-    checkOverlappingRows(table, report);
-    checkCatchAlls(table, report);
-    checkGaps(table, report);
-    checkRowsApart(table, report);
-    checkOrder(table, report);
-    checkFallingRates(table, report);
-    checkZeroRates(table, report);
+    const Rows rows = rowsOf(checked);
+    checkRanges(rows, report);
+    checkGaps(rows, report);
+    checkOrder(rows, report);
+    checkFallingRates(rows, report);
+    checkZeroRates(rows, report);
 }
 
 }  // namespace kc2::tool
