@@ -3,9 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -167,40 +165,32 @@ void checkPlaceholders(const Document& document, Report* report) {
     });
 }
 
-void checkLeadingZeros(const Document& document, Report* report) {
-    visitAll(document.tree.root, [&](const Node& node) {
-        const std::string_view digits =
-                document.source.text().substr(node.value.start + (node.kind == '-' ? 1 : 0), 2);
-        if (node.isNumber() && digits.size() == 2 && digits[0] == '0' &&
-            std::isdigit(static_cast<unsigned char>(digits[1])) != 0) {
-            report->add("leading-zero", document, node.value,
-                        "the leading zero does not make the number octal: it is decimal");
-        }
-    });
-}
-
-void checkLoneMinuses(const Document& document, Report* report) {
-    visitAll(document.tree.root, [&](const Node& node) {
-        if (node.kind == '-' && node.value.limit == node.value.start + 1) {
-            report->add("lone-minus", document, node.value,
-                        "a minus sign without digits is read as 0");
-        }
-    });
-}
-
 // Parsers and C++ libraries differ in how they read a number beyond the range of double.
-void checkExtremeNumbers(const Document& document, Report* report) {
+void checkNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
-        const NumberRange range =
-                node.isNumber() ? rangeOf(document.source.textAt(node.value)) : NumberRange::Normal;
+        if (!node.isNumber()) {
+            return;
+        }
+        const auto add = [&](CheckId check, const char* message) {
+            report->add(check, document, node.value, message);
+        };
+        const std::string_view text = document.source.textAt(node.value);
+        const std::string_view digits = text.substr(node.kind == '-' ? 1 : 0, 2);
+        if (digits.size() == 2 && digits[0] == '0' && isDigit(digits[1])) {
+            add("leading-zero", "the leading zero does not make the number octal: it is decimal");
+        }
+        if (digits.empty() && document.isAccepted) {  // Else the root is the mistake.
+            add("lone-minus", "a minus sign without digits is read as 0");
+        }
+        const NumberRange range = rangeOf(text);
         if (range == NumberRange::TooLarge) {
-            report->add("number-too-large", document, node.value,
-                        "the number is too large for any parser: JsonCpp up to 1.9.5 rejects the "
-                        "whole document for it, and later releases skip the value");
+            add("number-too-large",
+                "the number is too large for any parser: JsonCpp up to 1.9.5 rejects the whole "
+                "document for it, and later releases skip the value");
         } else if (range == NumberRange::TooSmall) {
-            report->add("number-too-small", document, node.value,
-                        "the number is too close to 0: every phone rejects the whole document for "
-                        "it, though this machine may read it");
+            add("number-too-small",
+                "the number is too close to 0: every phone rejects the whole document for it, "
+                "though this machine may read it");
         }
     });
 }
@@ -279,12 +269,10 @@ void checkTexts(const Checked& checked, Report* report) {
         checkUnknownMembers(document, levels, checked.known, report);
         checkDuplicateMembers(document, report);
         checkPlaceholders(document, report);
-        checkLeadingZeros(document, report);
+        checkNumbers(document, report);
         if (document.isAccepted) {  // Else the root is the mistake.
-            checkLoneMinuses(document, report);
             checkTrailingText(document, levels, report);
         }
-        checkExtremeNumbers(document, report);
         checkControlCharacters(document, report);
     });
 }

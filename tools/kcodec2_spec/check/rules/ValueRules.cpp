@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
 #include "document/Tokens.h"
@@ -19,19 +18,6 @@ namespace kc2::tool {
 namespace {
 
 // --- Values in the catalogue's terms ---
-
-// Calls visit(setting, value) for each preset of the catalogue that the document sets.
-template <typename Visit>
-void forEachKnownPreset(const Document& document, const KnownSettings& known, Visit visit) {
-    const auto& presets = document.content.presets;
-    for (const Setting& setting : known.catalogue.settings()) {
-        const auto preset =
-                setting.section == targetSpecPresets ? presets.find(setting.name) : presets.end();
-        if (preset != presets.end()) {
-            visit(setting, int64_t{preset->second});
-        }
-    }
-}
 
 // Adds a finding at the value of a preset, unless the reader has changed it: that is the mistake.
 void reportAtValue(CheckId check, const Document& document, const Setting& setting,
@@ -60,22 +46,20 @@ void checkBytes(const Document& document, const Setting& setting, int64_t value,
     }
 }
 
-void checkRanges(const Document& document, const KnownSettings& known, Report* report) {
-    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
-        const bool isBelow = setting.minimum && value < *setting.minimum;
-        const bool isAbove = setting.maximum && value > *setting.maximum;
-        if (isBelow || isAbove) {
-            reportAtValue("value-range", document, setting,
-                          fmt::format("{} is {} {}, the {} of \"{}\" ({})", value,
-                                      isBelow ? "below" : "above",
-                                      isBelow ? *setting.minimum : *setting.maximum,
-                                      isBelow ? "lowest value" : "highest value", setting.name,
-                                      setting.meaning),
-                          report);
-        } else {
-            checkBytes(document, setting, value, report);
-        }
-    });
+void checkRange(const Document& document, const Setting& setting, int64_t value, Report* report) {
+    const bool isBelow = setting.minimum && value < *setting.minimum;
+    const bool isAbove = setting.maximum && value > *setting.maximum;
+    if (isBelow || isAbove) {
+        reportAtValue("value-range", document, setting,
+                      fmt::format("{} is {} {}, the {} of \"{}\" ({})", value,
+                                  isBelow ? "below" : "above",
+                                  isBelow ? *setting.minimum : *setting.maximum,
+                                  isBelow ? "lowest value" : "highest value", setting.name,
+                                  setting.meaning),
+                      report);
+    } else {
+        checkBytes(document, setting, value, report);
+    }
 }
 
 std::string listOf(const std::vector<CatalogueValue>& values) {
@@ -92,53 +76,63 @@ const CatalogueValue* findValue(const std::vector<CatalogueValue>& values, int64
     return found != values.end() ? &*found : nullptr;
 }
 
-void checkListedValues(const Document& document, const KnownSettings& known, Report* report) {
-    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
-        if (setting.hasOnlyValues && findValue(setting.values, value) == nullptr) {
-            reportAtValue("value-unknown", document, setting,
-                          fmt::format("{} is not a value of \"{}\" ({}): {}", value, setting.name,
-                                      setting.meaning, listOf(setting.values)),
-                          report);
-        }
-        int64_t rest = value;
-        for (const CatalogueValue& bit : setting.bits) {
-            rest &= ~bit.value;
-        }
-        if (!setting.bits.empty() && rest != 0) {
-            reportAtValue("value-unknown", document, setting,
-                          fmt::format("{} has other bits than \"{}\" ({}): its bits are {}", value,
-                                      setting.name, setting.meaning, listOf(setting.bits)),
-                          report);
-        }
-    });
+void checkListed(const Document& document, const Setting& setting, int64_t value, Report* report) {
+    if (setting.hasOnlyValues && findValue(setting.values, value) == nullptr) {
+        reportAtValue("value-unknown", document, setting,
+                      fmt::format("{} is not a value of \"{}\" ({}): {}", value, setting.name,
+                                  setting.meaning, listOf(setting.values)),
+                      report);
+    }
+    int64_t rest = value;
+    for (const CatalogueValue& bit : setting.bits) {
+        rest &= ~bit.value;
+    }
+    if (!setting.bits.empty() && rest != 0) {
+        reportAtValue("value-unknown", document, setting,
+                      fmt::format("{} has other bits than \"{}\" ({}): its bits are {}", value,
+                                  setting.name, setting.meaning, listOf(setting.bits)),
+                      report);
+    }
 }
 
-void checkSupport(const Document& document, const KnownSettings& known, Report* report) {
-    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
-        const CatalogueValue* unsupported = findValue(setting.values, value);
-        for (const CatalogueValue& bit : setting.bits) {
-            unsupported = !bit.isSupported && (value & bit.value) != 0 ? &bit : unsupported;
-        }
-        if (unsupported != nullptr && !unsupported->isSupported) {
-            reportAtValue("value-unsupported", document, setting,
-                          fmt::format("{} of \"{}\" ({}) is not supported", unsupported->value,
-                                      setting.name, unsupported->meaning),
-                          report);
-        }
-    });
+void checkSupport(const Document& document, const Setting& setting, int64_t value, Report* report) {
+    const CatalogueValue* unsupported = findValue(setting.values, value);
+    for (const CatalogueValue& bit : setting.bits) {
+        unsupported = !bit.isSupported && (value & bit.value) != 0 ? &bit : unsupported;
+    }
+    if (unsupported != nullptr && !unsupported->isSupported) {
+        reportAtValue("value-unsupported", document, setting,
+                      fmt::format("{} of \"{}\" ({}) is not supported", unsupported->value,
+                                  setting.name, unsupported->meaning),
+                      report);
+    }
 }
 
-void checkNeededBits(const Document& document, const KnownSettings& known, Report* report) {
-    forEachKnownPreset(document, known, [&](const Setting& setting, int64_t value) {
-        for (const CatalogueValue& bit : setting.bits) {
-            if ((value & bit.value) != 0 && bit.neededBit && (value & *bit.neededBit) == 0) {
-                reportAtValue("bit-without-other", document, setting,
-                              fmt::format("bit {} of \"{}\" ({}) is used only together with bit {}",
-                                          bit.value, setting.name, bit.meaning, *bit.neededBit),
-                              report);
-            }
+void checkNeededBits(const Document& document, const Setting& setting, int64_t value,
+                     Report* report) {
+    for (const CatalogueValue& bit : setting.bits) {
+        if ((value & bit.value) != 0 && bit.neededBit && (value & *bit.neededBit) == 0) {
+            reportAtValue("bit-without-other", document, setting,
+                          fmt::format("bit {} of \"{}\" ({}) is used only together with bit {}",
+                                      bit.value, setting.name, bit.meaning, *bit.neededBit),
+                          report);
         }
-    });
+    }
+}
+
+void checkPresets(const Document& document, const Catalogue& catalogue, Report* report) {
+    const auto& presets = document.content.presets;
+    for (const Setting& setting : catalogue.settings()) {
+        const auto preset =
+                setting.section == targetSpecPresets ? presets.find(setting.name) : presets.end();
+        if (preset != presets.end()) {
+            const int64_t value = preset->second;
+            checkRange(document, setting, value, report);
+            checkListed(document, setting, value, report);
+            checkSupport(document, setting, value, report);
+            checkNeededBits(document, setting, value, report);
+        }
+    }
 }
 
 // --- How a value is written ---
@@ -189,43 +183,27 @@ void checkEmptyVideo(const Document& document, Report* report) {
         (!video->isNull() && !isEmptyContainer(*video))) {
         return;
     }
-    const char* const state = video->isNull() ? "null" : "empty";
-    if (isPrivateFile(document)) {
-        report->add("private-file-empty", document, video->name,
-                    fmt::format("\"{}\" is {}: the file sets nothing, and while it is there, no "
-                                "built-in document is read",
-                                targetSpecRoot, state));
-        return;
-    }
-    report->add("video-empty", document, video->name,
-                fmt::format("\"{}\" is {}: the document sets nothing", targetSpecRoot, state));
+    const bool isPrivate = isPrivateFile(document);
+    report->add(isPrivate ? CheckId("private-file-empty") : CheckId("video-empty"), document,
+                video->name,
+                fmt::format("\"{}\" is {}: {}", targetSpecRoot, video->isNull() ? "null" : "empty",
+                            isPrivate ? "the file sets nothing, and while it is there, no built-in "
+                                        "document is read"
+                                      : "the document sets nothing"));
 }
 
-// "DolbyVision" is left to the reader's finding: its levels become 0.
-template <typename Visit>
-void forEachSectionWithoutLevels(const Document& document, Visit visit) {
+void checkEmptySections(const Document& document, Report* report) {
     forEachSection(document, [&](const Section& row, const Node& section) {
-        if (row.type != SectionType::DolbyVision) {
-            visit(row, section);
+        if (row.type == SectionType::DolbyVision) {
+            return;  // Left to the reader's finding: its levels become 0.
         }
-    });
-}
-
-void checkNullSections(const Document& document, Report* report) {
-    forEachSectionWithoutLevels(document, [&](const Section& row, const Node& section) {
+        // Codec sections that name no component have a finding that says what that means.
+        const bool isEveryCodec = isOfCodecs(row.type) && document.content.supportedCodecs.empty();
         if (section.isNull()) {
             report->add(
                     "section-null", document, section.name,
                     fmt::format("\"{}\" is null, which is the same as an empty section", *row.key));
-        }
-    });
-}
-
-void checkEmptySections(const Document& document, Report* report) {
-    forEachSectionWithoutLevels(document, [&](const Section& row, const Node& section) {
-        // Codec sections that name no component have a finding that says what that means.
-        const bool isEveryCodec = isOfCodecs(row.type) && document.content.supportedCodecs.empty();
-        if (isEmptyContainer(section) && !isEveryCodec && section.verdicts.empty()) {
+        } else if (isEmptyContainer(section) && !isEveryCodec && section.verdicts.empty()) {
             report->add("section-empty", document, section.name,
                         fmt::format("\"{}\" is empty", *row.key));
         }
@@ -296,13 +274,9 @@ void checkOrder(const Checked& checked, Report* report) {
 
 void checkValues(const Checked& checked, Report* report) {
     checked.forEachWritten([&](const Document& document) {
-        checkRanges(document, checked.known, report);
-        checkListedValues(document, checked.known, report);
-        checkSupport(document, checked.known, report);
-        checkNeededBits(document, checked.known, report);
+        checkPresets(document, checked.known.catalogue, report);
         checkWholeReals(document, report);
         checkEmptyVideo(document, report);
-        checkNullSections(document, report);
         checkEmptySections(document, report);
     });
     checkNeededFeatures(checked, report);
