@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -10,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Misspellings.h"
@@ -20,54 +20,42 @@ namespace kc2::tool {
 
 namespace {
 
-constexpr std::string_view kDecoder = "decoder";
-constexpr std::string_view kEncoder = "encoder";
-
 // The parts of a name between its dots, as far as rules look at them.
 struct ComponentName {
-    explicit ComponentName(std::string_view name) {
+    explicit ComponentName(std::string_view text) : name(text) {
         size_t start = 0;
-        for (std::string_view* const part : {&prefix, &vendor, &codec, &role}) {
-            const size_t limit = std::min(name.find('.', start), name.size());
-            *part = name.substr(std::min(start, name.size()), limit - std::min(start, limit));
-            start = limit + 1;
+        size_t limit = 0;
+        for (int part = 0; part < kParts; ++part) {
+            start = std::min(part == 0 ? 0 : limit + 1, name.size());
+            limit = std::min(name.find('.', start), name.size());
         }
-        base = name.substr(0, std::min(start - 1, name.size()));
-        variant = name.substr(base.size());
+        role = name.substr(start, limit - start);
+        base = name.substr(0, limit);
+        variant = name.substr(limit);
     }
 
-    bool isDecoder() const { return role == kDecoder; }
-    bool isEncoder() const { return role == kEncoder; }
+    bool isDecoder() const { return role == "decoder"; }
+    bool isEncoder() const { return role == "encoder"; }
 
     // c2.<vendor>.<codec>.<decoder or encoder>, and what distinguishes components of one codec.
     bool hasForm() const {
-        const auto isOfWord = [](char c) {
-            return (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' || c == '-';
-        };
-        const auto isWord = [&](std::string_view part) {
-            return !part.empty() && std::all_of(part.begin(), part.end(), isOfWord);
-        };
-        for (size_t dot = 0; dot < variant.size();) {  // It begins with a dot, or is empty.
-            const size_t next = std::min(variant.find('.', dot + 1), variant.size());
-            if (!isWord(variant.substr(dot + 1, next - dot - 1))) {
-                return false;
-            }
-            dot = next;
-        }
-        return prefix == "c2" && isWord(vendor) && isWord(codec) && (isDecoder() || isEncoder());
+        constexpr std::string_view kOfParts = "abcdefghijklmnopqrstuvwxyz0123456789_-.";
+        return name.starts_with("c2.") && (isDecoder() || isEncoder()) &&
+               name.find_first_not_of(kOfParts) == std::string_view::npos &&
+               name.find("..") == std::string_view::npos && !name.ends_with('.');
     }
 
-    std::string_view prefix;
-    std::string_view vendor;
-    std::string_view codec;
-    std::string_view role;
+    static constexpr int kParts = 4;
+
+    std::string_view name;
+    std::string_view role;     // The last of four parts.
     std::string_view base;     // These four.
     std::string_view variant;  // What follows, with its dot.
 };
 
 // --- In one document ---
 
-void checkMisspeltComponents(const Document& document, const KnownSettings& known, Report* report) {
+void checkComponentNames(const Document& document, const KnownSettings& known, Report* report) {
     std::vector<Misspelling> misspelt;
     forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
         const NearNames::Match match = known.components.find(name.text, name.list);
@@ -76,23 +64,16 @@ void checkMisspeltComponents(const Document& document, const KnownSettings& know
                                 fmt::format("\"{}\" is not a known component. Did you mean {}?",
                                             name.text, meantBy(match)),
                                 match.isCertain});
+        } else if (match.entry == nullptr && !name.text.empty() &&
+                   !ComponentName(name.text).hasForm() && !isSeveralInOne(name.text)) {
+            report->add("codec-name-form", document, name.span,
+                        "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
         }
     });
     const auto& codecs = document.content.supportedCodecs;
     reportMisspellings(
             "codec-misspelt", document, std::move(misspelt),
             [&](const std::string& meant) { return codecs.count(meant) != 0; }, report);
-}
-
-void checkCodecForm(const Document& document, const KnownSettings& known, Report* report) {
-    forEachEntry(document, isOfCodecs, [&](const DocumentName& name) {
-        if (!name.text.empty() && !ComponentName(name.text).hasForm() &&
-            !isSeveralInOne(name.text) &&
-            known.components.find(name.text, name.list).entry == nullptr) {
-            report->add("codec-name-form", document, name.span,
-                        "not of the form of a component name, such as c2.kvx.avc.decoder.secure");
-        }
-    });
 }
 
 bool isAmongDecoders(const DocumentName& name) {
@@ -164,45 +145,34 @@ std::unordered_set<std::string> misspeltAndMeant(const Checked& checked) {
     return names;
 }
 
-struct LoneVariant {
-    const Document* document;
-    Span span;
-    std::string name;
-    std::string base;
-};
-
-std::vector<LoneVariant> loneVariants(const Checked& checked) {
-    const auto& codecs = checked.whole().supportedCodecs;
-    std::vector<LoneVariant> lone;
-    for (const Document* const document : checked.documents) {
-        forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
-            const ComponentName component(name.text);
-            const bool isVariant =
-                    std::find(std::begin(kComponentVariants), std::end(kComponentVariants),
-                              component.variant) != std::end(kComponentVariants);
-            std::string base(isVariant ? component.base : "");
-            if (isVariant && component.hasForm() && codecs.count(base) == 0) {
-                lone.push_back({document, name.span, std::string(name.text), std::move(base)});
-            }
-        });
-    }
-    return lone;
-}
-
 void checkVariantsWithoutBase(const Checked& checked, Report* report) {
     if (checked.isAlone() && isAddition(*checked.documents.front())) {
         return;
     }
-    const std::vector<LoneVariant> lone = loneVariants(checked);
-    const std::unordered_set<std::string> reported =
-            lone.empty() ? std::unordered_set<std::string>() : misspeltAndMeant(checked);
-    for (const LoneVariant& one : lone) {
-        if (reported.count(one.name) == 0 && reported.count(one.base) == 0) {
-            report->add(
-                    "variant-without-base", *one.document, one.span,
-                    fmt::format("\"{}\" is listed, but \"{}\" is not: a variant without its base",
-                                one.name, one.base));
+    std::optional<std::unordered_set<std::string>> reported;  // Once a name needs it.
+    const auto checkName = [&](const Document& document, const DocumentName& name) {
+        const ComponentName component(name.text);
+        const std::string base(component.base);
+        if (!component.hasForm() || checked.whole().supportedCodecs.contains(base)) {
+            return;
         }
+        if (!reported) {
+            reported = misspeltAndMeant(checked);
+        }
+        if (!reported->contains(std::string(name.text)) && !reported->contains(base)) {
+            report->add(
+                    "variant-without-base", document, name.span,
+                    fmt::format("\"{}\" is listed, but \"{}\" is not: a variant without its base",
+                                name.text, base));
+        }
+    };
+    for (const Document* const document : checked.documents) {
+        forEachEntry(*document, isOfCodecs, [&](const DocumentName& name) {
+            if (std::find(std::begin(kComponentVariants), std::end(kComponentVariants),
+                          ComponentName(name.text).variant) != std::end(kComponentVariants)) {
+                checkName(*document, name);
+            }
+        });
     }
 }
 
@@ -274,8 +244,7 @@ void checkOneKind(const Checked& checked, Report* report) {
 
 void checkCodecs(const Checked& checked, Report* report) {
     checked.forEachWritten([&](const Document& document) {
-        checkMisspeltComponents(document, checked.known, report);
-        checkCodecForm(document, checked.known, report);
+        checkComponentNames(document, checked.known, report);
         checkWrongLists(document, checked.known, report);
         checkRepeatedComponents(document, report);
     });

@@ -1,7 +1,6 @@
 // Names that are nearly known ones, reported with the fix where it is certain.
 
 #include "check/rules/Misspellings.h"
-#include "base/Spelling.h"
 
 #include <fmt/format.h>
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,7 +12,6 @@
 
 #include "base/NearNames.h"
 #include "base/OddCharacters.h"
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "base/Utf8.h"
 #include "check/rules/Entries.h"
@@ -45,50 +43,37 @@ void checkMisplacedSettings(const Document& document, const KnownSettings& known
 
 // Names that begin as the store's own settings do, but that are like no known one: reported once,
 // as a document may have many.
-class UnknownPrivateNames {
-public:
-    void add(const DocumentName& name) {
-        if (hasPrivatePrefix(name.text)) {
-            ++mCount;
-            if (mFirst.size() < kShown) {
-                mFirst.push_back(name);
-            }
-        }
+void reportUnknownPrivateNames(const Document& document, const std::vector<DocumentName>& names,
+                               const NearNames& known, Report* report) {
+    constexpr size_t kShown = 5;
+    if (names.empty()) {
+        return;
     }
-
-    void addTo(const Document& document, const NearNames& known, Report* report) const {
-        if (mCount == 0) {
-            return;
-        }
-        std::vector<std::string> shown;
-        for (const DocumentName& name : mFirst) {
-            const NearNames::Entry* const near = known.closest(name.text);
-            shown.push_back(fmt::format("\"{}\" ({})", name.text,
-                                        near != nullptr ? fmt::format("nearest: \"{}\"", near->name)
-                                                        : "nothing similar"));
-        }
-        report->add("private-name-unknown", document, mFirst.front().span,
-                    fmt::format("{} not known: {}{}",
-                                mCount == 1 ? "1 private setting is"
-                                            : fmt::format("{} private settings are", mCount),
-                                joined(shown, ", "), mCount > kShown ? ", ..." : ""));
+    std::vector<std::string> shown;
+    for (size_t i = 0; i < std::min(names.size(), kShown); ++i) {
+        const NearNames::Entry* const near = known.closest(names[i].text);
+        shown.push_back(fmt::format(
+                "\"{}\" ({})", names[i].text,
+                near != nullptr ? fmt::format("nearest: \"{}\"", near->name) : "nothing similar"));
     }
-
-private:
-    static constexpr size_t kShown = 5;
-
-    std::vector<DocumentName> mFirst;
-    size_t mCount = 0;
-};
+    report->add(
+            "private-name-unknown", document, names.front().span,
+            fmt::format("{} not known: {}{}",
+                        names.size() == 1 ? "1 private setting is"
+                                          : fmt::format("{} private settings are", names.size()),
+                        joined(shown, ", "), names.size() > kShown ? ", ..." : ""));
+}
 
 void checkMisspeltSettings(const Document& document, const KnownSettings& known, Report* report) {
     std::vector<Misspelling> misspelt;
     std::unordered_set<std::string> present;
-    UnknownPrivateNames unknown;
+    std::vector<DocumentName> unknown;
     forEachSettingName(document, [&](const DocumentName& name) {
         const NearNames::Match match = known.settings.find(name.text, name.section);
         if (match.entry == nullptr) {
-            unknown.add(name);
+            if (hasPrivatePrefix(name.text)) {
+                unknown.push_back(name);
+            }
             return;
         }
         if (match.isExact) {
@@ -107,7 +92,7 @@ void checkMisspeltSettings(const Document& document, const KnownSettings& known,
     reportMisspellings(
             "name-misspelt", document, std::move(misspelt),
             [&](const std::string& meant) { return present.count(meant) != 0; }, report);
-    unknown.addTo(document, known.settings, report);
+    reportUnknownPrivateNames(document, unknown, known.settings, report);
 }
 
 // --- Names beside each other ---
@@ -116,82 +101,55 @@ bool hasCapital(std::string_view name) {
     return std::any_of(name.begin(), name.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
 }
 
-// Names of one kind, in the order of the text; only those with a capital letter are remembered, and
-// then those that they may be taken for: most documents have few.
-class CaseTwins {
-public:
-    void look(const DocumentName& name) {
+// Looks at the names of one kind, which forEach(visit) visits in the order of the text. Only those
+// that a name with a capital letter may be taken for are remembered: most documents have few.
+template <typename ForEach>
+void checkCaseTwins(const Document& document, const NearNames& known, ForEach forEach,
+                    Report* report) {
+    std::unordered_set<std::string> small;
+    forEach([&](const DocumentName& name) {
         if (hasCapital(name.text)) {
-            mSmall.insert(inSmallLetters(name.text));
+            small.insert(inSmallLetters(name.text));
         }
+    });
+    if (small.empty()) {
+        return;
     }
-
-    bool isIdle() const { return mSmall.empty(); }
-
-    // The earlier name that differs from this one in case alone; null when there is none.
-    const DocumentName* earlier(const DocumentName& name) {
-        const auto small = mSmall.find(inSmallLetters(name.text));
-        if (small == mSmall.end()) {
-            return nullptr;
+    std::unordered_map<std::string, DocumentName> first;
+    forEach([&](const DocumentName& name) {
+        std::string letters = inSmallLetters(name.text);
+        if (small.count(letters) == 0) {
+            return;
         }
-        const auto [found, isNew] = mFirst.emplace(*small, std::pair(std::string(name.text), name));
-        return !isNew && found->second.first != name.text ? &found->second.second : nullptr;
-    }
-
-private:
-    std::unordered_set<std::string> mSmall;
-    std::unordered_map<std::string, std::pair<std::string, DocumentName>> mFirst;
-};
-
-void checkCaseTwins(const Document& document, const KnownSettings& known, Report* report) {
-    CaseTwins settings;
-    CaseTwins entries;
-    forEachSettingName(document, [&](const DocumentName& name) { settings.look(name); });
-    forEachEntry(document, isOfNames, [&](const DocumentName& name) { entries.look(name); });
-    const auto check = [&](CaseTwins* twins, const NearNames& names, const DocumentName& name) {
-        const DocumentName* const earlier = twins->earlier(name);
+        const DocumentName& earlier = first.emplace(std::move(letters), name).first->second;
         // Where one of the two is a known name, the other one is misspelt, and that is reported.
-        if (earlier != nullptr && names.find(name.text, "").entry == nullptr) {
+        if (earlier.text != name.text && known.find(name.text, "").entry == nullptr) {
             report->add(
                     "name-case", document, name.span,
                     fmt::format(
                             "\"{}\" differs only in case from the name at {}: these are two names",
-                            name.text, document.source.positionText(earlier->span.start)),
-                    besides(document.source, earlier->span));
+                            name.text, document.source.positionText(earlier.span.start)),
+                    besides(document.source, earlier.span));
         }
-    };
-    if (!settings.isIdle()) {
-        forEachSettingName(document, [&](const DocumentName& name) {
-            check(&settings, known.settings, name);
-        });
-    }
-    if (!entries.isIdle()) {
-        forEachEntry(document, isOfNames,
-                     [&](const DocumentName& name) { check(&entries, known.components, name); });
-    }
+    });
 }
 
 // The names that more than one section of named values sets.
 std::unordered_set<std::string_view> namesInTwoSections(const SpecDocument& content) {
-    std::unordered_set<std::string_view> names;
-    std::vector<std::string_view> sorted;  // Of the sections so far.
-    const auto add = [&](const auto& values) {
-        if constexpr (requires { values.begin()->second; }) {
-            std::vector<std::string_view> own;
-            for (const auto& [name, value] : values) {
-                own.push_back(name);
+    std::vector<std::string_view> all;  // Sorted, as the names of each section are.
+    forEachContainer([&](const char* const* /*key*/, auto member) {
+        if constexpr (requires { (content.*member).begin()->second; }) {
+            const auto before = static_cast<ptrdiff_t>(all.size());
+            for (const auto& [name, value] : content.*member) {
+                all.push_back(name);
             }
-            std::vector<std::string_view> common;
-            std::set_intersection(sorted.begin(), sorted.end(), own.begin(), own.end(),
-                                  std::back_inserter(common));
-            names.insert(common.begin(), common.end());
-            std::vector<std::string_view> all;
-            std::set_union(sorted.begin(), sorted.end(), own.begin(), own.end(),
-                           std::back_inserter(all));
-            sorted = std::move(all);
+            std::inplace_merge(all.begin(), all.begin() + before, all.end());
         }
-    };
-    forEachContainer([&](const char* const* /*key*/, auto member) { add(content.*member); });
+    });
+    std::unordered_set<std::string_view> names;
+    for (auto at = all.begin(); (at = std::adjacent_find(at, all.end())) != all.end(); ++at) {
+        names.insert(*at);
+    }
     return names;
 }
 
@@ -218,24 +176,6 @@ void checkTwoSections(const Document& document, const KnownSettings& known, Repo
 
 // --- What a name is made of ---
 
-template <typename Visit>
-void forEachName(const Document& document, Visit visit) {
-    forEachSettingName(document, visit);
-    forEachEntry(document, isOfNames, visit);
-}
-
-void checkEmptyNames(const Document& document, Report* report) {
-    forEachName(document, [&](const DocumentName& name) {
-        if (name.text.empty()) {
-            report->add(
-                    "name-empty", document, name.span,
-                    fmt::format(
-                            "an empty name in \"{}\": the device keeps it, and nothing reads it",
-                            name.section));
-        }
-    });
-}
-
 bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
@@ -261,36 +201,48 @@ std::string oddIn(std::string_view name) {
     return hasBlank ? "a blank at its start or end" : "";
 }
 
-void checkOddNames(const Document& document, const KnownSettings& known, Report* report) {
-    forEachName(document, [&](const DocumentName& name) {
-        const std::string odd = oddIn(name.text);
-        if (odd.empty()) {
-            return;
-        }
-        const std::string_view quoted = document.source.textAt(name.span);
-        const bool hasRaw =
-                std::any_of(quoted.begin(), quoted.end(), [](unsigned char c) { return c < 0x20; });
-        const NearNames& names = *name.list != '\0' || name.section == targetSpecOptionalCodecs
-                                         ? known.components
-                                         : known.settings;
-        // Otherwise control-character, or the misspelt known name, is reported.
-        if (!hasRaw && names.find(name.text, name.section).entry == nullptr) {
-            report->add("name-characters", document, name.span,
-                        fmt::format("the name has {}: names are compared byte by byte", odd));
-        }
-    });
+void checkCharacters(const Document& document, const DocumentName& name, const KnownSettings& known,
+                     Report* report) {
+    if (name.text.empty()) {
+        report->add(
+                "name-empty", document, name.span,
+                fmt::format("an empty name in \"{}\": the device keeps it, and nothing reads it",
+                            name.section));
+    }
+    const std::string odd = oddIn(name.text);
+    if (odd.empty()) {
+        return;
+    }
+    const std::string_view quoted = document.source.textAt(name.span);
+    const bool hasRaw =
+            std::any_of(quoted.begin(), quoted.end(), [](unsigned char c) { return c < 0x20; });
+    const NearNames& names = *name.list != '\0' || name.section == targetSpecOptionalCodecs
+                                     ? known.components
+                                     : known.settings;
+    // Otherwise control-character, or the misspelt known name, is reported.
+    if (!hasRaw && names.find(name.text, name.section).entry == nullptr) {
+        report->add("name-characters", document, name.span,
+                    fmt::format("the name has {}: names are compared byte by byte", odd));
+    }
 }
 
 }  // namespace
 
 void checkNames(const Checked& checked, Report* report) {
+    const KnownSettings& known = checked.known;
     checked.forEachWritten([&](const Document& document) {
-        checkMisplacedSettings(document, checked.known, report);
-        checkMisspeltSettings(document, checked.known, report);
-        checkCaseTwins(document, checked.known, report);
-        checkTwoSections(document, checked.known, report);
-        checkEmptyNames(document, report);
-        checkOddNames(document, checked.known, report);
+        const auto forEachSetting = [&](auto visit) { forEachSettingName(document, visit); };
+        const auto forEachOfLists = [&](auto visit) { forEachEntry(document, isOfNames, visit); };
+        const auto checkName = [&](const DocumentName& name) {
+            checkCharacters(document, name, known, report);
+        };
+        checkMisplacedSettings(document, known, report);
+        checkMisspeltSettings(document, known, report);
+        checkCaseTwins(document, known.settings, forEachSetting, report);
+        checkCaseTwins(document, known.components, forEachOfLists, report);
+        checkTwoSections(document, known, report);
+        forEachSetting(checkName);
+        forEachOfLists(checkName);
     });
 }
 
