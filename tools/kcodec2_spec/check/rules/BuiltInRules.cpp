@@ -50,39 +50,30 @@ struct Likeness {
     }
 };
 
+const std::string& keyOf(const std::string& name) {
+    return name;
+}
 template <typename Value>
-void addLikeness(const std::map<std::string, Value>& values,
-                 const std::map<std::string, Value>& other, const std::map<std::string, Value>& own,
-                 Likeness* likeness) {
-    const auto isAs = [](const auto& setting, const std::map<std::string, Value>& document) {
-        const auto found = document.find(setting.first);
-        return found != document.end() && found->second == setting.second;
-    };
-    for (const auto& setting : values) {
-        likeness->add(isAs(setting, other), isAs(setting, own), !own.contains(setting.first));
-    }
-    likeness->allOfOther += other.size();
+const std::string& keyOf(const std::pair<const std::string, Value>& setting) {
+    return setting.first;
 }
 
-void addLikeness(const std::unordered_set<std::string>& names,
-                 const std::unordered_set<std::string>& other,
-                 const std::unordered_set<std::string>& own, Likeness* likeness) {
-    for (const std::string& name : names) {
-        likeness->add(other.contains(name), own.contains(name), !own.contains(name));
-    }
-    likeness->allOfOther += other.size();
-}
-
-// No built-in document has lists, rows or profiles.
-template <typename Values>
-void addLikeness(const Values& /*values*/, const Values& /*other*/, const Values& /*own*/,
-                 Likeness* /*likeness*/) {}
-
+// Of the named values and of the components: no built-in document has lists, rows or profiles.
 Likeness likenessOf(const SpecDocument& content, const SpecDocument& other,
                     const SpecDocument& own) {
     Likeness likeness;
     forEachContainer([&](const char* const* /*key*/, auto member) {
-        addLikeness(content.*member, other.*member, own.*member, &likeness);
+        if constexpr (requires { (content.*member).find(std::string()); }) {
+            const auto isAs = [member](const auto& entry, const SpecDocument& document) {
+                const auto found = (document.*member).find(keyOf(entry));
+                return found != (document.*member).end() && *found == entry;
+            };
+            for (const auto& entry : content.*member) {
+                likeness.add(isAs(entry, other), isAs(entry, own),
+                             !(own.*member).contains(keyOf(entry)));
+            }
+            likeness.allOfOther += (other.*member).size();
+        }
     });
     return likeness;
 }

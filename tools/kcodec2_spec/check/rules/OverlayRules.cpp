@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
@@ -29,7 +28,7 @@ std::set<std::string> missingFrom(const std::unordered_set<std::string>& some,
                                   const std::unordered_set<std::string>& all) {
     std::set<std::string> missing;
     for (const std::string& name : all) {
-        if (some.count(name) == 0) {
+        if (!some.contains(name)) {
             missing.insert(name);
         }
     }
@@ -66,33 +65,8 @@ struct Lost {
 bool isSeen(bool isOn) {
     return isOn;
 }
-template <typename Value>
-bool isSeen(const Value& /*value*/) {
+bool isSeen(const auto& /*value*/) {
     return true;
-}
-
-template <typename Value>
-void addLost(const std::map<std::string, Value>& with, const std::map<std::string, Value>& without,
-             Lost* lost) {
-    for (const auto& [name, value] : with) {
-        if (isSeen(value) && without.count(name) == 0) {
-            lost->settings.insert(name);
-        }
-    }
-}
-void addLost(const std::unordered_set<std::string>& with,
-             const std::unordered_set<std::string>& without, Lost* lost) {
-    if (!without.empty()) {  // Else there is no restriction.
-        lost->components = missingFrom(without, with);
-    }
-}
-void addLost(const std::optional<TierLevels>& /*with*/,
-             const std::optional<TierLevels>& /*without*/, Lost* /*lost*/) {}
-template <typename List>
-void addLost(const List& with, const List& without, Lost* lost) {
-    for (const auto& entry : with) {
-        lost->entries += std::find(without.begin(), without.end(), entry) == without.end() ? 1 : 0;
-    }
 }
 
 // What the load would have with the built-in document in place of the private file, but lacks.
@@ -103,7 +77,24 @@ Lost lostBy(const Checked& checked) {
     const MergedStore with = merge(spec, builtIn->content);
     Lost lost;
     forEachContainer([&](const char* const* /*key*/, auto member) {
-        addLost(with.whole.*member, checked.whole().*member, &lost);
+        const auto& expected = with.whole.*member;
+        const auto& actual = checked.whole().*member;
+        if constexpr (requires { expected.begin()->second; }) {
+            for (const auto& [name, value] : expected) {
+                if (isSeen(value) && !actual.contains(name)) {
+                    lost.settings.insert(name);
+                }
+            }
+        } else if constexpr (requires { expected.contains(std::string()); }) {
+            if (!actual.empty()) {  // Else there is no restriction.
+                lost.components = missingFrom(actual, expected);
+            }
+        } else if constexpr (requires { expected.size(); }) {
+            lost.entries += static_cast<size_t>(
+                    std::count_if(expected.begin(), expected.end(), [&](const auto& entry) {
+                        return std::find(actual.begin(), actual.end(), entry) == actual.end();
+                    }));
+        }
     });
     return lost;
 }
