@@ -3,8 +3,8 @@
 #include "check/Checked.h"
 
 #include <string_view>
+#include <tuple>
 
-#include "base/Spelling.h"
 #include "device/DevicePaths.h"
 #include "kc2/TargetSpecKeys.h"
 
@@ -22,11 +22,7 @@ std::vector<const Document*> documentsOf(const Load& load) {
 }  // namespace
 
 Checked::Checked(const Document& alone, const KnownSettings& knownSettings, const TreeNames* ofTree)
-    : known(knownSettings),
-      load(nullptr),
-      documents({&alone}),
-      variantDocuments(nullptr),
-      treeNames(ofTree) {}
+    : known(knownSettings), documents({&alone}), treeNames(ofTree) {}
 
 Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings,
                  const std::vector<VariantDocument>* ofVariants, const TreeNames* ofTree)
@@ -40,16 +36,25 @@ Checked::Checked(const Load& ofLoad, const KnownSettings& knownSettings,
     }
 }
 
-bool resetLevels(const Checked& checked) {
-    const Node* const section =
-            checked.documents.size() == 2 ? checked.documents[1]->section(targetSpecDV) : nullptr;
+std::vector<ChangedLevel> changedLevels(const Checked& checked) {
+    const Document& last = *checked.documents.back();
+    const Node* const section = last.section(targetSpecDV);
+    const bool areSetTwice = checked.documents.size() == 2 && last.content.dvTierLevels &&
+                             checked.documents.front()->content.dvTierLevels;
+    if (!areSetTwice || section == nullptr) {
+        return {};
+    }
     const auto& before = checked.before().dvTierLevels;
-    const auto isReset = [&](const char* key, int32_t level) {
-        return level != 0 && findMember(*section, key) == nullptr;
-    };
-    return section != nullptr && before && checked.documents[1]->content.dvTierLevels &&
-           (isReset(targetSpecDVMaxMainTierLevel, before->main) ||
-            isReset(targetSpecDVMaxHighTierLevel, before->high));
+    const auto& after = checked.whole().dvTierLevels;
+    std::vector<ChangedLevel> changed;
+    for (const auto& [key, from, to] :
+         {std::tuple(targetSpecDVMaxMainTierLevel, before->main, after->main),
+          std::tuple(targetSpecDVMaxHighTierLevel, before->high, after->high)}) {
+        if (from != to) {
+            changed.push_back({key, from, to, findMember(*section, key)});
+        }
+    }
+    return changed;
 }
 
 bool isPrivateFile(const Document& document) {

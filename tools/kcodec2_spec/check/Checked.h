@@ -1,9 +1,7 @@
 // What the rules of a check look at: documents, and the library's merge of them.
 #pragma once
 
-#include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "catalogue/KnownSettings.h"
@@ -28,9 +26,9 @@ public:
             const TreeNames* ofTree = nullptr);
 
     const KnownSettings& known;
-    const Load* const load;                        // Null for a document alone.
+    const Load* const load = nullptr;              // Null for a document alone.
     const std::vector<const Document*> documents;  // In the order in which they are merged.
-    const std::vector<VariantDocument>* const variantDocuments;  // Null: not listed yet.
+    const std::vector<VariantDocument>* const variantDocuments = nullptr;  // Null: not listed yet.
     const TreeNames* const treeNames;
 
     bool isAlone() const { return load == nullptr; }
@@ -57,9 +55,14 @@ private:
     std::optional<MergedStore> mMerged;  // Of two documents.
 };
 
-// Whether the second document sets a tier level to 0 that the first one has set, because it has
-// "DolbyVision" without that level.
-bool resetLevels(const Checked& checked);
+// A tier level that the second document changes.
+struct ChangedLevel {
+    const char* key;
+    int32_t from;
+    int32_t to;
+    const Node* node;  // Null where its "DolbyVision" lacks the level, which becomes 0.
+};
+std::vector<ChangedLevel> changedLevels(const Checked& checked);
 
 // Whether it is a private file by its name: what it lacks may be in the system spec document.
 bool isPrivateFile(const Document& document);

@@ -10,7 +10,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
 #include "check/rules/Rules.h"
@@ -20,27 +19,20 @@ namespace kc2::tool {
 
 namespace {
 
-void checkListedTwice(const Checked& checked, Report* report) {
-    const auto checkList = [&](const char* section, auto member) {
-        std::unordered_map<std::string_view, const PlacedEntry<std::string>*> places;
-        const auto entries = placedEntries(checked, section, member);
-        for (const PlacedEntry<std::string>& entry : entries) {
-            const auto [first, isNew] = places.emplace(*entry.value, &entry);
-            if (!isNew && !entry.document->isBuiltIn()) {
-                const PlacedEntry<std::string>& earlier = *first->second;
-                const Source& source = earlier.document->source;
-                report->add("listed-twice", *entry.document, entry.span,
-                            fmt::format("\"{}\" is in {} already, from {}: the list keeps both",
-                                        *entry.value, section,
-                                        source.placeSeenFrom(entry.document->source,
-                                                             earlier.span.start)),
-                            besides(source, earlier.span));
-            }
-        }
-    };
-    for (const Section& row : kSections) {
-        if (row.type == SectionType::Names) {
-            checkList(*row.key, row.names);
+void checkListedTwice(const Checked& checked, const Section& row, Report* report) {
+    std::unordered_map<std::string_view, const PlacedEntry<std::string>*> places;
+    const auto entries = placedEntries(checked, *row.key, row.names);
+    for (const PlacedEntry<std::string>& entry : entries) {
+        const PlacedEntry<std::string>& earlier =
+                *places.emplace(*entry.value, &entry).first->second;
+        if (&earlier != &entry && !entry.document->isBuiltIn()) {
+            const Source& source = earlier.document->source;
+            report->add(
+                    "listed-twice", *entry.document, entry.span,
+                    fmt::format("\"{}\" is in {} already, from {}: the list keeps both",
+                                *entry.value, *row.key,
+                                source.placeSeenFrom(entry.document->source, earlier.span.start)),
+                    besides(source, earlier.span));
         }
     }
 }
@@ -127,33 +119,19 @@ void checkSharedNames(const Checked& checked, Report* report) {
 }
 
 void checkResetLevels(const Checked& checked, Report* report) {
-    if (checked.documents.size() != 2) {
-        return;
-    }
-    const Document& overlay = *checked.documents[1];
-    const Node* const section = overlay.section(targetSpecDV);
-    const bool areSetTwice = checked.documents[0]->content.dvTierLevels.has_value() &&
-                             overlay.content.dvTierLevels.has_value();
-    if (!areSetTwice || section == nullptr) {
-        return;
-    }
+    const Document& overlay = *checked.documents.back();
     std::vector<std::string> absent;
-    const auto compare = [&](const char* key, int32_t from, int32_t to) {
-        const Node* const level = findMember(*section, key);
+    for (const auto& [key, from, to, node] : changedLevels(checked)) {
         const std::string change = fmt::format("{} from {} to {}", key, from, to);
-        if (from != to && level == nullptr) {
+        if (node == nullptr) {
             absent.push_back(change);
-        } else if (from != to) {
-            report->add("levels-reset", overlay, level->value,
+        } else {
+            report->add("levels-reset", overlay, node->value,
                         fmt::format("this document's \"{}\" changes {}", targetSpecDV, change));
         }
-    };
-    const TierLevels& before = *checked.before().dvTierLevels;
-    const TierLevels& after = *checked.whole().dvTierLevels;
-    compare(targetSpecDVMaxMainTierLevel, before.main, after.main);
-    compare(targetSpecDVMaxHighTierLevel, before.high, after.high);
+    }
     if (!absent.empty()) {
-        report->add("levels-reset", overlay, section->name,
+        report->add("levels-reset", overlay, overlay.section(targetSpecDV)->name,
                     fmt::format("this document's \"{}\" changes {}: a level that it does not have "
                                 "becomes 0",
                                 targetSpecDV, joined(absent, " and ")));
@@ -165,7 +143,11 @@ void checkResetLevels(const Checked& checked, Report* report) {
 void checkMerging(const Checked& checked, Report* report) {
     checked.forEachWritten(
             [report](const Document& document) { checkSeveralInOne(document, report); });
-    checkListedTwice(checked, report);
+    for (const Section& row : kSections) {
+        if (row.type == SectionType::Names) {
+            checkListedTwice(checked, row, report);
+        }
+    }
     checkSharedNames(checked, report);
     checkResetLevels(checked, report);
 }

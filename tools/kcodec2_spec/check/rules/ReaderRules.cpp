@@ -4,14 +4,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "base/Utf8.h"
 #include "check/rules/Entries.h"
@@ -131,9 +129,7 @@ std::optional<int32_t> plainDecimal(std::string_view text) {
         return std::nullopt;
     }
     int64_t number = 0;
-    for (const char digit : digits) {
-        number = number * 10 + (digit - '0');
-    }
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
     number = isNegative ? -number : number;
     const bool fits = number >= std::numeric_limits<int32_t>::min() &&
                       number <= std::numeric_limits<int32_t>::max();
@@ -152,15 +148,12 @@ bool isOfPrivateFile(const Verdict& /*verdict*/, const Document& document) {
 // Words that people write for true and false.
 std::optional<bool> wordOfSwitch(const Verdict& verdict, const Document& document) {
     const std::string word = inSmallLetters(quotedText(verdict, document).value_or(""));
-    const auto isOneOf = [&word](const auto& words) {
-        return std::find(std::begin(words), std::end(words), word) != std::end(words);
-    };
-    if (isOneOf(std::initializer_list<const char*>{"true", "yes", "on", "1", "enabled"})) {
-        return true;
-    }
-    return isOneOf(std::initializer_list<const char*>{"false", "no", "off", "0", "disabled"})
-                   ? std::optional(false)
-                   : std::nullopt;
+    constexpr std::pair<std::string_view, bool> kSwitches[] = {
+            {"true", true},   {"yes", true}, {"on", true},   {"1", true},  {"enabled", true},
+            {"false", false}, {"no", false}, {"off", false}, {"0", false}, {"disabled", false}};
+    const auto* const found = std::find_if(std::begin(kSwitches), std::end(kSwitches),
+                                           [&word](const auto& one) { return one.first == word; });
+    return found != std::end(kSwitches) ? std::optional(found->second) : std::nullopt;
 }
 
 bool isOtherSwitch(const Verdict& verdict, const Document& document) {
@@ -383,12 +376,6 @@ std::string messageOf(const ReaderRule& rule, const Verdict& verdict, const Docu
 
 // --- Fixes ---
 
-std::vector<Fix> withoutQuotes(const Verdict& verdict, const Document& document) {
-    return {{{verdict.start, verdict.limit},
-             std::string(*quotedText(verdict, document)),
-             "remove the quotes"}};
-}
-
 bool isInRange(const Setting* setting, int32_t value) {
     return setting == nullptr || ((!setting->minimum || value >= *setting->minimum) &&
                                   (!setting->maximum || value <= *setting->maximum));
@@ -412,28 +399,22 @@ bool isSameInQuotes(std::string_view digits, const Verdict& verdict, const Catal
 // What fixes it; empty when that is not certain.
 std::vector<Fix> fixesOf(const Verdict& verdict, const Document& document,
                          const Catalogue& catalogue) {
-    switch (verdict.kind) {
-        case FindingKind::FeatureNotBoolean:
-            return isQuotedBoolean(verdict, document) ? withoutQuotes(verdict, document)
-                                                      : std::vector<Fix>();
-        case FindingKind::PresetNotInteger: {
-            const auto text = quotedText(verdict, document);
-            const auto number = text ? plainDecimal(*text) : std::nullopt;
-            return number && isInRange(catalogue.setting(verdict.name), *number)
-                           ? withoutQuotes(verdict, document)
-                           : std::vector<Fix>();
-        }
-        case FindingKind::PerfWordUnquoted: {
-            const std::string_view digits = textOf(verdict, document);
-            return isSameInQuotes(digits, verdict, catalogue)
-                           ? std::vector<Fix>{{{verdict.start, verdict.limit},
-                                               fmt::format("\"{}\"", digits),
-                                               "add the quotes"}}
-                           : std::vector<Fix>();
-        }
-        default:
-            return {};
+    const std::string_view text = textOf(verdict, document);
+    const auto quoted = quotedText(verdict, document);
+    const auto replaced = [&](std::string_view by, const char* what) {
+        return std::vector<Fix>{{{verdict.start, verdict.limit}, std::string(by), what}};
+    };
+    if (verdict.kind == FindingKind::FeatureNotBoolean && isQuotedBoolean(verdict, document)) {
+        return replaced(*quoted, "remove the quotes");
     }
+    if (verdict.kind == FindingKind::PresetNotInteger && isQuotedNumber(verdict, document) &&
+        isInRange(catalogue.setting(verdict.name), *plainDecimal(*quoted))) {
+        return replaced(*quoted, "remove the quotes");
+    }
+    if (verdict.kind == FindingKind::PerfWordUnquoted && isSameInQuotes(text, verdict, catalogue)) {
+        return replaced(fmt::format("\"{}\"", text), "add the quotes");
+    }
+    return {};
 }
 
 // --- Reporting ---
@@ -497,7 +478,11 @@ void checkReadingOf(const Document& document, const Checked& checked, Report* re
         }
         return isOfWrongLevel(verdict, document, *levels);
     };
-    const bool areLevelsReset = checked.documents.back() == &document && resetLevels(checked);
+    const std::vector<ChangedLevel> changed = changedLevels(checked);
+    const bool areLevelsReset =
+            checked.documents.back() == &document &&
+            std::any_of(changed.begin(), changed.end(),
+                        [](const ChangedLevel& level) { return level.node == nullptr; });
     const Verdict* before = nullptr;
     const Verdict* noArray = nullptr;  // What is skipped in it is the same mistake.
     for (const Verdict& verdict : document.verdicts) {
@@ -531,7 +516,7 @@ void checkReadingOf(const Document& document, const Checked& checked, Report* re
 std::vector<const Check*> checksForReason(std::string_view reason) {
     std::vector<const Check*> checks;
     for (const ReaderRule& rule : kReaderRules) {
-        const Check* const check = rule.check.operator->();
+        const Check* const check = &*rule.check;
         const char* const logged = rowOf(rule.kind).reason;
         if (logged != nullptr && reason == logged &&
             std::find(checks.begin(), checks.end(), check) == checks.end()) {
