@@ -16,7 +16,6 @@
 
 #include "base/OutputFile.h"
 #include "base/Print.h"
-#include "base/Spelling.h"
 #include "document/Document.h"
 #include "targetspec/reading/Escaped.h"
 

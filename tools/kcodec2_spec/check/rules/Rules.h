@@ -16,7 +16,6 @@ namespace kc2::tool {
 using Rule = void (*)(const Checked& checked, Report* report);
 
 void checkLoads(const Checked& checked, Report* report);      // Which documents a load reads.
-void checkTrees(const Checked& checked, Report* report);      // Files that nothing can read.
 void checkReading(const Checked& checked, Report* report);    // What the reader found.
 void checkTexts(const Checked& checked, Report* report);      // What the reader does not look at.
 void checkNames(const Checked& checked, Report* report);      // Of settings and list entries.
@@ -36,9 +35,8 @@ void checkTreeFiles(std::span<const Load> loads, Report* report);
 std::vector<const Check*> checksForReason(std::string_view reason);
 
 // In the order in which findings at one place are reported.
-inline constexpr Rule kRules[] = {checkLoads,     checkTrees,     checkReading, checkTexts,
-                                  checkNames,     checkTreeNames, checkCodecs,  checkValues,
-                                  checkPerfWords, checkBuiltIns,  checkMerging, checkBitRates,
-                                  checkOverlays};
+inline constexpr Rule kRules[] = {checkLoads,     checkReading, checkTexts,    checkNames,
+                                  checkTreeNames, checkCodecs,  checkValues,   checkPerfWords,
+                                  checkBuiltIns,  checkMerging, checkBitRates, checkOverlays};
 
 }  // namespace kc2::tool

@@ -9,7 +9,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/Spelling.h"
 #include "check/rules/Rules.h"
@@ -79,7 +78,6 @@ constexpr SearchedDirectory kSearchedDirectories[] = {{"/odm", 2},
 using Files = std::map<std::string, std::string>;
 
 struct TreeFiles {
-    Files selectable;
     Files shadowed;  // By the document of the same variant that is tried first.
     Files unselectable;
     Files misspelt;
@@ -117,13 +115,6 @@ bool isDocumentLink(const std::string& path) {
            nameIn(path) == nameIn(kSystemSpecName);
 }
 
-void addSystemSpec(const std::string& path, TreeFiles* files) {
-    Files& group = !isSelectable(path) ? files->unselectable
-                   : isShadowed(path)  ? files->shadowed
-                                       : files->selectable;
-    group.emplace(localPath(path), path);
-}
-
 void addPrivateFile(const std::string& path, TreeFiles* files) {
     if (localPath(path) == localPath(kPrivateConfig)) {
         return;
@@ -132,7 +123,8 @@ void addPrivateFile(const std::string& path, TreeFiles* files) {
     (isInPlace ? files->misspeltPrivateFiles : files->privateFiles).emplace(localPath(path), path);
 }
 
-void addFile(const std::string& path, TreeFiles* files) {
+// Adds a file; one that some value of the property selects goes into `selectable`.
+void addFile(const std::string& path, Files* selectable, TreeFiles* files) {
     if (brokenLinkTo(path) == path) {
         if (isDocumentLink(path)) {
             files->brokenLinks.insert(path);
@@ -142,7 +134,10 @@ void addFile(const std::string& path, TreeFiles* files) {
     const std::string_view name = nameIn(path);
     const NameKind asSpec = kindOf(name, nameIn(kSystemSpecName));
     if (asSpec == NameKind::Exact) {
-        addSystemSpec(path, files);
+        Files* const group = !isSelectable(path) ? &files->unselectable
+                             : isShadowed(path)  ? &files->shadowed
+                                                 : selectable;
+        group->emplace(localPath(path), path);
     } else if (asSpec == NameKind::Misspelt) {
         files->misspelt.emplace(localPath(path), path);
     } else if (kindOf(name, nameIn(kPrivateConfig)) != NameKind::Other) {
@@ -152,35 +147,25 @@ void addFile(const std::string& path, TreeFiles* files) {
 
 TreeFiles treeFiles() {
     TreeFiles files;
+    Files selectable;
     for (const SearchedDirectory& directory : kSearchedDirectories) {
         visitFiles(directory.path, directory.depth,
-                   [&](const std::string& path) { addFile(path, &files); });
+                   [&](const std::string& path) { addFile(path, &selectable, &files); });
+    }
+    for (const auto& [local, path] : selectable) {  // By another path.
+        files.unselectable.erase(local);
+        files.shadowed.erase(local);
     }
     return files;
 }
 
+void reportEach(CheckId check, const Files& files, const std::string& message, Report* report) {
+    for (const auto& [local, path] : files) {
+        report->addForFile(check, local, message);
+    }
+}
+
 // --- System spec documents ---
-
-void checkMisspeltNames(const TreeFiles& files, Report* report) {
-    for (const auto& [local, path] : files.misspelt) {
-        report->addForFile(
-                "document-unselectable", local,
-                fmt::format("nothing reads this file: a system spec document is called {}",
-                            nameIn(kSystemSpecName)));
-    }
-}
-
-void checkUnselectable(const TreeFiles& files, Report* report) {
-    for (const auto& [local, path] : files.unselectable) {
-        if (!files.selectable.contains(local)) {
-            report->addForFile(
-                    "document-unselectable", local,
-                    fmt::format("no variant selects this document: it must be in {}<variant> or "
-                                "{}<variant>, or without a variant in {}",
-                                kOdmSpecDirectory, kVendorSpecDirectory, kVendorSpecDirectory));
-        }
-    }
-}
 
 // Null for what is no regular file: opening a pipe waits for somebody to write into it.
 std::unique_ptr<Document> readRegularFile(const std::string& path) {
@@ -191,9 +176,6 @@ std::unique_ptr<Document> readRegularFile(const std::string& path) {
 
 void checkShadowed(const TreeFiles& files, Report* report) {
     for (const auto& [local, path] : files.shadowed) {
-        if (files.selectable.contains(local)) {
-            continue;
-        }
         const std::string why = fmt::format(
                 "no load reads this document: the variant \"{}\" "
                 "selects {}, which exists",
@@ -239,33 +221,11 @@ void checkBrokenLinks(const TreeFiles& files, std::span<const Load> loads, Repor
 
 // --- The private file ---
 
-void checkPrivateNames(const TreeFiles& files, std::span<const Load> loads, Report* report) {
-    if (loads.front().isPrivateFileOpen) {
-        return;  // A similar name beside it may be a backup.
-    }
-    for (const auto& [local, path] : files.misspeltPrivateFiles) {
-        report->addForFile("private-file-name", local,
-                           fmt::format("nothing reads this file: the private file is called {}",
-                                       nameIn(kPrivateConfig)));
-    }
-}
-
 // A device may copy the private file from its image to its place.
 bool isCopied(const std::string& path, const Load& load) {
     const std::unique_ptr<Document> document =
             load.hasPrivateFile() ? readRegularFile(path) : nullptr;
     return document != nullptr && load.overlay->isReadable && document->text == load.overlay->text;
-}
-
-void checkPrivatePlaces(const TreeFiles& files, std::span<const Load> loads, Report* report) {
-    for (const auto& [local, path] : files.privateFiles) {
-        if (isCopied(path, loads.front())) {
-            continue;
-        }
-        report->addForFile(
-                "private-file-place", local,
-                fmt::format("nothing reads this file: the private file is {}", kPrivateConfig));
-    }
 }
 
 const char* kindOfFile(const struct stat& status) {
@@ -286,13 +246,29 @@ void checkPrivateType(Report* report) {
 }  // namespace
 
 void checkTreeFiles(std::span<const Load> loads, Report* report) {
-    const TreeFiles files = treeFiles();
-    checkMisspeltNames(files, report);
-    checkUnselectable(files, report);
+    TreeFiles files = treeFiles();
+    reportEach("document-unselectable", files.misspelt,
+               fmt::format("nothing reads this file: a system spec document is called {}",
+                           nameIn(kSystemSpecName)),
+               report);
+    reportEach("document-unselectable", files.unselectable,
+               fmt::format("no variant selects this document: it must be in {}<variant> or "
+                           "{}<variant>, or without a variant in {}",
+                           kOdmSpecDirectory, kVendorSpecDirectory, kVendorSpecDirectory),
+               report);
     checkShadowed(files, report);
     checkBrokenLinks(files, loads, report);
-    checkPrivateNames(files, loads, report);
-    checkPrivatePlaces(files, loads, report);
+    if (!loads.front().isPrivateFileOpen) {  // Else a similar name beside it may be a backup.
+        reportEach("private-file-name", files.misspeltPrivateFiles,
+                   fmt::format("nothing reads this file: the private file is called {}",
+                               nameIn(kPrivateConfig)),
+                   report);
+    }
+    std::erase_if(files.privateFiles,
+                  [&](const auto& file) { return isCopied(file.second, loads.front()); });
+    reportEach("private-file-place", files.privateFiles,
+               fmt::format("nothing reads this file: the private file is {}", kPrivateConfig),
+               report);
     checkPrivateType(report);
 }
 

@@ -178,10 +178,8 @@ bool isInOneDocument(const SharedName& a, const SharedName& b) {
 // The two names, the rarer one first; of two as rare, the one that only the later document has.
 std::pair<const SharedName*, const SharedName*> rarerFirst(const SharedName& a,
                                                            const SharedName& b) {
-    const size_t countOfA = a.size();
-    const size_t countOfB = b.size();
-    const bool isALater = a.front().order > b.front().order;
-    const bool isAFirst = countOfA != countOfB ? countOfA < countOfB : isALater;
+    const bool isAFirst =
+            std::pair(a.size(), b.front().order) < std::pair(b.size(), a.front().order);
     return isAFirst ? std::pair(&a, &b) : std::pair(&b, &a);
 }
 

@@ -10,6 +10,7 @@
 #include "base/Spelling.h"
 #include "base/Text.h"
 #include "check/rules/Entries.h"
+#include "document/Tokens.h"
 
 namespace kc2::tool {
 
@@ -168,18 +169,12 @@ void WrongLevels::lookAtRoot(const Document& document, const Node& video) {
 
 // A comma and a section after the end: two brackets too many before them.
 void WrongLevels::lookAfterEnd(const Document& document) {
-    const std::string_view text = document.parserText;
-    const auto skipBlanks = [&](size_t at) {
-        return std::min(text.find_first_not_of(kJsonBlanks, at), text.size());
-    };
-    const size_t comma = skipBlanks(document.tree.limit);
-    if (comma == text.size() || text[comma] != ',') {
-        return;
-    }
-    const size_t quote = skipBlanks(comma + 1);
-    const size_t end = quote == text.size() ? quote : text.find('"', quote + 1);
-    if (end >= text.size() || text[quote] != '"' ||
-        sectionOf(text.substr(quote + 1, end - quote - 1)) == nullptr) {
+    Tokenizer tokens(document.parserText, document.tree.limit);
+    const Token comma = tokens.next();
+    const Token name = tokens.next();
+    const std::string_view quoted = document.source.textAt(name.span);
+    if (comma.kind != ',' || name.kind != Token::kString || !name.isWhole ||
+        sectionOf(quoted.substr(1, quoted.size() - 2)) == nullptr) {
         return;
     }
     mIsRootClosedEarly = true;
@@ -187,8 +182,8 @@ void WrongLevels::lookAfterEnd(const Document& document) {
     mCauses.push_back({{limit - 1, limit},
                        fmt::format("this bracket closes the document too early: {} and what "
                                    "follows it are ignored",
-                                   text.substr(quote, end + 1 - quote)),
-                       {quote, end + 1},
+                                   quoted),
+                       name.span,
                        true});
 }
 
@@ -210,9 +205,13 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
     const Node* section = nullptr;
     Members run;
     const auto finish = [&] {
-        if (!run.empty()) {
-            addRun(document, *section, std::exchange(run, {}), known);
+        // One member with an unknown name may be anything, unless its indentation says what.
+        if (run.size() > 1 ||
+            (!run.empty() && (!rightPlaceOf(run.front()->key, known).empty() ||
+                              isIndentedInto(document.source, *run.front(), *section)))) {
+            addEarlyBracket(document.source, *section, run, false);
         }
+        run.clear();
     };
     for (const Node& member : video.children) {
         const Section* const row = sectionOf(member.key);
@@ -225,15 +224,6 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
         }
     }
     finish();
-}
-
-// One member with an unknown name may be anything, unless its indentation says what.
-void WrongLevels::addRun(const Document& document, const Node& section, const Members& members,
-                         const KnownSettings& known) {
-    if (members.size() > 1 || !rightPlaceOf(members.front()->key, known).empty() ||
-        isIndentedInto(document.source, *members.front(), section)) {
-        addEarlyBracket(document.source, section, members, false);
-    }
 }
 
 void WrongLevels::lookIntoSections(const Document& document) {

@@ -43,8 +43,6 @@ private:
     void lookAtVideo(const Node& video);
     void lookForRuns(const Document& document, const Node& video, const KnownSettings& known);
     void lookIntoSections(const Document& document);
-    void addRun(const Document& document, const Node& section, const Members& members,
-                const KnownSettings& known);
     void addEarlyBracket(const Source& source, const Node& closed, const Members& members,
                          bool isOfSections);
     void add(Span span, std::string message, const Members& members, bool isOfSections);
