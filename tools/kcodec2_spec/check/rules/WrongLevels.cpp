@@ -76,10 +76,6 @@ bool mayBeIn(const Node& section, const Node& member, const KnownSettings& known
     return place.empty() ? hasType : place == fmt::format("\"{}\"", section.key);
 }
 
-bool isUnknownInVideo(const Node& member) {
-    return member.has(FindingKind::UnknownMember);
-}
-
 }  // namespace
 
 std::string rightPlaceOf(std::string_view name, const KnownSettings& known) {
@@ -189,7 +185,7 @@ void WrongLevels::lookAfterEnd(const Document& document) {
 
 void WrongLevels::lookAtVideo(const Node& video) {
     for (const Node& member : video.children) {
-        if (isUnknownInVideo(member) && hasSections(member)) {
+        if (member.has(FindingKind::UnknownMember) && hasSections(member)) {
             add(member.name,
                 fmt::format("the object \"{}\" is one too many: its members belong in the \"{}\" "
                             "around it, and are ignored",
@@ -218,8 +214,8 @@ void WrongLevels::lookForRuns(const Document& document, const Node& video,
         if (row != nullptr) {
             finish();
             section = member.isObject() ? &member : nullptr;
-        } else if (section != nullptr && isUnknownInVideo(member) && !covers(member) &&
-                   mayBeIn(*section, member, known)) {
+        } else if (section != nullptr && member.has(FindingKind::UnknownMember) &&
+                   !covers(member) && mayBeIn(*section, member, known)) {
             run.push_back(&member);
         }
     }
