@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/DeviceOptions.h"
@@ -141,9 +140,7 @@ std::string prepareFix(CheckArguments* arguments) {
 
 int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
-        const std::string text =
-                arguments->asPage ? checksPage() : checksList(arguments->check.levels);
-        writeOut(text);
+        writeOut(arguments->asPage ? checksPage() : checksList(arguments->check.levels));
         return kExitOk;
     }
     std::string wrong = prepareFix(arguments);
@@ -154,11 +151,8 @@ int runCheck(CheckArguments* arguments) {
     if (!wrong.empty()) {
         throw usageError(wrong);
     }
-    std::optional<Catalogue> catalogue = loadCatalogue(arguments->settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
-    }
-    arguments->check.known = std::make_shared<KnownSettings>(*std::move(catalogue));
+    arguments->check.known =
+            std::make_shared<KnownSettings>(catalogueWith(arguments->settingsFiles));
     applyDeviceOptions(arguments->device);
     muteLog();
     if (arguments->device.isEachVariant) {

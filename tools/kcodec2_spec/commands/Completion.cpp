@@ -76,7 +76,7 @@ constexpr char kBashEnd[] = R"(    esac
 complete -o filenames -F _kcodec2_spec kcodec2_spec
 )";
 
-int printBash(const CLI::App& tool) {
+void printBash(const CLI::App& tool) {
     printOut("{}            {}) command=${{COMP_WORDS[i]}}; break ;;\n        esac\n    done\n",
              kBashStart, joined(commandNames(tool), "|"));
     std::string values;  // Of each option that has one.
@@ -102,7 +102,6 @@ int printBash(const CLI::App& tool) {
                      argument != nullptr ? wordsOf(*argument, kBashWords) : "");
     }
     printOut("    esac\n    case $command:$before in\n{}{}", values, kBashEnd);
-    return kExitOk;
 }
 
 // --- zsh ----------------------------------------------------------------------------------
@@ -173,7 +172,7 @@ else
 fi
 )";
 
-int printZsh(const CLI::App& tool) {
+void printZsh(const CLI::App& tool) {
     const std::vector<const CLI::App*> commands = tool.get_subcommands(nullptr);
     writeOut(kZshStart);
     for (const CLI::App* const command : commands) {
@@ -191,21 +190,20 @@ int printZsh(const CLI::App& tool) {
         printZshCommand(*command);
     }
     writeOut(kZshEnd);
-    return kExitOk;
 }
 
 }  // namespace
 
-void addCompletionCommand(CLI::App* app, int* exitCode) {
+void addCompletionCommand(CLI::App* app) {
     CLI::App* const command = app->add_subcommand("completion", "Print a shell completion script");
     command->footer(
             fmt::format("{}\n\nExample:\n  . <(kcodec2_spec completion bash)", kUsualExitCodes));
-    const auto print = std::make_shared<int (*)(const CLI::App&)>();
-    addChoice<int (*)(const CLI::App&)>(
+    const auto print = std::make_shared<void (*)(const CLI::App&)>();
+    addChoice<void (*)(const CLI::App&)>(
             command, "SHELL", {{"bash", printBash}, {"zsh", printZsh}},
             [print](auto chosen) { *print = chosen; }, "The shell: bash or zsh")
             ->required();
-    command->callback([=] { *exitCode = (*print)(*app); });
+    command->callback([=] { (*print)(*app); });
 }
 
 }  // namespace kc2::tool

@@ -77,7 +77,7 @@ void printCommand(const CLI::App& command) {
     }
 }
 
-int printManual(const CLI::App& tool) {
+void printManual(const CLI::App& tool) {
     printOut(".TH KCODEC2_SPEC 1 \"\" \"kcodec2_spec {}\"\n", KC2_VERSION);
     writeOut(".SH NAME\nkcodec2_spec \\- shows and checks system spec documents\n");
     printOut(".SH SYNOPSIS\n.B {}\n.SH DESCRIPTION\n", usageOf(tool, tool.get_name()));
@@ -90,15 +90,14 @@ int printManual(const CLI::App& tool) {
     }
     writeOut(".SH EXIT STATUS\n");
     printParagraphs(tool.get_footer());
-    return kExitOk;
 }
 
 }  // namespace
 
-void addManualCommand(CLI::App* app, int* exitCode) {
+void addManualCommand(CLI::App* app) {
     CLI::App* const command = app->add_subcommand("man", "Print the manual page");
     command->footer(kUsualExitCodes);
-    command->callback([=] { *exitCode = printManual(*app); });
+    command->callback([app] { printManual(*app); });
 }
 
 }  // namespace kc2::tool
