@@ -154,22 +154,13 @@ private:
         mCursor.isBeforeMore =
                 token.kind == Token::kString || token.kind == Token::kWord ||
                 (mOpen.back().kind == '[' && (token.kind == '{' || token.kind == '['));
-        std::set<std::string> words = std::move(mOpen.back().words);
-        mOpen.back().words.clear();
-        for (; token.kind != Token::kEnd && mOpen.size() >= depth; token = next()) {
-            if (mOpen.size() == depth) {
-                words.merge(mOpen.back().words);
-            }
-            const bool isEnd = mOpen.size() == depth && (token.kind == '}' || token.kind == ']');
-            if (isEnd) {
+        for (; token.kind != Token::kEnd; token = next()) {
+            if (mOpen.size() == depth && (token.kind == '}' || token.kind == ']')) {
                 break;
             }
             use(token);
         }
-        if (mOpen.size() >= depth) {
-            words.merge(mOpen[depth - 1].words);
-        }
-        mCursor.neighbours = std::move(words);
+        mCursor.neighbours = std::move(mOpen[depth - 1].words);
     }
 
     std::string_view mText;
