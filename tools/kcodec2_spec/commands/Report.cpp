@@ -63,9 +63,8 @@ void report(const ReportArguments& arguments) {
     const std::string& root = arguments.device.rootDirectory;
     PageContent content = {root.empty() ? "this device" : root,
                            checkVariants(variantsToShow(), Levels(), KnownSettings(catalogue)),
-                           {},
                            std::move(catalogue)};
-    content.columns = columnsOf(content.checked);
+    content.columns = columnsOf(content.checked, &content.columnOf);
     const std::string page = pageOf(content);
     if (arguments.output == "-") {
         return writeOut(page);
