@@ -155,7 +155,7 @@ private:
                  column.variants.size() > 1 && load.isVariantSet() &&
                  (at = text.find(load.variant + kSystemSpecName, at)) != std::string::npos;) {
                 text.replace(at, load.variant.size(), kAnyVariant);
-                at += kAnyVariant.size();
+                at += kAnyVariant.size() + 1;  // A variant may be empty.
             }
             if (++counts[text] == 1) {
                 lines.push_back(text);
