@@ -17,10 +17,6 @@ namespace kc2::tool {
 inline constexpr char kUsualExitCodes[] =
         "Exit codes: 0 fine; 2 wrong usage, or output that cannot be written.";
 
-inline constexpr char kExitCodesWithFile[] =
-        "Exit codes: 0 fine; 2 wrong usage, a FILE that cannot be read, or output that cannot be "
-        "written.";
-
 // Each adds its command, which sets the exit code, when it is the one that is run, to another than
 // kExitOk.
 void addShowCommand(CLI::App* app);
