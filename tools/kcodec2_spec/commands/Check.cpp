@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/DeviceOptions.h"
@@ -36,8 +35,6 @@ constexpr char kCheckFooter[] =
         "Exit codes: 0 fine; 1 found errors (with --werror: or warnings); 2 wrong usage, a FILE "
         "that cannot be read or fixed, or output that cannot be written.";
 
-constexpr char kReporting[] = "The report";
-
 struct CheckArguments {
     std::vector<std::string> files;
     std::vector<std::string> settingsFiles;
@@ -62,12 +59,13 @@ void addLevelOption(CLI::App* command, CheckOptions* options, const char* name,
                    description)
             ->type_name("ID")
             ->allow_extra_args(false)
-            ->trigger_on_parse()  // In the order of the command line: the last one wins.
-            ->group(kReporting);
+            ->trigger_on_parse();  // In the order of the command line: the last one wins.
 }
 
 void addReportOptions(CLI::App* command, CheckArguments* arguments) {
     CheckOptions& options = arguments->check;
+    const std::string usualGroup = command->option_defaults()->get_group();
+    command->option_defaults()->group("The report");
     addChoice<ReportFormat>(
             command, "--format",
             {{"text", ReportFormat::Text},
@@ -75,8 +73,7 @@ void addReportOptions(CLI::App* command, CheckArguments* arguments) {
              {"sarif", ReportFormat::Sarif}},
             [&options](ReportFormat format) { options.format = format; },
             "Format of the report: text (the default), json for scripts and editors, or sarif "
-            "(2.1.0) for code scanners")
-            ->group(kReporting);
+            "(2.1.0) for code scanners");
     addLevelOption(command, &options, "--error", Severity::Error,
                    "Report a check, or a group of checks, as an error; repeatable");
     addLevelOption(command, &options, "--warning", Severity::Warning,
@@ -87,24 +84,20 @@ void addReportOptions(CLI::App* command, CheckArguments* arguments) {
             command, "--min-severity",
             {{"note", Severity::Note}, {"warning", Severity::Warning}, {"error", Severity::Error}},
             [&options](Severity severity) { options.levels.setLeast(severity); },
-            "Report only findings of this severity and above")
-            ->group(kReporting);
+            "Report only findings of this severity and above");
     command->add_option("--max-findings", options.output.mostFindings,
                         "Print at most N findings, the most severe ones; 0 prints all. Default: "
                         "all, and in text 100 for each document")
             ->check(CLI::Validator(whyNotCount, ""))
-            ->type_name("N")
-            ->group(kReporting);
-    command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too")
-            ->group(kReporting);
+            ->type_name("N");
+    command->add_flag("--werror", options.warningsAreErrors, "Exit with 1 on warnings, too");
     CLI::Option* const list =
             command->add_flag("--list", arguments->isListWanted,
-                              "List the checks, with the severities that the other options set")
-                    ->group(kReporting);
+                              "List the checks, with the severities that the other options set");
     command->add_flag("--markdown", arguments->asPage,
                       "With --list: the page of all checks, with their meanings and examples")
-            ->needs(list)
-            ->group(kReporting);
+            ->needs(list);
+    command->option_defaults()->group(usualGroup);
 }
 
 void addFixOptions(CLI::App* command, CheckArguments* arguments) {
@@ -122,43 +115,35 @@ void addFixOptions(CLI::App* command, CheckArguments* arguments) {
             ->needs(fix);
 }
 
-// Sets what --fix does. Returns what is wrong; empty when nothing is.
-std::string prepareFix(CheckArguments* arguments) {
+// Sets what --fix does.
+void prepareFix(CheckArguments* arguments) {
     if (!arguments->isFixWanted) {
-        return std::string();
+        return;
     }
     const std::vector<std::string>& files = arguments->files;
     if (std::find(files.begin(), files.end(), "-") != files.end()) {
-        return "--fix cannot change standard input";
+        throw usageError("--fix cannot change standard input");
     }
     if (files.empty() && arguments->device.rootDirectory.empty()) {
-        return "--fix needs FILE or --rootdir";
+        throw usageError("--fix needs FILE or --rootdir");
     }
     arguments->check.fix = arguments->isDryRun ? FixMode::Show : FixMode::Write;
     arguments->check.fixLimits.rootDirectory = arguments->device.rootDirectory;
-    return std::string();
 }
 
 int runCheck(CheckArguments* arguments) {
     if (arguments->isListWanted) {
-        const std::string text =
-                arguments->asPage ? checksPage() : checksList(arguments->check.levels);
-        writeOut(text);
+        writeOut(arguments->asPage ? checksPage() : checksList(arguments->check.levels));
         return kExitOk;
     }
-    std::string wrong = prepareFix(arguments);
-    if (wrong.empty() && arguments->files.empty()) {
-        wrong = whyNoDevice(arguments->device);
-        wrong = wrong.empty() ? wrong : fmt::format("FILE is missing, or {}", wrong);
-    }
+    prepareFix(arguments);
+    const std::string wrong =
+            arguments->files.empty() ? whyNoDevice(arguments->device) : std::string();
     if (!wrong.empty()) {
-        throw usageError(wrong);
+        throw usageError(fmt::format("FILE is missing, or {}", wrong));
     }
-    std::optional<Catalogue> catalogue = loadCatalogue(arguments->settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
-    }
-    arguments->check.known = std::make_shared<KnownSettings>(*std::move(catalogue));
+    arguments->check.known =
+            std::make_shared<KnownSettings>(catalogueWith(arguments->settingsFiles));
     applyDeviceOptions(arguments->device);
     muteLog();
     if (arguments->device.isEachVariant) {

@@ -13,43 +13,50 @@
 #include "base/OptionValues.h"
 #include "base/Print.h"
 #include "base/Text.h"
-#include "commands/CommandText.h"
 #include "commands/Commands.h"
+#include "commands/HelpText.h"
 
 namespace kc2::tool {
 
 namespace {
 
-constexpr std::string_view kBash = "bash";
-constexpr std::string_view kZsh = "zsh";
+// What a shell offers for a value, as its functions have it.
+struct ValueWords {
+    const char* choices;  // With a place for them.
+    const char* directory;
+    const char* file;
+    const char* other;
+};
 
-bool isDirectory(const OptionText& option) {
-    return option.value == "DIR";
+constexpr ValueWords kBashWords = {"-W '{}'", "-d", "-f", ""};
+constexpr ValueWords kZshWords = {"({})", "_files -/", "_files", " "};
+
+// "DIR", or the name of an argument.
+std::string valueOf(const CLI::Option& option) {
+    return option.get_positional() ? option.get_name(true) : option.get_type_name();
 }
 
-// Whether the value is a file.
-bool isFile(const OptionText& option) {
-    constexpr std::string_view kFiles[] = {"FILE", "FILE.html", "A", "B"};
-    return std::find(std::begin(kFiles), std::end(kFiles), option.value) != std::end(kFiles);
-}
-
-std::vector<std::string> namesOf(const std::vector<OptionText>& options) {
-    std::vector<std::string> names;
-    for (const OptionText& option : options) {
-        names.insert(names.end(), option.names.begin(), option.names.end());
+std::string wordsOf(const CLI::Option& option, const ValueWords& words) {
+    // "text|json|sarif" is a list of words; "/PREFIX:DIR" and "NAME=VALUE" are not.
+    const std::vector<std::string> choices = CLI::detail::split(option.get_type_name(), '|');
+    if (choices.size() > 1) {
+        return fmt::format(fmt::runtime(words.choices), joined(choices, " "));
     }
-    return names;
+    constexpr std::string_view kFiles[] = {"FILE", "FILE.html", "A", "B"};
+    const std::string value = valueOf(option);
+    return value == "DIR" ? words.directory
+           : std::find(std::begin(kFiles), std::end(kFiles), value) != std::end(kFiles)
+                   ? words.file
+                   : words.other;
+}
+
+// The first argument; null for a command without arguments.
+const CLI::Option* argumentOf(const CLI::App& command) {
+    const std::vector<const CLI::Option*> arguments = shownOptions(command, true);
+    return arguments.empty() ? nullptr : arguments.front();
 }
 
 // --- bash ---------------------------------------------------------------------------------
-
-// How bash gets the values of `option`; empty where they are not known.
-std::string bashWords(const OptionText& option) {
-    if (!option.choices.empty()) {
-        return fmt::format("-W '{}'", joined(option.choices, " "));
-    }
-    return isDirectory(option) ? "-d" : isFile(option) ? "-f" : "";
-}
 
 constexpr char kBashStart[] =
         R"(# What bash offers for kcodec2_spec, as "kcodec2_spec completion bash" prints it.
@@ -69,42 +76,32 @@ constexpr char kBashEnd[] = R"(    esac
 complete -o filenames -F _kcodec2_spec kcodec2_spec
 )";
 
-// The values of each option that has one.
-void printBashValues(const CommandText& command) {
-    for (const OptionText& option : command.options) {
-        if (option.isFlag) {
-            continue;
-        }
-        std::string patterns;
-        for (const std::string& name : option.names) {
-            patterns += fmt::format("{}{}:{}", patterns.empty() ? "" : "|", command.name, name);
-        }
-        printOut("        {}) words=({}); names= ;;\n", patterns, bashWords(option));
-    }
-}
-
-int printBash(const std::vector<CommandText>& commands) {
-    std::vector<std::string> names;
-    for (size_t i = 1; i < commands.size(); ++i) {
-        names.push_back(commands[i].name);
-    }
+void printBash(const CLI::App& tool) {
     printOut("{}            {}) command=${{COMP_WORDS[i]}}; break ;;\n        esac\n    done\n",
-             kBashStart, joined(names, "|"));
+             kBashStart, joined(commandNames(tool), "|"));
+    std::string values;  // Of each option that has one.
     printOut("    case $command in\n");
-    for (const CommandText& command : commands) {
-        const std::string words = command.name.empty() ? fmt::format("-W '{}'", joined(names, " "))
-                                  : command.arguments.empty()
-                                          ? ""
-                                          : bashWords(command.arguments.front());
-        printOut("        '{}') names='{}'; words=({}) ;;\n", command.name,
-                 joined(namesOf(command.options), " "), words);
+    const auto printCommand = [&](const CLI::App& command, const std::string& name,
+                                  const std::string& words) {
+        std::vector<std::string> options;
+        for (const CLI::Option* const option : shownOptions(command, false)) {
+            const std::vector<std::string> names = namesOf(*option);
+            options.insert(options.end(), names.begin(), names.end());
+            if (!isFlag(*option)) {
+                values += fmt::format("        {}:{}) words=({}); names= ;;\n", name,
+                                      joined(names, fmt::format("|{}:", name)),
+                                      wordsOf(*option, kBashWords));
+            }
+        }
+        printOut("        '{}') names='{}'; words=({}) ;;\n", name, joined(options, " "), words);
+    };
+    printCommand(tool, "", fmt::format("-W '{}'", joined(commandNames(tool), " ")));
+    for (const CLI::App* const command : tool.get_subcommands(nullptr)) {
+        const CLI::Option* const argument = argumentOf(*command);
+        printCommand(*command, command->get_name(),
+                     argument != nullptr ? wordsOf(*argument, kBashWords) : "");
     }
-    printOut("    esac\n    case $command:$before in\n");
-    for (const CommandText& command : commands) {
-        printBashValues(command);
-    }
-    writeOut(kBashEnd);
-    return kExitOk;
+    printOut("    esac\n    case $command:$before in\n{}{}", values, kBashEnd);
 }
 
 // --- zsh ----------------------------------------------------------------------------------
@@ -113,39 +110,37 @@ int printBash(const std::vector<CommandText>& commands) {
 std::string zshText(std::string_view text, std::string_view special) {
     std::string result;
     for (const char c : text) {
-        if (c == '\'') {
-            result += "'\\''";
-        } else {
-            result += special.find(c) != std::string_view::npos ? fmt::format("\\{}", c)
-                                                                : std::string(1, c);
-        }
+        result += c == '\''                                   ? "'\\''"
+                  : special.find(c) != std::string_view::npos ? fmt::format("\\{}", c)
+                                                              : std::string(1, c);
     }
     return result;
 }
 
-std::string zshAction(const OptionText& option) {
-    if (!option.choices.empty()) {
-        return fmt::format("({})", joined(option.choices, " "));
+// The names of an option with its meaning: "--json[Print JSON, for scripts]".
+std::vector<std::string> zshNames(const CLI::Option& option) {
+    std::vector<std::string> names = namesOf(option);
+    for (std::string& name : names) {
+        name += fmt::format("[{}]", zshText(option.get_description(), "[]:\\"));
     }
-    return isDirectory(option) ? "_files -/" : isFile(option) ? "_files" : " ";
+    return names;
 }
 
-void printZshCommand(const CommandText& command) {
-    printOut("                {})\n                    _arguments", command.name);
-    for (const OptionText& option : command.options) {
-        const std::string value =
-                option.isFlag
-                        ? ""
-                        : fmt::format(":{}:{}", zshText(option.value, ":\\"), zshAction(option));
-        for (const std::string& name : option.names) {
-            printOut(" \\\n                        '*{}[{}]{}'", name,
-                     zshText(option.description, "[]:\\"), value);
+// A value with what zsh offers for it.
+std::string zshValue(const CLI::Option& option) {
+    return fmt::format(":{}:{}", zshText(valueOf(option), ":\\"), wordsOf(option, kZshWords));
+}
+
+void printZshCommand(const CLI::App& command) {
+    printOut("                {})\n                    _arguments", command.get_name());
+    for (const CLI::Option* const option : shownOptions(command, false)) {
+        for (const std::string& name : zshNames(*option)) {
+            printOut(" \\\n                        '*{}{}'", name,
+                     isFlag(*option) ? "" : zshValue(*option));
         }
     }
-    if (!command.arguments.empty()) {
-        const OptionText& argument = command.arguments.front();
-        printOut(" \\\n                        '*:{}:{}'", zshText(argument.value, ":\\"),
-                 zshAction(argument));
+    if (const CLI::Option* const argument = argumentOf(command)) {
+        printOut(" \\\n                        '*{}'", zshValue(*argument));
     }
     printOut("\n                    ;;\n");
 }
@@ -177,42 +172,38 @@ else
 fi
 )";
 
-int printZsh(const std::vector<CommandText>& commands) {
+void printZsh(const CLI::App& tool) {
+    const std::vector<const CLI::App*> commands = tool.get_subcommands(nullptr);
     writeOut(kZshStart);
-    for (size_t i = 1; i < commands.size(); ++i) {
-        printOut("        '{}:{}'\n", commands[i].name, zshText(commands[i].description, ":\\"));
+    for (const CLI::App* const command : commands) {
+        printOut("        '{}:{}'\n", command->get_name(),
+                 zshText(command->get_description(), ":\\"));
     }
     printOut("    )\n    _arguments -C");
-    for (const OptionText& option : commands.front().options) {
-        for (const std::string& name : option.names) {
-            printOut(" '{}[{}]'", name, zshText(option.description, "[]:\\"));
+    for (const CLI::Option* const option : shownOptions(tool, false)) {
+        for (const std::string& name : zshNames(*option)) {
+            printOut(" '{}'", name);
         }
     }
     printOut(" '1:command:->command' '*::argument:->rest'\n{}", kZshMiddle);
-    for (size_t i = 1; i < commands.size(); ++i) {
-        printZshCommand(commands[i]);
+    for (const CLI::App* const command : commands) {
+        printZshCommand(*command);
     }
     writeOut(kZshEnd);
-    return kExitOk;
 }
 
 }  // namespace
 
-void addCompletionCommand(CLI::App* app, int* exitCode) {
+void addCompletionCommand(CLI::App* app) {
     CLI::App* const command = app->add_subcommand("completion", "Print a shell completion script");
     command->footer(
             fmt::format("{}\n\nExample:\n  . <(kcodec2_spec completion bash)", kUsualExitCodes));
-    const auto shell = std::make_shared<std::string>();
-    command->add_option("SHELL", *shell, "The shell: bash or zsh")
-            ->required()
-            ->type_name(fmt::format("{}|{}", kBash, kZsh))
-            ->check(CLI::Validator(
-                    [](const std::string& name) {
-                        return whyNotOneOf({std::string(kBash), std::string(kZsh)}, name);
-                    },
-                    ""));
-    command->callback(
-            [=] { *exitCode = (*shell == kZsh ? printZsh : printBash)(commandTexts(*app)); });
+    const auto print = std::make_shared<void (*)(const CLI::App&)>();
+    addChoice<void (*)(const CLI::App&)>(
+            command, "SHELL", {{"bash", printBash}, {"zsh", printZsh}},
+            [print](auto chosen) { *print = chosen; }, "The shell: bash or zsh")
+            ->required();
+    command->callback([=] { (*print)(*app); });
 }
 
 }  // namespace kc2::tool

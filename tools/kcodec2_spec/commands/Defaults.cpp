@@ -30,31 +30,25 @@ std::string chipsOfDefaults() {
     return text;
 }
 
-// What is wrong with a word that is not such a number; empty when it is one.
-std::string whyNotDefault(const std::string& word) {
-    for (const ChipDocument& row : kChipDocuments) {
-        if (word == std::to_string(row.number)) {
-            return std::string();
-        }
-    }
-    return fmt::format("there is no built-in document {}: {}", word, chipsOfDefaults());
+// Null where the word is not such a number.
+const ChipDocument* documentOf(const std::string& number) {
+    const auto row = std::find_if(
+            std::begin(kChipDocuments), std::end(kChipDocuments),
+            [&](const ChipDocument& one) { return number == std::to_string(one.number); });
+    return row != std::end(kChipDocuments) ? row : nullptr;
 }
 
-int printDefault(int number) {
-    for (const ChipDocument& row : kChipDocuments) {
-        if (row.number == number) {
-            writeOut(row.text);
-            return kExitOk;
-        }
-    }
-    return kExitUsage;
+std::string whyNotDefault(const std::string& word) {
+    return documentOf(word) != nullptr
+                   ? ""
+                   : fmt::format("there is no built-in document {}: {}", word, chipsOfDefaults());
 }
 
 }  // namespace
 
-void addDefaultsCommand(CLI::App* app, int* exitCode) {
+void addDefaultsCommand(CLI::App* app) {
     struct Arguments {
-        int number = chipDocumentFor("").number;  // For chips without a document of their own.
+        std::string number;
         std::string variant;
     };
     const auto arguments = std::make_shared<Arguments>();
@@ -69,9 +63,11 @@ void addDefaultsCommand(CLI::App* app, int* exitCode) {
             ->type_name("NAME")
             ->excludes(number);
     command->callback([=] {
-        *exitCode = printDefault(arguments->variant.empty()
-                                         ? arguments->number
-                                         : chipDocumentFor(arguments->variant).number);
+        // Without either, the one for chips without a document of their own.
+        const ChipDocument& document = arguments->number.empty()
+                                               ? chipDocumentFor(arguments->variant)
+                                               : *documentOf(arguments->number);
+        writeOut(document.text);
     });
 }
 

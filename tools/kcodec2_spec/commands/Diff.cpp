@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/DeviceOptions.h"
@@ -15,7 +18,6 @@
 #include "commands/Commands.h"
 #include "commands/DiffOutput.h"
 #include "commands/DiffSide.h"
-#include "commands/GitDiff.h"
 #include "store/Answers.h"
 #include "store/SnapshotDiff.h"
 #include "targetspec/reading/Escaped.h"
@@ -94,44 +96,55 @@ int diff(const DiffArguments& arguments) {
                                                                                    : kExitFindings;
 }
 
+// Where the two versions are in what git passes: PATH OLD NEW, as docs/diff.md has them for git
+// difftool, or for an external diff driver PATH OLD OLD-HEX OLD-MODE NEW NEW-HEX NEW-MODE, and for
+// a renamed file its new path and a message.
+struct GitForm {
+    size_t arguments;
+    size_t newFile;
+    size_t newPath;
+};
+constexpr GitForm kGitForms[] = {{3, 2, 0}, {7, 4, 0}, {9, 4, 7}};
+
 // Git ends at the first file for which its program returns another code than 0, and the other files
 // would not be shown.
 int diffForGit(DiffArguments arguments) {
-    if (arguments.git.size() == 1) {
-        printOut("{} is not merged\n", escaped(arguments.git.front()));
+    const std::vector<std::string>& git = arguments.git;
+    if (git.size() == 1) {
+        printOut("{} is not merged\n", escaped(git.front()));
         return kExitOk;
     }
-    const std::optional<GitVersions> versions = gitVersions(arguments.git);
-    if (!versions) {
+    const auto form = std::find_if(std::begin(kGitForms), std::end(kGitForms),
+                                   [&](const GitForm& one) { return one.arguments == git.size(); });
+    if (form == std::end(kGitForms)) {
         throw usageError(
                 "--git needs the arguments that git passes to an external diff driver, or "
                 "PATH OLD NEW");
     }
-    const auto use = [](const char* prefix, const GitVersion& version, Side* side) {
-        side->path = version.file;
-        side->title = version.file == kNoDocument ? version.file
-                                                  : fmt::format("{}/{}", prefix, version.path);
-        side->gitPath = version.path;
+    const auto use = [](const char* prefix, const std::string& path, const std::string& file,
+                        Side* side) {
+        side->path = file;
+        side->title = file == kNoDocument ? file : fmt::format("{}/{}", prefix, path);
+        side->gitPath = path;
     };
-    use("a", versions->before, &arguments.a);
-    use("b", versions->after, &arguments.b);
+    use("a", git[0], git[1], &arguments.a);
+    use("b", git[form->newPath], git[form->newFile], &arguments.b);
     diff(arguments);
     writeOut("\n");  // The next file follows.
     return kExitOk;
 }
 
-int runDiff(const DiffArguments& arguments) {
+int runDiff(DiffArguments arguments) {
     if (!arguments.git.empty()) {
-        return diffForGit(arguments);
+        return diffForGit(std::move(arguments));
     }
     if (arguments.a.path.empty()) {
         throw CLI::RequiredError("A");
     }
-    DiffArguments sides = arguments;
-    if (sides.b.path.empty()) {
-        sides.b.path = sides.a.path;
+    if (arguments.b.path.empty()) {
+        arguments.b.path = arguments.a.path;
     }
-    return diff(sides);
+    return diff(arguments);
 }
 
 void addFormatOptions(CLI::App* command, DiffArguments* arguments) {

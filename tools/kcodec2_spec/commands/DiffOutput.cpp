@@ -26,8 +26,11 @@ const SnapshotEntry& entryOf(const Change& change) {
     return change.after != nullptr ? *change.after : *change.before;
 }
 
-const Setting* settingOf(const DiffReport& report, const Change& change) {
-    return report.catalogue.setting(entryOf(change).name);
+// A text of the entry; where it differs, that of both sides.
+std::string changedText(const Change& change, std::string SnapshotEntry::*text) {
+    const std::string& after = entryOf(change).*text;
+    const std::string& before = change.before != nullptr ? change.before->*text : after;
+    return before == after ? after : fmt::format("{} -> {}", before, after);
 }
 
 // What a store that only keeps a name still decides: a later document cannot set the name any more.
@@ -43,14 +46,6 @@ std::string remarkOn(const DiffReport& report, const SectionChanges& section,
                    ? fmt::format("a private file could set it in {}, but not in {}",
                                  isInA ? "B" : "A", isInA ? "A" : "B")
                    : std::string();
-}
-
-size_t countOf(const std::vector<SectionChanges>& differences) {
-    size_t count = 0;
-    for (const SectionChanges& section : differences) {
-        count += section.changes.size();
-    }
-    return count;
 }
 
 // The line for a comparison without differences.
@@ -69,35 +64,6 @@ void printSide(const char* name, const Loaded& side, const Colours& colours) {
     printOut("{}{}  {}{}\n   system spec document  {}\n   private overlay       {}\n", colours.bold,
              name, escaped(side.title), colours.plain, escaped(side.systemSpec),
              escaped(side.overlay));
-}
-
-std::string join(const std::string& before, const std::string& after) {
-    return before == after ? after : fmt::format("{} -> {}", before, after);
-}
-
-// A change as it is printed.
-struct DiffRow {
-    char sign;
-    std::string name;
-    std::string value;
-    std::string origin;
-};
-
-DiffRow diffRowOf(const Change& change, bool isList) {
-    const auto named = [isList](const SnapshotEntry& entry, size_t index) {
-        return isList ? fmt::format("#{} {}", index + 1, escaped(entry.name)) : escaped(entry.name);
-    };
-    if (change.after == nullptr) {
-        return {'-', named(*change.before, change.indexBefore), change.before->text,
-                change.before->origin};
-    }
-    if (change.before == nullptr) {
-        return {'+', named(*change.after, change.indexAfter), change.after->text,
-                change.after->origin};
-    }
-    return {'~', named(*change.after, change.indexAfter),
-            join(change.before->text, change.after->text),
-            join(change.before->origin, change.after->origin)};
 }
 
 // Only one section has a meaning when it is empty, and it is the opposite of what an empty list
@@ -119,7 +85,7 @@ std::string noteOn(const DiffReport& report, const SectionChanges& section, cons
     if (!isSeen) {
         return remarkOn(report, section, change);
     }
-    const Setting* const setting = settingOf(report, change);
+    const Setting* const setting = report.catalogue.setting(entryOf(change).name);
     return setting != nullptr ? setting->meaning : std::string();
 }
 
@@ -131,23 +97,26 @@ void printSection(const DiffReport& report, const SectionChanges& section, bool 
     for (const std::string& line : whenEmpty(section)) {
         printOut("  {}\n", line);
     }
-    std::vector<DiffRow> rows;
+    const bool isList = section.after->form == SectionForm::List;
+    const auto nameOf = [isList](const Change& change) {
+        const size_t index = change.after != nullptr ? change.indexAfter : change.indexBefore;
+        return fmt::format("{}{}", isList ? fmt::format("#{} ", index + 1) : "",
+                           escaped(entryOf(change).name));
+    };
     size_t nameWidth = 0;
     size_t valueWidth = 0;
     for (const Change& change : section.changes) {
-        rows.push_back(diffRowOf(change, section.after->form == SectionForm::List));
-        nameWidth = std::max(nameWidth, rows.back().name.size());
-        valueWidth = std::max(valueWidth, rows.back().value.size());
+        nameWidth = std::max(nameWidth, nameOf(change).size());
+        valueWidth = std::max(valueWidth, changedText(change, &SnapshotEntry::text).size());
     }
-    for (size_t i = 0; i < rows.size(); ++i) {
-        const DiffRow& row = rows[i];
-        const char* const colour = row.sign == '-'   ? colours.red
-                                   : row.sign == '+' ? colours.green
-                                                     : colours.yellow;
-        printOut("  {}{} {}{}  {}{}{}\n", colour, row.sign, padded(row.name, nameWidth),
-                 colours.plain, padded(row.value, valueWidth), valueWidth == 0 ? "" : "  ",
-                 row.origin);
-        const std::string note = noteOn(report, section, section.changes[i], isSeen);
+    for (const Change& change : section.changes) {
+        const auto [sign, colour] = change.after == nullptr    ? std::pair('-', colours.red)
+                                    : change.before == nullptr ? std::pair('+', colours.green)
+                                                               : std::pair('~', colours.yellow);
+        printOut("  {}{} {}{}  {}{}{}\n", colour, sign, padded(nameOf(change), nameWidth),
+                 colours.plain, padded(changedText(change, &SnapshotEntry::text), valueWidth),
+                 valueWidth == 0 ? "" : "  ", changedText(change, &SnapshotEntry::origin));
+        const std::string note = noteOn(report, section, change, isSeen);
         if (!note.empty()) {
             printOut("      {}{}{}\n", colours.faint, escaped(note), colours.plain);
         }
@@ -209,27 +178,20 @@ std::string cellOf(const SnapshotEntry* entry, size_t index, bool isList) {
                                : entry->text;
 }
 
-void printMarkdownSection(const DiffReport& report, const SectionChanges& section, bool isSeen) {
-    const bool isList = section.after->form == SectionForm::List;
-    for (const Change& change : section.changes) {
-        const std::string origin = change.before == nullptr ? change.after->origin
-                                   : change.after == nullptr
-                                           ? change.before->origin
-                                           : join(change.before->origin, change.after->origin);
-        printOut("| {} | {} | {} | {} | {} | {} |\n", section.after->title,
-                 markdownCode(entryOf(change).name),
-                 markdownText(cellOf(change.before, change.indexBefore, isList)),
-                 markdownText(cellOf(change.after, change.indexAfter, isList)),
-                 markdownText(origin), markdownText(noteOn(report, section, change, isSeen)));
-    }
-}
-
 void printMarkdownTable(const DiffReport& report, const std::vector<SectionChanges>& differences,
                         bool isSeen) {
     printOut("\n| Section | Name | A | B | From | {} |\n|---|---|---|---|---|---|\n",
              isSeen ? "Meaning" : "Remark");
     for (const SectionChanges& section : differences) {
-        printMarkdownSection(report, section, isSeen);
+        const bool isList = section.after->form == SectionForm::List;
+        for (const Change& change : section.changes) {
+            printOut("| {} | {} | {} | {} | {} | {} |\n", section.after->title,
+                     markdownCode(entryOf(change).name),
+                     markdownText(cellOf(change.before, change.indexBefore, isList)),
+                     markdownText(cellOf(change.after, change.indexAfter, isList)),
+                     markdownText(changedText(change, &SnapshotEntry::origin)),
+                     markdownText(noteOn(report, section, change, isSeen)));
+        }
     }
     for (const SectionChanges& section : differences) {
         for (const std::string& line : whenEmpty(section)) {
@@ -272,7 +234,10 @@ void printDiffJson(const DiffReport& report) {
 }
 
 void printDiffMarkdown(const DiffReport& report) {
-    const size_t count = countOf(report.differences.seen);
+    size_t count = 0;
+    for (const SectionChanges& section : report.differences.seen) {
+        count += section.changes.size();
+    }
     printOut("**{}**\n\n", count == 0 ? withoutDifferences(report)
                                       : fmt::format("{} in effect", counted(count, "difference")));
     for (const auto& [name, side] : {std::pair("A", &report.a), std::pair("B", &report.b)}) {

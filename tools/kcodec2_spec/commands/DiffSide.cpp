@@ -46,6 +46,17 @@ Loaded loadTree(const Side& side) {
     return loaded;
 }
 
+// The part of git's path that names the chip: the device path at its end, or else all of it.
+std::string devicePathIn(const std::string& gitPath) {
+    const std::string path = fmt::format("/{}", gitPath);
+    size_t start = 0;
+    for (const char* const directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        const size_t found = path.rfind(directory);
+        start = found != std::string::npos ? std::max(start, found) : start;
+    }
+    return path.substr(start);
+}
+
 // The path that a load would open on the device that this side plays.
 std::string pathForChip(const Side& side) {
     DeviceOptions device = side.device;
@@ -93,16 +104,6 @@ std::optional<Loaded> loadDocument(const Side& side) {
 }
 
 }  // namespace
-
-std::string devicePathIn(const std::string& gitPath) {
-    const std::string path = fmt::format("/{}", gitPath);
-    size_t start = 0;
-    for (const char* const directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-        const size_t found = path.rfind(directory);
-        start = found != std::string::npos ? std::max(start, found) : start;
-    }
-    return path.substr(start);
-}
 
 std::optional<Loaded> loadSide(const Side& side) {
     if (!std::filesystem::is_directory(side.path)) {

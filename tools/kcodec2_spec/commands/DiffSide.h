@@ -36,7 +36,4 @@ struct Loaded {
 // Reports on standard error what cannot be loaded.
 std::optional<Loaded> loadSide(const Side& side);
 
-// The part of git's path that names the chip: the device path at its end, or else all of it.
-std::string devicePathIn(const std::string& gitPath);
-
 }  // namespace kc2::tool

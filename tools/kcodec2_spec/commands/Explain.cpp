@@ -4,11 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -26,7 +24,6 @@
 #include "commands/Commands.h"
 #include "commands/ExplainTopics.h"
 #include "commands/UnknownVariant.h"
-#include "log/LineMatch.h"
 #include "log/LogLines.h"
 #include "platform/FormatRows.h"
 #include "store/Load.h"
@@ -37,92 +34,6 @@
 namespace kc2::tool {
 
 namespace {
-
-bool printIfKnown(const std::optional<Explanation>& explanation) {
-    writeOut(explanation ? formatted(*explanation) : "");
-    return explanation.has_value();
-}
-
-// --- Each kind of name: prints what it is, or returns false -------------------------------------
-
-bool explainSetting(const Catalogue& catalogue, const std::string& name) {
-    return printIfKnown(explainedSetting(catalogue, name));
-}
-
-bool explainSection(const Catalogue& catalogue, const std::string& name) {
-    return printIfKnown(explainedSection(catalogue, name));
-}
-
-bool explainComponent(const Catalogue& catalogue, const std::string& name) {
-    return printIfKnown(explainedComponent(catalogue, name));
-}
-
-bool explainCode(const Catalogue& catalogue, const std::string& name) {
-    return printIfKnown(explainedCode(catalogue, name));
-}
-
-bool explainFormat(const Catalogue&, const std::string& name) {
-    return isFormat(name) && printFormats(name) == kExitOk;
-}
-
-// A document, whose lines keep their places below each other.
-void printDocument(const char* title, std::string_view document) {
-    for (size_t start = 0; start < document.size();) {
-        const size_t limit = std::min(document.find('\n', start), document.size());
-        printLine(start == 0 ? title : "", document.substr(start, limit - start));
-        start = limit + 1;
-    }
-}
-
-bool explainCheck(const Catalogue&, const std::string& name) {
-    const Check* const check = findCheck(name);
-    if (check == nullptr) {
-        return false;
-    }
-    printTitle(check->id);
-    printLine("finds", check->summary);
-    printLine("meaning", check->meaning);
-    printLine("fix", check->fix);
-    printDocument("example", check->mistake);
-    printDocument("fixed", check->fixed);
-    printLine("example",
-              *check->whyNoExample != '\0' ? fmt::format("none: {}", check->whyNoExample) : "");
-    printLine("severity",
-              fmt::format("{}{}", nameOf(check->severity), check->isRejection ? ", always" : ""));
-    for (const CheckGroup& group : kCheckGroups) {
-        if (isInGroup(*check, group.name)) {
-            printLine("group", fmt::format("{}: {}", group.name, group.title));
-        }
-    }
-    return true;
-}
-
-void printLogLine(const LogLine& line) {
-    printTitle(line.text);
-    printLine("log", fmt::format("{} {}, {}", letterOf(line.priority), line.tag, line.step));
-    printLine("written", line.gate == 0 ? "always"
-                                        : fmt::format("if the level word has a bit of {}",
-                                                      hexadecimal(line.gate)));
-    printLine("meaning", line.meaning);
-    printLine("to do", std::string_view(line.advice) == "-" ? "" : line.advice);
-}
-
-bool explainLogText(const Catalogue& catalogue, const std::string& text) {
-    const AskedText asked = matchAsked(text);
-    for (const LogLine* const line : asked.rows) {
-        printLogLine(*line);
-    }
-    printLine("values", joined(asked.values, ", "));
-    for (const std::string& value : asked.values) {
-        printChecksForReason(value);
-    }
-    const bool isSetting = !asked.setting.empty() && explainSetting(catalogue, asked.setting);
-    return !asked.rows.empty() || isSetting;
-}
-
-constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {
-        explainSetting, explainSection, explainComponent,  explainCode,
-        explainFormat,  explainCheck,   explainOtherTopic, explainLogText};
 
 // --- One device ---------------------------------------------------------------------------------
 
@@ -175,13 +86,12 @@ std::string nameWith(const std::string& part, const KnownSettings& known) {
     if (const NearNames::Entry* const component = known.components.withWordsOf(part)) {
         return component->name;
     }
-    std::vector<std::string> names;
     for (const Setting& setting : known.catalogue.settings()) {
-        names.push_back(setting.name);
+        if (contains(setting.name, part)) {
+            return setting.name;
+        }
     }
-    for (std::string& name : otherNames()) {
-        names.push_back(std::move(name));
-    }
+    const std::vector<std::string> names = otherNames();
     const auto whole = std::find_if(names.begin(), names.end(),
                                     [&](const std::string& name) { return contains(name, part); });
     return whole != names.end() ? *whole : "";
@@ -223,33 +133,23 @@ struct ExplainArguments {
     DeviceOptions device;
 };
 
-int printSettings(const std::vector<std::string>& settingsFiles) {
-    const std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
-    }
-    writeOut(settingsPage(*catalogue));
-    return kExitOk;
-}
-
 int explain(const ExplainArguments& arguments) {
-    const std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
+    const Catalogue catalogue = catalogueWith(arguments.settingsFiles);
+    if (arguments.asPage) {
+        writeOut(settingsPage(catalogue));
+        return kExitOk;
     }
-    const bool isKnown =
-            std::any_of(std::begin(kTopics), std::end(kTopics),
-                        [&](const auto& topic) { return topic(*catalogue, arguments.name); });
+    const bool isKnown = explainTopic(catalogue, arguments.name);
     bool isOnDevice = false;
     const DeviceOptions& device = arguments.device;
     if (device.hasFiles()) {
         if (!isKnown) {
-            printTitle(arguments.name);
+            printOut("{}\n", escaped(arguments.name));
         }
         applyDeviceOptions(device);
         isOnDevice = explainOnDevice(arguments.name);
     }
-    return isKnown || isOnDevice ? kExitOk : printUnknown(*catalogue, arguments.name);
+    return isKnown || isOnDevice ? kExitOk : printUnknown(catalogue, arguments.name);
 }
 
 constexpr char kExplainFooter[] =
@@ -278,6 +178,14 @@ void addSettingsOption(CLI::App* command, std::vector<std::string>* files) {
             ->allow_extra_args(false);
 }
 
+Catalogue catalogueWith(const std::vector<std::string>& settingsFiles) {
+    std::optional<Catalogue> catalogue = loadCatalogue(settingsFiles);
+    if (!catalogue) {
+        throw CLI::RuntimeError(kExitUsage);
+    }
+    return *std::move(catalogue);
+}
+
 void addExplainCommand(CLI::App* app, int* exitCode) {
     const auto arguments = std::make_shared<ExplainArguments>();
     CLI::App* const command = app->add_subcommand(
@@ -295,8 +203,7 @@ void addExplainCommand(CLI::App* app, int* exitCode) {
         if (const std::string why = whyUnused(arguments->device); !why.empty()) {
             throw usageError(why);
         }
-        *exitCode =
-                arguments->asPage ? printSettings(arguments->settingsFiles) : explain(*arguments);
+        *exitCode = explain(*arguments);
     });
 }
 

@@ -1,4 +1,4 @@
-// What kcodec2_spec explain knows beside documents: names of the library, chips, groups of checks.
+// What kcodec2_spec explain knows about a name.
 
 #include "commands/ExplainTopics.h"
 
@@ -15,7 +15,9 @@
 #include "catalogue/HeaderTexts.h"
 #include "check/Checks.h"
 #include "check/rules/Rules.h"
+#include "commands/Commands.h"
 #include "device/DevicePaths.h"
+#include "log/LineMatch.h"
 #include "log/LogLines.h"
 #include "platform/FormatRows.h"
 #include "targetspec/reading/BuiltInDocuments.h"
@@ -23,20 +25,41 @@
 
 namespace kc2::tool {
 
+namespace {
+
+// An explanation is its title, then lines that begin with what they are about.
 void printTitle(std::string_view name) {
     printOut("{}\n", escaped(name));
 }
 
+// Prints nothing for an empty text.
 void printLine(std::string_view title, std::string_view text) {
     if (!text.empty()) {
         writeOut(formatted(Explanation::Line{std::string(title), std::string(text)}));
     }
 }
 
-namespace {
+// Prints what `explained` finds of that name, or returns false.
+template <auto explained>
+bool explainFound(const Catalogue& catalogue, const std::string& name) {
+    const std::optional<Explanation> explanation = explained(catalogue, name);
+    writeOut(explanation ? formatted(*explanation) : "");
+    return explanation.has_value();
+}
+
+bool explainFormat(const Catalogue& /*catalogue*/, const std::string& name) {
+    return printFormats(name);
+}
 
 void printCheck(const Check& check) {
     printLine("check", fmt::format("{}: {}", check.id, check.summary));
+}
+
+// Which checks report what a device skips for this reason.
+void printChecksForReason(std::string_view reason) {
+    for (const Check* const check : checksForReason(reason)) {
+        printCheck(*check);
+    }
 }
 
 // Why a value was skipped, as the device logs it.
@@ -170,21 +193,84 @@ bool explainReturnedNumber(const Catalogue&, const std::string& name) {
     return true;
 }
 
-// A new topic is a function above and a row here.
-constexpr bool (*kOtherTopics[])(const Catalogue&, const std::string&) = {
-        explainReason,      explainCheckGroup, explainChip,          explainComponentVariant,
-        explainDeclaration, explainDeviceName, explainReturnedNumber};
-
-}  // namespace
-
-void printChecksForReason(std::string_view reason) {
-    for (const Check* const check : checksForReason(reason)) {
-        printCheck(*check);
+// A document, whose lines keep their places below each other.
+void printDocument(const char* title, std::string_view document) {
+    for (size_t start = 0; start < document.size();) {
+        const size_t limit = std::min(document.find('\n', start), document.size());
+        printLine(start == 0 ? title : "", document.substr(start, limit - start));
+        start = limit + 1;
     }
 }
 
-bool explainOtherTopic(const Catalogue& catalogue, const std::string& name) {
-    return std::any_of(std::begin(kOtherTopics), std::end(kOtherTopics),
+bool explainCheck(const Catalogue&, const std::string& name) {
+    const Check* const check = findCheck(name);
+    if (check == nullptr) {
+        return false;
+    }
+    printTitle(check->id);
+    printLine("finds", check->summary);
+    printLine("meaning", check->meaning);
+    printLine("fix", check->fix);
+    printDocument("example", check->mistake);
+    printDocument("fixed", check->fixed);
+    printLine("example",
+              *check->whyNoExample != '\0' ? fmt::format("none: {}", check->whyNoExample) : "");
+    printLine("severity",
+              fmt::format("{}{}", nameOf(check->severity), check->isRejection ? ", always" : ""));
+    for (const CheckGroup& group : kCheckGroups) {
+        if (isInGroup(*check, group.name)) {
+            printLine("group", fmt::format("{}: {}", group.name, group.title));
+        }
+    }
+    return true;
+}
+
+void printLogLine(const LogLine& line) {
+    printTitle(line.text);
+    printLine("log", fmt::format("{} {}, {}", letterOf(line.priority), line.tag, line.step));
+    printLine("written", line.gate == 0 ? "always"
+                                        : fmt::format("if the level word has a bit of {}",
+                                                      hexadecimal(line.gate)));
+    printLine("meaning", line.meaning);
+    printLine("to do", std::string_view(line.advice) == "-" ? "" : line.advice);
+}
+
+bool explainLogText(const Catalogue& catalogue, const std::string& text) {
+    const AskedText asked = matchAsked(text);
+    for (const LogLine* const line : asked.rows) {
+        printLogLine(*line);
+    }
+    printLine("values", joined(asked.values, ", "));
+    for (const std::string& value : asked.values) {
+        printChecksForReason(value);
+    }
+    const bool isSetting =
+            !asked.setting.empty() && explainFound<explainedSetting>(catalogue, asked.setting);
+    return !asked.rows.empty() || isSetting;
+}
+
+// A new topic is a function above and a row here.
+constexpr bool (*kTopics[])(const Catalogue&, const std::string&) = {
+        explainFound<explainedSetting>,
+        explainFound<explainedSection>,
+        explainFound<explainedComponent>,
+        explainFound<explainedCode>,
+        explainFormat,
+        explainCheck,
+        explainReason,
+        explainCheckGroup,
+        explainChip,
+        explainComponentVariant,
+        explainDeclaration,
+        explainDeviceName,
+        explainReturnedNumber,
+        explainLogText,
+};
+
+}  // namespace
+
+bool explainTopic(const Catalogue& catalogue, const std::string& name) {
+    return std::any_of(std::begin(kTopics), std::end(kTopics),
                        [&](const auto& topic) { return topic(catalogue, name); });
 }
 

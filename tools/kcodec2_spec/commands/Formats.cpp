@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -29,15 +28,6 @@ std::string planesOf(const Platform::FormatRow& row) {
     return text;
 }
 
-void printHeading() {
-    printOut("{:25} {:10}  {:>10}  {:6}  {}\n", "NAME", "VALUE", "DECIMAL", "NUMBER", "PLANES");
-}
-
-void printRow(const Platform::FormatRow& row) {
-    printOut("{:25} {:10}  {:>10}  {:<6}  {}\n", row.name, hexadecimal(*row.format), *row.format,
-             row.colorFormat, planesOf(row));
-}
-
 int printUnknown(const std::string& wanted) {
     std::vector<std::string_view> names;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
@@ -45,11 +35,8 @@ int printUnknown(const std::string& wanted) {
     }
     std::string near = nearest(wanted, names);
     if (near.empty() && !toWord(wanted)) {  // A part of a name, such as nv12?
-        std::string part = wanted;
-        std::transform(part.begin(), part.end(), part.begin(),
-                       [](unsigned char c) { return std::toupper(c); });
         const auto whole = std::find_if(names.begin(), names.end(), [&](std::string_view name) {
-            return name.find(part) != std::string_view::npos;
+            return inSmallLetters(name).find(inSmallLetters(wanted)) != std::string::npos;
         });
         near = whole != names.end() ? *whole : near;
     }
@@ -66,23 +53,21 @@ bool isMeant(const Platform::FormatRow& row, const std::string& wanted) {
 
 }  // namespace
 
-bool isFormat(const std::string& wanted) {
-    return std::any_of(std::begin(Platform::kFormatRows), std::end(Platform::kFormatRows),
-                       [&](const Platform::FormatRow& row) { return isMeant(row, wanted); });
-}
-
-int printFormats(const std::string& wanted) {
+bool printFormats(const std::string& wanted) {
     bool isFound = false;
     for (const Platform::FormatRow& row : Platform::kFormatRows) {
-        if (wanted.empty() || isMeant(row, wanted)) {
-            if (!isFound) {
-                printHeading();
-            }
-            printRow(row);
-            isFound = true;
+        if (!wanted.empty() && !isMeant(row, wanted)) {
+            continue;
         }
+        if (!isFound) {
+            printOut("{:25} {:10}  {:>10}  {:6}  {}\n", "NAME", "VALUE", "DECIMAL", "NUMBER",
+                     "PLANES");
+        }
+        printOut("{:25} {:10}  {:>10}  {:<6}  {}\n", row.name, hexadecimal(*row.format),
+                 *row.format, row.colorFormat, planesOf(row));
+        isFound = true;
     }
-    return isFound ? kExitOk : printUnknown(wanted);
+    return isFound;
 }
 
 void addFormatsCommand(CLI::App* app, int* exitCode) {
@@ -95,7 +80,7 @@ void addFormatsCommand(CLI::App* app, int* exitCode) {
     command->add_option("FORMAT", *format,
                         "Print only this one: its name, or its value in hexadecimal (0x...) or "
                         "decimal, as in a log line");
-    command->callback([=] { *exitCode = printFormats(*format); });
+    command->callback([=] { *exitCode = printFormats(*format) ? kExitOk : printUnknown(*format); });
 }
 
 }  // namespace kc2::tool

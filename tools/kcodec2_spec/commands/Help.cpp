@@ -13,7 +13,7 @@
 
 namespace kc2::tool {
 
-void addHelpCommand(CLI::App* app, int* exitCode) {
+void addHelpCommand(CLI::App* app) {
     CLI::App* const command =
             app->add_subcommand("help", "Print this help, or the help of a command");
     command->footer(kUsualExitCodes);
@@ -29,7 +29,6 @@ void addHelpCommand(CLI::App* app, int* exitCode) {
         const std::string name =
                 fmt::format("{}{}{}", app->get_name(), wanted->empty() ? "" : " ", *wanted);
         writeOut(app->get_formatter()->make_help(subject, name, CLI::AppFormatMode::Normal));
-        *exitCode = kExitOk;
     });
 }
 

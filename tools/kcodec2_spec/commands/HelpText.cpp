@@ -57,6 +57,18 @@ void appendWrapped(std::string_view line, size_t width, std::string* text) {
     text->append(rest).append("\n");
 }
 
+// `text` with its lines wrapped at `width` columns. The rest of a line is indented like the text
+// after its last gap of two blanks or more, which is the description of an option, or like the line
+// itself.
+std::string wrapped(const std::string& text, size_t width) {
+    std::string result;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        appendWrapped(line, width, &result);
+    }
+    return result;
+}
+
 size_t helpWidth() {
     constexpr size_t kUsual = 80;
     constexpr size_t kLeast = 20;
@@ -188,29 +200,33 @@ std::string describe(const CLI::App& app, const CLI::ParseError& error) {
 
 }  // namespace
 
-std::string wrapped(const std::string& text, size_t width) {
-    std::string result;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        appendWrapped(line, width, &result);
-    }
-    return result;
-}
-
 std::string formOf(const CLI::Option& option) {
     if (option.get_positional()) {
         return option.get_expected_max() > 1 ? " ..." : "";
     }
-    if (option.get_items_expected_max() == 0) {
-        return std::string();  // A flag.
-    }
-    return fmt::format(" {}{}", option.get_type_name(), option.get_required() ? " REQUIRED" : "");
+    return isFlag(option) ? ""
+                          : fmt::format(" {}{}", option.get_type_name(),
+                                        option.get_required() ? " REQUIRED" : "");
+}
+
+std::vector<std::string> namesOf(const CLI::Option& option) {
+    return CLI::detail::split(option.get_name(false, true), ',');
+}
+
+bool isFlag(const CLI::Option& option) {
+    return option.get_items_expected_max() == 0;
+}
+
+std::vector<const CLI::Option*> shownOptions(const CLI::App& command, bool arePositional) {
+    return command.get_options([arePositional](const CLI::Option* option) {
+        return option->get_positional() == arePositional && !option->get_group().empty();
+    });
 }
 
 void prepareHelp(CLI::App* app) {
     app->formatter(std::make_shared<WrappingFormatter>(helpWidth()));
     for (CLI::Option* const option : app->get_options()) {
-        if (option->get_items_expected_max() == 0) {
+        if (isFlag(*option)) {
             option->disable_flag_override();  // --werror=no would otherwise be accepted.
         }
     }

@@ -1,7 +1,6 @@
 // Help and messages about wrong usage, wrapped for the terminal.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,14 +12,17 @@ class ParseError;
 
 namespace kc2::tool {
 
-// `text` with its lines wrapped at `width` columns. The rest of a line is indented like the text
-// after its last gap of two blanks or more, which is the description of an option, or like the line
-// itself.
-std::string wrapped(const std::string& text, size_t width);
-
 // What --help shows after an option's name: " DIR", " FILE REQUIRED", or " ..." for an argument
 // that may be repeated.
 std::string formOf(const CLI::Option& option);
+
+// The names of an option: "-h", "--help".
+std::vector<std::string> namesOf(const CLI::Option& option);
+
+bool isFlag(const CLI::Option& option);
+
+// The options of a command that --help shows: arguments by their position, or those with names.
+std::vector<const CLI::Option*> shownOptions(const CLI::App& command, bool arePositional);
 
 // Sets the formatter of a command and of its subcommands to one that wraps for the terminal, and
 // makes flags refuse a value.

@@ -1,16 +1,11 @@
 // kcodec2_spec lsp: the checker in an editor.
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/DeviceOptions.h"
-#include "catalogue/Catalogue.h"
 #include "commands/Commands.h"
 #include "editor/Serve.h"
 
@@ -22,14 +17,6 @@ struct LspArguments {
     std::vector<std::string> settingsFiles;
     std::string root;
 };
-
-int runServer(const LspArguments& arguments) {
-    std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
-    }
-    return serveEditor(std::make_shared<KnownSettings>(*std::move(catalogue)), arguments.root);
-}
 
 }  // namespace
 
@@ -56,7 +43,11 @@ void addLspCommand(CLI::App* app, int* exitCode) {
                 ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
                 ->group(kDeviceGroup);
     }
-    command->callback([=] { *exitCode = runServer(*arguments); });
+    command->callback([=] {
+        *exitCode = serveEditor(
+                std::make_shared<KnownSettings>(catalogueWith(arguments->settingsFiles)),
+                arguments->root);
+    });
 }
 
 }  // namespace kc2::tool

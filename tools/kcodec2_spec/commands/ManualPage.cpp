@@ -1,14 +1,16 @@
 // kcodec2_spec man: the manual page, made from the texts of --help.
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/Print.h"
-#include "commands/CommandText.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
+#include "commands/HelpText.h"
 #include "platform/Version.h"
 
 namespace kc2::tool {
@@ -51,48 +53,51 @@ void printParagraphs(const std::string& text) {
     writeOut(isExample ? ".EE\n" : "");
 }
 
-void printOptions(const std::vector<OptionText>& options) {
-    for (const OptionText& option : options) {
-        printOut(".TP\n.B {}{}\n{}\n", plain(option.label), plain(option.form),
-                 plain(option.description));
+void printOptions(const CLI::App& command, bool arePositional) {
+    for (const CLI::Option* const option : shownOptions(command, arePositional)) {
+        printOut(".TP\n.B {}{}\n{}\n", plain(option->get_name(arePositional, !arePositional)),
+                 plain(formOf(*option)), plain(option->get_description()));
     }
 }
 
-void printCommand(const CommandText& command) {
-    printOut(".SS {}\n{}.\n.PP\n.B {}\n", plain(command.name), plain(command.description),
-             plain(command.usage));
-    printOptions(command.arguments);
-    printOptions(command.options);
-    if (!command.footer.empty()) {
+std::string usageOf(const CLI::App& command, const std::string& name) {
+    const std::string usage = CLI::Formatter().make_usage(&command, name);
+    return plain(withoutTrailing(usage.substr(usage.find(name)), '\n'));
+}
+
+void printCommand(const CLI::App& command) {
+    printOut(".SS {}\n{}.\n.PP\n.B {}\n", plain(command.get_name()),
+             plain(command.get_description()),
+             usageOf(command, fmt::format("kcodec2_spec {}", command.get_name())));
+    printOptions(command, true);
+    printOptions(command, false);
+    if (!command.get_footer().empty()) {
         writeOut(".PP\n");
-        printParagraphs(command.footer);
+        printParagraphs(command.get_footer());
     }
 }
 
-int printManual(const CLI::App& app) {
-    const std::vector<CommandText> commands = commandTexts(app);
-    const CommandText& tool = commands.front();
+void printManual(const CLI::App& tool) {
     printOut(".TH KCODEC2_SPEC 1 \"\" \"kcodec2_spec {}\"\n", KC2_VERSION);
     writeOut(".SH NAME\nkcodec2_spec \\- shows and checks system spec documents\n");
-    printOut(".SH SYNOPSIS\n.B {}\n.SH DESCRIPTION\n", plain(tool.usage));
-    printParagraphs(tool.description);
+    printOut(".SH SYNOPSIS\n.B {}\n.SH DESCRIPTION\n", usageOf(tool, tool.get_name()));
+    printParagraphs(tool.get_description());
     writeOut(".SH OPTIONS\n");
-    printOptions(tool.options);
+    printOptions(tool, false);
     writeOut(".SH COMMANDS\n");
-    for (size_t i = 1; i < commands.size(); ++i) {
-        printCommand(commands[i]);
+    for (const CLI::App* const command : tool.get_subcommands(nullptr)) {
+        printCommand(*command);
     }
     writeOut(".SH EXIT STATUS\n");
-    printParagraphs(tool.footer);
-    return kExitOk;
+    printParagraphs(tool.get_footer());
 }
 
 }  // namespace
 
-void addManualCommand(CLI::App* app, int* exitCode) {
+void addManualCommand(CLI::App* app) {
     CLI::App* const command = app->add_subcommand("man", "Print the manual page");
     command->footer(kUsualExitCodes);
-    command->callback([=] { *exitCode = printManual(*app); });
+    command->callback([app] { printManual(*app); });
 }
 
 }  // namespace kc2::tool

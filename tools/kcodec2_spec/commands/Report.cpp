@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -58,34 +57,29 @@ std::vector<std::string> variantsToShow() {
     return variants;
 }
 
-int report(const ReportArguments& arguments) {
-    std::optional<Catalogue> catalogue = loadCatalogue(arguments.settingsFiles);
-    if (!catalogue) {
-        return kExitUsage;
-    }
+void report(const ReportArguments& arguments) {
+    Catalogue catalogue = catalogueWith(arguments.settingsFiles);
     applyDeviceOptions(arguments.device);
     muteLog();
     const std::string& root = arguments.device.rootDirectory;
     PageContent content = {root.empty() ? "this device" : root,
-                           checkVariants(variantsToShow(), Levels(), KnownSettings(*catalogue)),
-                           {},
-                           std::move(*catalogue)};
-    content.columns = columnsOf(content.checked);
+                           checkVariants(variantsToShow(), Levels(), KnownSettings(catalogue)),
+                           std::move(catalogue)};
+    content.columns = columnsOf(content.checked, &content.columnOf);
     const std::string page = pageOf(content);
     if (arguments.output == "-") {
-        writeOut(page);
-        return kExitOk;
+        return writeOut(page);
     }
     const std::string wrong = writeOutputFile(arguments.output, page);
     if (!wrong.empty()) {
         printError("{} cannot be written: {}", escaped(arguments.output), escaped(wrong));
+        throw CLI::RuntimeError(kExitUsage);
     }
-    return wrong.empty() ? kExitOk : kExitUsage;
 }
 
 }  // namespace
 
-void addReportCommand(CLI::App* app, int* exitCode) {
+void addReportCommand(CLI::App* app) {
     const auto arguments = std::make_shared<ReportArguments>();
     CLI::App* const command = app->add_subcommand(
             "report", "Write an HTML page about an image: its variants side by side, and findings");
@@ -95,9 +89,9 @@ void addReportCommand(CLI::App* app, int* exitCode) {
             ->type_name("FILE.html");
     addSettingsOption(command, &arguments->settingsFiles);
     addDeviceOptions(*command, &arguments->device);
-    command->callback([arguments, exitCode] {
+    command->callback([arguments] {
         requireDevice(arguments->device);
-        *exitCode = report(*arguments);
+        report(*arguments);
     });
 }
 

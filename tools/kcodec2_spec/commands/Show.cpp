@@ -75,7 +75,7 @@ void printSectionsJson(const Load& load, const std::vector<SnapshotSection>& sec
     print(root);
 }
 
-int show(bool asJson) {
+void show(bool asJson) {
     // Before the load that is shown: on a device that one may seed the private file.
     muteLog();
     const Load load = readLoad();
@@ -89,12 +89,11 @@ int show(bool asJson) {
             spec != nullptr ? sectionsOf(*spec, steps) : loadedSections(steps);
     unmuteLog();
     (asJson ? printSectionsJson : printSections)(load, sections);
-    return kExitOk;
 }
 
 }  // namespace
 
-void addShowCommand(CLI::App* app, int* exitCode) {
+void addShowCommand(CLI::App* app) {
     const auto device = std::make_shared<DeviceOptions>();
     const auto asJson = std::make_shared<bool>(false);
     CLI::App* const command = app->add_subcommand(
@@ -107,7 +106,7 @@ void addShowCommand(CLI::App* app, int* exitCode) {
     command->callback([=] {
         requireDevice(*device);
         applyDeviceOptions(*device);
-        *exitCode = show(*asJson);
+        show(*asJson);
     });
 }
 

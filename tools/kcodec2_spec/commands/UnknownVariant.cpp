@@ -18,7 +18,7 @@
 namespace kc2::tool {
 
 void reportUnknownVariant(const Load& load) {
-    if (!load.isVariantSet() || (load.hasSystemSpec() && load.systemSpec->path == load.firstPath)) {
+    if (!load.isVariantSet() || load.hasFirstDocument()) {
         return;
     }
     const std::set<std::string> known = variantsInTree();

@@ -39,19 +39,19 @@ int run(int argc, char** argv) {
     app.require_subcommand(0, 1);  // With none, the message is about an unknown word, if any.
     int exitCode = kExitOk;
 
-    addShowCommand(&app, &exitCode);
+    addShowCommand(&app);
     addCheckCommand(&app, &exitCode);
     addLogCommand(&app, &exitCode);
     addDiffCommand(&app, &exitCode);
-    addReportCommand(&app, &exitCode);
-    addDefaultsCommand(&app, &exitCode);
+    addReportCommand(&app);
+    addDefaultsCommand(&app);
     addFormatsCommand(&app, &exitCode);
     addExplainCommand(&app, &exitCode);
-    addSchemaCommand(&app, &exitCode);
+    addSchemaCommand(&app);
     addLspCommand(&app, &exitCode);
-    addHelpCommand(&app, &exitCode);
-    addManualCommand(&app, &exitCode);
-    addCompletionCommand(&app, &exitCode);
+    addHelpCommand(&app);
+    addManualCommand(&app);
+    addCompletionCommand(&app);
 
     prepareHelp(&app);
     try {
@@ -60,6 +60,8 @@ int run(int argc, char** argv) {
             throw usageError(
                     fmt::format("a command is missing: {}", fmt::join(commandNames(app), ", ")));
         }
+    } catch (const CLI::RuntimeError& error) {
+        return error.get_exit_code();  // What is wrong has been reported.
     } catch (const CLI::ParseError& error) {
         return explainUsage(app, error);
     }

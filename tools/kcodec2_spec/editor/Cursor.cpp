@@ -16,15 +16,12 @@ namespace {
 class CursorReader {
 public:
     CursorReader(std::string_view text, size_t offset, CursorUse use)
-        : mText(text), mOffset(offset), mUse(use) {}
+        : mText(text), mOffset(std::min(offset, text.size())), mUse(use) {}
 
     Cursor read() {
-        Token token;
-        while ((token = next()).kind != Token::kEnd && !isFound(token)) {
+        Token token = next();
+        for (; !isFound(token); token = next()) {
             use(token);
-        }
-        if (!mIsFound) {
-            placeAt({mOffset, mOffset});
         }
         if (!mOpen.empty()) {
             readRest(mIsOnToken ? next() : token);
@@ -63,7 +60,7 @@ private:
         return text;
     }
 
-    // Whether the place is in the token, or before it.
+    // Whether the place is in the token, or before it; it is not after the end of the text.
     bool isFound(const Token& token) {
         const bool isText = token.kind == Token::kString || token.kind == Token::kWord;
         // What is being written goes on at its end; a whole string does not.
@@ -76,7 +73,6 @@ private:
         if (!mIsOnToken && token.span.start < mOffset) {
             return false;
         }
-        mIsFound = true;
         if (mIsOnToken) {
             mCursor.word = textOf(token);
         }
@@ -154,29 +150,19 @@ private:
         mCursor.isBeforeMore =
                 token.kind == Token::kString || token.kind == Token::kWord ||
                 (mOpen.back().kind == '[' && (token.kind == '{' || token.kind == '['));
-        std::set<std::string> words = std::move(mOpen.back().words);
-        mOpen.back().words.clear();
-        for (; token.kind != Token::kEnd && mOpen.size() >= depth; token = next()) {
-            if (mOpen.size() == depth) {
-                words.merge(mOpen.back().words);
-            }
-            const bool isEnd = mOpen.size() == depth && (token.kind == '}' || token.kind == ']');
-            if (isEnd) {
+        for (; token.kind != Token::kEnd; token = next()) {
+            if (mOpen.size() == depth && (token.kind == '}' || token.kind == ']')) {
                 break;
             }
             use(token);
         }
-        if (mOpen.size() >= depth) {
-            words.merge(mOpen[depth - 1].words);
-        }
-        mCursor.neighbours = std::move(words);
+        mCursor.neighbours = std::move(mOpen[depth - 1].words);
     }
 
     std::string_view mText;
     size_t mOffset;
     CursorUse mUse;
     size_t mAt = 0;
-    bool mIsFound = false;
     bool mIsOnToken = false;
     std::vector<Container> mOpen;  // The innermost is last.
     Cursor mCursor;

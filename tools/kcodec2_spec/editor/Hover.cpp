@@ -60,10 +60,11 @@ HoverText hoverTextAt(const Cursor& cursor, const Catalogue& catalogue) {
                                            : nullptr;
     const size_t depth = cursor.path.size();
     const bool isName = cursor.role == Cursor::Role::Name;
-    if (section == nullptr || (isName && depth <= 2)) {
-        return {isName && depth <= 2 ? formattedOrEmpty(explainedSection(catalogue, cursor.word))
-                                     : "",
-                ""};
+    if (isName && depth <= 2) {
+        return {formattedOrEmpty(explainedSection(catalogue, cursor.word)), ""};
+    }
+    if (section == nullptr) {
+        return {};
     }
     switch (section->type) {
         case SectionType::Features:

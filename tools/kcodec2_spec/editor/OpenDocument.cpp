@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "base/DeviceOptions.h"
@@ -19,13 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t kMostDocumentBytes = size_t{64} << 20;
-
-// The start of `path` before `devicePath`, which it must end with.
-std::optional<std::string> rootBefore(const std::string& path, const std::string& devicePath) {
-    return path.ends_with(devicePath)
-                   ? std::optional(path.substr(0, path.size() - devicePath.size()))
-                   : std::nullopt;
-}
 
 // /odm is often a link to /vendor/odm: the editor may have the document there.
 std::string rootOfLinkedOdm(const std::string& root) {
@@ -74,9 +68,9 @@ std::string applyChanges(const Json::Value& changes, PositionEncoding encoding,
 }
 
 std::string deviceRootOf(const std::string& path) {
-    for (const char* const known : {kFallbackSystemSpec, kPrivateConfig}) {
-        if (const auto root = rootBefore(path, known)) {
-            return *root;
+    for (const std::string_view known : {kFallbackSystemSpec, kPrivateConfig}) {
+        if (path.ends_with(known)) {
+            return path.substr(0, path.size() - known.size());
         }
     }
     // A variant may have slashes, so the directory is the last one of this name.

@@ -23,59 +23,50 @@ namespace kc2::tool {
 
 namespace {
 
-// Reads what has arrived, or waits for more.
-class EditorInput {
-public:
-    // Reads once. Returns false at the end of the input.
-    bool read() {
-        constexpr size_t kMostAtOnce = size_t{64} << 10;
-        std::array<char, kMostAtOnce> bytes;
-        ssize_t count = 0;
-        do {
-            count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
-        } while (count < 0 && errno == EINTR);
-        mFrames.add({bytes.data(), count > 0 ? static_cast<size_t>(count) : 0});
-        return count > 0;
-    }
+// Reads what has arrived, or waits for more. Returns false at the end of the input.
+bool readInput(FrameReader* frames) {
+    constexpr size_t kMostAtOnce = size_t{64} << 10;
+    std::array<char, kMostAtOnce> bytes;
+    ssize_t count = 0;
+    do {
+        count = read(STDIN_FILENO, bytes.data(), bytes.size());
+    } while (count < 0 && errno == EINTR);
+    frames->add({bytes.data(), count > 0 ? static_cast<size_t>(count) : 0});
+    return count > 0;
+}
 
-    static bool hasMore() {
-        pollfd input = {STDIN_FILENO, POLLIN, 0};
-        return poll(&input, 1, 0) > 0;
-    }
-
-    FrameReader& frames() { return mFrames; }
-
-private:
-    FrameReader mFrames;
-};
+bool hasMoreInput() {
+    pollfd input = {STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, 0) > 0;
+}
 
 // Adds the messages that have arrived, and waits for the first. Returns what is wrong when no more
 // can come; empty when nothing is.
-std::string receive(EditorInput* input, LanguageServer* server) {
+std::string receive(FrameReader* frames, LanguageServer* server) {
     // So that an editor that never stops does not fill memory.
     constexpr size_t kMostWaiting = 256;
     for (size_t count = 0; count < kMostWaiting && server->countWaiting() < kMostWaiting;) {
-        if (const std::optional<std::string> message = input->frames().next()) {
+        if (const std::optional<std::string> message = frames->next()) {
             server->add(*message);
             ++count;
             continue;
         }
-        if (!input->frames().whyBroken().empty()) {
-            return escaped(input->frames().whyBroken());
+        if (!frames->whyBroken().empty()) {
+            return escaped(frames->whyBroken());
         }
-        if (server->isWaiting() && !EditorInput::hasMore()) {
-            break;
-        }
-        if (!server->isWaiting() && !EditorInput::hasMore()) {
+        if (!hasMoreInput()) {
+            if (server->isWaiting()) {
+                break;
+            }
             server->publish();
             if (std::fflush(stdout) != 0) {
                 break;  // Nobody reads it.
             }
         }
-        if (!input->read()) {
-            return server->isWaiting()             ? ""
-                   : input->frames().isInMessage() ? "the input ends in the middle of a message"
-                                                   : "the input has ended, without \"exit\"";
+        if (!readInput(frames)) {
+            return server->isWaiting()     ? ""
+                   : frames->isInMessage() ? "the input ends in the middle of a message"
+                                           : "the input has ended, without \"exit\"";
         }
     }
     return std::string();
@@ -89,9 +80,9 @@ int serveEditor(std::shared_ptr<const KnownSettings> known, const std::string& r
     LanguageServer server(std::move(known), root, [](const Json::Value& message) {
         writeOut(framed(writtenMessage(message)));
     });
-    EditorInput input;
+    FrameReader frames;
     while (!server.isEnded()) {
-        const std::string wrong = receive(&input, &server);
+        const std::string wrong = receive(&frames, &server);
         if (!wrong.empty()) {
             printError("{}", wrong);
             return kExitUsage;

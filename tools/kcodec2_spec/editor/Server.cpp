@@ -3,7 +3,6 @@
 #include "editor/Server.h"
 
 #include <algorithm>
-#include <iterator>
 #include <optional>
 #include <set>
 #include <utility>
@@ -36,18 +35,7 @@ constexpr int kRequestCancelled = -32800;
 // Of one document, the most severe ones: editors show them all at once.
 constexpr size_t kMostDiagnostics = 1000;
 constexpr char kToolName[] = "kcodec2_spec";
-
-int numberOf(Severity severity) {
-    switch (severity) {
-        case Severity::Error:
-            return 1;
-        case Severity::Warning:
-            return 2;
-        case Severity::Note:
-            return 3;
-    }
-    return 3;
-}
+constexpr int kSeverityNumbers[] = {3, 2, 1};  // By severity.
 
 Json::Value capabilitiesOf(PositionEncoding encoding) {
     constexpr int kIncremental = 2;
@@ -76,23 +64,6 @@ bool isInComment(const Document& document, size_t offset) {
 }
 
 }  // namespace
-
-const LanguageServer::RequestRow LanguageServer::kRequests[] = {
-        {"shutdown", &LanguageServer::shutDown},
-        {"textDocument/hover", &LanguageServer::hover},
-        {"textDocument/completion", &LanguageServer::complete},
-        {"textDocument/definition", &LanguageServer::define},
-        {"textDocument/documentSymbol", &LanguageServer::listSymbols},
-        {"textDocument/codeAction", &LanguageServer::listActions},
-};
-
-const LanguageServer::NotificationRow LanguageServer::kNotifications[] = {
-        {"textDocument/didOpen", &LanguageServer::open},
-        {"textDocument/didChange", &LanguageServer::change},
-        {"textDocument/didClose", &LanguageServer::close},
-        {"textDocument/didSave", &LanguageServer::noteSaved},
-        {"workspace/didChangeWatchedFiles", &LanguageServer::noteChangedFiles},
-};
 
 LanguageServer::LanguageServer(std::shared_ptr<const KnownSettings> known, std::string root,
                                Send send)
@@ -170,13 +141,25 @@ LanguageServer::Reply LanguageServer::handleRequest(const std::string& method,
     if (mState == State::New) {
         return {{}, kServerNotInitialized, "initialize must come first"};
     }
-    const auto row = std::find_if(std::begin(kRequests), std::end(kRequests),
-                                  [&](const RequestRow& one) { return method == one.method; });
-    if (row == std::end(kRequests)) {
+    static const std::map<std::string_view, Request> kRequests = {
+            {"shutdown", &LanguageServer::shutDown},
+            {"textDocument/documentSymbol", &LanguageServer::listSymbols},
+            {"textDocument/codeAction", &LanguageServer::listActions},
+    };
+    static const std::map<std::string_view, std::pair<CursorUse, PlaceRequest>> kPlaceRequests = {
+            {"textDocument/hover", {CursorUse::Pointing, &LanguageServer::hover}},
+            {"textDocument/completion", {CursorUse::Typing, &LanguageServer::complete}},
+            {"textDocument/definition", {CursorUse::Pointing, &LanguageServer::define}},
+    };
+    const auto request = kRequests.find(method);
+    const auto placeRequest = kPlaceRequests.find(method);
+    if (request == kRequests.end() && placeRequest == kPlaceRequests.end()) {
         return {{}, kMethodNotFound, "unknown method " + escaped(method)};
     }
     publish();
-    return (this->*row->handle)(params);
+    return request != kRequests.end()
+                   ? (this->*request->second)(params)
+                   : atPlace(params, placeRequest->second.first, placeRequest->second.second);
 }
 
 void LanguageServer::handleNotification(const std::string& method, const Json::Value& params) {
@@ -184,10 +167,16 @@ void LanguageServer::handleNotification(const std::string& method, const Json::V
         mIsEnded = true;
         return;
     }
-    const auto row = std::find_if(std::begin(kNotifications), std::end(kNotifications),
-                                  [&](const NotificationRow& one) { return method == one.method; });
-    if (mState == State::Running && row != std::end(kNotifications)) {
-        (this->*row->handle)(params);
+    static const std::map<std::string_view, Notification> kNotifications = {
+            {"textDocument/didOpen", &LanguageServer::open},
+            {"textDocument/didChange", &LanguageServer::change},
+            {"textDocument/didClose", &LanguageServer::close},
+            {"textDocument/didSave", &LanguageServer::noteSaved},
+            {"workspace/didChangeWatchedFiles", &LanguageServer::noteChangedFiles},
+    };
+    const auto notification = kNotifications.find(method);
+    if (mState == State::Running && notification != kNotifications.end()) {
+        (this->*notification->second)(params);
     }
 }
 
@@ -245,7 +234,7 @@ void LanguageServer::open(const Json::Value& params) {
     document.root = rootOf(document.path);
     document.version = memberOf(item, "version");
     document.text = memberOf(item, "text").asString();
-    markChanged(document);
+    markChanged(&document);
 }
 
 void LanguageServer::change(const Json::Value& params) {
@@ -260,7 +249,7 @@ void LanguageServer::change(const Json::Value& params) {
         return close(params);
     }
     document->version = memberOf(memberOf(params, "textDocument"), "version");
-    markChanged(*document);
+    markChanged(document);
 }
 
 void LanguageServer::close(const Json::Value& params) {
@@ -268,7 +257,7 @@ void LanguageServer::close(const Json::Value& params) {
     if (document == nullptr) {
         return;
     }
-    markChanged(*document);
+    markChanged(document);
     document->findings.clear();
     document->version = Json::Value();
     sendDiagnostics(*document);
@@ -280,7 +269,7 @@ void LanguageServer::close(const Json::Value& params) {
 void LanguageServer::noteSaved(const Json::Value& params) {
     if (OpenDocument* const document = find(params)) {
         document->root = rootOf(document->path);
-        markChanged(*document);
+        markChanged(document);
     }
 }
 
@@ -290,19 +279,10 @@ void LanguageServer::noteChangedFiles(const Json::Value& /*params*/) {
     }
 }
 
-std::vector<OpenDocument*> LanguageServer::together(const OpenDocument& document) {
-    std::vector<OpenDocument*> documents;
+void LanguageServer::markChanged(OpenDocument* document) {
+    document->isChecked = false;
     for (auto& [uri, one] : mDocuments) {
-        if (&one == &document || (!one.root.empty() && one.root == document.root)) {
-            documents.push_back(&one);
-        }
-    }
-    return documents;
-}
-
-void LanguageServer::markChanged(const OpenDocument& document) {
-    for (OpenDocument* const one : together(document)) {
-        one->isChecked = false;
+        one.isChecked = one.isChecked && (one.root.empty() || one.root != document->root);
     }
 }
 
@@ -342,15 +322,15 @@ void LanguageServer::checkAlone(OpenDocument* document) {
 }
 
 void LanguageServer::checkTree(const std::string& root) {
-    std::vector<const OpenDocument*> open;
-    for (const auto& [uri, document] : mDocuments) {
+    std::vector<OpenDocument*> open;
+    for (auto& [uri, document] : mDocuments) {
         if (document.root == root) {
             open.push_back(&document);
         }
     }
     std::unique_ptr<const TreeCheck>& tree = mTrees[root];
     tree = std::make_unique<const TreeCheck>(root, open, *mOptions.known);
-    for (OpenDocument* const document : together(*open.front())) {
+    for (OpenDocument* const document : open) {
         if (!tree->hasTextOf(*document) || tree->loadsOf(document->path).empty()) {
             checkAlone(document);
             continue;
@@ -385,7 +365,7 @@ Json::Value LanguageServer::diagnosticOf(const ReportEntry& entry, const TreeChe
                                          const OpenDocument& document) {
     Json::Value json;
     json["range"] = rangeToJson(*document.lines, entry.span);
-    json["severity"] = numberOf(entry.severity);
+    json["severity"] = kSeverityNumbers[static_cast<size_t>(entry.severity)];
     json["code"] = entry.check->id;
     json["source"] = kToolName;
     json["message"] =
@@ -450,9 +430,8 @@ void LanguageServer::sendDiagnostics(const OpenDocument& document) {
 // --- Requests about a document
 // --------------------------------------------------------------------
 
-template <typename Use>
-LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, CursorUse cursorUse,
-                                              Use use) {
+LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, CursorUse use,
+                                              PlaceRequest handle) {
     const std::optional<TextPosition> position = positionFrom(memberOf(params, "position"));
     if (!position) {
         return {{}, kInvalidParams, "the position is missing"};
@@ -465,30 +444,22 @@ LanguageServer::Reply LanguageServer::atPlace(const Json::Value& params, CursorU
     if (isInComment(*document->document, offset)) {
         return {};
     }
-    const Cursor cursor = cursorAt(document->document->parserText, offset, cursorUse);
-    return {use(*document, cursor)};
+    return {(this->*handle)(*document, cursorAt(document->document->parserText, offset, use))};
 }
 
-LanguageServer::Reply LanguageServer::hover(const Json::Value& params) {
-    return atPlace(params, CursorUse::Pointing,
-                   [this](const OpenDocument& document, const Cursor& cursor) {
-                       const std::string text = explanationAt(document, cursor);
-                       Json::Value result;
-                       if (!text.empty()) {
-                           result["contents"]["kind"] = "plaintext";
-                           result["contents"]["value"] = text;
-                           result["range"] = rangeToJson(*document.lines, cursor.token);
-                       }
-                       return result;
-                   });
-}
-
-std::string LanguageServer::explanationAt(const OpenDocument& document, const Cursor& cursor) {
+Json::Value LanguageServer::hover(const OpenDocument& document, const Cursor& cursor) {
+    Json::Value result;
     if (cursor.token.start == cursor.token.limit) {
-        return std::string();
+        return result;
     }
-    const HoverText text = hoverTextAt(cursor, mOptions.known->catalogue);
-    return text.text + (text.name.empty() ? "" : settersText(document, text.name));
+    HoverText hover = hoverTextAt(cursor, mOptions.known->catalogue);
+    hover.text += hover.name.empty() ? "" : settersText(document, hover.name);
+    if (!hover.text.empty()) {
+        result["contents"]["kind"] = "plaintext";
+        result["contents"]["value"] = hover.text;
+        result["range"] = rangeToJson(*document.lines, cursor.token);
+    }
+    return result;
 }
 
 // Who sets the name, in each load that reads the document; loads that agree are shown together.
@@ -521,44 +492,36 @@ std::string LanguageServer::settersText(const OpenDocument& document, const std:
     return all;
 }
 
-LanguageServer::Reply LanguageServer::complete(const Json::Value& params) {
-    return atPlace(params, CursorUse::Typing,
-                   [this](const OpenDocument& document, const Cursor& cursor) {
-                       return completionsAt(cursor, *document.lines, mSchema);
-                   });
+Json::Value LanguageServer::complete(const OpenDocument& document, const Cursor& cursor) {
+    return completionsAt(cursor, *document.lines, mSchema);
 }
 
 // From a setting to the one that is used.
-LanguageServer::Reply LanguageServer::define(const Json::Value& params) {
-    return atPlace(
-            params, CursorUse::Pointing,
-            [this](const OpenDocument& document, const Cursor& cursor) {
-                Json::Value places(Json::arrayValue);
-                const std::string section(cursor.key(1));
-                const std::string name(cursor.key(2));
-                const auto addFrom = [&](const Document* from, const TreeCheck* tree) {
-                    const Node* const object = from != nullptr ? from->section(section) : nullptr;
-                    const Node* const member =
-                            object != nullptr ? findMember(*object, name) : nullptr;
-                    if (member != nullptr && !from->isBuiltIn()) {
-                        const Json::Value place = locationOf(from->source, member->name, tree);
-                        const bool isNew =
-                                std::find(places.begin(), places.end(), place) == places.end();
-                        isNew ? places.append(place) : places;
-                    }
-                };
-                const auto tree = mTrees.find(document.root);
-                const std::vector<const Load*> loads =
-                        tree != mTrees.end() ? tree->second->loadsOf(document.path)
-                                             : std::vector<const Load*>();
-                for (const Load* const load : loads) {
-                    addFrom(setterOf(*load, section, name), tree->second.get());
-                }
-                if (loads.empty()) {
-                    addFrom(document.document.get(), nullptr);
-                }
-                return places;
-            });
+Json::Value LanguageServer::define(const OpenDocument& document, const Cursor& cursor) {
+    Json::Value places(Json::arrayValue);
+    const std::string section(cursor.key(1));
+    const std::string name(cursor.key(2));
+    const auto addFrom = [&](const Document* from, const TreeCheck* tree) {
+        const Node* const object = from != nullptr ? from->section(section) : nullptr;
+        const Node* const member = object != nullptr ? findMember(*object, name) : nullptr;
+        if (member != nullptr && !from->isBuiltIn()) {
+            const Json::Value place = locationOf(from->source, member->name, tree);
+            if (std::find(places.begin(), places.end(), place) == places.end()) {
+                places.append(place);
+            }
+        }
+    };
+    const auto tree = mTrees.find(document.root);
+    const std::vector<const Load*> loads = tree != mTrees.end()
+                                                   ? tree->second->loadsOf(document.path)
+                                                   : std::vector<const Load*>();
+    for (const Load* const load : loads) {
+        addFrom(setterOf(*load, section, name), tree->second.get());
+    }
+    if (loads.empty()) {
+        addFrom(document.document.get(), nullptr);
+    }
+    return places;
 }
 
 LanguageServer::Reply LanguageServer::listSymbols(const Json::Value& params) {

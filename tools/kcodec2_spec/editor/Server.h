@@ -51,16 +51,8 @@ private:
 
     using Request = Reply (LanguageServer::*)(const Json::Value& params);
     using Notification = void (LanguageServer::*)(const Json::Value& params);
-    struct RequestRow {
-        const char* method;
-        Request handle;
-    };
-    struct NotificationRow {
-        const char* method;
-        Notification handle;
-    };
-    static const RequestRow kRequests[];
-    static const NotificationRow kNotifications[];
+    using PlaceRequest = Json::Value (LanguageServer::*)(const OpenDocument& document,
+                                                         const Cursor& cursor);
 
     void reply(const Json::Value& id, const Reply& reply);
     void cancel(const Json::Value& id);
@@ -69,9 +61,11 @@ private:
 
     Reply initialize(const Json::Value& params);
     Reply shutDown(const Json::Value& params);
-    Reply hover(const Json::Value& params);
-    Reply complete(const Json::Value& params);
-    Reply define(const Json::Value& params);
+    // For a request about a place, with the document checked.
+    Reply atPlace(const Json::Value& params, CursorUse use, PlaceRequest handle);
+    Json::Value hover(const OpenDocument& document, const Cursor& cursor);
+    Json::Value complete(const OpenDocument& document, const Cursor& cursor);
+    Json::Value define(const OpenDocument& document, const Cursor& cursor);
     Reply listSymbols(const Json::Value& params);
     Reply listActions(const Json::Value& params);
 
@@ -82,13 +76,9 @@ private:
     void noteChangedFiles(const Json::Value& params);
 
     OpenDocument* find(const Json::Value& params);
-    // Calls use(document, cursor) for a request about a place, with the document checked.
-    template <typename Use>
-    Reply atPlace(const Json::Value& params, CursorUse cursorUse, Use use);
     std::string rootOf(const std::string& path) const;
-    // Those in the tree of this one, itself too.
-    std::vector<OpenDocument*> together(const OpenDocument& document);
-    void markChanged(const OpenDocument& document);
+    // Marks the others in its tree, too.
+    void markChanged(OpenDocument* document);
     void dropUnusedTrees();
 
     void read(OpenDocument* document) const;
@@ -101,7 +91,6 @@ private:
                           const OpenDocument& document);
     void sendDiagnostics(const OpenDocument& document);
     Json::Value locationOf(const Source& source, Span span, const TreeCheck* tree) const;
-    std::string explanationAt(const OpenDocument& document, const Cursor& cursor);
     std::string settersText(const OpenDocument& document, const std::string& name);
 
     CheckOptions mOptions;

@@ -13,13 +13,8 @@
 
 namespace kc2::tool {
 
-namespace {
-
-namespace fs = std::filesystem;
-
-}  // namespace
-
-bool UnsavedTexts::add(const OpenDocument& document) {
+// Keeps the document's text if its file has another one. Returns whether it could.
+bool TreeCheck::keepText(const OpenDocument& document) {
     struct stat status = {};
     if (stat(document.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
         hasFileText(document.path, document.text)) {
@@ -30,20 +25,12 @@ bool UnsavedTexts::add(const OpenDocument& document) {
     if (!file->isWhole()) {
         return false;
     }
-    mTexts.push_back({std::move(file), document.path});
+    mUnsaved.push_back({std::move(file), document.path});
     return true;
 }
 
-void UnsavedTexts::map(const std::string& root) const {
-    const fs::path top = realPath(root);
-    for (const Unsaved& unsaved : mTexts) {
-        mapFile("/" + fs::path(realPath(unsaved.path)).lexically_relative(top).string(),
-                unsaved.file->path());
-    }
-}
-
-std::string UnsavedTexts::withDocumentNames(std::string text) const {
-    for (const Unsaved& unsaved : mTexts) {
+std::string TreeCheck::withDocumentNames(std::string text) const {
+    for (const Unsaved& unsaved : mUnsaved) {
         const std::string file = unsaved.file->path();
         for (size_t at = 0; (at = text.find(file, at)) != std::string::npos;) {
             const size_t end = at + file.size();
@@ -56,11 +43,11 @@ std::string UnsavedTexts::withDocumentNames(std::string text) const {
     return text;
 }
 
-TreeCheck::TreeCheck(const std::string& root, const std::vector<const OpenDocument*>& open,
+TreeCheck::TreeCheck(const std::string& root, const std::vector<OpenDocument*>& open,
                      const KnownSettings& known)
     : mRoot(root) {
     for (const OpenDocument* const document : open) {
-        if (!mUnsaved.add(*document)) {
+        if (!keepText(*document)) {
             mOtherTexts.insert(document->uri);
         }
     }
@@ -72,7 +59,11 @@ void TreeCheck::setUp() const {
     DeviceOptions device;
     device.rootDirectory = mRoot;
     applyDeviceOptions(device);
-    mUnsaved.map(mRoot);
+    const std::filesystem::path top = realPath(mRoot);
+    for (const Unsaved& unsaved : mUnsaved) {
+        const std::filesystem::path file = realPath(unsaved.path);
+        mapFile("/" + file.lexically_relative(top).string(), unsaved.file->path());
+    }
 }
 
 void TreeCheck::play(const Load& load) const {

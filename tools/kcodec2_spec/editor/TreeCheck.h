@@ -13,30 +13,10 @@
 
 namespace kc2::tool {
 
-// Files with the unsaved texts, for the loads to read.
-class UnsavedTexts {
-public:
-    // Keeps the document's text if its file has another one. Returns whether it could.
-    bool add(const OpenDocument& document);
-    // Uses the files in place of those of the tree.
-    void map(const std::string& root) const;
-
-    // `text` with the names of the documents in place of those of the files.
-    std::string withDocumentNames(std::string text) const;
-
-private:
-    struct Unsaved {
-        std::unique_ptr<const MemoryFile> file;
-        std::string path;  // Of the document.
-    };
-
-    std::vector<Unsaved> mTexts;
-};
-
 class TreeCheck {
 public:
     // Loads the tree under each variant. `open` are documents in it.
-    TreeCheck(const std::string& root, const std::vector<const OpenDocument*>& open,
+    TreeCheck(const std::string& root, const std::vector<OpenDocument*>& open,
               const KnownSettings& known);
 
     const Report& report() const { return mChecked->report; }
@@ -54,15 +34,20 @@ public:
 
     // The file of a path that a report names, and a message with such paths.
     std::string realNameOf(const std::string& path) const;
-    std::string withDocumentNames(std::string text) const {
-        return mUnsaved.withDocumentNames(std::move(text));
-    }
+    std::string withDocumentNames(std::string text) const;
 
 private:
+    // A file with an unsaved text, for the loads to read in place of the one of the tree.
+    struct Unsaved {
+        std::unique_ptr<const MemoryFile> file;
+        std::string path;  // Of the document.
+    };
+
+    bool keepText(const OpenDocument& document);
     void setUp() const;
 
     std::string mRoot;
-    UnsavedTexts mUnsaved;
+    std::vector<Unsaved> mUnsaved;
     std::set<std::string> mOtherTexts;  // URIs of documents whose unsaved text is not in a file.
     std::unique_ptr<CheckedVariants> mChecked;
 };

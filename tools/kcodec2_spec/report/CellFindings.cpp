@@ -42,36 +42,10 @@ std::string entryNameOf(const Document& document, const Node& node) {
     return node.isNumber() ? textOf(node) : std::string();
 }
 
-}  // namespace
-
-CellFindings::CellFindings(const CheckedVariants& checked, const std::vector<LoadColumn>& columns,
-                           const FindingRows& findings)
-    : mColumnOf(checked.variants.size()) {
-    for (size_t column = 0; column < columns.size(); ++column) {
-        for (const size_t variant : columns[column].variants) {
-            mColumnOf[variant] = column;
-        }
-    }
-    std::unordered_map<const Source*, const Document*> documents;
-    for (const Load& load : checked.loads) {
-        for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
-            if (document != nullptr) {
-                documents.emplace(&document->source, document);
-            }
-        }
-    }
-    for (size_t row = 0; row < findings.rows.size(); ++row) {
-        for (const ReportEntry* const entry : findings.rows[row].entries) {
-            const auto document = documents.find(entry->source);
-            if (document != documents.end() && !entry->isForFile) {
-                add(*entry, *document->second, row);
-            }
-        }
-    }
-}
-
-std::vector<CellFindings::Name> CellFindings::namesAt(const Document& document, size_t start) {
-    std::vector<Name> names;
+// The entries that the place is in, with the keys of their sections.
+std::vector<std::pair<std::string_view, std::string>> namesAt(const Document& document,
+                                                              size_t start) {
+    std::vector<std::pair<std::string_view, std::string>> names;
     std::string_view section;
     const Node* node = document.video();
     node = node != nullptr ? childAt(*node, start) : nullptr;
@@ -88,27 +62,42 @@ std::vector<CellFindings::Name> CellFindings::namesAt(const Document& document, 
     return names;
 }
 
-void CellFindings::add(const ReportEntry& entry, const Document& document, size_t row) {
-    for (const Name& name : namesAt(document, entry.span.start)) {
-        std::vector<CellFinding>& findings = mFindings[name];
-        if (findings.empty() || findings.back().row != row) {
-            findings.push_back({row, entry.severity, {}});
+}  // namespace
+
+CellFindings::CellFindings(const PageContent& content, const FindingRows& findings) {
+    std::unordered_map<const Source*, const Document*> documents;
+    for (const Load& load : content.checked.loads) {
+        for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
+            if (document != nullptr) {
+                documents.emplace(&document->source, document);
+            }
         }
-        std::vector<size_t>& columns = findings.back().columns;
-        for (const size_t load : loadsOf(entry)) {
-            columns.push_back(mColumnOf[load]);
+    }
+    for (size_t row = 0; row < findings.rows.size(); ++row) {
+        for (const ReportEntry* const entry : findings.rows[row].entries) {
+            const auto document = documents.find(entry->source);
+            if (document == documents.end() || entry->isForFile) {
+                continue;
+            }
+            for (const auto& name : namesAt(*document->second, entry->span.start)) {
+                std::vector<CellFinding>& known = mFindings[name];
+                if (known.empty() || known.back().row != row) {
+                    known.push_back({row, entry->severity, {}});
+                }
+                for (const size_t load : loadsOf(*entry)) {
+                    known.back().columns.insert(content.columnOf[load]);
+                }
+            }
         }
-        std::sort(columns.begin(), columns.end());
-        columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
     }
 }
 
 const std::vector<CellFinding>& CellFindings::of(const SnapshotSection& section,
                                                  std::string_view name) const {
     static const std::vector<CellFinding> kNone;
-    auto found = mFindings.find(Name(section.key, name));
+    auto found = mFindings.find({section.key, std::string(name)});
     if (found == mFindings.end()) {
-        found = mFindings.find(Name("", name));
+        found = mFindings.find({"", std::string(name)});
     }
     return found != mFindings.end() ? found->second : kNone;
 }

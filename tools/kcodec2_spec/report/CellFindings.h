@@ -3,12 +3,14 @@
 
 #include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "report/FindingRows.h"
-#include "report/LoadColumns.h"
+#include "report/FindingList.h"
+#include "report/Page.h"
 
 namespace kc2::tool {
 
@@ -16,27 +18,20 @@ namespace kc2::tool {
 struct CellFinding {
     size_t row;  // Of the page's list of findings.
     Severity severity;
-    std::vector<size_t> columns;  // Whose loads have it, sorted.
+    std::set<size_t> columns;  // Whose loads have it.
 };
 
 class CellFindings {
 public:
-    CellFindings(const CheckedVariants& checked, const std::vector<LoadColumn>& columns,
-                 const FindingRows& findings);
+    CellFindings(const PageContent& content, const FindingRows& findings);
 
     // Those about the entry of that name, the worst first.
     const std::vector<CellFinding>& of(const SnapshotSection& section, std::string_view name) const;
 
 private:
-    // An entry's name with the key of its section; without the key for one in a list of components
-    // that is part of another section.
-    using Name = std::pair<std::string_view, std::string>;
-
-    static std::vector<Name> namesAt(const Document& document, size_t start);
-    void add(const ReportEntry& entry, const Document& document, size_t row);
-
-    std::vector<size_t> mColumnOf;  // By load.
-    std::map<Name, std::vector<CellFinding>, std::less<>> mFindings;
+    // By the key of the section and the entry's name; without the key for one in a list of
+    // components that is part of another section.
+    std::map<std::pair<std::string_view, std::string>, std::vector<CellFinding>> mFindings;
 };
 
 }  // namespace kc2::tool

@@ -1,18 +1,19 @@
-// The findings as lists of the page, the errors first.
+// The findings of a report as a page lists them: the worst first, equal ones once.
 
 #include "report/FindingList.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <map>
+#include <set>
 #include <span>
-#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "base/Text.h"
+#include "check/output/Excerpt.h"
 #include "device/DevicePaths.h"
 #include "report/Html.h"
 
@@ -20,27 +21,50 @@ namespace kc2::tool {
 
 namespace {
 
+constexpr size_t kExcerptColumns = 100;
 constexpr size_t kMostPlaces = 20;      // Of one finding.
 constexpr size_t kMostNamesInLine = 8;  // Of variants; more can be folded.
 constexpr size_t kMostNamesOfPage = 20'000;
+
+// The message without the names of the variants that have the finding.
+std::string_view ownMessageOf(const ReportEntry& entry) {
+    const std::string_view message = entry.message;
+    return entry.details == nullptr || entry.details->loads.empty()
+                   ? message
+                   : message.substr(0, entry.details->ownMessage);
+}
+
+// The line that it is in, with marks under what is wrong; empty for one about a whole file.
+std::string excerptOf(const ReportEntry& entry) {
+    return entry.isForFile ? std::string() : excerptOf(*entry.source, entry.span, kExcerptColumns);
+}
+
+// What equal findings have in common, but for their lines.
+std::string commonTextOf(const ReportEntry& entry) {
+    const std::string text = fmt::format("{}\n{}", entry.check->id, ownMessageOf(entry));
+    if (entry.severity == Severity::Note) {
+        return text;
+    }
+    const Source::Position position = entry.source->positionOf(entry.span.start);
+    return fmt::format("{}:{} {}", position.line, position.column, text);
+}
+
+bool isInEqualLine(const ReportEntry& a, const ReportEntry& b) {
+    return a.severity == Severity::Note ||
+           (a.isForFile == b.isForFile && excerptOf(a) == excerptOf(b));
+}
 
 // Where equal findings are: in documents of several variants, at the same line.
 struct FindingPlace {
     const ReportEntry* first;
     size_t documents = 0;
-    std::vector<size_t> loads = {};  // Sorted.
+    std::set<size_t> loads = {};
 };
 
-class FindingList {
+class FindingList final : private HtmlWriter {
 public:
     FindingList(const PageContent& content, const FindingRows& findings)
-        : mContent(content), mFindings(findings), mColumnOf(content.checked.variants.size()) {
-        for (size_t column = 0; column < content.columns.size(); ++column) {
-            for (const size_t variant : content.columns[column].variants) {
-                mColumnOf[variant] = column;
-            }
-        }
-    }
+        : mContent(content), mFindings(findings) {}
 
     std::string write() {
         auto row = mFindings.rows.begin();
@@ -56,15 +80,10 @@ public:
                 "prints all.</p>\n",
                 counted(mFindings.notShown, "finding"));
         }
-        return std::move(mList);
+        return std::move(mPage);
     }
 
 private:
-    template <typename... Values>
-    void add(fmt::format_string<Values...> text, Values&&... values) {
-        fmt::format_to(std::back_inserter(mList), text, std::forward<Values>(values)...);
-    }
-
     void writeSeverity(std::span<const FindingRow> rows) {
         const char* const name = nameOf(rows[0].severity);
         const size_t count = mContent.checked.report.count(rows[0].severity);
@@ -75,7 +94,7 @@ private:
         for (const FindingRow& row : rows) {
             writeRow(row);
         }
-        mList += "</ol>\n</div>\n";
+        mPage += "</ol>\n</div>\n";
     }
 
     void writeRow(const FindingRow& row) {
@@ -96,31 +115,21 @@ private:
                 }
             }
         }
-        mList += "</li>\n";
+        mPage += "</li>\n";
     }
 
     // Without the blanks that the line and its marks both begin with: a phone has no room for them.
     static std::string excerptForPage(const ReportEntry& entry) {
-        std::vector<std::string> lines;
-        const std::string text = excerptOf(entry);
-        for (size_t at = 0; at < text.size();) {  // A line end is markup here, not a byte.
-            const size_t end = std::min(text.find('\n', at), text.size());
-            lines.push_back(text.substr(at, end - at));
-            at = end + 1;
-        }
-        const size_t bar = lines.empty() ? std::string::npos : lines[0].find("| ");
-        const size_t start = bar == std::string::npos ? 0 : bar + 2;
-        size_t indentation = start == 0 ? 0 : text.size();
-        for (const std::string& line : lines) {
-            const size_t first = std::min(line.find_first_not_of(' ', start), line.size());
-            indentation = std::min(indentation, first - std::min(start, first));
-        }
-        std::string excerpt;
-        for (std::string& line : lines) {
-            excerpt.append(html(line.erase(std::min(start, line.size()), indentation)))
-                    .append("\n");
-        }
-        return excerpt;
+        const std::string text = excerptOf(entry);           // Both lines.
+        std::string line = text.substr(0, text.find('\n'));  // A line end is markup, not a byte.
+        std::string marks = text.substr(line.size() + 1);
+        marks.pop_back();
+        const size_t start = line.find("| ") + 2;
+        const size_t blanks =
+                std::min(line.find_first_not_of(' ', start), marks.find_first_not_of(' ', start)) -
+                start;
+        return fmt::format("{}\n{}\n", html(line.erase(start, blanks)),
+                           html(marks.erase(start, blanks)));
     }
 
     void writePlaces(const FindingRow& row) {
@@ -133,11 +142,11 @@ private:
                 order.push_back(text);
             }
             const std::vector<size_t>& loads = loadsOf(*entry);
-            place->second.loads.insert(place->second.loads.end(), loads.begin(), loads.end());
+            place->second.loads.insert(loads.begin(), loads.end());
             ++place->second.documents;
         }
         for (size_t i = 0; i < std::min(order.size(), kMostPlaces); ++i) {
-            writePlace(order[i], &places.at(order[i]));
+            writePlace(order[i], places.at(order[i]));
         }
         if (order.size() > kMostPlaces) {
             add("<p class=\"place\">and {}</p>\n",
@@ -145,14 +154,11 @@ private:
         }
     }
 
-    void writePlace(const std::string& pattern, FindingPlace* place) {
-        std::vector<size_t>& loads = place->loads;
-        std::sort(loads.begin(), loads.end());
-        loads.erase(std::unique(loads.begin(), loads.end()), loads.end());
-        const ReportEntry& first = *place->first;
+    void writePlace(const std::string& pattern, const FindingPlace& place) {
+        const ReportEntry& first = *place.first;
         const std::string text =
-                place->documents > 1 ? pattern : first.source->path() + positionOf(first);
-        const std::string variants = variantsText(loads);
+                place.documents > 1 ? pattern : first.source->path() + positionOf(first);
+        const std::string variants = variantsText(place.loads);
         const bool isBeside = !variants.empty() && !variants.starts_with("<details");
         add("<div class=\"place\"><code>{}</code>{}{}</div>\n", htmlOfName(text),
             isBeside ? " · " : "", variants);
@@ -185,7 +191,7 @@ private:
     }
 
     // Which variants these are: all, those of whole columns, or by name.
-    std::string variantsText(const std::vector<size_t>& loads) {
+    std::string variantsText(const std::set<size_t>& loads) {
         const CheckedVariants& checked = mContent.checked;
         if (loads.empty() || checked.variants.size() == 1) {
             return std::string();
@@ -195,7 +201,7 @@ private:
         }
         std::map<size_t, std::vector<size_t>> byColumn;
         for (const size_t load : loads) {
-            byColumn[mColumnOf[load]].push_back(load);
+            byColumn[mContent.columnOf[load]].push_back(load);
         }
         std::vector<std::string> names;
         for (const auto& [column, variants] : byColumn) {
@@ -227,13 +233,41 @@ private:
 
     const PageContent& mContent;
     const FindingRows& mFindings;
-    std::vector<size_t> mColumnOf;  // By variant.
     size_t mWritten = 0;
     size_t mRoom = kMostNamesOfPage;
-    std::string mList;
 };
 
 }  // namespace
+
+FindingRows findingRowsOf(const Report& report, size_t mostRows) {
+    FindingRows result;
+    std::vector<const ReportEntry*> entries = report.inOrder();
+    const auto severityOf = [](const ReportEntry* entry) {
+        return -static_cast<int>(entry->severity);
+    };
+    std::stable_sort(entries.begin(), entries.end(),
+                     [&](const auto* a, const auto* b) { return severityOf(a) < severityOf(b); });
+    std::unordered_map<std::string, size_t> places;
+    for (const ReportEntry* const entry : entries) {
+        std::string text = commonTextOf(*entry);
+        const auto known = places.find(text);
+        if (known != places.end() &&
+            isInEqualLine(*result.rows[known->second].entries[0], *entry)) {
+            result.rows[known->second].entries.push_back(entry);
+        } else if (result.rows.size() < mostRows) {
+            places.emplace(std::move(text), result.rows.size());
+            result.rows.push_back({entry->severity, {entry}});
+        } else {
+            ++result.notShown;
+        }
+    }
+    return result;
+}
+
+const std::vector<size_t>& loadsOf(const ReportEntry& entry) {
+    static const std::vector<size_t> kNone;
+    return entry.details != nullptr ? entry.details->loads : kNone;
+}
 
 std::string findingList(const PageContent& content, const FindingRows& findings) {
     return FindingList(content, findings).write();

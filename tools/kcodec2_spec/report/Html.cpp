@@ -2,35 +2,33 @@
 
 #include "report/Html.h"
 
+#include "base/Utf8.h"
 #include "targetspec/reading/Escaped.h"
 
 namespace kc2::tool {
 
 namespace {
 
-std::string_view referenceOf(char c) {
+// With a reference in place of markup.
+void append(char c, std::string* text) {
     switch (c) {
         case '&':
-            return "&amp;";
+            text->append("&amp;");
+            break;
         case '<':
-            return "&lt;";
+            text->append("&lt;");
+            break;
         case '>':
-            return "&gt;";
+            text->append("&gt;");
+            break;
         case '"':
-            return "&quot;";
+            text->append("&quot;");
+            break;
         case '\'':
-            return "&#39;";
+            text->append("&#39;");
+            break;
         default:
-            return "";
-    }
-}
-
-void appendEscaped(char c, std::string* text) {
-    const std::string_view reference = referenceOf(c);
-    if (reference.empty()) {
-        *text += c;
-    } else {
-        *text += reference;
+            text->push_back(c);
     }
 }
 
@@ -39,7 +37,7 @@ void appendEscaped(char c, std::string* text) {
 std::string html(std::string_view text) {
     std::string result;
     for (const char c : escaped(text)) {
-        appendEscaped(c, &result);
+        append(c, &result);
     }
     return result;
 }
@@ -50,10 +48,10 @@ std::string htmlOfName(std::string_view name) {
     std::string result;
     size_t unbroken = 0;
     for (size_t i = 0; i < text.size(); ++i) {
-        appendEscaped(text[i], &result);
+        append(text[i], &result);
         ++unbroken;
         const bool isEnd = i + 1 == text.size();
-        const bool isInside = !isEnd && (static_cast<unsigned char>(text[i + 1]) & 0xC0U) == 0x80U;
+        const bool isInside = !isEnd && !isFirstByteOfCharacter(text[i + 1]);
         const bool isInPath = text[i] == '/' && i != 0 && text[i - 1] != ' ';
         const bool isMark = text[i] == '_' || isInPath;
         const bool isBreak = isMark && !isEnd && text[i + 1] != text[i];

@@ -35,7 +35,7 @@ std::string comparedText(const Snapshot& snapshot, const Load& load) {
 
 }  // namespace
 
-std::vector<LoadColumn> columnsOf(const CheckedVariants& checked) {
+std::vector<LoadColumn> columnsOf(const CheckedVariants& checked, std::vector<size_t>* columnOf) {
     std::vector<LoadColumn> columns;
     std::unordered_map<std::string, size_t> places;
     for (size_t i = 0; i < checked.variants.size(); ++i) {
@@ -51,6 +51,7 @@ std::vector<LoadColumn> columnsOf(const CheckedVariants& checked) {
             columns.push_back({{}, std::move(snapshot), stepsOf(&store)});
         }
         columns[place->second].variants.push_back(i);
+        columnOf->push_back(place->second);
     }
     return columns;
 }

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "report/LoadColumns.h"
+#include "report/FindingList.h"
+#include "report/Page.h"
 #include "store/StoreSnapshot.h"
 
 namespace kc2::tool {
@@ -33,5 +35,9 @@ struct MatrixSection {
 
 // `columns` must not be empty, and must outlive the result.
 std::vector<MatrixSection> matrixOf(const std::vector<LoadColumn>& columns);
+
+// The matrix as a table of the page, with links to the findings.
+std::string matrixTable(const PageContent& content, const std::vector<MatrixSection>& matrix,
+                        const FindingRows& findings);
 
 }  // namespace kc2::tool

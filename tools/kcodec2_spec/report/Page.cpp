@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -13,12 +12,9 @@
 #include "base/Text.h"
 #include "device/DevicePaths.h"
 #include "platform/Version.h"
-#include "report/CellFindings.h"
 #include "report/FindingList.h"
-#include "report/FindingRows.h"
 #include "report/Html.h"
 #include "report/Matrix.h"
-#include "report/MatrixTable.h"
 #include "report/PageParts.h"
 #include "store/Load.h"
 
@@ -39,7 +35,7 @@ constexpr char kPolicy[] =
         "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
         "form-action 'none'; script-src 'sha256-UrKDJPrASQN1BsRISAvKjYeOqoED2kArBk4N+ppwqP0='";
 
-class PageWriter {
+class PageWriter final : private HtmlWriter {
 public:
     explicit PageWriter(const PageContent& content)
         : mContent(content),
@@ -65,11 +61,6 @@ public:
     }
 
 private:
-    template <typename... Values>
-    void add(fmt::format_string<Values...> text, Values&&... values) {
-        fmt::format_to(std::back_inserter(mPage), text, std::forward<Values>(values)...);
-    }
-
     const Report& report() const { return mContent.checked.report; }
     std::string titleOf(const LoadColumn& column) const {
         return titleForPage(mContent.checked, column);
@@ -164,7 +155,7 @@ private:
                  column.variants.size() > 1 && load.isVariantSet() &&
                  (at = text.find(load.variant + kSystemSpecName, at)) != std::string::npos;) {
                 text.replace(at, load.variant.size(), kAnyVariant);
-                at += kAnyVariant.size();
+                at += kAnyVariant.size() + 1;  // A variant may be empty.
             }
             if (++counts[text] == 1) {
                 lines.push_back(text);
@@ -194,8 +185,7 @@ private:
                  "baseline\" hidden></output>\n</form>\n"
                  "<div class=\"scroll high\" role=\"region\" tabindex=\"0\" "
                  "aria-labelledby=\"matrix-title\">\n";
-        mPage += matrixTable(mContent, mMatrix,
-                             CellFindings(mContent.checked, mContent.columns, mFindings));
+        mPage += matrixTable(mContent, mMatrix, mFindings);
         mPage += "</div>\n</section>\n";
     }
 
@@ -292,7 +282,6 @@ private:
     const FindingRows mFindings;
     size_t mRows = 0;
     size_t mDifferences = 0;
-    std::string mPage;
 };
 
 }  // namespace

@@ -13,8 +13,9 @@ namespace kc2::tool {
 struct PageContent {
     std::string device;  // For the heading: the root directory.
     CheckedVariants checked;
-    std::vector<LoadColumn> columns;
     Catalogue catalogue;
+    std::vector<LoadColumn> columns = {};
+    std::vector<size_t> columnOf = {};  // Of each variant.
 };
 
 // The complete page, which loads no other file.
