@@ -99,12 +99,8 @@ std::set<std::string> variantsInTree() {
 }
 
 std::string lettersAndDigitsOf(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
-            result += inSmallLetters(c);
-        }
-    }
+    std::string result = inSmallLetters(text);
+    std::erase_if(result, [](unsigned char c) { return std::isalnum(c) == 0; });
     return result;
 }
 
