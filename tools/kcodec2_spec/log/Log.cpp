@@ -402,8 +402,9 @@ struct ReadLog {
 void readLines(std::FILE* file, ReadLog* log) {
     LineReader reader(file);
     for (std::string_view line; reader.next(&line);) {
-        if (const std::optional<LogEntry> entry = log->parser.parse(line)) {
-            log->collector.add(*entry, reader.lineNumber());
+        if (std::optional<LogEntry> entry = log->parser.parse(line)) {
+            entry->line = reader.lineNumber();
+            log->collector.add(*entry);
         }
     }
     log->collector.end();
