@@ -7,7 +7,10 @@
 #include <string>
 
 #include "base/DeviceOptions.h"
+#include "base/ExitCodes.h"
 #include "base/OptionValues.h"
+#include "base/Print.h"
+#include "log/LogLines.h"
 
 namespace kc2::tool {
 
@@ -51,7 +54,8 @@ void addLogCommand(CLI::App* app, int* exitCode) {
     addDeviceOptions(*command, &arguments->device);
     command->callback([arguments, exitCode] {
         if (arguments->isTable) {
-            *exitCode = printLogLines();
+            printOut("{}", logLineTable());
+            *exitCode = kExitOk;
             return;
         }
         const DeviceOptions& device = arguments->device;

@@ -19,15 +19,15 @@ namespace kc2::tool {
 namespace {
 
 constexpr OverlayOutcome kOutcomes[] = {
-        {false, "missing or not readable", OverlayResult::BuiltIn, false},
-        {false, "empty", OverlayResult::Rejected, false},
-        {false, "valid", OverlayResult::Private, false},
-        {false, "not a valid document", OverlayResult::Rejected, false},
-        {true, "missing", OverlayResult::BuiltIn, true},
-        {true, "there, but not readable", OverlayResult::BuiltIn, true},
-        {true, "empty", OverlayResult::BuiltIn, true},
-        {true, "valid", OverlayResult::Private, false},
-        {true, "not a valid document", OverlayResult::Rejected, false},
+        {false, "missing or not readable", OverlayResult::BuiltIn},
+        {false, "empty", OverlayResult::Rejected},
+        {false, "valid", OverlayResult::Private},
+        {false, "not a valid document", OverlayResult::Rejected},
+        {true, "missing", OverlayResult::BuiltIn},
+        {true, "there, but not readable", OverlayResult::BuiltIn},
+        {true, "empty", OverlayResult::BuiltIn},
+        {true, "valid", OverlayResult::Private},
+        {true, "not a valid document", OverlayResult::Rejected},
 };
 
 constexpr char kGetProperty[] = "adb shell getprop vendor.media.target_variant";
@@ -76,16 +76,11 @@ std::string listed(const char* title, const std::vector<DumpedValue>& values) {
 }  // namespace
 
 const char* OverlayOutcome::result() const {
-    switch (kind) {
-        case OverlayResult::Rejected:
-            return "nothing is merged";
-        case OverlayResult::Private:
-            return "the private file is merged";
-        default:
-            return isSeeding ? "the built-in document is merged, and written into the file where "
-                               "that is possible"
-                             : "the built-in document is merged";
-    }
+    constexpr const char* kResults[] = {"the built-in document is merged", "nothing is merged",
+                                        "the private file is merged"};  // By OverlayResult.
+    return isSeeding() ? "the built-in document is merged, and written into the file where that is "
+                         "possible"
+                       : kResults[static_cast<size_t>(kind)];
 }
 
 bool ProvedFacts::isOnly(SpecSource source) const {
@@ -98,7 +93,10 @@ ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
     limits.isStartKnown = trace.lineBefore != 0;
     limits.isEndKnown = trace.lineAfter != 0;
     limits.hasGaps = trace.hasGaps();
-    limits.hasDumpEntries = trace.dump.isOfLoad && !trace.dump.values.empty();
+    limits.hasDumpEntries =
+            trace.dump.isOfLoad &&
+            std::any_of(trace.dump.values.begin(), trace.dump.values.end(),
+                        [](const std::vector<DumpedValue>& values) { return !values.empty(); });
     limits.hasDumpedCodecs = trace.dump.isOfLoad && !trace.dump.of(DumpSection::Codecs).empty();
     limits.hasNoCodecs = trace.noCodecs.count != 0;
     std::fill(std::begin(limits.canEnd), std::end(limits.canEnd), false);
@@ -117,11 +115,10 @@ ProvedFacts factsOf(const LoadTrace& trace, const TreeFacts& tree) {
 }
 
 Which whichOf(const LoadTrace& trace, const ProvedFacts& facts, size_t event) {
-    const std::string& named = trace.events[event].document;
-    return named.find("system spec") != std::string::npos    ? Which::SystemSpec
-           : named.find("private file") != std::string::npos ? Which::Overlay
-           : facts.loads.isContradictory                     ? Which::Either
-                                                             : facts.loads.of[event];
+    return trace.events[event].names("system spec")    ? Which::SystemSpec
+           : trace.events[event].names("private file") ? Which::Overlay
+           : facts.loads.isContradictory               ? Which::Either
+                                                       : facts.loads.of[event];
 }
 
 std::string Conclusion::fullText() const {
@@ -172,7 +169,7 @@ public:
 private:
     void add(Severity severity, const char* topic, std::string brief, std::string text,
              std::string advice, std::vector<uint64_t> lines = {}, std::string heading = {}) {
-        lines.erase(std::remove(lines.begin(), lines.end(), uint64_t{0}), lines.end());
+        std::erase(lines, 0);
         mConclusions.push_back({severity, topic, std::move(brief), std::move(text),
                                 std::move(advice), std::move(lines), std::move(heading)});
     }
@@ -182,15 +179,10 @@ private:
         add(Severity::Note, topic, "", std::move(text), std::move(advice), std::move(lines));
     }
 
-    uint64_t lineOf(LineId id) const {
-        const LoadEvent* const event = mTrace.find(id);
-        return event != nullptr ? event->line : 0;
-    }
-
     void describeVariant() {
         const std::string path = mTrace.firstPath();
         const std::string variant = variantIn(path);
-        if (const uint64_t line = lineOf(LineId::NoVariant); line != 0) {
+        if (const uint64_t line = mTrace.lineOf(LineId::NoVariant); line != 0) {
             add(Severity::Warning, "variant", "no target variant",
                 fmt::format("the property {} (\"target-id\" in the line) is not set, or it is "
                             "\"default\": the path is {}",
@@ -209,7 +201,7 @@ private:
                                       : fmt::format(": the same under {} does not exist or cannot "
                                                     "be examined",
                                                     kOdmSpecDirectory)),
-                    "", {lineOf(LineId::Parsing), lineOf(LineId::OpenFailed)});
+                    "", {mTrace.lineOf(LineId::Parsing), mTrace.lineOf(LineId::OpenFailed)});
         }
     }
 
@@ -243,22 +235,22 @@ private:
             addNote("system-spec",
                     fmt::format("which system spec document opens is not proved; {} is tried first",
                                 triedPath()),
-                    lookAdvice(), {lineOf(LineId::Parsing)});
+                    lookAdvice(), {mTrace.lineOf(LineId::Parsing)});
         } else if (path.empty()) {
             addNote("system-spec", "the document that the variant selects opens; no line names it",
                     kInfoLines);
         } else {
             addNote("system-spec", fmt::format("the system spec document is {}", path), "",
-                    {lineOf(LineId::Parsing)});
+                    {mTrace.lineOf(LineId::Parsing)});
         }
     }
 
     void describeOpenFailure() {
         const std::string tried = triedPath();
         const std::string brief = fmt::format("{} does not open", tried);
-        const std::vector<uint64_t> lines = {lineOf(LineId::OpenFailed),
-                                             lineOf(LineId::FallingBack),
-                                             lineOf(LineId::NothingOpened)};
+        const std::vector<uint64_t> lines = {mTrace.lineOf(LineId::OpenFailed),
+                                             mTrace.lineOf(LineId::FallingBack),
+                                             mTrace.lineOf(LineId::NothingOpened)};
         const std::string install = lookAdvice() +
                                     "; install the document there, or correct the variant, which "
                                     "follows \"media\" without a \"/\" between";
@@ -303,7 +295,7 @@ private:
     // The document that an event is about.
     Subject subjectOf(size_t event) const {
         if (mTrace.events[event].id == LineId::BuiltInRejected ||
-            mTrace.events[event].document.find("built-in") != std::string::npos) {
+            mTrace.events[event].names("built-in")) {
             return {"built-in document", "the built-in document",
                     "the library is damaged: install it again"};
         }
@@ -368,14 +360,13 @@ private:
                                 "the store had:"
                               : "a dump, of the load or of a component that has called "
                                 "printSpecifications() later, shows:";
-        text += listed("features", dump.of(DumpSection::Features));
-        text += listed("presets", dump.of(DumpSection::Presets));
-        text += listed("pre-processing filters", dump.of(DumpSection::Filters));
-        text += listed(
-                dump.hasCodecsHeading ? "codec plug-ins" : "codec plug-ins, then codec components",
-                dump.of(DumpSection::Plugins));
-        if (dump.hasCodecsHeading) {
-            text += listed("codec components", dump.of(DumpSection::Codecs));
+        for (const DumpPart& part : kDumpParts) {
+            const bool isCodecs = part.section == DumpSection::Codecs;
+            const bool hasBoth = part.section == DumpSection::Plugins && !dump.hasCodecsHeading;
+            if (!isCodecs || dump.hasCodecsHeading) {
+                text += listed(hasBoth ? "codec plug-ins, then codec components" : part.title,
+                               dump.of(part.section));
+            }
         }
         if (!dump.of(DumpSection::None).empty()) {
             text += listed("of a section whose heading is missing", dump.of(DumpSection::None));
@@ -535,7 +526,7 @@ private:
                 "died while it loaded, or waits for a document that is a pipe, or the log was "
                 "filtered",
                 "adb logcat -d -b crash; " + lookAdvice(),
-                {lineOf(LineId::Parsing), mTrace.lineAfter});
+                {mTrace.lineOf(LineId::Parsing), mTrace.lineAfter});
         } else if (mFacts.loads.isIncomplete) {
             addNote("gaps", fmt::format("lines of this load are missing: {}", kGap),
                     "take the log again, without a filter: adb logcat -d");

@@ -16,9 +16,10 @@ struct OverlayOutcome {
     bool hasTestTool;
     const char* privateFile;
     OverlayResult kind;
-    bool isSeeding;
     bool isPossible = true;
 
+    // Whether the load may write the built-in document into the private file.
+    bool isSeeding() const { return hasTestTool && kind == OverlayResult::BuiltIn; }
     const char* result() const;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <iterator>
 
 #include "base/Text.h"
@@ -19,57 +20,54 @@ constexpr std::string_view kDocumentWords[] = {"system spec", "private file", "b
 // The width that a row pads its first value to: 25 in "%-25s".
 size_t widthOf(LineId id) {
     const std::string_view format = logLine(id).text;
-    const std::string_view rest = format.substr(format.find("%-") + 2);
-    size_t width = 0;
-    std::from_chars(rest.data(), rest.data() + rest.size(), width);
-    return width;
+    return static_cast<size_t>(std::atoi(format.data() + format.find("%-") + 2));
+}
+
+// The row with the longest text of those that `fits` is true for: of two that match a line the
+// longer one is meant ("... Exit!"). Null when there is none.
+template <typename Fits>
+const LogLine* longestRow(const Fits& fits) {
+    const LogLine* best = nullptr;
+    for (const LogLine& line : logLines()) {
+        const std::string_view text = line.text;
+        if ((best == nullptr || text.size() > std::string_view(best->text).size()) && fits(line)) {
+            best = &line;
+        }
+    }
+    return best;
 }
 
 }  // namespace
 
-// A skipped value's line with or without the document: "Skipped PLACE in DOCUMENT: REASON".
 std::optional<SkippedText> matchSkipped(std::string_view text) {
-    const std::string_view start = literalsOf(logLine(LineId::Skipped).text).front();
-    const size_t colon = text.rfind(": ");
-    if (!text.starts_with(start) || colon == std::string_view::npos || colon < start.size()) {
-        return std::nullopt;
-    }
-    SkippedText skipped = {
-            text.substr(start.size(), colon - start.size()), text.substr(colon + 2), {}};
-    constexpr std::string_view kIn = " in ";
-    const size_t in = skipped.place.rfind(kIn);
-    if (in != std::string_view::npos) {
-        const std::string_view document = skipped.place.substr(in + kIn.size());
+    if (const std::optional<LineValues> values = match(logLine(LineId::Skipped).text, text)) {
+        const std::string_view document = (*values)[1];
         const bool isName = std::any_of(std::begin(kDocumentWords), std::end(kDocumentWords),
                                         [&](std::string_view words) {
                                             return document.find(words) != std::string_view::npos;
                                         });
-        skipped.document = isName ? document : std::string_view();
-        skipped.place = isName ? skipped.place.substr(0, in) : skipped.place;
+        if (isName) {
+            return SkippedText{(*values)[0], (*values)[2], document};
+        }
     }
-    return skipped;
+    if (const std::optional<LineValues> values = match(logLine(LineId::SkippedByCall).text, text)) {
+        return SkippedText{(*values)[0], (*values)[1], {}};
+    }
+    return std::nullopt;
 }
 
-// Which row a text belongs to. Texts without placeholder come before those that might contain them,
-// and of two that match the longer one is meant ("... Exit!").
+// Texts without placeholder come before those that might contain them.
 const LogLine* rowOf(std::string_view tag, std::string_view text) {
     const std::optional<SkippedText> skipped = matchSkipped(text);
     if (skipped && (tag.empty() || tag == logLine(LineId::Skipped).tag)) {
         return &logLine(skipped->document.empty() ? LineId::SkippedByCall : LineId::Skipped);
     }
-    const LogLine* best = nullptr;
-    for (const LogLine& line : logLines()) {
-        if ((!tag.empty() && tag != line.tag) || line.id == LineId::Feature ||
-            line.id == LineId::Preset || line.id == LineId::Skipped ||
-            line.id == LineId::SkippedByCall || !match(line.text, text)) {
-            continue;  // Of the dump every entry is read as that of a list first.
-        }
-        if (best == nullptr ||
-            std::string_view(line.text).size() > std::string_view(best->text).size()) {
-            best = &line;
-        }
-    }
-    return best;
+    return longestRow([&](const LogLine& line) {
+        // Of the dump every entry is read as that of a list first.
+        return (tag.empty() || tag == line.tag) && line.id != LineId::Feature &&
+               line.id != LineId::Preset && line.id != LineId::Skipped &&
+               line.id != LineId::SkippedByCall && match(line.text, text);
+    });
 }
 
 namespace {
@@ -101,7 +99,9 @@ CutText matchCut(std::string_view tag, char priority, std::string_view text) {
         const std::vector<std::string_view> literals = literalsOf(line.text);
         const bool needsNoValue = literals.size() == 1 || line.step == std::string_view("location");
         const bool isSame = cut.row != nullptr && literalsOf(cut.row->text).front() == literals[0];
-        cut.row = isSame || (!cut.isCut && needsNoValue) ? (isSame ? cut.row : &line) : nullptr;
+        if (!isSame) {
+            cut.row = !cut.isCut && needsNoValue ? &line : nullptr;
+        }
         cut.isFault &= line.priority >= ANDROID_LOG_WARN;
         cut.isCut = true;
     }
@@ -160,23 +160,15 @@ std::vector<const LogLine*> rowsWith(std::string_view text) {
     return rows;
 }
 
-// The row of a line that `text` ends with, after a header of an unknown format; of several the one
-// with the longest text. Null when there is none.
+// The row of a line that `text` ends with, after a header of an unknown format.
 const LogLine* rowAtEndOf(std::string_view text) {
-    const LogLine* best = nullptr;
-    for (const LogLine& line : logLines()) {
+    return longestRow([&](const LogLine& line) {
         const std::string_view first = literalsOf(line.text).front();
         const size_t start = text.find(first);
-        if (first.find_first_not_of(' ') == std::string_view::npos ||
-            start == std::string_view::npos || !match(line.text, text.substr(start))) {
-            continue;  // Where a line begins with a value, any text might be it.
-        }
-        if (best == nullptr ||
-            std::string_view(best->text).size() < std::string_view(line.text).size()) {
-            best = &line;
-        }
-    }
-    return best;
+        // Where a line begins with a value, any text might be it.
+        return first.find_first_not_of(' ') != std::string_view::npos &&
+               start != std::string_view::npos && match(line.text, text.substr(start));
+    });
 }
 
 // A whole line, without its header.
@@ -215,8 +207,9 @@ AskedText matchAsked(const std::string& text) {
     if (asked.rows.empty()) {
         asked.rows = rowsWith(text);
     }
-    if (const LogLine* const row = rowAtEndOf(text); row != nullptr && asked.rows.empty()) {
-        asked.rows = {row};
+    if (asked.rows.empty()) {
+        asked.rows = {rowAtEndOf(text)};
+        std::erase(asked.rows, nullptr);
     }
     return asked;
 }

@@ -76,14 +76,11 @@ void appendUtf8(char32_t c, std::string* text) {
 
 }  // namespace
 
+// The first block, which is not decoded yet, shows what the file is.
 LineReader::LineReader(std::FILE* file) : mFile(file) {
-    if (fill()) {
-        recognise();
+    if (!fill()) {
+        return;
     }
-}
-
-// By the first block, which is not decoded yet.
-void LineReader::recognise() {
     for (const Magic& magic : kMagics) {
         if (mRest.size() > magic.offset && mRest.substr(magic.offset).starts_with(magic.bytes)) {
             mWhyNotText = magic.what;
@@ -105,9 +102,8 @@ void LineReader::recognise() {
 }
 
 bool LineReader::fill() {
-    const bool hasHalf = mEncoding != Encoding::Bytes && mBlock.size() % 2 != 0;
-    const size_t kept = hasHalf ? 1 : 0;
-    if (hasHalf) {
+    const size_t kept = mEncoding != Encoding::Bytes ? mBlock.size() % 2 : 0;
+    if (kept != 0) {
         mBlock[0] = mBlock.back();
     }
     mBlock.resize(kept + kReadBytes);
@@ -120,26 +116,23 @@ bool LineReader::fill() {
     return size != 0;
 }
 
-char32_t LineReader::unitAt(size_t at) const {
-    const auto byte = [this](size_t i) { return static_cast<unsigned char>(mBlock[i]); };
-    return mEncoding == Encoding::Utf16Little ? byte(at) | byte(at + 1) << 8
-                                              : byte(at) << 8 | byte(at + 1);
-}
-
 // A half of a pair that has no other half becomes U+FFFD.
 void LineReader::decode() {
     constexpr char32_t kReplacement = 0xFFFD;
+    const bool isBig = mEncoding == Encoding::Utf16Big;
     mDecoded.clear();
     for (size_t at = 0; at + 1 < mBlock.size(); at += 2) {
-        const char32_t unit = unitAt(at);
+        const auto high = static_cast<unsigned char>(mBlock[isBig ? at : at + 1]);
+        const auto low = static_cast<unsigned char>(mBlock[isBig ? at + 1 : at]);
+        const char32_t unit = high << 8 | low;
         const bool isLow = unit >= 0xDC00 && unit < 0xE000;
-        if (mHighSurrogate != 0) {
-            appendUtf8(isLow ? 0x10000 + ((mHighSurrogate - 0xD800) << 10) + (unit - 0xDC00)
-                             : kReplacement,
-                       &mDecoded);
-            if (std::exchange(mHighSurrogate, 0) != 0 && isLow) {
-                continue;
-            }
+        const char32_t first = std::exchange(mHighSurrogate, 0);
+        if (first != 0 && isLow) {
+            appendUtf8(0x10000 + ((first - 0xD800) << 10) + (unit - 0xDC00), &mDecoded);
+            continue;
+        }
+        if (first != 0) {
+            appendUtf8(kReplacement, &mDecoded);
         }
         if (unit >= 0xD800 && unit < 0xDC00) {
             mHighSurrogate = unit;

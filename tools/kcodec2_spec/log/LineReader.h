@@ -29,10 +29,8 @@ public:
 private:
     enum class Encoding { Bytes, Utf16Little, Utf16Big };
 
-    void recognise();
     bool fill();
     void decode();
-    char32_t unitAt(size_t at) const;
 
     std::FILE* mFile;
     Encoding mEncoding = Encoding::Bytes;

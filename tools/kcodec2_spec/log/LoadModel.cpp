@@ -3,6 +3,7 @@
 #include "log/LoadModel.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <iterator>
 #include <utility>
@@ -68,8 +69,8 @@ struct LoadKind {
     OverlayResult overlay;
 };
 
-LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool isSpecAccepted,
-                    OverlayResult overlay) {
+constexpr LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source,
+                              bool isSpecAccepted, OverlayResult overlay) {
     LoadKind kind = {infoLines, 0, hasVariant, source, isSpecAccepted, overlay};
     const bool isOpen = source != SpecSource::None;
     kind.required |= source != SpecSource::Variant
@@ -88,44 +89,41 @@ LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource source, bool
     return kind;
 }
 
-std::vector<LoadKind> makeLoadKinds() {
-    // The level word lets through nothing, a heading of the dump, or both.
-    constexpr uint64_t kInfoLines[] = {0, slotBit(slot::Dump),
-                                       slotBit(slot::Parsing) | slotBit(slot::Dump)};
-    constexpr std::pair<SpecSource, bool> kFirstSteps[] = {
-            {SpecSource::Variant, false},  {SpecSource::Variant, true},
-            {SpecSource::Fallback, false}, {SpecSource::Fallback, true},
-            {SpecSource::None, false},
-    };
-    std::vector<LoadKind> kinds;
+// The level word lets through nothing, a heading of the dump, or both.
+constexpr uint64_t kInfoLines[] = {0, slotBit(slot::Dump),
+                                   slotBit(slot::Parsing) | slotBit(slot::Dump)};
+constexpr std::pair<SpecSource, bool> kFirstSteps[] = {
+        {SpecSource::Variant, false}, {SpecSource::Variant, true}, {SpecSource::Fallback, false},
+        {SpecSource::Fallback, true}, {SpecSource::None, false},
+};
+constexpr OverlayResult kSecondSteps[] = {OverlayResult::BuiltIn, OverlayResult::Rejected,
+                                          OverlayResult::Private};
+
+constexpr auto kLoadKinds = [] {
+    std::array<LoadKind,
+               2 * std::size(kInfoLines) * std::size(kFirstSteps) * std::size(kSecondSteps)>
+            kinds = {};
+    size_t count = 0;
     for (const uint64_t info : kInfoLines) {
         for (const auto& [source, isAccepted] : kFirstSteps) {
-            for (const OverlayResult overlay :
-                 {OverlayResult::BuiltIn, OverlayResult::Rejected, OverlayResult::Private}) {
-                kinds.push_back(loadKindOf(false, info, source, isAccepted, overlay));
-                kinds.push_back(loadKindOf(true, info, source, isAccepted, overlay));
+            for (const OverlayResult overlay : kSecondSteps) {
+                kinds[count++] = loadKindOf(false, info, source, isAccepted, overlay);
+                kinds[count++] = loadKindOf(true, info, source, isAccepted, overlay);
             }
         }
     }
     return kinds;
-}
-
-const std::vector<LoadKind>& loadKinds() {
-    static const std::vector<LoadKind>& all = *new std::vector<LoadKind>(makeLoadKinds());
-    return all;
-}
+}();
 
 // The sections that an event may be about, as bits from 0 on.
 uint64_t sectionsOf(const LoadEvent& event) {
+    const std::string root = std::string(targetSpecRoot) + "/";
+    const std::string_view place =
+            std::string_view(event.value).substr(0, event.value.find_first_of("/[", root.size()));
     uint64_t section = 1;
     for (const Section& row : kSections) {
-        const std::string place = std::string(targetSpecRoot) + "/" + *row.key;
-        const bool isInside =
-                event.value.size() == place.size() ||
-                (event.value.size() > place.size() &&
-                 (event.value[place.size()] == '/' || event.value[place.size()] == '['));
         if (event.id == LineId::RowSkipped ? row.type == SectionType::BitRateRows
-                                           : event.value.starts_with(place) && isInside) {
+                                           : place == root + *row.key) {
             return section;
         }
         section <<= 1;
@@ -133,39 +131,32 @@ uint64_t sectionsOf(const LoadEvent& event) {
     return section - 1;  // Another release's place: any of them.
 }
 
+// Of the lines of a load that are not about a value. The others are the dump's.
+constexpr std::pair<LineId, uint64_t> kSlotsOfLines[] = {
+        {LineId::NoVariant, kLookups},
+        {LineId::Parsing, slotBit(slot::Parsing)},
+        {LineId::OpenFailed, slotBit(slot::OpenFailed)},
+        {LineId::FallingBack, slotBit(slot::FallingBack)},
+        {LineId::NothingOpened, slotBit(slot::NothingOpened)},
+        {LineId::StreamRejected, slotBit(slot::SpecRejected) | slotBit(slot::PrivateRejected)},
+        {LineId::BuiltInRejected, slotBit(slot::BuiltInLines)},
+        {LineId::EncoderFilter, slotBit(slot::SpecFilters) | slotBit(slot::PrivateFilters)},
+};
+
 uint64_t slotsOf(const LoadEvent& event) {
-    switch (event.id) {
-        case LineId::NoVariant:
-            return kLookups;
-        case LineId::Parsing:
-            return slotBit(slot::Parsing);
-        case LineId::OpenFailed:
-            return slotBit(slot::OpenFailed);
-        case LineId::FallingBack:
-            return slotBit(slot::FallingBack);
-        case LineId::NothingOpened:
-            return slotBit(slot::NothingOpened);
-        case LineId::StreamRejected:
-            return slotBit(slot::SpecRejected) | slotBit(slot::PrivateRejected);
-        case LineId::BuiltInRejected:
-            return slotBit(slot::BuiltInLines);
-        case LineId::EncoderFilter:
-            return slotBit(slot::SpecFilters) | slotBit(slot::PrivateFilters);
-        case LineId::Skipped:
-        case LineId::RowSkipped: {
-            const auto named = [&](const char* words) {
-                return event.document.empty() || event.document.find(words) != std::string::npos;
-            };
-            const uint64_t sections = sectionsOf(event);
-            return (named("system spec") ? sections << slot::SpecSections : 0) |
-                   (named("private file") ? sections << slot::PrivateSections : 0) |
-                   (event.document.find("built-in") != std::string::npos
-                            ? slotBit(slot::BuiltInLines)
-                            : 0);
-        }
-        default:
-            return slotBit(slot::Dump);
+    if (event.id == LineId::Skipped || event.id == LineId::RowSkipped) {
+        const bool isAny = event.document.empty();
+        const uint64_t sections = sectionsOf(event);
+        return (isAny || event.names("system spec") ? sections << slot::SpecSections : 0) |
+               (isAny || event.names("private file") ? sections << slot::PrivateSections : 0) |
+               (event.names("built-in") ? slotBit(slot::BuiltInLines) : 0);
     }
+    for (const auto& [id, slots] : kSlotsOfLines) {
+        if (id == event.id) {
+            return slots;
+        }
+    }
+    return slotBit(slot::Dump);
 }
 
 // The slots of `targets` that can follow one of `from`. Between them no line is required, unless
@@ -257,7 +248,7 @@ PossibleLoads collectLoads(std::span<const LoadEvent> events, const LoadLimits& 
     std::vector<uint64_t> slots(events.size() + 1, 0);  // Of each event, and the end.
     const std::vector<EventStep> steps = stepsOf(events, limits);
     loads.isContradictory = true;
-    for (const LoadKind& kind : loadKinds()) {
+    for (const LoadKind& kind : kLoadKinds) {
         if (isExcluded(kind, events, limits)) {
             continue;
         }
@@ -312,16 +303,18 @@ bool LoadPosition::follow(const LoadEvent& event) {
     const bool lacksVariant = mLacksVariant || event.id == LineId::NoVariant;
     std::vector<EventStep> steps;
     addSteps(event, 0, true, &steps);
-    std::vector<uint64_t> slots;
-    for (size_t i = 0; i < loadKinds().size(); ++i) {
-        const LoadKind& kind = loadKinds()[i];
-        uint64_t here = mSlots.empty() ? slotBit(slot::Start) : mSlots[i];
+    std::vector<uint64_t> slots = mSlots;
+    slots.resize(kLoadKinds.size(), slotBit(slot::Start));
+    uint64_t anySlots = 0;
+    for (size_t i = 0; i < slots.size(); ++i) {
+        const LoadKind& kind = kLoadKinds[i];
         for (const EventStep& step : steps) {
-            here = nextSlots(kind, here, step.slots, true);
+            slots[i] = nextSlots(kind, slots[i], step.slots, true);
         }
-        slots.push_back((kind.hasVariant ? lacksVariant : hasVariant) ? 0 : here);
+        slots[i] = (kind.hasVariant ? lacksVariant : hasVariant) ? 0 : slots[i];
+        anySlots |= slots[i];
     }
-    if (std::all_of(slots.begin(), slots.end(), [](uint64_t each) { return each == 0; })) {
+    if (anySlots == 0) {
         return false;
     }
     mSlots = std::move(slots);

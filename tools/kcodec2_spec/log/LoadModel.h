@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "log/LogLines.h"
@@ -19,6 +20,9 @@ struct LoadEvent {
     std::string document = {};  // As the line names it; empty when it does not.
     uint64_t count = 1;         // How many such lines follow each other.
     bool isCut = false;         // The line ends early.
+
+    // Whether the line names a document in such words.
+    bool names(std::string_view words) const { return document.find(words) != std::string::npos; }
 };
 
 // What an event is about.

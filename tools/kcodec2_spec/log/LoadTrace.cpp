@@ -33,13 +33,11 @@ std::string defaultPath() {
 }
 
 bool isOfCall(LineId id) {
-    return id == LineId::NoCodecs || id == LineId::UnknownFormat || id == LineId::MissingPlane ||
-           id == LineId::BadDescriptor || id == LineId::SkippedByCall;
+    return id == LineId::SkippedByCall || id >= LineId::NoCodecs;
 }
 
 bool isOfLocation(LineId id) {
-    return id == LineId::Parsing || id == LineId::OpenFailed || id == LineId::FallingBack ||
-           id == LineId::NothingOpened;
+    return id >= LineId::Parsing && id <= LineId::NothingOpened;
 }
 
 bool isOurTag(std::string_view tag) {
@@ -58,34 +56,23 @@ std::string_view firstValue(const LogLine& row, std::string_view text) {
     return values && !values->empty() ? values->front() : std::string_view();
 }
 
-// Without a tag only the library's own words show whose line it is, and some are common ones.
-bool isOursWithoutTag(const LogLine& row, std::string_view text) {
-    if (row.id == LineId::Entry || row.id == LineId::SkippedByCall) {
-        return false;
-    }
-    const std::string_view path = firstValue(row, text);
-    return row.id == LineId::Parsing || !isOfLocation(row.id) || isSpecPath(path) ||
-           path.starts_with(kFallbackSystemSpec);
-}
-
 bool isFarApart(std::string_view earlier, std::string_view later) {
     const std::optional<double> since = secondsBetween(earlier, later);
     return since && *since > kMostSecondsApart;
 }
 
-// The event of a line with a path, where the line may be cut. "Failed to open " may be of two rows.
-LoadEvent pathEvent(LoadEvent event, const LoadTrace& trace) {
+// Where the line of an event with a path may be cut. "Failed to open " may be of two rows.
+void noteCut(const LoadTrace& trace, LoadEvent* event) {
     const std::string_view fallback = kFallbackSystemSpec;
-    const std::string_view path = event.value;
-    const bool isSpec = event.id == LineId::Parsing || event.id == LineId::OpenFailed;
-    event.isCut = isSpec ? !isSpecPath(path) : path != fallback;
+    const std::string_view path = event->value;
+    const bool isSpec = event->id == LineId::Parsing || event->id == LineId::OpenFailed;
+    event->isCut = isSpec ? !isSpecPath(path) : path != fallback;
     const bool isCutFallback = fallback.starts_with(path) &&
                                (trace.find(LineId::FallingBack) != nullptr ||
                                 !std::string_view(kVendorSpecDirectory).starts_with(path));
-    if (event.id == LineId::OpenFailed && (path.starts_with(fallback) || isCutFallback)) {
-        event.id = LineId::NothingOpened;
+    if (event->id == LineId::OpenFailed && (path.starts_with(fallback) || isCutFallback)) {
+        event->id = LineId::NothingOpened;
     }
-    return event;
 }
 
 // The number after the last `word` of a text; 0 when there is none.
@@ -100,10 +87,9 @@ uint64_t numberAfter(std::string_view word, std::string_view text) {
 
 }  // namespace
 
-const std::vector<DumpedValue>& Dump::of(DumpSection section) const {
-    static const std::vector<DumpedValue>& none = *new std::vector<DumpedValue>();
-    const auto found = values.find(section);
-    return found != values.end() ? found->second : none;
+void Call::add(const LogEntry& entry) {
+    line = count == 0 ? entry.line : line;
+    count += entry.count;
 }
 
 void SampledLines::add(std::string_view text, uint64_t line) {
@@ -121,6 +107,11 @@ const LoadEvent* LoadTrace::find(LineId id) const {
     const auto found = std::find_if(events.begin(), events.end(),
                                     [id](const LoadEvent& event) { return event.id == id; });
     return found != events.end() ? &*found : nullptr;
+}
+
+uint64_t LoadTrace::lineOf(LineId id) const {
+    const LoadEvent* const event = find(id);
+    return event != nullptr ? event->line : 0;
 }
 
 std::string LoadTrace::firstPath() const {
@@ -144,32 +135,28 @@ bool TraceCollector::spend(size_t bytes, LoadTrace* trace) {
     return true;
 }
 
-bool TraceCollector::startTrace(const LogEntry& entry, uint64_t lineNumber, Process* process) {
+bool TraceCollector::startTrace(const LogEntry& entry, Process* process) {
     constexpr size_t kBytesPerTrace = 4 * kLongestLogLine;
     if (!spend(kBytesPerTrace, nullptr)) {
         return false;
     }
-    LoadTrace trace;
+    LoadTrace& trace = mTraces.emplace_back();
     trace.process = entry.process;
     trace.firstTime = entry.time;
-    trace.firstLine = lineNumber;
+    trace.firstLine = entry.line;
     trace.lineBefore = mSeconds >= kSecondsOfLoad ? mFirstLine : 0;
-    *process = Process();
-    process->trace = mTraces.size();
-    mTraces.push_back(std::move(trace));
+    *process = {.trace = &trace};
     return true;
 }
 
-TraceCollector::Process* TraceCollector::processOf(const LogEntry& entry, uint64_t lineNumber) {
-    const auto known = mProcesses.find(entry.process);
-    if (known != mProcesses.end()) {
-        return &known->second;
-    }
-    Process process;
-    if (!startTrace(entry, lineNumber, &process)) {
+// Null where nothing more can be kept.
+TraceCollector::Process* TraceCollector::processOf(const LogEntry& entry) {
+    const auto [place, isNew] = mProcesses.try_emplace(entry.process);
+    if (isNew && !startTrace(entry, &place->second)) {
+        mProcesses.erase(place);
         return nullptr;
     }
-    return &mProcesses.emplace(entry.process, std::move(process)).first->second;
+    return &place->second;
 }
 
 // A buffer that begins again is that of another boot, or another log: process numbers are new.
@@ -199,7 +186,7 @@ void TraceCollector::endStretch() {
     mSeconds = 0;
 }
 
-void TraceCollector::noteTime(const LogEntry& entry, uint64_t lineNumber) {
+void TraceCollector::noteTime(const LogEntry& entry) {
     const std::optional<double> since = secondsBetween(mLastTime, entry.time);
     if (since && *since < -kMostSecondsApart) {
         end();
@@ -210,8 +197,8 @@ void TraceCollector::noteTime(const LogEntry& entry, uint64_t lineNumber) {
     } else if (mLastTime.empty() && entry.time.empty()) {
         mSeconds += kSecondsPerLine;
     }
-    mFirstLine = mFirstLine == 0 ? lineNumber : mFirstLine;
-    mLastLine = lineNumber;
+    mFirstLine = mFirstLine == 0 ? entry.line : mFirstLine;
+    mLastLine = entry.line;
     if (!entry.time.empty()) {
         mLastTime = entry.time;
     }
@@ -221,38 +208,36 @@ void TraceCollector::noteTime(const LogEntry& entry, uint64_t lineNumber) {
 // process, which was given the same number later.
 void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entry,
                                     Process* process) {
+    LoadTrace& old = *process->trace;
     const bool isApart = isFarApart(process->lastTime, entry.time);
-    const size_t old = process->trace;
     // Get() has returned, or a component has written a dump.
-    const bool isOver =
-            mTraces[old].noCodecs.count != 0 ||
-            (isOfLocation(event.id) && mTraces[old].dump.isStarted && !mTraces[old].dump.isOfLoad);
+    const bool isOver = old.noCodecs.count != 0 ||
+                        (isOfLocation(event.id) && old.dump.isStarted && !old.dump.isOfLoad);
     if (!isApart && !isOver && process->position.follow(event)) {
         return;
     }
-    if (!startTrace(entry, event.line, process)) {
-        mTraces[old].isTooLong = true;
+    if (!startTrace(entry, process)) {
+        old.isTooLong = true;
         return;
     }
     // The line about the missing variant comes before the path that it leads to.
-    std::vector<LoadEvent>& before = mTraces[old].events;
-    if (!isApart && event.value == defaultPath() && !before.empty() &&
-        before.back().id == LineId::NoVariant) {
-        LoadEvent moved = before.back();
+    if (!isApart && event.value == defaultPath() && !old.events.empty() &&
+        old.events.back().id == LineId::NoVariant) {
+        LoadEvent moved = old.events.back();
         moved.count = 1;
-        if (--before.back().count == 0) {
-            before.pop_back();
+        if (--old.events.back().count == 0) {
+            old.events.pop_back();
         }
         process->position.follow(moved);
-        mTraces[process->trace].firstLine = moved.line;
-        mTraces[process->trace].events.push_back(std::move(moved));
+        process->trace->firstLine = moved.line;
+        process->trace->events.push_back(std::move(moved));
     }
     process->position.follow(event);
 }
 
 void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* process) {
     splitIfNewLoad(event, entry, process);
-    LoadTrace& trace = mTraces[process->trace];
+    LoadTrace& trace = *process->trace;
     process->lastTime = entry.time;
     trace.lineAfter = 0;
     trace.lastSeconds = mSeconds;
@@ -266,61 +251,55 @@ void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* p
 
 // The dump of a load follows the line with the path, which the same bit of the level word lets
 // through. Any other may be of a component that calls printSpecifications() at any time.
-void TraceCollector::startDump(LineId first, const LogEntry& entry, uint64_t lineNumber,
-                               Process* process) {
-    const bool isOfLoad = first == LineId::CodecsHeading ||
-                          (!isFarApart(process->lastTime, entry.time) &&
-                           mTraces[process->trace].find(LineId::Parsing) != nullptr);
+void TraceCollector::startDump(LineId first, const LogEntry& entry, Process* process) {
+    const bool isOfLoad =
+            first == LineId::CodecsHeading || (!isFarApart(process->lastTime, entry.time) &&
+                                               process->trace->find(LineId::Parsing) != nullptr);
     if (isOfLoad) {
-        addEvent({.id = LineId::FeaturesHeading, .line = lineNumber}, entry, process);
+        addEvent({.id = LineId::FeaturesHeading, .line = entry.line}, entry, process);
     }
-    Dump& dump = mTraces[process->trace].dump;
+    Dump& dump = process->trace->dump;
     dump.isStarted = true;
     dump.isOfLoad = isOfLoad;
     dump.isWhole = first == LineId::FeaturesHeading;
-    dump.line = lineNumber;
+    dump.line = entry.line;
 }
 
-void TraceCollector::addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber,
-                                Process* process) {
-    constexpr LineId kHeadings[] = {LineId::FeaturesHeading, LineId::PresetsHeading,
-                                    LineId::FiltersHeading, LineId::PluginsHeading,
-                                    LineId::CodecsHeading};
-    const auto section = static_cast<DumpSection>(
-            1 + (std::find(std::begin(kHeadings), std::end(kHeadings), id) - kHeadings));
-    if (mTraces[process->trace].dump.isStarted && section <= process->section) {
-        ++mTraces[process->trace].laterDumps;  // A component has called printSpecifications().
+void TraceCollector::addHeading(const DumpPart& part, const LogEntry& entry, Process* process) {
+    if (process->trace->dump.isStarted && part.section <= process->section) {
+        ++process->trace->laterDumps;  // A component has called printSpecifications().
         process->section = DumpSection::Later;
     }
     if (process->section == DumpSection::Later) {
         return;
     }
-    if (!mTraces[process->trace].dump.isStarted) {
-        startDump(id, entry, lineNumber, process);
+    if (!process->trace->dump.isStarted) {
+        startDump(part.heading, entry, process);
     }
-    Dump& dump = mTraces[process->trace].dump;
-    for (int lost = static_cast<int>(process->section) + 1; lost < static_cast<int>(section);
-         ++lost) {
-        dump.lostHeadings += dump.lostHeadings.empty() ? "" : ", ";
-        dump.lostHeadings += logLine(kHeadings[lost - 1]).text;
+    Dump& dump = process->trace->dump;
+    for (const DumpPart& lost : kDumpParts) {
+        if (lost.section > process->section && lost.section < part.section) {
+            dump.lostHeadings += dump.lostHeadings.empty() ? "" : ", ";
+            dump.lostHeadings += logLine(lost.heading).text;
+        }
     }
-    dump.hasCodecsHeading |= id == LineId::CodecsHeading;
-    process->section = section;
+    dump.hasCodecsHeading |= part.section == DumpSection::Codecs;
+    process->section = part.section;
 }
 
-void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process) {
-    if (process->section == DumpSection::None && !mTraces[process->trace].dump.isStarted) {
-        startDump(LineId::Entry, entry, lineNumber, process);
+void TraceCollector::addDumpEntry(const LogEntry& entry, Process* process) {
+    if (process->section == DumpSection::None && !process->trace->dump.isStarted) {
+        startDump(LineId::Entry, entry, process);
     }
-    LoadTrace& trace = mTraces[process->trace];
-    const std::string_view text = firstValue(logLine(LineId::Entry), entry.text);
-    const std::optional<NamedEntry> named = matchNamed(text);
-    const bool isFeature = named && fits(*named, LineId::Feature);
-    const bool isPreset = named && fits(*named, LineId::Preset);
     DumpSection section = process->section;
     if (section == DumpSection::Later) {
         return;
     }
+    LoadTrace& trace = *process->trace;
+    const std::string_view text = firstValue(logLine(LineId::Entry), entry.text);
+    const std::optional<NamedEntry> named = matchNamed(text);
+    const bool isFeature = named && fits(*named, LineId::Feature);
+    const bool isPreset = named && fits(*named, LineId::Preset);
     if (section == DumpSection::Features && isPreset && !isFeature) {
         trace.dump.lostHeadings = logLine(LineId::PresetsHeading).text;
         process->section = section = DumpSection::Presets;
@@ -329,153 +308,146 @@ void TraceCollector::addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Pr
     }
     const bool isNamed = section == DumpSection::Features || section == DumpSection::Presets;
     if (isNamed && !named) {
-        trace.cut.add(entry.text, lineNumber);
+        trace.cut.add(entry.text, entry.line);
         return;
     }
-    DumpedValue value = {std::string(text), "", lineNumber};
+    DumpedValue value = {std::string(text), "", entry.line};
     if (named && section <= DumpSection::Presets) {
-        value = {std::string(named->name), std::string(named->value), lineNumber};
+        value = {std::string(named->name), std::string(named->value), entry.line};
     }
     if (spend(text.size(), &trace)) {
-        trace.dump.values[section].push_back(std::move(value));
+        trace.dump.of(section).push_back(std::move(value));
     }
 }
 
 // What was asked of the store or the formats: any thread may ask, also while another one loads, and
 // long after the load.
-void TraceCollector::addCall(LineId id, const LogEntry& entry, const Call& call, LoadTrace* trace) {
+void TraceCollector::addCall(LineId id, const LogEntry& entry, LoadTrace* trace) {
     if (id == LineId::NoCodecs) {
-        trace->noCodecs.line = trace->noCodecs.count == 0 ? call.line : trace->noCodecs.line;
-        trace->noCodecs.count += call.count;
+        trace->noCodecs.add(entry);
         // Get() has returned: the load is over.
-        trace->lineAfter = trace->lineAfter == 0 ? call.line : trace->lineAfter;
+        trace->lineAfter = trace->lineAfter == 0 ? entry.line : trace->lineAfter;
         return;
     }
-    const auto known = trace->calls.find({id, std::string(entry.text)});
-    if (known != trace->calls.end()) {
-        known->second.count += call.count;
-    } else if (spend(entry.text.size(), trace)) {
-        trace->calls.emplace(std::pair(id, entry.text), call);
+    const std::pair asked(id, std::string(entry.text));
+    if (trace->calls.count(asked) != 0 || spend(entry.text.size(), trace)) {
+        trace->calls[asked].add(entry);
     }
 }
 
-void TraceCollector::addLine(LoadEvent event, const LogEntry& entry, Process* process) {
-    switch (event.id) {
-        case LineId::Entry:
-            return addDumpEntry(entry, event.line, process);
-        case LineId::FeaturesHeading:
-        case LineId::PresetsHeading:
-        case LineId::FiltersHeading:
-        case LineId::PluginsHeading:
-        case LineId::CodecsHeading:
-            return addHeading(event.id, entry, event.line, process);
-        case LineId::Skipped: {
-            const SkippedText skipped = *matchSkipped(entry.text);
-            event.value = skipped.place;
-            event.reason = skipped.reason;
-            event.document = skipped.document;
-            break;
-        }
-        default:
-            event.value = firstValue(logLine(event.id), entry.text);
-            break;
+void TraceCollector::addLine(LineId id, const LogEntry& entry, Process* process) {
+    if (id == LineId::Entry) {
+        return addDumpEntry(entry, process);
     }
-    event = isOfLocation(event.id) ? pathEvent(std::move(event), mTraces[process->trace]) : event;
+    for (const DumpPart& part : kDumpParts) {
+        if (id == part.heading) {
+            return addHeading(part, entry, process);
+        }
+    }
+    LoadEvent event = {.id = id, .line = entry.line, .count = entry.count};
+    if (id == LineId::Skipped) {
+        const SkippedText skipped = *matchSkipped(entry.text);
+        event.value = skipped.place;
+        event.reason = skipped.reason;
+        event.document = skipped.document;
+    } else {
+        event.value = firstValue(logLine(id), entry.text);
+    }
+    if (isOfLocation(id)) {
+        noteCut(*process->trace, &event);
+    }
     addEvent(std::move(event), entry, process);
     if (process->section != DumpSection::None) {
         process->section = DumpSection::Later;  // Later entries do not belong to the dump.
     }
 }
 
-// Whether a line without a tag is the library's.
-bool TraceCollector::isOurs(const LogEntry& entry, const LogLine* row, bool isCut) const {
-    if (row == nullptr || isCut) {
-        return false;
+// Whether a line without a tag is the library's: only its own words show that, and some are common.
+bool TraceCollector::isOurs(const LogEntry& entry, const LogLine& row) const {
+    if (row.id == LineId::Entry) {
+        const auto process = mProcesses.find(entry.process);
+        return process != mProcesses.end() && process->second.section != DumpSection::None &&
+               process->second.section != DumpSection::Later;
     }
-    const auto process = mProcesses.find(entry.process);
-    const bool isInDump = process != mProcesses.end() &&
-                          process->second.section != DumpSection::None &&
-                          process->second.section != DumpSection::Later;
-    return (row->id == LineId::Entry && isInDump) || isOursWithoutTag(*row, entry.text);
+    const std::string_view path = firstValue(row, entry.text);
+    return row.id != LineId::SkippedByCall &&
+           (row.id == LineId::Parsing || !isOfLocation(row.id) || isSpecPath(path) ||
+            path.starts_with(kFallbackSystemSpec));
 }
 
-void TraceCollector::addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count) {
+void TraceCollector::addOurs(const LogEntry& entry) {
     const LogLine* row = rowOf(entry.tag, entry.text);
     const CutText cut =
             row == nullptr ? matchCut(entry.tag, entry.priority, entry.text) : CutText();
     row = cut.row != nullptr ? cut.row : row;
     if (entry.tag.empty()) {
         const bool isRaw = entry.process < 0 && entry.time.empty();
-        const bool isOurLine = isOurs(entry, row, cut.isCut);
+        const bool isOurLine = row != nullptr && !cut.isCut && isOurs(entry, *row);
         if (isRaw && (mHasHeaders || !isOurLine) && (isOurLine || mentionsLibrary(entry.text))) {
-            mUnread.add(entry.text, lineNumber);
+            mUnread.add(entry.text, entry.line);
         }
         if (!isOurLine || (isRaw && mHasHeaders)) {
             return;
         }
     }
-    Process* const process = processOf(entry, lineNumber);
+    Process* const process = processOf(entry);
     if (process == nullptr) {
         return;
     }
     if (cut.isCut) {
-        mTraces[process->trace].cut.add(entry.text, lineNumber);
-        mTraces[process->trace].hasCutFault |= cut.isFault && row == nullptr;
+        process->trace->cut.add(entry.text, entry.line);
+        process->trace->hasCutFault |= cut.isFault && row == nullptr;
     }
     if (row != nullptr && isOfCall(row->id)) {
-        addCall(row->id, entry, {lineNumber, count}, &mTraces[process->trace]);
+        addCall(row->id, entry, process->trace);
     } else if (row != nullptr) {
-        addLine({.id = row->id, .line = lineNumber, .count = count}, entry, process);
+        addLine(row->id, entry, process);
     } else if (!cut.isCut) {
-        mTraces[process->trace].strange.add(entry.text, lineNumber);
+        process->trace->strange.add(entry.text, entry.line);
     }
-    mTraces[process->trace].lastLine = lineNumber;
-    process->wasOurs = true;
-    process->lastTag = entry.tag;
-    process->lastText = entry.text;
+    process->trace->lastLine = entry.line;
+    process->last.emplace(entry.tag, entry.text);
 }
 
 // The device's log leaves out what repeats ("identical 2 lines") or what a process writes too much
 // of ("expire 30 lines"), and writes that as a line of the process.
-void TraceCollector::addChatty(const LogEntry& entry, uint64_t lineNumber) {
+void TraceCollector::addChatty(LogEntry entry) {
     const auto known = mProcesses.find(entry.process);
     if (known == mProcesses.end() || entry.process < 0) {
         return;
     }
-    Process& process = known->second;
+    const Process& process = known->second;
     const uint64_t repeated = numberAfter("identical ", entry.text);
-    if (repeated != 0 && process.wasOurs) {
-        const std::string tag = process.lastTag;
-        const std::string text = process.lastText;
-        LogEntry again = entry;
-        again.tag = tag;
-        again.text = text;
-        addOurs(again, lineNumber, repeated);
+    if (repeated != 0 && process.last) {
+        const auto [tag, text] = *process.last;
+        entry.tag = tag;
+        entry.text = text;
+        entry.count = repeated;
+        addOurs(entry);
     } else {
-        mTraces[process.trace].droppedLines += numberAfter("expire ", entry.text);
+        process.trace->droppedLines += numberAfter("expire ", entry.text);
     }
 }
 
-void TraceCollector::add(const LogEntry& line, uint64_t lineNumber) {
-    if (!line.buffer.empty()) {
-        beginBuffer(line.buffer);
+void TraceCollector::add(LogEntry entry) {
+    if (!entry.buffer.empty()) {
+        beginBuffer(entry.buffer);
         return;
     }
-    LogEntry entry = line;
     // A mail or a terminal adds blanks; only blanks may be an entry of the dump.
     if (const std::string_view text = withoutTrailing(entry.text, ' '); !text.empty()) {
         entry.text = text;
     }
     mHasHeaders |= !entry.tag.empty() || !entry.time.empty() || entry.process >= 0;
-    noteTime(entry, lineNumber);
+    noteTime(entry);
     if (entry.tag == "chatty") {
-        addChatty(entry, lineNumber);
+        addChatty(entry);
     } else if (entry.tag.empty() || isOurTag(entry.tag)) {
-        addOurs(entry, lineNumber, 1);
+        addOurs(entry);
     } else if (mentionsTag(entry.text)) {
-        mUnread.add(entry.text, lineNumber);  // Another tool has put its header in front.
+        mUnread.add(entry.text, entry.line);  // Another tool has put its header in front.
     } else if (const auto other = mProcesses.find(entry.process); other != mProcesses.end()) {
-        other->second.wasOurs = false;
+        other->second.last.reset();
     }
 }
 

@@ -1,14 +1,18 @@
 // The library's lines of a log, sorted by process and load.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <deque>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "kc2/TargetSpecKeys.h"
 #include "log/LoadModel.h"
 #include "log/LogLines.h"
 #include "log/Logcat.h"
@@ -24,10 +28,29 @@ struct DumpedValue {
 // The parts of a dump in their order. Before the first heading, and after the end.
 enum class DumpSection { None, Features, Presets, Filters, Plugins, Codecs, Later };
 
+struct DumpPart {
+    DumpSection section;
+    LineId heading;
+    const char* const* key;  // Of the section of a document that it shows.
+    const char* title;
+    bool isInOrder;  // The order of its entries matters.
+};
+
+inline constexpr DumpPart kDumpParts[] = {
+        {DumpSection::Features, LineId::FeaturesHeading, &targetSpecFeatures, "features", false},
+        {DumpSection::Presets, LineId::PresetsHeading, &targetSpecPresets, "presets", false},
+        {DumpSection::Filters, LineId::FiltersHeading, &targetSpecPreProcessingFilters,
+         "pre-processing filters", true},
+        {DumpSection::Plugins, LineId::PluginsHeading, &targetSpecCodecPlugins, "codec plug-ins",
+         true},
+        {DumpSection::Codecs, LineId::CodecsHeading, &targetSpecSupportedCodecs, "codec components",
+         false},
+};
+
 // What the dump showed. The same gate lets headings and entries through, all but the heading of the
 // codec components: without it they are among the plug-ins.
 struct Dump {
-    std::map<DumpSection, std::vector<DumpedValue>> values;
+    std::array<std::vector<DumpedValue>, 6> values;  // By DumpSection.
     bool hasCodecsHeading = false;
     bool isStarted = false;
     bool isOfLoad = false;     // Else a component may have asked for it, after the load.
@@ -35,12 +58,19 @@ struct Dump {
     bool isWhole = false;      // Seen from its first line on.
     std::string lostHeadings;  // Of sections before the last one that is there.
 
-    const std::vector<DumpedValue>& of(DumpSection section) const;
+    std::vector<DumpedValue>& of(DumpSection section) {
+        return values[static_cast<size_t>(section)];
+    }
+    const std::vector<DumpedValue>& of(DumpSection section) const {
+        return values[static_cast<size_t>(section)];
+    }
 };
 
 struct Call {
     uint64_t line = 0;  // The first one.
     uint64_t count = 0;
+
+    void add(const LogEntry& entry);
 };
 
 // The first different lines of one kind, where they are, and how many lines there are.
@@ -78,6 +108,7 @@ struct LoadTrace {
     double lastSeconds = 0;  // Of the log, at the load's last line.
 
     const LoadEvent* find(LineId id) const;
+    uint64_t lineOf(LineId id) const;  // 0 when there is none.
     bool hasLoad() const { return !events.empty() || dump.isStarted; }
     bool isAnyKnown() const { return hasLoad() || noCodecs.count != 0; }
     bool hasGaps() const { return droppedLines != 0 || cut.count != 0 || isTooLong; }
@@ -90,10 +121,10 @@ struct LoadTrace {
 class TraceCollector {
 public:
     // The entries, in order, and then the end.
-    void add(const LogEntry& entry, uint64_t lineNumber);
+    void add(LogEntry entry);
     void end();
 
-    const std::vector<LoadTrace>& traces() const { return mTraces; }
+    const std::deque<LoadTrace>& traces() const { return mTraces; }
     bool isTooLong() const { return mIsTooLong; }
 
     // Lines that nobody could read although they have a tag or a text of the library.
@@ -102,33 +133,32 @@ public:
 private:
     // Where the lines of one process go at the moment.
     struct Process {
-        size_t trace = 0;
+        LoadTrace* trace = nullptr;
         DumpSection section = DumpSection::None;
         LoadPosition position = {};
         std::string lastTime = {};  // Of its load's last line.
-        bool wasOurs = false;       // Whether the process's last line was one of the library's.
-        std::string lastText = {};
-        std::string lastTag = {};
+        // Tag and text of the process's last line, if it was one of the library's.
+        std::optional<std::pair<std::string, std::string>> last = {};
     };
 
-    Process* processOf(const LogEntry& entry, uint64_t lineNumber);
-    bool startTrace(const LogEntry& entry, uint64_t lineNumber, Process* process);
+    Process* processOf(const LogEntry& entry);
+    bool startTrace(const LogEntry& entry, Process* process);
     void beginBuffer(std::string_view name);
     void endStretch();
-    void noteTime(const LogEntry& entry, uint64_t lineNumber);
+    void noteTime(const LogEntry& entry);
     void splitIfNewLoad(const LoadEvent& event, const LogEntry& entry, Process* process);
-    bool isOurs(const LogEntry& entry, const LogLine* row, bool isCut) const;
-    void addOurs(const LogEntry& entry, uint64_t lineNumber, uint64_t count);
-    void addLine(LoadEvent event, const LogEntry& entry, Process* process);
-    void addCall(LineId id, const LogEntry& entry, const Call& call, LoadTrace* trace);
-    void startDump(LineId first, const LogEntry& entry, uint64_t lineNumber, Process* process);
-    void addHeading(LineId id, const LogEntry& entry, uint64_t lineNumber, Process* process);
-    void addDumpEntry(const LogEntry& entry, uint64_t lineNumber, Process* process);
-    void addChatty(const LogEntry& entry, uint64_t lineNumber);
+    bool isOurs(const LogEntry& entry, const LogLine& row) const;
+    void addOurs(const LogEntry& entry);
+    void addLine(LineId id, const LogEntry& entry, Process* process);
+    void addCall(LineId id, const LogEntry& entry, LoadTrace* trace);
+    void startDump(LineId first, const LogEntry& entry, Process* process);
+    void addHeading(const DumpPart& part, const LogEntry& entry, Process* process);
+    void addDumpEntry(const LogEntry& entry, Process* process);
+    void addChatty(LogEntry entry);
     void addEvent(LoadEvent event, const LogEntry& entry, Process* process);
     bool spend(size_t bytes, LoadTrace* trace);
 
-    std::vector<LoadTrace> mTraces;
+    std::deque<LoadTrace> mTraces;
     std::map<int, Process> mProcesses;
     std::set<std::string> mBuffers;  // Which have begun.
     // Of the stretch of the log in which nobody has set the clock: its first load, its first and

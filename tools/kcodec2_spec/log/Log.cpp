@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -52,14 +53,10 @@ struct Diagnosis {
     }
     // The first error, else the first warning, else null.
     const Conclusion* worst() const {
-        for (const Severity severity : {Severity::Error, Severity::Warning}) {
-            for (const Conclusion& one : conclusions) {
-                if (one.severity == severity) {
-                    return &one;
-                }
-            }
-        }
-        return nullptr;
+        const auto worst = std::max_element(
+                conclusions.begin(), conclusions.end(),
+                [](const Conclusion& a, const Conclusion& b) { return a.severity < b.severity; });
+        return worst != conclusions.end() && worst->severity != Severity::Note ? &*worst : nullptr;
     }
 };
 
@@ -100,7 +97,7 @@ std::string summaryOf(const Diagnosis& diagnosis) {
         }
     }
     return diagnosis.trace->hasLoad() ? fmt::format("no fault in these lines: {}", text)
-                                      : fmt::format("no fault in these lines");
+                                      : "no fault in these lines";
 }
 
 std::string linesOf(const LoadTrace& trace) {
@@ -122,18 +119,15 @@ std::string ownerOf(const Diagnosis& diagnosis) {
 // The whole load in one line: whose it is, what is wrong, and what to do.
 std::string headlineOf(const Diagnosis& diagnosis) {
     const std::string who = ownerOf(diagnosis);
-    const size_t errors = diagnosis.count(Severity::Error);
-    const size_t warnings = diagnosis.count(Severity::Warning);
     const Conclusion* const worst = diagnosis.worst();
     if (worst == nullptr) {
         return fmt::format("{}: {}", who, summaryOf(diagnosis));
     }
     std::vector<std::string> counts;
-    if (errors != 0) {
-        counts.push_back(counted(errors, "error"));
-    }
-    if (warnings != 0) {
-        counts.push_back(counted(warnings, "warning"));
+    for (const Severity severity : {Severity::Error, Severity::Warning}) {
+        if (const size_t count = diagnosis.count(severity); count != 0) {
+            counts.push_back(counted(count, nameOf(severity)));
+        }
     }
     return fmt::format("{}: {}: {}: {}", who, joined(counts, ", "), worst->brief, worst->advice);
 }
@@ -402,8 +396,9 @@ struct ReadLog {
 void readLines(std::FILE* file, ReadLog* log) {
     LineReader reader(file);
     for (std::string_view line; reader.next(&line);) {
-        if (const std::optional<LogEntry> entry = log->parser.parse(line)) {
-            log->collector.add(*entry, reader.lineNumber());
+        if (std::optional<LogEntry> entry = log->parser.parse(line)) {
+            entry->line = reader.lineNumber();
+            log->collector.add(*entry);
         }
     }
     log->collector.end();
@@ -438,17 +433,15 @@ std::string whyNotUnderstood(const ReadLog& log) {
 std::vector<Diagnosis> diagnose(const TraceCollector& collector, const LogOptions& options) {
     std::vector<Diagnosis> diagnoses;
     for (const LoadTrace& trace : collector.traces()) {
-        Diagnosis diagnosis = {&trace, factsOf(trace), {}, {}};
-        std::vector<Conclusion> compared;
+        PulledComparison pulled = {factsOf(trace), {}, {}};
         if (options.hasTree && trace.isAnyKnown()) {
-            PulledComparison pulled = comparePulled(trace, options.isVariantGiven);
-            diagnosis.facts = std::move(pulled.facts);
-            diagnosis.places = std::move(pulled.places);
-            compared = std::move(pulled.conclusions);
+            pulled = comparePulled(trace, options.isVariantGiven);
         }
-        diagnosis.conclusions = conclude(trace, diagnosis.facts);
-        diagnosis.conclusions.insert(diagnosis.conclusions.end(), compared.begin(), compared.end());
-        diagnoses.push_back(std::move(diagnosis));
+        std::vector<Conclusion> conclusions = conclude(trace, pulled.facts);
+        std::move(pulled.conclusions.begin(), pulled.conclusions.end(),
+                  std::back_inserter(conclusions));
+        diagnoses.push_back({&trace, std::move(pulled.facts), std::move(conclusions),
+                             std::move(pulled.places)});
     }
     return diagnoses;
 }
@@ -503,11 +496,6 @@ int describeLog(const std::string& path, const LogOptions& options) {
             std::any_of(diagnoses.begin(), diagnoses.end(),
                         [](const Diagnosis& one) { return one.count(Severity::Error) != 0; });
     return isAnyError ? kExitFindings : kExitOk;
-}
-
-int printLogLines() {
-    printOut("{}", logLineTable());
-    return kExitOk;
 }
 
 }  // namespace kc2::tool

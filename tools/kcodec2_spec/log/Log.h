@@ -15,7 +15,4 @@ struct LogOptions {
 // Prints what the log in that file, or on standard input for "-", shows; the exit code.
 int describeLog(const std::string& path, const LogOptions& options);
 
-// Prints every line that the library writes.
-int printLogLines();
-
 }  // namespace kc2::tool

@@ -103,10 +103,6 @@ constexpr LogLine kLines[] = {
          "process's."},
 };
 
-std::string gateText(uint32_t gate) {
-    return gate == 0 ? "always" : hexadecimal(gate);
-}
-
 }  // namespace
 
 std::span<const LogLine> logLines() {
@@ -130,8 +126,9 @@ std::string logLineTable() {
             "|---|---|---|---|---|---|---|\n";
     for (const LogLine& line : kLines) {
         text += fmt::format("| `{}` | `{}` | {} | {} | {} | {} | {} |\n", line.text, line.tag,
-                            letterOf(line.priority), gateText(line.gate), line.step, line.meaning,
-                            line.advice);
+                            letterOf(line.priority),
+                            line.gate == 0 ? "always" : hexadecimal(line.gate), line.step,
+                            line.meaning, line.advice);
     }
     return text;
 }

@@ -38,18 +38,9 @@ public:
         return piece;
     }
 
-    std::optional<int> readNumber() {
-        if (mRest.starts_with('-')) {
-            return std::nullopt;  // Not left to libc++, which wraps around zero for "-0".
-        }
-        int number = 0;
-        const std::from_chars_result read =
-                std::from_chars(mRest.data(), mRest.data() + mRest.size(), number);
-        if (read.ec != std::errc()) {
-            return std::nullopt;
-        }
-        mRest.remove_prefix(static_cast<size_t>(read.ptr - mRest.data()));
-        return number;
+    std::string_view readWord() {
+        skipBlanks();
+        return readUntil(" ");
     }
 
     bool readPriority(char* priority) {
@@ -61,25 +52,25 @@ public:
         return true;
     }
 
-    // The end of a header: ": " and then the text; a text without a blank in front was cut.
-    bool readColon() {
-        if (!read(':')) {
-            return false;
-        }
-        read(' ');
-        return true;
-    }
-
 private:
     std::string_view mRest;
 };
 
-std::string_view withoutLeading(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+size_t digitsAtStartOf(std::string_view text) {
+    return std::min(text.find_first_not_of(kDigits), text.size());
 }
 
 bool isDigits(std::string_view text) {
-    return !text.empty() && text.find_first_not_of(kDigits) == std::string_view::npos;
+    return !text.empty() && digitsAtStartOf(text) == text.size();
+}
+
+// What a word of digits is; nothing for any other word, or a number that is too large.
+std::optional<int> numberOf(std::string_view word) {
+    int number = 0;
+    const bool isNumber =
+            isDigits(word) &&
+            std::from_chars(word.data(), word.data() + word.size(), number).ec == std::errc();
+    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 // Whether a word has digits at both ends and only digits and `marks` between, as "11-25" has.
@@ -98,27 +89,21 @@ std::string_view readTime(Scanner* scanner) {
     ahead.skipBlanks();
     const char* const start = ahead.rest().data();
     const std::string_view first = ahead.readUntil(" ");
-    const char* limit = first.data() + first.size();
     constexpr size_t kDaySizes[] = {5, 10};  // Without a year and with one.
     if (isDigitsWith(first, "-") &&
         (first.size() == kDaySizes[0] || first.size() == kDaySizes[1])) {
-        ahead.skipBlanks();
-        const std::string_view clock = ahead.readUntil(" ");
-        if (!isDigitsWith(clock, ":.")) {
+        if (!isDigitsWith(ahead.readWord(), ":.")) {
             return std::string_view();
         }
-        limit = clock.data() + clock.size();
     } else if (!isDigitsWith(first, ".")) {
         return std::string_view();
     }
     *scanner = ahead;
-    ahead.skipBlanks();
-    const std::string_view zone = ahead.readUntil(" ");
+    const std::string_view zone = ahead.readWord();
     if (zone.size() == 5 && (zone[0] == '+' || zone[0] == '-') && isDigits(zone.substr(1))) {
-        limit = zone.data() + zone.size();
         *scanner = ahead;
     }
-    return {start, static_cast<size_t>(limit - start)};
+    return {start, static_cast<size_t>(scanner->rest().data() - start)};
 }
 
 // "  123", " 1046:  123", "media:  123:  124": the numbers, the user's may be a name.
@@ -131,14 +116,12 @@ Ids idsIn(std::string_view text) {
     Ids ids;
     while (!text.empty() && ids.count < 3) {
         const size_t end = std::min(text.find(':'), text.size());
-        ids.words[ids.count++] = withoutTrailing(withoutLeading(text.substr(0, end)), ' ');
+        Scanner word(withoutTrailing(text.substr(0, end), ' '));
+        word.skipBlanks();
+        ids.words[ids.count++] = word.rest();
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return ids;
-}
-
-std::optional<int> processOf(std::string_view word) {
-    return isDigits(word) ? Scanner(word).readNumber() : std::nullopt;
 }
 
 // "(  123)", or "( media:  123)" with the user in front, or "(  123:0x7b)" with the thread.
@@ -151,7 +134,17 @@ std::optional<int> readProcessInBrackets(Scanner* scanner) {
         return std::nullopt;
     }
     const bool hasThread = ids.words[ids.count - 1].starts_with("0x");
-    return processOf(ids.words[ids.count - (hasThread && ids.count > 1 ? 2 : 1)]);
+    return numberOf(ids.words[ids.count - (hasThread && ids.count > 1 ? 2 : 1)]);
+}
+
+// The end of a header: ": " and then the text; a text without a blank in front was cut.
+std::optional<LogEntry> withText(LogEntry entry, Scanner scanner) {
+    if (!scanner.read(':')) {
+        return std::nullopt;
+    }
+    scanner.read(' ');
+    entry.text = scanner.rest();
+    return entry;
 }
 
 // brief and time: "E/Tag     (  123): text"; tag: "E/Tag     : text".
@@ -161,14 +154,8 @@ std::optional<LogEntry> parseSlashed(Scanner scanner, std::string_view time) {
         return std::nullopt;
     }
     entry.tag = withoutTrailing(scanner.readUntil("(:"), ' ');
-    if (const std::optional<int> process = readProcessInBrackets(&scanner)) {
-        entry.process = *process;
-    }
-    if (!scanner.readColon()) {
-        return std::nullopt;
-    }
-    entry.text = scanner.rest();
-    return entry;
+    entry.process = readProcessInBrackets(&scanner).value_or(-1);
+    return withText(entry, scanner);
 }
 
 // process and thread: "E(  123) text  (Tag)", "E(  123:  124) text"; either may have the user in
@@ -192,42 +179,49 @@ std::optional<LogEntry> parseProcess(Scanner scanner) {
         entry.text = entry.text.substr(0, bracket);
     }
     const size_t before = hasTag || ids.count == 1 ? 1 : 2;
-    const std::optional<int> process = processOf(ids.words[ids.count - before]);
-    entry.process = process.value_or(-1);
-    return process ? std::optional(entry) : std::nullopt;
+    entry.process = numberOf(ids.words[ids.count - before]).value_or(-1);
+    return entry.process >= 0 ? std::optional(entry) : std::nullopt;
 }
 
 // threadtime: "11-25 08:11:21.123   123   124 E Tag     : text"; the user may be in front.
 std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) {
-    std::string_view words[3];
-    size_t count = 0;
-    for (std::string_view& word : words) {
-        Scanner ahead = scanner;
-        ahead.skipBlanks();
-        const std::string_view next = ahead.readUntil(" ");
-        if (count >= 2 && !isDigits(next)) {
-            break;
-        }
-        word = next;
+    std::string_view process = scanner.readWord();
+    std::string_view thread = scanner.readWord();
+    Scanner ahead = scanner;
+    if (const std::string_view third = ahead.readWord(); isDigits(third)) {
+        process = thread;
+        thread = third;
         scanner = ahead;
-        ++count;
     }
-    if (time.empty() || count < 2) {
-        return std::nullopt;
-    }
-    const std::optional<int> process = processOf(words[count - 2]);
     scanner.skipBlanks();
-    LogEntry entry = {.time = time};
-    if (!process || !isDigits(words[count - 1]) || !scanner.readPriority(&entry.priority) ||
-        !scanner.read(' ')) {
+    LogEntry entry = {.time = time, .process = numberOf(process).value_or(-1)};
+    if (time.empty() || entry.process < 0 || !isDigits(thread) ||
+        !scanner.readPriority(&entry.priority) || !scanner.read(' ')) {
         return std::nullopt;
     }
-    entry.process = *process;
     entry.tag = withoutTrailing(scanner.readUntil(":"), ' ');
-    if (!scanner.readColon()) {
+    return withText(entry, scanner);
+}
+
+// long: "[ 11-25 08:11:21.123   123:  124 E/Tag      ]", and then the text on separate lines.
+std::optional<LogEntry> parseLong(std::string_view header) {
+    if (!header.starts_with("[ ") || !header.ends_with(']')) {
         return std::nullopt;
     }
-    entry.text = scanner.rest();
+    Scanner scanner(header.substr(2, header.size() - 3));
+    LogEntry entry = {.time = readTime(&scanner)};
+    const std::string_view rest = scanner.rest();
+    const size_t slash = rest.find('/');
+    if (entry.time.empty() || slash == 0 || slash == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const Ids ids = idsIn(rest.substr(0, slash - 1));
+    if (ids.count < 2) {
+        return std::nullopt;
+    }
+    entry.process = numberOf(ids.words[ids.count - 2]).value_or(-1);
+    entry.priority = rest[slash - 1];
+    entry.tag = withoutTrailing(rest.substr(slash + 1), ' ');
     return entry;
 }
 
@@ -236,12 +230,13 @@ std::optional<LogEntry> parseThreadtime(Scanner scanner, std::string_view time) 
 std::optional<LogEntry> parseIde(Scanner scanner, std::string_view time) {
     scanner.skipBlanks();
     const std::string_view ids = scanner.readUntil(" /");
-    const std::optional<int> process = processOf(ids.substr(0, ids.find('-')));
-    if (time.empty() || !process ||
-        (ids.find('-') == std::string_view::npos && !scanner.rest().starts_with("/"))) {
+    const size_t dash = ids.find('-');
+    const std::optional<int> process = numberOf(ids.substr(0, dash));
+    const bool isOlder = scanner.read('/');
+    if (time.empty() || !process || (dash == std::string_view::npos && !isOlder)) {
         return std::nullopt;
     }
-    if (scanner.read('/')) {
+    if (isOlder) {
         scanner.readUntil(" ");
         scanner.skipBlanks();
         std::optional<LogEntry> entry = parseSlashed(scanner, time);
@@ -267,51 +262,40 @@ std::optional<LogEntry> parseIde(Scanner scanner, std::string_view time) {
 
 // Escape sequences that colour a line in a terminal are at its ends.
 std::string_view withoutColours(std::string_view line) {
-    while (line.substr(0, 2) == "\033[" && line.find('m') != std::string_view::npos) {
+    while (line.starts_with("\033[") && line.find('m') != std::string_view::npos) {
         line.remove_prefix(line.find('m') + 1);
     }
-    while (!line.empty() && (line.back() == '\r' || line.substr(line.size() - 1) == "\n")) {
+    while (line.ends_with('\r') || line.ends_with('\n')) {
         line.remove_suffix(1);
     }
     constexpr std::string_view kReset = "\033[0m";
     return line.ends_with(kReset) ? line.substr(0, line.size() - kReset.size()) : line;
 }
 
-// How much of `line` looks like `shape`, in which 0 is any number; nothing when it does not.
-std::optional<size_t> lengthOf(std::string_view shape, std::string_view line) {
-    size_t at = 0;
-    for (const char c : shape) {
-        const size_t start = at;
-        while (c == '0' && at < line.size() && isDigit(line[at])) {
-            ++at;
-        }
-        at += c != '0' && at < line.size() && line[at] == c ? 1 : 0;
-        if (at == start) {
+// `line` after a prefix like this one, in which a number may be any other; nothing where it has
+// none.
+std::optional<std::string_view> withoutPrefix(std::string_view prefix, std::string_view line) {
+    while (!prefix.empty()) {
+        const size_t digits = digitsAtStartOf(prefix);
+        const size_t size = digits != 0 ? digitsAtStartOf(line) : line.starts_with(prefix[0]);
+        if (size == 0) {
             return std::nullopt;
         }
+        prefix.remove_prefix(std::max(digits, size_t{1}));
+        line.remove_prefix(size);
     }
-    return at;
-}
-
-std::string shapeOf(std::string_view prefix) {
-    std::string shape;
-    for (const char c : prefix) {
-        const bool isMore = isDigit(c) && !shape.empty() && shape.back() == '0';
-        shape += isMore ? "" : std::string(1, isDigit(c) ? '0' : c);
-    }
-    return shape;
+    return line;
 }
 
 // "11-25 08:11:21.123", with a year in front of it or not, as seconds of a year; or seconds.
 std::optional<double> secondsOf(std::string_view time) {
     int parts[7] = {};
     size_t count = 0;
-    const size_t zone = time.find_first_of("+", 1);
-    std::string_view rest = time.substr(0, zone);
+    std::string_view rest = time.substr(0, time.find('+', 1));  // Without the zone.
     double fraction = 0;
     while (!rest.empty() && count < 7) {
-        const size_t digits = std::min(rest.find_first_not_of(kDigits), rest.size());
-        const std::optional<int> number = Scanner(rest.substr(0, digits)).readNumber();
+        const size_t digits = digitsAtStartOf(rest);
+        const std::optional<int> number = numberOf(rest.substr(0, digits));
         if (!number) {
             return std::nullopt;
         }
@@ -351,41 +335,19 @@ std::optional<double> secondsBetween(std::string_view earlier, std::string_view 
     return isNewYear ? between + year : between;
 }
 
-// "[ 11-25 08:11:21.123   123:  124 E/Tag      ]", and then the text on separate lines.
-bool LogcatParser::readLongHeader(std::string_view line) {
-    if (line.size() < 4 || line.substr(0, 2) != "[ " || line.back() != ']') {
-        return false;
-    }
-    Scanner scanner(line.substr(2, line.size() - 3));
-    const std::string_view time = readTime(&scanner);
-    const size_t slash = scanner.rest().find('/');
-    if (time.empty() || slash == 0 || slash == std::string_view::npos) {
-        return false;
-    }
-    const Ids ids = idsIn(scanner.rest().substr(0, slash - 1));
-    if (ids.count < 2) {
-        return false;
-    }
-    mLongProcess = processOf(ids.words[ids.count - 2]).value_or(-1);
-    mLongPriority = scanner.rest()[slash - 1];
-    mLongTag = withoutTrailing(scanner.rest().substr(slash + 1), ' ');
-    mLongTime = time;
-    mIsInLong = true;
-    return true;
-}
-
 // A line that says itself what it is.
 std::optional<LogEntry> LogcatParser::parseKnown(std::string_view line) {
-    if (readLongHeader(line)) {
+    if (parseLong(line)) {
+        mLongHeader = line;
         return LogEntry();
     }
     constexpr std::string_view kBeginning = "--------- beginning of ";
     if (line.starts_with("--------- ")) {
-        mIsInLong = false;
+        mLongHeader.clear();
         return LogEntry{.buffer = line.starts_with(kBeginning) ? line.substr(kBeginning.size())
                                                                : std::string_view()};
     }
-    if (mIsInLong) {
+    if (!mLongHeader.empty()) {
         return std::nullopt;
     }
     Scanner scanner(line);
@@ -420,7 +382,7 @@ std::optional<LogEntry> LogcatParser::parseAfterPrefix(std::string_view line) {
     for (size_t at = 1; at < std::min(line.size(), kLongestPrefix); ++at) {
         const auto entry = mayBeHeader(line, at) ? parseKnown(line.substr(at)) : std::nullopt;
         if (entry) {
-            mPrefixShape = shapeOf(line.substr(0, at));
+            mPrefix = line.substr(0, at);
             return entry;
         }
     }
@@ -430,18 +392,19 @@ std::optional<LogEntry> LogcatParser::parseAfterPrefix(std::string_view line) {
 std::optional<LogEntry> LogcatParser::parse(std::string_view line) {
     line = withoutColours(line);
     std::optional<LogEntry> entry = parseKnown(line);
-    if (!entry && !mPrefixShape.empty()) {
-        if (const std::optional<size_t> length = lengthOf(mPrefixShape, line)) {
-            line.remove_prefix(*length);
+    if (!entry && !mPrefix.empty()) {
+        if (const std::optional<std::string_view> rest = withoutPrefix(mPrefix, line)) {
+            line = *rest;
             entry = parseKnown(line);
         }
     }
     if (line.empty()) {
-        mIsInLong = false;
+        mLongHeader.clear();
         return std::nullopt;
     }
-    if (!entry && mIsInLong) {
-        entry = LogEntry{mLongTime, mLongPriority, mLongProcess, mLongTag, line};
+    if (!entry && !mLongHeader.empty()) {
+        entry = parseLong(mLongHeader);
+        entry->text = line;
     } else if (!entry) {
         entry = parseAfterPrefix(line);
     }

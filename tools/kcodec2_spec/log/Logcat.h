@@ -16,6 +16,8 @@ struct LogEntry {
     std::string_view tag = {};   // Empty when the format has none.
     std::string_view text = {};
     std::string_view buffer = {};  // Which buffer begins here: nothing else is in the entry then.
+    uint64_t line = 0;             // Of the log. The parser does not know it.
+    uint64_t count = 1;            // How many such lines the device has written as one.
 };
 
 // Reads the lines of one log in order: in the long format the header has its own line.
@@ -32,14 +34,9 @@ public:
 private:
     std::optional<LogEntry> parseKnown(std::string_view line);
     std::optional<LogEntry> parseAfterPrefix(std::string_view line);
-    bool readLongHeader(std::string_view line);
 
-    bool mIsInLong = false;
-    std::string mLongTime;
-    std::string mLongTag;
-    char mLongPriority = '\0';
-    int mLongProcess = -1;
-    std::string mPrefixShape;  // Of what precedes each line, digits as 0.
+    std::string mLongHeader;  // Of the entry that the line is in; empty outside the long format.
+    std::string mPrefix;      // What precedes each line, with any numbers.
     uint64_t mKnownLines = 0;
     uint64_t mRawLines = 0;
 };

@@ -53,7 +53,7 @@ LoadTrace traceOf(const Work& work) {
         std::string_view rest = std::string_view(text).substr(0, kMostTextBytes);
         for (bool isMore = true; isMore;) {
             const size_t end = rest.find('\n');
-            collector.add({.process = 0, .tag = tag, .text = rest.substr(0, end)}, 1);
+            collector.add({.process = 0, .tag = tag, .text = rest.substr(0, end), .line = 1});
             isMore = end != std::string_view::npos;
             rest.remove_prefix(isMore ? end + 1 : rest.size());
         }
@@ -62,21 +62,6 @@ LoadTrace traceOf(const Work& work) {
     muteLog();
     return collector.traces().empty() ? LoadTrace() : collector.traces().front();
 }
-
-// The parts of a dump, and the sections that they show.
-struct DumpPart {
-    DumpSection section;
-    const char* const* key;
-    bool isInOrder;
-};
-
-constexpr DumpPart kDumpParts[] = {
-        {DumpSection::Features, &targetSpecFeatures, false},
-        {DumpSection::Presets, &targetSpecPresets, false},
-        {DumpSection::Filters, &targetSpecPreProcessingFilters, true},
-        {DumpSection::Plugins, &targetSpecCodecPlugins, true},
-        {DumpSection::Codecs, &targetSpecSupportedCodecs, false},
-};
 
 // One document of the tree: what the library logs of it, and where its values are.
 class PulledDocument {
@@ -101,13 +86,8 @@ public:
     // The place of the value that the library logs this line about, empty when it is not known;
     // nothing when the library does not log the line (once more).
     std::optional<std::string> takeLine(const LoadEvent& event) {
-        const auto found = mLines.find(keyOf(event));
-        if (found == mLines.end()) {
-            return std::nullopt;
-        }
-        std::string place = std::move(found->second);
-        mLines.erase(found);
-        return place;
+        const auto line = mLines.extract(keyOf(event));
+        return line ? std::optional(std::move(line.mapped())) : std::nullopt;
     }
 
     // What the library logs of the document and the log did not have.
@@ -171,14 +151,12 @@ private:
         size_t filters = 0;
         for (const LoadEvent& event : mTrace.events) {
             for (uint64_t n = 0; isOfValue(event) && n < event.count; ++n) {
-                const auto value = skipped.find({event.value, event.reason});
                 std::string place;
                 if (event.id == LineId::EncoderFilter) {
                     place = placeIn(targetSpecSupportedEncPostProcessingFilters,
                                     fmt::format("{}", filters++));
-                } else if (value != skipped.end()) {
-                    place = placeOf(value->second);
-                    skipped.erase(value);
+                } else if (const auto value = skipped.extract({event.value, event.reason})) {
+                    place = placeOf(value.mapped());
                 }
                 mLines.emplace(keyOf(event), std::move(place));
             }
@@ -202,7 +180,8 @@ public:
         const std::string path = mTrace.firstPath();
         mIsOtherPath = !path.empty() && path != mLoad.firstPath;
         const bool isSpecDecided = isSpecKnown && !mIsOtherPath && mLoad.hasSystemSpec() &&
-                                   !mLoad.systemSpec->isPipe && (isFirst() || isTriedNext);
+                                   !mLoad.systemSpec->isPipe &&
+                                   (mLoad.hasFirstDocument() || isTriedNext);
         TargetSpec store;
         if (isSpecDecided) {
             LoadTrace step = traceOf([&] {
@@ -240,18 +219,13 @@ public:
     }
 
 private:
-    // Whether the tree has the document that the variant selects.
-    bool isFirst() const {
-        return mLoad.hasSystemSpec() && mLoad.systemSpec->path == mLoad.firstPath;
-    }
-
     // A file in the tree decides; one that is not there may not have been pulled.
     TreeFacts treeFacts() const {
         TreeFacts facts;
         if (mSystemSpec != nullptr) {
             std::fill(std::begin(facts.limits.canOpen), std::end(facts.limits.canOpen), false);
-            facts.limits.canOpen[static_cast<size_t>(isFirst() ? SpecSource::Variant
-                                                               : SpecSource::Fallback)] = true;
+            facts.limits.canOpen[static_cast<size_t>(
+                    mLoad.hasFirstDocument() ? SpecSource::Variant : SpecSource::Fallback)] = true;
             facts.limits.canAccept = mLoad.systemSpec->isAccepted;
             facts.limits.canReject = !mLoad.systemSpec->isAccepted;
         }
@@ -276,13 +250,13 @@ private:
         const bool isSeeded =
                 std::any_of(std::begin(kChipDocuments), std::end(kChipDocuments),
                             [&](const ChipDocument& chip) { return file.text == chip.text; });
-        return file.isAccepted ? state == "valid" || (isSeeded && outcome.isSeeding)
+        return file.isAccepted ? state == "valid" || (isSeeded && outcome.isSeeding())
                                : state == "not a valid document";
     }
 
     void contradict(std::string text, std::vector<uint64_t> lines = {}) {
         constexpr size_t kMost = 20;  // More of them say nothing more.
-        lines.erase(std::remove(lines.begin(), lines.end(), uint64_t{0}), lines.end());
+        std::erase(lines, 0);
         if (++mContradictions <= kMost) {
             mResult.conclusions.push_back(
                     {Severity::Error, "contradiction", "log and tree contradict each other",
@@ -290,11 +264,6 @@ private:
                      "pull the documents of this phone again, and check that the variant is right",
                      std::move(lines), "the log and the tree contradict each other"});
         }
-    }
-
-    uint64_t lineOf(LineId id) const {
-        const LoadEvent* const event = mTrace.find(id);
-        return event != nullptr ? event->line : 0;
     }
 
     // What the lines prove about the two steps, and the documents disprove.
@@ -307,11 +276,11 @@ private:
                 contradict(fmt::format("no system spec document opens on the phone, but the tree "
                                        "has {}",
                                        path),
-                           {lineOf(LineId::NothingOpened)});
-            } else if (isFirst() && !log.isOpen(SpecSource::Variant)) {
+                           {mTrace.lineOf(LineId::NothingOpened)});
+            } else if (mLoad.hasFirstDocument() && !log.isOpen(SpecSource::Variant)) {
                 contradict(fmt::format("{} does not open on the phone, but in the tree it does",
                                        mLoad.firstPath),
-                           {lineOf(LineId::OpenFailed)});
+                           {mTrace.lineOf(LineId::OpenFailed)});
             }
             contradictRejection(*mSystemSpec, Which::SystemSpec, log.loads.canAccept,
                                 log.loads.canReject);
@@ -379,7 +348,7 @@ private:
                        {mTrace.firstLine});
         }
         std::vector<std::string> compared;
-        for (const PulledDocument* const document : documents()) {
+        for (const PulledDocument* const document : documentsFor(Which::Either)) {
             compared.push_back(document->path());
         }
         std::string text = fmt::format("compared with: {}",
@@ -402,10 +371,12 @@ private:
         mResult.conclusions.push_back({Severity::Note, "tree", "", text, joined(pulls, "; ")});
     }
 
-    // Those of the tree that decide.
-    std::vector<PulledDocument*> documents() const {
-        std::vector<PulledDocument*> documents = {mSystemSpec.get(), mPrivateFile.get()};
-        documents.erase(std::remove(documents.begin(), documents.end(), nullptr), documents.end());
+    // Those of the tree that decide, and may be the one that a line is about.
+    std::vector<PulledDocument*> documentsFor(Which which) const {
+        std::vector<PulledDocument*> documents = {
+                which != Which::Overlay ? mSystemSpec.get() : nullptr,
+                which != Which::SystemSpec ? mPrivateFile.get() : nullptr};
+        std::erase(documents, nullptr);
         return documents;
     }
 
@@ -414,19 +385,16 @@ private:
         if (event.id == LineId::StreamRejected) {
             placeRejection(i);
         }
-        if (!isOfValue(event) || event.document.find("built-in") != std::string::npos) {
+        if (!isOfValue(event) || event.names("built-in")) {
             return;
         }
         const Which which = whichOf(mTrace, mLogFacts, i);
-        PulledDocument* const spec = which != Which::Overlay ? mSystemSpec.get() : nullptr;
-        PulledDocument* const file = which != Which::SystemSpec ? mPrivateFile.get() : nullptr;
-        const bool isComplete = (which == Which::Overlay || spec != nullptr) &&
-                                (which == Which::SystemSpec || file != nullptr);
+        const std::vector<PulledDocument*> documents = documentsFor(which);
+        const bool isComplete = documents.size() == (which == Which::Either ? 2 : 1);
         for (uint64_t n = 0; n < event.count; ++n) {
-            std::optional<std::string> place =
-                    spec != nullptr ? spec->takeLine(event) : std::nullopt;
-            if (!place && file != nullptr) {
-                place = file->takeLine(event);
+            std::optional<std::string> place;
+            for (PulledDocument* const document : documents) {
+                place = place ? place : document->takeLine(event);
             }
             if (!place && isComplete) {
                 contradict(fmt::format("the library does not log \"{}\" for the documents in the "
@@ -444,10 +412,9 @@ private:
     }
 
     void placeRejection(size_t i) {
-        for (const auto& [document, which] : {std::pair(mSystemSpec.get(), Which::SystemSpec),
-                                              std::pair(mPrivateFile.get(), Which::Overlay)}) {
-            const Which of = mResult.facts.loads.of[i];
-            if (document != nullptr && of == which && !document->document().isAccepted) {
+        const Which which = mResult.facts.loads.of[i];
+        for (const PulledDocument* const document : documentsFor(which)) {
+            if (which != Which::Either && !document->document().isAccepted) {
                 mResult.places.push_back(
                         {mTrace.events[i].line, textOf(mTrace.events[i]), document->whyRejected()});
             }
@@ -498,30 +465,26 @@ private:
 
     // Where the phone has rejected the document, its dump says nothing about the tree's.
     void compareDump() {
-        const Dump& logged = mTrace.dump;
+        Dump logged = mTrace.dump;
         if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty() ||
             (mSystemSpec->document().isAccepted && !mLogFacts.loads.canAccept)) {
             return;
         }
         const Dump& expected = mSystemSpec->dump();
+        if (!logged.hasCodecsHeading) {  // The codec components are among the plug-ins.
+            std::vector<DumpedValue>& plugins = logged.of(DumpSection::Plugins);
+            const size_t count = std::min(plugins.size(), expected.of(DumpSection::Plugins).size());
+            const auto first = plugins.begin() + static_cast<std::ptrdiff_t>(count);
+            logged.of(DumpSection::Codecs).assign(first, plugins.end());
+            plugins.erase(first, plugins.end());
+        }
         for (const DumpPart& part : kDumpParts) {
-            std::vector<DumpedValue> values = logged.of(part.section);
-            // Without their heading the codec components are among the plug-ins.
-            const std::vector<DumpedValue>& plugins = logged.of(DumpSection::Plugins);
-            const auto first = plugins.begin() +
-                               static_cast<std::ptrdiff_t>(std::min(
-                                       plugins.size(), expected.of(DumpSection::Plugins).size()));
-            if (!logged.hasCodecsHeading && part.section == DumpSection::Plugins) {
-                values.assign(plugins.begin(), first);
-            } else if (!logged.hasCodecsHeading && part.section == DumpSection::Codecs) {
-                values.assign(first, plugins.end());
-            }
-            compareValues(values, expected.of(part.section), part);
+            compareValues(logged.of(part.section), expected.of(part.section), part);
         }
     }
 
     void compareCodecs() {
-        for (const PulledDocument* const document : documents()) {
+        for (const PulledDocument* const document : documentsFor(Which::Either)) {
             if (mTrace.noCodecs.count != 0 &&
                 !document->document().content.supportedCodecs.empty()) {
                 contradict(fmt::format("no document that the phone merged names a codec component, "
@@ -537,7 +500,7 @@ private:
         if (!isWhole() || mTrace.lineBefore == 0) {
             return;
         }
-        for (const PulledDocument* const document : documents()) {
+        for (const PulledDocument* const document : documentsFor(Which::Either)) {
             for (const auto& [key, place] : document->lines()) {
                 const auto& [id, value, reason] = key;
                 if (id != LineId::EncoderFilter || mTrace.find(id) != nullptr) {

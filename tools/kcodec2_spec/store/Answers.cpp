@@ -57,15 +57,8 @@ public:
 
     // A row that is in one store only is noticed where that store returns the row's bit rate, and
     // the other store another one. A row that replaces a part of such a row belongs to it.
-    bool bitRateDiffers(const SectionChanges& section, const Change& change) {
-        if (!mAreRatesCompared) {
-            mAreRatesCompared = true;
-            compareBitRates(section);
-        }
-        if (mIsTooLong) {
-            return true;
-        }
-        return returnsRateOf(change, true) ||
+    bool bitRateDiffers(const Change& change) const {
+        return mBitRates.empty() || returnsRateOf(change, true) ||
                (returnsRateOf(change, false) &&
                 std::any_of(mNoticed.begin(), mNoticed.end(), [&](const Change& other) {
                     return (other.before == nullptr) != (change.before == nullptr) &&
@@ -73,35 +66,26 @@ public:
                 }));
     }
 
-    bool isTableTooLong() const { return mIsTooLong; }
+    // Asks both stores at every bound, before bitRateDiffers(). False, and asks nothing, where that
+    // takes too long: a query goes through the rows, and a hostile document has many.
+    bool compareBitRates(const std::vector<Change>& changes) {
+        constexpr size_t kMostSteps = 100'000'000;
+        const RateRows& before = rowsOf(mBefore);
+        const RateRows& after = rowsOf(mAfter);
+        const std::vector<uint32_t> bounds = boundsOf(before, after);
+        if (bounds.size() > kMostSteps / (before.size() + after.size() + 1)) {
+            return false;
+        }
+        for (unsigned int value : bounds) {
+            mBitRates.push_back({value, mBefore.getNimbraModeBitRateValue(&value),
+                                 mAfter.getNimbraModeBitRateValue(&value)});
+        }
+        std::copy_if(changes.begin(), changes.end(), std::back_inserter(mNoticed),
+                     [this](const Change& change) { return returnsRateOf(change, true); });
+        return true;
+    }
 
 private:
-    const NimbraBitRateEntry& rowOf(const Change& change) const {
-        return change.before != nullptr ? rowsOf(mBefore)[change.indexBefore]
-                                        : rowsOf(mAfter)[change.indexAfter];
-    }
-
-    static bool haveCommonValues(const NimbraBitRateEntry& a, const NimbraBitRateEntry& b) {
-        return std::max(a.low, b.low) < std::min(a.high, b.high);
-    }
-
-    // Whether the store that has the row returns its bit rate for a value in it; where wanted, only
-    // for values for which the other store returns another one.
-    bool returnsRateOf(const Change& change, bool mustDiffer) const {
-        const NimbraBitRateEntry& row = rowOf(change);
-        const bool isRemoved = change.before != nullptr;
-        const auto first = std::lower_bound(
-                mBitRates.begin(), mBitRates.end(), row.low,
-                [](const BitRates& rates, uint32_t low) { return rates.from < low; });
-        const auto limit = std::lower_bound(
-                first, mBitRates.end(), std::max(row.low, row.high),
-                [](const BitRates& rates, uint32_t high) { return rates.from < high; });
-        return std::any_of(first, limit, [&](const BitRates& rates) {
-            return (isRemoved ? rates.before : rates.after) == row.bitRate &&
-                   (!mustDiffer || rates.before != rates.after);
-        });
-    }
-
     // What both return from this value on, up to the next bound.
     struct BitRates {
         uint32_t from;
@@ -117,29 +101,33 @@ private:
         return TargetSpecInspector::nimbraModeBitRateTable(store);
     }
 
-    // Asks both stores at every bound. Not where that takes too long: a query goes through the
-    // rows, and a hostile document has many.
-    void compareBitRates(const SectionChanges& section) {
-        constexpr size_t kMostSteps = 100'000'000;
-        const RateRows& before = rowsOf(mBefore);
-        const RateRows& after = rowsOf(mAfter);
-        const std::vector<uint32_t> bounds = boundsOf(before, after);
-        mIsTooLong = bounds.size() > kMostSteps / (before.size() + after.size() + 1);
-        if (mIsTooLong) {
-            return;
-        }
-        for (unsigned int value : bounds) {
-            mBitRates.push_back({value, mBefore.getNimbraModeBitRateValue(&value),
-                                 mAfter.getNimbraModeBitRateValue(&value)});
-        }
-        std::copy_if(section.changes.begin(), section.changes.end(), std::back_inserter(mNoticed),
-                     [this](const Change& change) { return returnsRateOf(change, true); });
+    const NimbraBitRateEntry& rowOf(const Change& change) const {
+        return change.before != nullptr ? rowsOf(mBefore)[change.indexBefore]
+                                        : rowsOf(mAfter)[change.indexAfter];
+    }
+
+    static bool haveCommonValues(const NimbraBitRateEntry& a, const NimbraBitRateEntry& b) {
+        return std::max(a.low, b.low) < std::min(a.high, b.high);
+    }
+
+    // Whether the store that has the row returns its bit rate for a value in it; where wanted, only
+    // for values for which the other store returns another one.
+    bool returnsRateOf(const Change& change, bool mustDiffer) const {
+        const NimbraBitRateEntry& row = rowOf(change);
+        const auto isBelow = [](const BitRates& rates, uint32_t value) {
+            return rates.from < value;
+        };
+        const auto first = std::lower_bound(mBitRates.begin(), mBitRates.end(), row.low, isBelow);
+        const auto limit =
+                std::lower_bound(first, mBitRates.end(), std::max(row.low, row.high), isBelow);
+        return std::any_of(first, limit, [&](const BitRates& rates) {
+            return (change.before != nullptr ? rates.before : rates.after) == row.bitRate &&
+                   (!mustDiffer || rates.before != rates.after);
+        });
     }
 
     TargetSpec& mBefore;
     TargetSpec& mAfter;
-    bool mAreRatesCompared = false;
-    bool mIsTooLong = false;
     std::vector<BitRates> mBitRates;
     std::vector<Change> mNoticed;  // Of the rows.
 };
@@ -148,31 +136,15 @@ private:
 // sets, so a component notices every difference in them.
 struct QueryRow {
     const char* const* key;
-    bool (*differs)(Questions& both, const SectionChanges& section, const Change& change);
+    bool (Questions::*differs)(const Change& change) const;
 };
 
 constexpr QueryRow kQueryRows[] = {
-        {&targetSpecFeatures, [](Questions& both, const SectionChanges&,
-                                 const Change& change) { return both.featureDiffers(change); }},
-        {&targetSpecPresets, [](Questions& both, const SectionChanges&,
-                                const Change& change) { return both.presetDiffers(change); }},
-        {&targetSpecPerfResourceValues,
-         [](Questions& both, const SectionChanges&, const Change& change) {
-             return both.perfWordsDiffer(change);
-         }},
-        {&targetSpecNimbraModeBitRate,
-         [](Questions& both, const SectionChanges& section, const Change& change) {
-             return both.bitRateDiffers(section, change);
-         }},
+        {&targetSpecFeatures, &Questions::featureDiffers},
+        {&targetSpecPresets, &Questions::presetDiffers},
+        {&targetSpecPerfResourceValues, &Questions::perfWordsDiffer},
+        {&targetSpecNimbraModeBitRate, &Questions::bitRateDiffers},
 };
-
-const QueryRow* queryRowOf(const SnapshotSection& section) {
-    const auto row = std::find_if(std::begin(kQueryRows), std::end(kQueryRows),
-                                  [&section](const QueryRow& one) {
-                                      return section.key == textOfSection(*one.key)->jsonKey;
-                                  });
-    return row != std::end(kQueryRows) ? row : nullptr;
-}
 
 }  // namespace
 
@@ -183,9 +155,16 @@ AnsweredDifferences askBoth(TargetSpec& before, TargetSpec& after,
     for (const SectionChanges& section : differences) {
         SectionChanges seen = {section.before, section.after, {}};
         SectionChanges unseen = seen;
-        const QueryRow* const query = queryRowOf(*section.after);
+        const QueryRow* const query =
+                std::find_if(std::begin(kQueryRows), std::end(kQueryRows), [&](const auto& row) {
+                    return section.after->key == textOfSection(*row.key)->jsonKey;
+                });
+        const bool isAsked = query != std::end(kQueryRows);
+        if (isAsked && query->differs == &Questions::bitRateDiffers) {
+            answered.isTableTooLong = !questions.compareBitRates(section.changes);
+        }
         for (const Change& change : section.changes) {
-            const bool isSeen = query == nullptr || query->differs(questions, section, change);
+            const bool isSeen = !isAsked || (questions.*query->differs)(change);
             (isSeen ? seen : unseen).changes.push_back(change);
         }
         if (!seen.changes.empty()) {
@@ -195,7 +174,6 @@ AnsweredDifferences askBoth(TargetSpec& before, TargetSpec& after,
             answered.unseen.push_back(std::move(unseen));
         }
     }
-    answered.isTableTooLong = questions.isTableTooLong();
     return answered;
 }
 

@@ -12,7 +12,6 @@
 #include <optional>
 #include <utility>
 
-#include "base/Spelling.h"
 #include "device/BaseLibrary.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
@@ -24,8 +23,8 @@ namespace kc2::tool {
 
 namespace {
 
-DocumentId nameOf(std::string origin, const std::string& devicePath) {
-    return {std::move(origin), devicePath, localPath(devicePath)};
+DocumentId systemSpecAt(const std::string& devicePath) {
+    return {"system spec", devicePath, localPath(devicePath)};
 }
 
 // The path of the system spec document that a load would open, where that is a pipe. A load waits
@@ -44,12 +43,9 @@ std::optional<std::string> pipeAsSystemSpec(const std::string& firstPath) {
     return std::nullopt;
 }
 
-constexpr char kSystemSpecOrigin[] = "system spec";
-
 std::unique_ptr<Document> unreadPipe(const std::string& path) {
-    auto document =
-            Document::unreadable(nameOf(kSystemSpecOrigin, path),
-                                 "a pipe: a load waits here until something is written into it");
+    auto document = Document::unreadable(
+            systemSpecAt(path), "a pipe: a load waits here until something is written into it");
     document->isPipe = true;
     return document;
 }
@@ -60,7 +56,7 @@ std::unique_ptr<Document> openedSystemSpec(const std::string& firstPath) {
     }
     std::ifstream stream;
     const std::optional<std::string> path = openSystemSpec(stream);
-    return path ? readDocumentStream(nameOf(kSystemSpecOrigin, *path), stream) : nullptr;
+    return path ? readDocumentStream(systemSpecAt(*path), stream) : nullptr;
 }
 
 }  // namespace
@@ -93,10 +89,10 @@ std::unique_ptr<Document> readFallback() {
         return unreadPipe(kFallbackSystemSpec);
     }
     std::ifstream stream(localPath(kFallbackSystemSpec));
+    const int error = errno;
     return stream.is_open()
-                   ? readDocumentStream(nameOf(kSystemSpecOrigin, kFallbackSystemSpec), stream)
-                   : Document::unreadable(nameOf(kSystemSpecOrigin, kFallbackSystemSpec),
-                                          std::strerror(errno));
+                   ? readDocumentStream(systemSpecAt(kFallbackSystemSpec), stream)
+                   : Document::unreadable(systemSpecAt(kFallbackSystemSpec), std::strerror(error));
 }
 
 std::unique_ptr<Document> readBuiltIn(const ChipDocument& chip) {
@@ -116,7 +112,8 @@ Load readLoad() {
     load.isSeeded = openPrivateConfig(privateFile, isTestToolInstalled());
     load.isPrivateFileOpen = privateFile.is_open();
     load.overlay = privateFile.fail() ? readBuiltIn(*load.chip)
-                                      : readDocumentStream(nameOf("private file", kPrivateConfig),
+                                      : readDocumentStream({"private file", kPrivateConfig,
+                                                            localPath(kPrivateConfig)},
                                                            privateFile);
     return load;
 }
@@ -126,13 +123,13 @@ std::string describeSystemSpec(const Load& load) {
         return fmt::format("none: neither {} nor {} opens", load.firstPath, kFallbackSystemSpec);
     }
     const Document& document = *load.systemSpec;
-    const bool isFallback = document.path != load.firstPath;
-    return fmt::format(
-            "{}{}{}", document.path,
-            isFallback ? fmt::format(" (fallback: {} does not open)", load.firstPath) : "",
-            document.isPipe       ? fmt::format(" ({})", document.whyNotReadable)
-            : document.isAccepted ? ""
-                                  : " (rejected)");
+    return fmt::format("{}{}{}", document.path,
+                       load.hasFirstDocument()
+                               ? ""
+                               : fmt::format(" (fallback: {} does not open)", load.firstPath),
+                       document.isPipe       ? fmt::format(" ({})", document.whyNotReadable)
+                       : document.isAccepted ? ""
+                                             : " (rejected)");
 }
 
 std::string describeOverlay(const Load& load) {

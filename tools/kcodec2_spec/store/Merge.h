@@ -35,22 +35,19 @@ std::vector<bool> keptEntries(const List& before, const List& whole) {
     if (before.size() > whole.size()) {
         return isKept;
     }
-    const auto kept = static_cast<std::ptrdiff_t>(before.size());
-    const auto added = static_cast<std::ptrdiff_t>(whole.size()) - kept;
-    if (std::equal(before.begin(), before.end(), whole.begin())) {
-        std::fill_n(isKept.begin(), kept, true);
-    } else if (std::equal(before.begin(), before.end(), std::next(whole.begin(), added))) {
-        std::fill_n(std::next(isKept.begin(), added), kept, true);
-    } else {
-        auto wanted = before.begin();
-        auto flag = isKept.begin();
-        for (auto entry = whole.begin(); entry != whole.end() && wanted != before.end(); ++entry) {
-            *flag = *entry == *wanted;
-            wanted = *flag++ ? std::next(wanted) : wanted;
-        }
-        if (wanted != before.end()) {  // Replaced: what is equal is so by chance.
-            isKept.assign(whole.size(), false);
-        }
+    const auto added = static_cast<std::ptrdiff_t>(whole.size() - before.size());
+    const bool isAtEnd = !std::equal(before.begin(), before.end(), whole.begin()) &&
+                         std::equal(before.begin(), before.end(), std::next(whole.begin(), added));
+    const std::ptrdiff_t start = isAtEnd ? added : 0;
+    auto wanted = before.begin();
+    auto flag = std::next(isKept.begin(), start);
+    for (auto entry = std::next(whole.begin(), start);
+         entry != whole.end() && wanted != before.end(); ++entry) {
+        *flag = *entry == *wanted;
+        wanted = *flag++ ? std::next(wanted) : wanted;
+    }
+    if (wanted != before.end()) {  // Replaced: what is equal is so by chance.
+        isKept.assign(whole.size(), false);
     }
     return isKept;
 }

@@ -12,18 +12,12 @@ namespace kc2::tool {
 
 namespace {
 
-std::string valueIn(const SpecDocument& document, const std::string& section,
-                    const std::string& name) {
-    const Json::Value value = settingIn(document, section, name);
-    return value.isNull() ? "" : writtenValue(value);
-}
-
 // The value of `name` in one document of the load; empty when it has none.
 std::string saidBy(const Document& document, const std::string& name) {
     for (const std::string& section : settingSections()) {
-        const std::string value = valueIn(document.content, section, name);
-        if (!value.empty()) {
-            return fmt::format("{}: {}", section, value);
+        const Json::Value value = settingIn(document.content, section, name);
+        if (!value.isNull()) {
+            return fmt::format("{}: {}", section, writtenValue(value));
         }
     }
     return document.content.supportedCodecs.count(name) != 0 ? "lists it" : "";
@@ -54,11 +48,11 @@ bool explainSetters(const Load& load, const std::string& name, Explanation* expl
                      winner.empty() ? "no document sets it" : fmt::format("set by the {}", winner));
     for (const Document* const document : {load.systemSpec.get(), load.overlay.get()}) {
         const std::string said = document != nullptr ? saidBy(*document, name) : "";
-        const bool isLoser =
-                document != nullptr && winner.find(document->origin) == std::string::npos;
-        explanation->add("", said.empty() ? ""
-                                          : fmt::format("{}: {}{}", shownOrigin(*document), said,
-                                                        isLoser ? " (has no effect)" : ""));
+        if (!said.empty()) {
+            const bool isLoser = winner.find(document->origin) == std::string::npos;
+            explanation->add("", fmt::format("{}: {}{}", shownOrigin(*document), said,
+                                             isLoser ? " (has no effect)" : ""));
+        }
     }
     return !winner.empty();
 }

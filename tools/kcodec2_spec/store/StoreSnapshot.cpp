@@ -2,14 +2,12 @@
 
 #include "store/StoreSnapshot.h"
 
-#include <algorithm>
-#include <list>
+#include <fmt/format.h>
+
 #include <map>
 #include <optional>
 #include <set>
-#include <unordered_set>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "catalogue/SectionTexts.h"
 #include "kc2/TargetSpecKeys.h"
@@ -23,11 +21,7 @@ namespace {
 
 using Inspector = TargetSpecInspector;
 
-Json::Value toJson(bool isOn) {
-    return isOn;
-}
-
-Json::Value toJson(int32_t value) {
+Json::Value toJson(Json::Value value) {
     return value;
 }
 
@@ -69,25 +63,20 @@ SnapshotEntry toEntry(const NimbraBitRateEntry& row) {
     json["low"] = row.low;
     json["high"] = row.high;
     json["bitRate"] = row.bitRate;
-    return {"[" + std::to_string(row.low) + ", " + std::to_string(row.high) + ")", json,
-            std::to_string(row.bitRate), ""};
+    return {fmt::format("[{}, {})", row.low, row.high), json, std::to_string(row.bitRate), ""};
 }
 
-// Sets levels that differ from those of `store`: a step that sets the latter is then noticed.
-void markTierLevels(TargetSpec& marked, const TargetSpec& store) {
-    const DVConfigs& limits = Inspector::dvConfigs(store);
-    DVConfigs& mark = Inspector::changeableDVConfigs(marked);
-    mark.maxMainTierLevel = ~limits.maxMainTierLevel;
-    mark.maxHighTierLevel = ~limits.maxHighTierLevel;
-}
-
-bool isMarked(const TargetSpec& marked, const TargetSpec& store) {
-    TargetSpec unchanged;
-    markTierLevels(unchanged, store);
-    const DVConfigs& mark = Inspector::dvConfigs(unchanged);
-    const DVConfigs& limits = Inspector::dvConfigs(marked);
-    return limits.maxMainTierLevel == mark.maxMainTierLevel &&
-           limits.maxHighTierLevel == mark.maxHighTierLevel;
+// Whether a step sets the tier levels that it results in. A store always has levels, and a document
+// may set them to the values that they have already, so `store` gets others first.
+bool setsTierLevels(const std::function<void(TargetSpec&)>& step, const DVConfigs& result,
+                    TargetSpec* store) {
+    const int32_t main = ~result.maxMainTierLevel;
+    const int32_t high = ~result.maxHighTierLevel;
+    DVConfigs& levels = Inspector::changeableDVConfigs(*store);
+    levels.maxMainTierLevel = main;
+    levels.maxHighTierLevel = high;
+    step(*store);
+    return levels.maxMainTierLevel != main || levels.maxHighTierLevel != high;
 }
 
 // Compares the store of the system spec alone with the whole one, section by section.
@@ -130,41 +119,25 @@ private:
         }
     }
 
-    template <typename List>
-    void addListEntries(const List& before, const List& whole, SnapshotSection* section) const {
-        section->form = SectionForm::List;
-        const std::vector<bool> isKept = keptEntries(before, whole);
-        for (const auto& value : whole) {
-            SnapshotEntry entry = toEntry(value);
-            entry.origin = origin(isKept[section->entries.size()]);
-            section->entries.push_back(std::move(entry));
+    // A list, or a set, which is shown in order.
+    template <typename Values>
+    void addEntries(const Values& before, const Values& whole, SnapshotSection* section) const {
+        const auto add = [&](const auto& value, bool isKept) {
+            section->entries.push_back(toEntry(value));
+            section->entries.back().origin = origin(isKept);
+        };
+        if constexpr (requires { typename Values::key_type; }) {
+            section->form = SectionForm::Set;
+            for (const auto& value : std::set(whole.begin(), whole.end())) {
+                add(value, before.count(value) != 0);
+            }
+        } else {
+            section->form = SectionForm::List;
+            const std::vector<bool> isKept = keptEntries(before, whole);
+            for (const auto& value : whole) {
+                add(value, isKept[section->entries.size()]);
+            }
         }
-    }
-    void addEntries(const std::list<std::string>& before, const std::list<std::string>& whole,
-                    SnapshotSection* section) const {
-        addListEntries(before, whole, section);
-    }
-    void addEntries(const std::vector<NimbraBitRateEntry>& before,
-                    const std::vector<NimbraBitRateEntry>& whole, SnapshotSection* section) const {
-        addListEntries(before, whole, section);
-    }
-
-    template <typename Set>
-    void addSetEntries(const Set& before, const Set& whole, SnapshotSection* section) const {
-        section->form = SectionForm::Set;
-        for (const auto& value : std::set<typename Set::value_type>(whole.begin(), whole.end())) {
-            SnapshotEntry entry = toEntry(value);
-            entry.origin = origin(before.count(value) != 0);
-            section->entries.push_back(std::move(entry));
-        }
-    }
-    void addEntries(const std::set<uint32_t>& before, const std::set<uint32_t>& whole,
-                    SnapshotSection* section) const {
-        addSetEntries(before, whole, section);
-    }
-    void addEntries(const std::unordered_set<std::string>& before,
-                    const std::unordered_set<std::string>& whole, SnapshotSection* section) const {
-        addSetEntries(before, whole, section);
     }
 
     void addEntries(const std::optional<TierLevels>& /*before*/,
@@ -177,21 +150,16 @@ private:
                             entry(targetSpecDVMaxHighTierLevel, whole->high)};
     }
 
-    // A store always has levels, and a document may set them to the values that they have already.
-    // So each step is repeated on a store with other levels: the document that changes those sets
-    // them.
     std::string tierLevelOrigin() const {
         TargetSpec store;
         mSteps.systemSpec(store);
-        markTierLevels(store, mStore);
-        mSteps.overlay(store);
-        if (!isMarked(store, mStore)) {
+        if (setsTierLevels(mSteps.overlay, Inspector::dvConfigs(mStore), &store)) {
             return mSteps.overlayOrigin;
         }
         TargetSpec first;
-        markTierLevels(first, mBeforeStore);
-        mSteps.systemSpec(first);
-        return isMarked(first, mBeforeStore) ? "no document" : mSteps.systemSpecOrigin;
+        return setsTierLevels(mSteps.systemSpec, Inspector::dvConfigs(mBeforeStore), &first)
+                       ? mSteps.systemSpecOrigin
+                       : "no document";
     }
 
     const TargetSpec& mStore;

@@ -15,7 +15,6 @@
 #include <string_view>
 #include <system_error>
 
-#include "base/Spelling.h"
 #include "base/Text.h"
 #include "device/DeviceFile.h"
 #include "device/DevicePaths.h"
@@ -41,6 +40,19 @@ std::set<std::string> namesIn(const std::string& directory) {
 bool isLink(const std::string& path) {
     struct stat status = {};
     return lstat(pathOfLink(path).c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+// The first part of the path, from its start, that cannot be examined; empty when all can.
+std::string missingPartOf(const std::string& path) {
+    for (size_t slash = 0; slash != std::string::npos;) {
+        slash = path.find('/', slash + 1);
+        const std::string part = path.substr(0, slash);
+        struct stat ignored = {};
+        if (!examine(part, &ignored)) {
+            return part;
+        }
+    }
+    return std::string();
 }
 
 std::string reasonOf(int error, const std::string& part, bool isWhole) {
@@ -87,12 +99,8 @@ std::set<std::string> variantsInTree() {
 }
 
 std::string lettersAndDigitsOf(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (std::isalnum(static_cast<unsigned char>(c)) != 0) {
-            result += inSmallLetters(c);
-        }
-    }
+    std::string result = inSmallLetters(text);
+    std::erase_if(result, [](unsigned char c) { return std::isalnum(c) == 0; });
     return result;
 }
 
@@ -121,16 +129,8 @@ bool hasDocumentWithoutVariant() {
 }
 
 std::string brokenLinkTo(const std::string& path) {
-    for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        struct stat ignored = {};
-        if (!examine(part, &ignored)) {
-            return isLink(part) ? part : std::string();
-        }
-        if (slash == std::string::npos) {
-            return std::string();
-        }
-    }
+    const std::string missing = missingPartOf(path);
+    return !missing.empty() && isLink(missing) ? missing : std::string();
 }
 
 std::string pathOfLink(const std::string& path) {
@@ -140,23 +140,18 @@ std::string pathOfLink(const std::string& path) {
 }
 
 std::string whyNotOpen(const std::string& path) {
-    for (size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        const std::string host = localPath(part);
-        struct stat status = {};
-        if (host.empty() || stat(host.c_str(), &status) != 0) {
-            return reasonOf(host.empty() ? ELOOP : errno, part, slash == std::string::npos);
-        }
-        if (slash == std::string::npos) {
-            const int file = open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-            const int error = errno;
-            if (file >= 0) {
-                close(file);
-                return std::string();
-            }
-            return error == EACCES ? "no permission to read it" : std::strerror(error);
-        }
+    const std::string missing = missingPartOf(path);
+    const std::string host = localPath(missing.empty() ? path : missing);
+    const int file = open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int error = errno;
+    if (file >= 0) {
+        close(file);
+        return std::string();
     }
+    if (!missing.empty()) {
+        return reasonOf(host.empty() ? ELOOP : error, missing, missing == path);
+    }
+    return error == EACCES ? "no permission to read it" : std::strerror(error);
 }
 
 }  // namespace kc2::tool
