@@ -73,27 +73,6 @@ std::string checkProperty(const std::string& property) {
     return std::string();
 }
 
-void addTreeOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options) {
-    const auto add = [&](const char* name, auto* value, const char* form,
-                         const std::string& description) {
-        return command.add_option(name + suffix, *value, description)
-                ->type_name(form)
-                ->group(kDeviceGroup);
-    };
-    CLI::Option* const variant =
-            add("--variant", &options->variant, "NAME",
-                fmt::format("The target variant: the value of {}", kVariantProperty));
-    add("--dirmap", &options->mappings, "/PREFIX:DIR",
-        "Use DIR for one directory of the device, instead of the tree's; repeatable")
-            ->allow_extra_args(false)
-            ->check(CLI::Validator(checkMapping, ""));
-    add("--property", &options->properties, "NAME=VALUE",
-        fmt::format("Set a system property; only {} is read; repeatable", kVariantProperty))
-            ->allow_extra_args(false)
-            ->check(CLI::Validator(checkProperty, ""))
-            ->excludes(variant);
-}
-
 bool isPrefixOfPath(const std::string& prefix, const std::string& path) {
     return path.starts_with(prefix) && (path.size() == prefix.size() || path[prefix.size()] == '/');
 }
@@ -144,11 +123,28 @@ void addDeviceOptions(CLI::App& command, DeviceOptions* options) {
             ->type_name("DIR")
             ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
             ->group(kDeviceGroup);
-    addTreeOptions(command, "", options);
+    addSideOptions(command, "", options);
 }
 
 void addSideOptions(CLI::App& command, const std::string& suffix, DeviceOptions* options) {
-    addTreeOptions(command, suffix, options);
+    const auto add = [&](const char* name, auto* value, const char* form,
+                         const std::string& description) {
+        return command.add_option(name + suffix, *value, description)
+                ->type_name(form)
+                ->group(kDeviceGroup);
+    };
+    CLI::Option* const variant =
+            add("--variant", &options->variant, "NAME",
+                fmt::format("The target variant: the value of {}", kVariantProperty));
+    add("--dirmap", &options->mappings, "/PREFIX:DIR",
+        "Use DIR for one directory of the device, instead of the tree's; repeatable")
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkMapping, ""));
+    add("--property", &options->properties, "NAME=VALUE",
+        fmt::format("Set a system property; only {} is read; repeatable", kVariantProperty))
+            ->allow_extra_args(false)
+            ->check(CLI::Validator(checkProperty, ""))
+            ->excludes(variant);
 }
 
 void addLogOption(CLI::App& command, DeviceOptions* options) {
@@ -163,8 +159,7 @@ void addLogOption(CLI::App& command, DeviceOptions* options) {
 void addVariantsOption(CLI::App& command, DeviceOptions* options) {
     command.add_flag("--all-variants", options->isEachVariant,
                      "Check with each variant that the device has a document for, without one, and "
-                     "the "
-                     "fallback")
+                     "the fallback")
             ->group(kDeviceGroup);
 }
 

@@ -1,17 +1,13 @@
 // Which known name a misspelt one means.
 #pragma once
 
-#include <array>
-#include <bitset>
-#include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <list>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
-#include <vector>
 
 #include "base/NearWords.h"
 
@@ -33,7 +29,8 @@ public:
         std::string group;  // Section or list: one of the same is the better suggestion.
     };
 
-    explicit NearNames(NameKind kind) : mKind(kind) {}
+    explicit NearNames(NameKind kind);
+    ~NearNames();
 
     void add(Entry entry);
 
@@ -61,101 +58,18 @@ public:
     const Entry* withWordsOf(std::string_view name) const;
 
 private:
-    // A name without order and separators.
-    struct Shape {
-        size_t characters = 0;
-        uint64_t bits = 0;  // Of the letters and digits that it has.
-    };
+    struct Known;
 
-    struct Word {
-        std::string text;
-        std::string_view form = {};  // What stands for all words that mean the same.
-        uint64_t bits = 0;           // Of its shape.
-        bool isOther = false;        // It exists, so it is no other word misspelt.
-        bool isFormOther = false;
-    };
-
-    // A name as it is compared.
-    struct Reading {
-        Reading(NameKind kind, std::string_view name);
-        Reading(Reading&&) = default;  // What the forms point to stays.
-        Reading(const Reading&) = delete;
-
-        size_t prefixWords() const { return (hasDebug ? 1 : 0) + (hasPrivate ? 1 : 0); }
-
-        std::string letters;  // And digits, without separators.
-        std::vector<Word> words;
-        std::vector<Word> pairs;  // Two words as one.
-        std::vector<std::string_view> sortedForms;
-        bool hasDebug = false;  // Its first words are debug and private, perhaps misspelt.
-        bool hasPrivate = false;
-        bool isPrefixExact = true;
-    };
-
-    struct Known {
-        Known(NameKind kind, Entry from)
-            : entry(std::move(from)), reading(kind, entry.name), shape(shapeOf(entry.name)) {}
-
-        Entry entry;
-        Reading reading;
-        Shape shape;
-    };
-
-    struct Candidate {
-        Shape shape;
-        const Known* known;
-    };
-
-    // How far a name is from a known one.
-    struct Distance {
-        int cost;
-        bool lacksWord = false;
-    };
-
-    struct Search;
-    struct Words {
-        const Reading* reading;
-        size_t first;
-        size_t limit;
-
-        const Word* begin() const { return reading->words.data() + first; }
-        const Word* end() const { return reading->words.data() + limit; }
-        size_t size() const { return limit - first; }
-        bool isEmpty() const { return first == limit; }
-    };
-
-    static constexpr size_t kMostCharacters = 80;
-    static constexpr size_t kDigitSets = size_t{1} << 10;
-
-    static Shape shapeOf(std::string_view name);
-    static size_t commonWords(Words read, Words known);
-    static Words bodyOf(const Reading& reading);  // Without its prefix.
-    void addShape(const Shape& shape, const Known& known);
-    void addDigits(const Reading& reading);
-    static uint64_t bitsOf(std::string_view name);
-    Reading readingOf(std::string_view name) const;
+    void addDigits(const Known& known);
     bool isComparedWithAll(std::string_view name) const;
-    void compare(Search* search, const Known& known) const;
-    bool isOtherWord(std::string_view word) const;
-    static int prefixCost(const Reading& read, const Reading& known);
-    static bool isWithoutPrefix(const Reading& read, const Reading& known);
-    static bool isCertain(const Reading& read, const Reading& known);
-    int wordCost(std::string_view word, std::string_view known) const;
-    int costOfWord(const Word& word, const Word& known) const;
-    static int costOfPair(const Word& pair, const Word& whole);
-    int costOfWords(Words read, Words known) const;
-    bool isEnough(Words read, Words known) const;
-    Distance distanceOfBodies(Words read, Words known) const;
-    Distance distanceOf(const Reading& read, const Reading& known) const;
 
     NameKind mKind;
-    std::deque<Known> mKnown;  // What is below points into these.
-    std::unordered_map<std::string_view, const Known*> mByName;
+    std::list<Known> mKnown;  // What is below points into these.
+    std::unordered_map<std::string_view, const Entry*> mByName;
     std::unordered_set<std::string_view> mWords;  // That known names are made of.
-    std::vector<std::string> mStarts;             // The first letters of known names.
-    std::vector<std::string> mDigits;             // Of names that may be near, sorted.
-    std::bitset<kDigitSets> mDigitSets;           // Which digits such names have.
-    std::array<std::vector<Candidate>, kMostCharacters> mByCharacters;
+    std::set<std::string> mStarts;                // The first letters of known names.
+    std::set<std::string> mDigits;                // Of names that may be near.
+    std::unordered_set<uint64_t> mDigitBits;      // The shapes of these digits.
 };
 
 }  // namespace kc2::tool

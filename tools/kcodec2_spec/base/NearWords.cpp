@@ -2,10 +2,9 @@
 
 #include "base/NearWords.h"
 
-#include <algorithm>
-#include <iterator>
 #include <unordered_map>
-#include <unordered_set>
+
+#include "base/Text.h"
 
 namespace kc2::tool {
 
@@ -109,66 +108,44 @@ constexpr std::string_view kComponentWords[] = {
 
 // Words of components that exist although they are one letter from a known component's: formats,
 // and hq for high quality.
-constexpr std::string_view kOtherFormats[] = {"aac",   "avs", "avs2",  "evc", "heif",
-                                              "lcevc", "hq",  "lhevc", "mvc", "shevc",
-                                              "shvc",  "svc", "vc1",   "vvc"};
+constexpr std::string_view kOtherFormats[] = {
+        "aac avs avs2 evc heif lcevc hq lhevc mvc shevc shvc svc vc1 vvc",
+};
 
 // Words that names of settings may have, each a letter or two from one in a known name.
 constexpr std::string_view kOtherWords[] = {
-        "account", "actor",       "alpha",    "alt",         "amount",      "any",        "apu",
-        "area",    "audio",       "avg",      "base",        "bframe",      "block",      "bps",
-        "bw",      "cache",       "call",     "camera",      "caption",     "cdr",        "clip",
-        "code",    "copy",        "cost",     "court",       "cover",       "data",       "date",
-        "db",      "deblock",     "decrypt",  "deg",         "del",         "depth",      "det",
-        "detect",  "dev",         "device",   "disable",     "disabled",    "dp",         "dpu",
-        "dram",    "dsp",         "du",       "dual",        "encrypt",     "engine",     "enhance",
-        "entry",   "export",      "fade",     "fader",       "fast",        "fec",        "fill",
-        "filter",  "fit",         "fix",      "flag",        "flush",       "fusion",     "gain",
-        "gap",     "gate",        "gb",       "gbps",        "get",         "gps",        "gpu",
-        "grain",   "gpuaffinity", "hash",     "hd",          "hdr",         "hdr10",      "header",
-        "heic",    "height",      "high",     "hint",        "hold",        "hop",        "iframe",
-        "image",   "import",      "index",    "infra",       "init",        "insert",     "int",
-        "inter",   "interval",    "ip",       "ipu",         "isp",         "kb",         "kbps",
-        "kbs",     "key",         "last",     "leader",      "let",         "level",      "limit",
-        "line",    "link",        "list",     "load",        "loader",      "lock",       "log",
-        "loop",    "low",         "map",      "mapper",      "mapping",     "mask",       "mbps",
-        "medium",  "mid",         "mission",  "mix",         "mixed",       "model",      "more",
-        "motion",  "move",        "mvs",      "name",        "node",        "noise",      "none",
-        "npu",     "off",         "online",   "only",        "other",       "pack",       "page",
-        "part",    "path",        "pattern",  "pen",         "period",      "permission", "pframe",
-        "photo",   "plane",       "play",     "player",      "pool",        "port",       "post",
-        "power",   "pp",          "prefetch", "preview",     "privacy",     "profile",    "prop",
-        "qpd",     "queue",       "range",    "rank",        "ratio",       "raw",        "rc",
-        "rd",      "read",        "reader",   "ready",       "real",        "rec",        "recode",
-        "ref",     "region",      "reset",    "rest",        "roi",         "route",      "row",
-        "rx",      "safe",        "sample",   "sampler",     "scale",       "score",      "sdr",
-        "sector",  "secure",      "select",   "sender",      "sensor",      "sequence",   "shader",
-        "share",   "side",        "signal",   "sink",        "site",        "skip",       "sleep",
-        "slide",   "slip",        "slot",     "slow",        "smart",       "soft",       "some",
-        "sort",    "source",      "space",    "special",     "speed",       "split",      "sram",
-        "start",   "state",       "static",   "status",      "step",        "stop",       "strict",
-        "stride",  "sw",          "sync",     "tag",         "task",        "temporary",  "text",
-        "thread",  "tier",        "tile",     "time",        "timer",       "tone",       "top",
-        "total",   "tpu",         "trace",    "track",       "trim",        "tune",       "type",
-        "unicode", "unit",        "unload",   "unprotected", "unsupported", "upload",     "upscale",
-        "usage",   "user",        "valve",    "vector",      "vendor",      "view",       "vision",
-        "vp",      "vpu",         "vr",       "wait",        "wake",        "weight",     "window",
-        "write",   "zone",        "zoom"};
+        "account actor alpha alt amount any apu area audio avg base bframe block bps bw cache",
+        "call camera caption cdr clip code copy cost court cover data date db deblock decrypt deg",
+        "del depth det detect dev device disable disabled dp dpu dram dsp du dual encrypt engine",
+        "enhance entry export fade fader fast fec fill filter fit fix flag flush fusion gain gap",
+        "gate gb gbps get gps gpu grain gpuaffinity hash hd hdr hdr10 header heic height high",
+        "hint hold hop iframe image import index infra init insert int inter interval ip ipu isp",
+        "kb kbps kbs key last leader let level limit line link list load loader lock log loop low",
+        "map mapper mapping mask mbps medium mid mission mix mixed model more motion move mvs",
+        "name node noise none npu off online only other pack page part path pattern pen period",
+        "permission pframe photo plane play player pool port post power pp prefetch preview",
+        "privacy profile prop qpd queue range rank ratio raw rc rd read reader ready real rec",
+        "recode ref region reset rest roi route row rx safe sample sampler scale score sdr sector",
+        "secure select sender sensor sequence shader share side signal sink site skip sleep slide",
+        "slip slot slow smart soft some sort source space special speed split sram start state",
+        "static status step stop strict stride sw sync tag task temporary text thread tier tile",
+        "time timer tone top total tpu trace track trim tune type unicode unit unload unprotected",
+        "unsupported upload upscale usage user valve vector vendor view vision vp vpu vr wait",
+        "wake weight window write zone zoom",
+};
 
 // Of settings. Each is in several known names, or would be in a vendor's.
 constexpr std::string_view kGenericForms[] = {
-        "all",  "bitrate", "buffer",  "control", "count", "dec",     "enable",  "enc",  "format",
-        "max",  "min",     "mode",    "output",  "input", "perf",    "rate",    "set",  "size",
-        "test", "value",   "version", "video",   "width", "support", "default", "frame"};
+        "all bitrate buffer control count dec enable enc format max min mode output input perf",
+        "rate set size test value version video width support default frame",
+};
 
-template <typename List>
-Forms formsOf(const List& rows) {
+template <typename Rows>
+Forms formsOf(const Rows& rows) {
     Forms forms;
     for (const std::string_view row : rows) {
-        for (size_t start = 0; start < row.size();) {
-            const size_t limit = std::min(row.find(' ', start), row.size());
-            forms.emplace(row.substr(start, limit - start), row);
-            start = limit + 1;
+        for (const std::string_view word : split(row, ' ')) {
+            forms.emplace(word, row);
         }
     }
     return forms;
@@ -205,16 +182,14 @@ std::string_view wordsLike(NameKind kind, std::string_view form) {
 }
 
 bool isWord(NameKind kind, std::string_view word) {
-    static const std::unordered_set<std::string_view> words(std::begin(kOtherWords),
-                                                            std::end(kOtherWords));
-    return kind == NameKind::Setting ? words.count(word) != 0
-                                     : std::find(std::begin(kOtherFormats), std::end(kOtherFormats),
-                                                 word) != std::end(kOtherFormats);
+    static const Forms ofSettings = formsOf(kOtherWords);
+    static const Forms ofComponents = formsOf(kOtherFormats);
+    return (kind == NameKind::Setting ? ofSettings : ofComponents).contains(word);
 }
 
 bool isGeneric(std::string_view form) {
-    return std::find(std::begin(kGenericForms), std::end(kGenericForms), form) !=
-           std::end(kGenericForms);
+    static const Forms generic = formsOf(kGenericForms);
+    return generic.contains(form);
 }
 
 }  // namespace kc2::tool

@@ -32,6 +32,18 @@ std::string_view withoutTrailing(std::string_view text, char c) {
     return text;
 }
 
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (size_t start = 0; start < text.size();) {
+        const size_t limit = std::min(text.find(separator, start), text.size());
+        if (limit > start) {
+            parts.push_back(text.substr(start, limit - start));
+        }
+        start = limit + 1;
+    }
+    return parts;
+}
+
 std::string digitsOf(std::string_view text) {
     std::string digits;
     std::copy_if(text.begin(), text.end(), std::back_inserter(digits), isDigit);

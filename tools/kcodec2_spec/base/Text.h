@@ -26,6 +26,9 @@ std::optional<uint32_t> toWord(const std::string& text);
 // `text` without any `c` at its end.
 std::string_view withoutTrailing(std::string_view text, char c);
 
+// The parts of `text` that are not empty.
+std::vector<std::string_view> split(std::string_view text, char separator);
+
 // Independent of the locale.
 constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';

@@ -19,10 +19,8 @@ namespace {
 
 constexpr char kOtherChips[] = "other chips";
 
-Json::Value jsonOf(bool value) {
-    return value;
-}
-Json::Value jsonOf(int32_t value) {
+template <typename Number>
+Json::Value jsonOf(Number value) {
     return value;
 }
 Json::Value jsonOf(const std::vector<uint32_t>& words) {

@@ -275,65 +275,45 @@ void addEach(EntryReader& reader, const Json::Value& list,
     }
 }
 
-// Checks what the settings of a file refer to, once all of them are known. A reference to nothing
-// would silently switch off the check that it is for.
-class ReferenceCheck {
-public:
-    ReferenceCheck(EntryReader* reader, const Catalogue& catalogue)
-        : mReader(*reader), mCatalogue(catalogue) {}
-
-    void check(const Json::Value& entry) {
-        checkName(entry, "needs-feature", targetSpecFeatures);
-        checkName(entry, "at-most", targetSpecPresets);
-        checkBits(entry["bits"]);
+// The member must name another setting, of that section: a reference to nothing would silently
+// switch off the check that it is for. Called once all settings of the file are known.
+void checkName(EntryReader& reader, const Catalogue& catalogue, const Json::Value& entry,
+               const char* member, const std::string& section) {
+    const Json::Value& value = entry[member];
+    if (value.isNull()) {
+        return;
     }
-
-private:
-    // The member must name another setting, of that section.
-    void checkName(const Json::Value& entry, const char* member, const std::string& section) {
-        const Json::Value& value = entry[member];
-        if (value.isNull()) {
-            return;
-        }
-        const std::string name = value.asString();
-        const Setting* const setting = mCatalogue.setting(name);
-        if (name == entry["name"].asString()) {
-            mReader.fail(value, fmt::format("\"{}\" names the setting itself", member));
-        } else if (setting == nullptr) {
-            mReader.fail(value, fmt::format("there is no setting {}{}", inQuotes(name),
-                                            suggestion(name, namesIn(section))));
-        } else if (setting->section != section) {
-            mReader.fail(value, fmt::format("\"{}\" must name a setting in \"{}\": {} is in \"{}\"",
-                                            member, section, inQuotes(name), setting->section));
-        }
-    }
-
-    // What a bit needs must be another one of the same setting.
-    void checkBits(const Json::Value& bits) {
-        for (const Json::Value& bit : bits) {
-            const Json::Value& needed = bit["needs-bit"];
-            const bool isOther = std::any_of(bits.begin(), bits.end(), [&](const auto& other) {
-                return other["bit"] == needed && needed != bit["bit"];
-            });
-            if (!needed.isNull() && !isOther) {
-                mReader.fail(needed, "\"needs-bit\" must be another bit of this setting");
-            }
-        }
-    }
-
-    std::vector<std::string> namesIn(const std::string& section) const {
+    const std::string name = value.asString();
+    const Setting* const setting = catalogue.setting(name);
+    if (name == entry["name"].asString()) {
+        reader.fail(value, fmt::format("\"{}\" names the setting itself", member));
+    } else if (setting == nullptr) {
         std::vector<std::string> names;
-        for (const Setting& setting : mCatalogue.settings()) {
-            if (setting.section == section) {
-                names.push_back(setting.name);
+        for (const Setting& one : catalogue.settings()) {
+            if (one.section == section) {
+                names.push_back(one.name);
             }
         }
-        return names;
+        reader.fail(value, fmt::format("there is no setting {}{}", inQuotes(name),
+                                       suggestion(name, names)));
+    } else if (setting->section != section) {
+        reader.fail(value, fmt::format("\"{}\" must name a setting in \"{}\": {} is in \"{}\"",
+                                       member, section, inQuotes(name), setting->section));
     }
+}
 
-    EntryReader& mReader;
-    const Catalogue& mCatalogue;
-};
+// What a bit needs must be another one of the same setting.
+void checkBits(EntryReader& reader, const Json::Value& bits) {
+    for (const Json::Value& bit : bits) {
+        const Json::Value& needed = bit["needs-bit"];
+        const bool isOther = std::any_of(bits.begin(), bits.end(), [&](const auto& other) {
+            return other["bit"] == needed && needed != bit["bit"];
+        });
+        if (!needed.isNull() && !isOther) {
+            reader.fail(needed, "\"needs-bit\" must be another bit of this setting");
+        }
+    }
+}
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -374,9 +354,10 @@ std::string Catalogue::add(const std::string& path, std::string text) {
                 &mCodes);
     }
     if (reader.problem().empty()) {
-        ReferenceCheck references(&reader, *this);
         for (const Json::Value& entry : root["settings"]) {
-            references.check(entry);
+            checkName(reader, *this, entry, "needs-feature", targetSpecFeatures);
+            checkName(reader, *this, entry, "at-most", targetSpecPresets);
+            checkBits(reader, entry["bits"]);
         }
     }
     return reader.problem();
@@ -424,10 +405,8 @@ std::vector<std::string> settingSections() {
 
 std::vector<std::string> settingTypes() {
     std::vector<std::string> types;
-    for (const Section& row : kSections) {
-        if (typeOf(row.type) != nullptr) {
-            types.emplace_back(typeOf(row.type));
-        }
+    for (const std::string& section : settingSections()) {
+        types.push_back(typeIn(section));
     }
     return types;
 }

@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "base/Text.h"
 #include "catalogue/Catalogue.h"
 #include "kc2/TargetSpecKeys.h"
@@ -20,14 +18,13 @@ constexpr bool kOptional = false;
 constexpr char kText[] = "text";
 constexpr char kWholeNumber[] = "whole number";
 constexpr char kFlag[] = "`true` or `false`";
-constexpr char kListOfChips[] = "list of chips: ";
 
 std::string quotedWords(const std::vector<std::string>& words) {
     return fmt::format("`\"{}\"`", joined(words, "\"`, `\""));
 }
 
 std::vector<CatalogueObject> makeForm() {
-    const std::string chips = kListOfChips + quotedWords(chipNames());
+    const std::string chips = "list of chips: " + quotedWords(chipNames());
     const CatalogueMember meaning = {"meaning", kNeeded, kText,
                                      "What it is, in one line. `explain`, `diff`, `report` and "
                                      "editors show it."};
@@ -35,14 +32,12 @@ std::vector<CatalogueObject> makeForm() {
                                        "`false`: devices do not support it, and `check` reports "
                                        "it. Default: `true`."};
     return {
-            {CatalogueKind::File,
-             "The file",
+            {"The file",
              {{"settings", kOptional, "list of settings", "Settings with a name."},
               {"codec-components", kOptional, "list of components", "Codec components."},
               {"perf-resource-codes", kOptional, "list of codes",
                "Resource codes of perf words."}}},
-            {CatalogueKind::Setting,
-             "A setting",
+            {"A setting",
              {{"name", kNeeded, kText, "Its name in documents."},
               {"section", kNeeded, quotedWords(settingSections()),
                "The section of documents that it belongs in."},
@@ -64,25 +59,20 @@ std::vector<CatalogueObject> makeForm() {
                "It has an effect only while this feature is on."},
               {"at-most", kOptional, "name of another setting in \"Presets\"",
                "Its value must not be above this preset's."}}},
-            {CatalogueKind::Value,
-             "A value",
-             {{"value", kNeeded, kWholeNumber, "The value."}, meaning, supported}},
-            {CatalogueKind::Bit,
-             "A bit",
+            {"A value", {{"value", kNeeded, kWholeNumber, "The value."}, meaning, supported}},
+            {"A bit",
              {{"bit", kNeeded, kWholeNumber, "The value of the bit: 1, 2, 4, 8 and so on."},
               meaning,
               supported,
               {"needs-bit", kOptional, kWholeNumber,
                "The value of another bit, which must be set with this one."}}},
-            {CatalogueKind::Component,
-             "A codec component",
+            {"A codec component",
              {{"name", kNeeded, kText, "Its name in documents."},
               {"list", kNeeded,
                quotedWords({targetSpecAvailableDecoders, targetSpecAvailableEncoders}),
                "The list that it belongs in."},
               {"chips", kOptional, chips, "The chips that have it. Default: all."}}},
-            {CatalogueKind::Code,
-             "A perf resource code",
+            {"A perf resource code",
              {{"code", kNeeded, "text such as `\"0x40800000\"`", "The code, a 32-bit word."},
               meaning}},
     };
@@ -96,9 +86,7 @@ const std::vector<CatalogueObject>& catalogueForm() {
 }
 
 const CatalogueObject& formOf(CatalogueKind kind) {
-    const std::vector<CatalogueObject>& form = catalogueForm();
-    return *std::find_if(form.begin(), form.end(),
-                         [kind](const CatalogueObject& object) { return object.kind == kind; });
+    return catalogueForm()[static_cast<size_t>(kind)];
 }
 
 std::vector<std::string> chipNames() {

@@ -17,12 +17,11 @@ struct CatalogueMember {
 enum class CatalogueKind { File, Setting, Value, Bit, Component, Code };
 
 struct CatalogueObject {
-    CatalogueKind kind;
     const char* title;
     std::vector<CatalogueMember> members;
 };
 
-// Built once; one object for each kind.
+// Built once; one object for each kind, in their order.
 const std::vector<CatalogueObject>& catalogueForm();
 const CatalogueObject& formOf(CatalogueKind kind);
 

@@ -3,7 +3,6 @@
 #include "catalogue/HeaderTexts.h"
 
 #include <algorithm>
-#include <sstream>
 #include <utility>
 
 #include "base/Text.h"
@@ -41,98 +40,77 @@ std::string declaredName(std::string_view declaration) {
     return std::string(start.substr(first));
 }
 
-// Collects the comments of one header, line by line.
-class HeaderReader {
-public:
-    explicit HeaderReader(std::vector<HeaderText>* texts) : mTexts(*texts) {}
-
-    void readLine(std::string_view line) {
-        constexpr std::string_view kStart = "/**";
-        constexpr std::string_view kBehind = "///<";
+// The paragraphs of a comment; none where it is not about a declaration: "@file", "@name".
+std::vector<HeaderParagraph> paragraphsOf(std::string_view comment) {
+    constexpr std::string_view kReturn = "@return";
+    constexpr std::string_view kParameter = "@param";
+    std::vector<HeaderParagraph> paragraphs;
+    bool isAfterEmpty = false;
+    for (std::string_view line : split(comment, '\n')) {
         line = trimmed(line);
-        if (line.starts_with(kStart)) {
-            mText = HeaderText();
-            mIsInComment = true;
-            mIsGrouping = false;
-            line.remove_prefix(kStart.size());
-        }
-        if (mIsInComment) {
-            readComment(line);
-        } else if (const size_t behind = line.find(kBehind); behind != std::string_view::npos) {
-            mText = HeaderText();
-            addWords("meaning", trimmed(line.substr(behind + kBehind.size())));
-            mText.declaration = trimmed(line.substr(0, behind));
-            finish();
-        } else if (!mText.paragraphs.empty()) {
-            readDeclaration(line);
-        }
-    }
-
-private:
-    void readComment(std::string_view line) {
-        const size_t end = line.find("*/");
-        std::string_view words = line.substr(0, end);
-        words.remove_prefix(words.starts_with('*') ? 1 : 0);
-        addLine(trimmed(words));
-        if (end != std::string_view::npos) {
-            mIsInComment = false;
-            if (mIsGrouping) {
-                mText = HeaderText();
-            }
-        }
-    }
-
-    // A line of a comment: "@param[out] value receives ...", "@return ...", or words.
-    void addLine(std::string_view line) {
-        constexpr std::string_view kReturn = "@return";
-        constexpr std::string_view kParameter = "@param";
+        line = trimmed(line.substr(line.starts_with('*') ? 1 : 0));
         if (line.starts_with(kReturn)) {
-            addWords("returns", trimmed(line.substr(kReturn.size())));
-        } else if (line.starts_with(kParameter)) {
+            paragraphs.push_back({"returns", std::string(trimmed(line.substr(kReturn.size())))});
+        } else if (line.starts_with(kParameter)) {  // "@param[out] value receives ..."
             line = trimmed(line.substr(std::min(line.find(' '), line.size())));
             const size_t blank = std::min(line.find(' '), line.size());
-            addWords(std::string(line.substr(0, blank)), trimmed(line.substr(blank)));
+            paragraphs.push_back(
+                    {std::string(line.substr(0, blank)), std::string(trimmed(line.substr(blank)))});
         } else if (line.starts_with('@')) {
-            mIsGrouping = true;  // "@file", "@name": not about a declaration.
-        } else if (line.empty()) {
-            mIsNewParagraph = true;
-            return;
-        } else if (mText.paragraphs.empty()) {
-            addWords("meaning", line);
-        } else if (mIsNewParagraph) {
-            addWords("", line);
-        } else {
-            appendWords(line, &mText.paragraphs.back().text);
+            return {};
+        } else if (!line.empty() && (paragraphs.empty() || isAfterEmpty)) {
+            paragraphs.push_back({paragraphs.empty() ? "meaning" : "", std::string(line)});
+        } else if (!line.empty()) {
+            appendWords(line, &paragraphs.back().text);
         }
-        mIsNewParagraph = false;
+        isAfterEmpty = line.empty();
     }
+    return paragraphs;
+}
 
-    void addWords(std::string title, std::string_view words) {
-        mText.paragraphs.push_back({std::move(title), std::string(words)});
+void addText(std::string_view lines, std::vector<HeaderParagraph> paragraphs,
+             std::vector<HeaderText>* texts) {
+    std::string declaration;
+    for (const std::string_view line : split(lines, '\n')) {
+        appendWords(trimmed(line), &declaration);
     }
+    declaration.erase(std::min(declaration.find_last_of(";{,"), declaration.size()));
+    declaration = trimmed(declaration);
+    texts->push_back({declaredName(declaration), declaration, std::move(paragraphs)});
+}
 
-    void readDeclaration(std::string_view line) {
-        appendWords(line, &mText.declaration);
-        if (line.find_first_of(";{") != std::string_view::npos) {
-            finish();
+// Adds what has a comment: "/**" before the lines of a declaration, or "///<" after it.
+void addTexts(std::string_view header, std::vector<HeaderText>* texts) {
+    constexpr std::string_view kStart = "/**";
+    constexpr std::string_view kBehind = "///<";
+    const auto endOfLine = [&](size_t at) {
+        return std::min(header.find('\n', at), header.size());
+    };
+    for (size_t at = 0; at < header.size();) {
+        const size_t start = std::min(header.find(kStart, at), header.size());
+        const size_t behind = header.find(kBehind, at);
+        if (behind < start) {
+            const size_t line = header.rfind('\n', behind) + 1;
+            const size_t words = behind + kBehind.size();
+            at = endOfLine(behind);
+            addText(header.substr(line, behind - line),
+                    {{"meaning", std::string(trimmed(header.substr(words, at - words)))}}, texts);
+            continue;
+        }
+        const size_t end = header.find("*/", start);
+        at = endOfLine(end);
+        const std::string_view comment = header.substr(start, end - start);
+        const std::string_view lines =
+                header.substr(at, endOfLine(header.find_first_of(";{", at)) - at);
+        std::vector<HeaderParagraph> paragraphs =
+                paragraphsOf(comment.substr(std::min(kStart.size(), comment.size())));
+        if (!paragraphs.empty() && lines.find(kStart) == std::string_view::npos &&
+            lines.find(kBehind) == std::string_view::npos) {
+            at += lines.size();
+            addText(lines, std::move(paragraphs), texts);
         }
     }
-
-    void finish() {
-        std::string& declaration = mText.declaration;
-        declaration.erase(std::min(declaration.find_last_of(";{,"), declaration.size()));
-        declaration = trimmed(declaration);
-        mText.name = declaredName(declaration);
-        mTexts.push_back(std::move(mText));
-        mText = HeaderText();
-    }
-
-    std::vector<HeaderText>& mTexts;
-    HeaderText mText;  // Of the last comment, until its declaration has been read.
-    bool mIsInComment = false;
-    bool mIsGrouping = false;
-    bool mIsNewParagraph = false;
-};
+}
 
 bool mentions(std::string_view text, std::string_view term) {
     for (size_t at = text.find(term); at != std::string_view::npos; at = text.find(term, at + 1)) {
@@ -151,11 +129,7 @@ const std::vector<HeaderText>& headerTexts() {
     static const std::vector<HeaderText>& texts = *new std::vector<HeaderText>([] {
         std::vector<HeaderText> all;
         for (const char* const header : kExportedHeaders) {
-            HeaderReader reader(&all);
-            std::istringstream lines(header);
-            for (std::string line; std::getline(lines, line);) {
-                reader.readLine(line);
-            }
+            addTexts(header, &all);
         }
         return all;
     }());

@@ -35,10 +35,15 @@ Json::Value typeOrNull(const char* type) {
     return schema;
 }
 
+Json::Value typed(const char* type) {
+    Json::Value schema;
+    schema["type"] = type;
+    return schema;
+}
+
 // A whole number. Not "integer": editors then reject 1.0, which the reader accepts.
 Json::Value wholeNumber(int64_t minimum, int64_t maximum) {
-    Json::Value schema;
-    schema["type"] = "number";
+    Json::Value schema = typed("number");
     schema["multipleOf"] = 1;
     schema["minimum"] = Json::Int64{minimum};
     schema["maximum"] = Json::Int64{maximum};
@@ -53,15 +58,9 @@ Json::Value arrayOf(const Json::Value& items) {
     return schema;
 }
 
-Json::Value text() {
-    Json::Value schema;
-    schema["type"] = "string";
-    return schema;
-}
-
 // Offers the known resource codes.
 Json::Value perfWord(const Catalogue& catalogue) {
-    Json::Value schema = text();
+    Json::Value schema = typed("string");
     for (const PerfResourceCode& code : catalogue.codes()) {
         Json::Value snippet;
         snippet["label"] = hexadecimal(code.code);
@@ -77,8 +76,7 @@ Json::Value perfWord(const Catalogue& catalogue) {
 
 // A row is [low, high, bit rate]. An upper bound of -1 is in use for "no upper bound".
 Json::Value bitRateRow() {
-    Json::Value row;
-    row["type"] = "array";
+    Json::Value row = typed("array");
     row["errorMessage"] = "This must be three whole numbers: [low, high, bit rate].";
     row["minItems"] = 3;
     row["maxItems"] = 3;
@@ -105,22 +103,13 @@ Json::Value bitRateRow() {
 
 std::string describedValues(const Setting& setting) {
     std::string text;
-    const auto add = [&](const char* title, const CatalogueValue& value) {
-        text += fmt::format("\n{}{}: {}", title, value.value, meaningOf(value));
-    };
     for (const CatalogueValue& value : setting.values) {
-        add("", value);
+        text += fmt::format("\n{}: {}", value.value, meaningOf(value));
     }
     for (const CatalogueValue& bit : setting.bits) {
-        add("bit ", bit);
+        text += fmt::format("\nbit {}: {}", bit.value, meaningOf(bit));
     }
     return text;
-}
-
-std::string describedChips(const Setting& setting) {
-    return setting.chips.empty()
-                   ? ""
-                   : fmt::format("\nOnly on these chips: {}", joined(setting.chips, ", "));
 }
 
 std::string description(const Setting& setting) {
@@ -129,7 +118,7 @@ std::string description(const Setting& setting) {
     };
     return fmt::format("{}.{}{}{}{}{}\nBuilt-in value: {}", setting.meaning,
                        line("\nUnit: {}", setting.unit), describedValues(setting),
-                       describedChips(setting),
+                       line("\nOnly on these chips: {}", joined(setting.chips, ", ")),
                        line("\nHas an effect only while {} is on.", setting.neededFeature),
                        line("\nMust not be above {}.", setting.atMost), builtInText(setting));
 }
@@ -139,8 +128,7 @@ void addChoices(const Setting& setting, Json::Value* schema) {
     for (const CatalogueValue& choice : choicesOf(setting)) {
         Json::Value snippet;
         snippet["label"] = std::to_string(choice.value);
-        snippet["description"] =
-                fmt::format("{}{}", choice.meaning, choice.isSupported ? "" : " (not supported)");
+        snippet["description"] = meaningOf(choice);
         snippet["body"] = Json::Int64{choice.value};
         (*schema)["defaultSnippets"].append(snippet);
         if (setting.hasOnlyValues) {
@@ -213,8 +201,8 @@ Json::Value componentNames(const Catalogue& catalogue, const std::string& list) 
     }
     Json::Value name;
     name["anyOf"].append(known);
-    name["anyOf"].append(text());
-    return arrayOf(known.isNull() ? text() : name);
+    name["anyOf"].append(typed("string"));
+    return arrayOf(known.isNull() ? typed("string") : name);
 }
 
 Json::Value withoutOtherMembers() {
@@ -253,11 +241,9 @@ Json::Value codecLists(const Catalogue& catalogue) {
 }
 
 Json::Value schemaOf(const Section& section, const Catalogue& catalogue) {
-    Json::Value boolean;
-    boolean["type"] = "boolean";
     switch (section.type) {
         case SectionType::Features:
-            return namedValues(*section.key, catalogue, boolean);
+            return namedValues(*section.key, catalogue, typed("boolean"));
         case SectionType::Presets:
             return namedValues(*section.key, catalogue, wholeNumber(kLowest, kHighest));
         case SectionType::BitRateRows:
@@ -265,7 +251,7 @@ Json::Value schemaOf(const Section& section, const Catalogue& catalogue) {
         case SectionType::DolbyVision:
             return dolbyVision();
         case SectionType::Names:
-            return arrayOf(text());
+            return arrayOf(typed("string"));
         case SectionType::PerfResourceValues:
             return namedValues(*section.key, catalogue, arrayOf(perfWord(catalogue)));
         case SectionType::CodecLists:

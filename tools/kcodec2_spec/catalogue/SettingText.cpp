@@ -14,26 +14,6 @@ namespace kc2::tool {
 
 namespace {
 
-std::string meaningOfBits(const std::vector<CatalogueValue>& bits, size_t chosen) {
-    std::string meaning;
-    for (size_t i = 0; i < bits.size(); ++i) {
-        if ((chosen >> i & 1) != 0) {
-            meaning.append(meaning.empty() ? "" : ", ").append(bits[i].meaning);
-        }
-    }
-    return meaning.empty() ? "no bit" : meaning;
-}
-
-bool isEachNeededBitThere(const std::vector<CatalogueValue>& bits, size_t chosen, int64_t mask) {
-    for (size_t i = 0; i < bits.size(); ++i) {
-        if ((chosen >> i & 1) != 0 &&
-            (mask & bits[i].neededBit.value_or(0)) != bits[i].neededBit.value_or(0)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // Every mask that the bits make; more than four bits would make too many.
 std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
     constexpr size_t kMostBits = 4;
@@ -41,11 +21,18 @@ std::vector<CatalogueValue> masksOf(const std::vector<CatalogueValue>& bits) {
     for (size_t chosen = 0; bits.size() <= kMostBits && chosen < size_t{1} << bits.size();
          ++chosen) {
         CatalogueValue mask;
+        int64_t needed = 0;
         for (size_t i = 0; i < bits.size(); ++i) {
-            mask.value |= (chosen >> i & 1) != 0 ? bits[i].value : 0;
+            if ((chosen >> i & 1) != 0) {
+                mask.value |= bits[i].value;
+                needed |= bits[i].neededBit.value_or(0);
+                mask.meaning.append(mask.meaning.empty() ? "" : ", ").append(bits[i].meaning);
+            }
         }
-        mask.meaning = meaningOfBits(bits, chosen);
-        if (isEachNeededBitThere(bits, chosen, mask.value)) {
+        if (mask.meaning.empty()) {
+            mask.meaning = "no bit";
+        }
+        if ((mask.value & needed) == needed) {
             masks.push_back(std::move(mask));
         }
     }

@@ -90,31 +90,25 @@ std::string cell(const std::string& text) {
     return shown;
 }
 
-void addSentence(std::string* text, const std::string& sentence) {
-    text->append(text->empty() ? "" : "; ").append(sentence);
-}
-
-void addValues(std::string* text, const std::vector<CatalogueValue>& values) {
-    for (const CatalogueValue& value : values) {
-        addSentence(text, fmt::format("{}: {}", value.value, meaningOf(value)));
-    }
-}
-
 // Everything that a value must satisfy, in one cell.
 std::string limitsOf(const Setting& setting) {
-    std::string text = rangeOf(setting);
-    addValues(&text, setting.values);
+    std::vector<std::string> limits;
+    if (const std::string range = rangeOf(setting); !range.empty()) {
+        limits.push_back(range);
+    }
+    for (const CatalogueValue& value : setting.values) {
+        limits.push_back(fmt::format("{}: {}", value.value, meaningOf(value)));
+    }
     for (const CatalogueValue& bit : setting.bits) {
-        addSentence(&text, fmt::format("bit {:#x}: {}", bit.value, meaningOf(bit)));
+        limits.push_back(fmt::format("bit {:#x}: {}", bit.value, meaningOf(bit)));
     }
     if (!setting.atMost.empty()) {
-        addSentence(&text, fmt::format("not above `{}`", setting.atMost));
+        limits.push_back(fmt::format("not above `{}`", setting.atMost));
     }
     if (!setting.neededFeature.empty()) {
-        addSentence(&text,
-                    fmt::format("has an effect only while `{}` is on", setting.neededFeature));
+        limits.push_back(fmt::format("has an effect only while `{}` is on", setting.neededFeature));
     }
-    return text;
+    return joined(limits, "; ");
 }
 
 void addSection(const Catalogue& catalogue, const std::string& section, std::string* page) {

@@ -34,15 +34,9 @@ public:
     std::string parserWords;
 };
 
-bool isOfText(FindingKind kind) {
-    return kind == FindingKind::TextTooLong || kind == FindingKind::TooManyValues ||
-           kind == FindingKind::NestingTooDeep || kind == FindingKind::SyntaxError;
-}
-
-// Whether a reading has found what makes a text no JSON for a device.
-bool isRejectedText(const std::vector<Verdict>& verdicts) {
-    return !verdicts.empty() && isOfText(verdicts.back().kind);
-}
+// What makes a text no JSON for a device.
+constexpr FindingKind kOfText[] = {FindingKind::TextTooLong, FindingKind::TooManyValues,
+                                   FindingKind::NestingTooDeep, FindingKind::SyntaxError};
 
 bool isAcceptedByDevice(std::string text) {
     VerdictKeeper keeper;
@@ -66,8 +60,9 @@ Document::Document(DocumentId name, std::string from)
     isAccepted = readSpecDocument(parserText, &content, keeper, &comments);
     verdicts = std::move(keeper.verdicts);
     parserWords = std::move(keeper.parserWords);
-    if (isRejectedText(verdicts)) {
-        mHasSyntaxError = true;
+    mHasSyntaxError = !verdicts.empty() && std::find(std::begin(kOfText), std::end(kOfText),
+                                                     verdicts.back().kind) != std::end(kOfText);
+    if (mHasSyntaxError) {
         if (verdicts.back().kind == FindingKind::SyntaxError) {
             addSyntaxErrors(parserWords.empty() ? text.size() : verdicts.back().start);
         }

@@ -50,15 +50,12 @@ public:
         : mText(text), mTokens(text), mSource(&source), mRejectedAt(rejectedAt) {}
 
     Tree build() {
-        Tree tree;
         if (start()) {
             mToken = mTokens.nextRoot();
-            value(&tree.root, Expected::Value);
+            value(&mTree.root, Expected::Value);
         }
-        tree.limit = mOpen.empty() ? mEnd : mText.size();
-        tree.errors = std::move(mErrors);
-        tree.decoded = std::move(mDecoded);
-        return tree;
+        mTree.limit = mOpen.empty() ? mEnd : mText.size();
+        return std::move(mTree);
     }
 
 private:
@@ -73,7 +70,7 @@ private:
         }
         const bool isFixed = hint->recovery != Recovery::Stop;
         mTokens = Tokenizer(mText, hint->span.limit);
-        mErrors.push_back(*std::move(hint));
+        mTree.errors.push_back(*std::move(hint));
         return isFixed;
     }
 
@@ -92,31 +89,31 @@ private:
             return Recovery::Stop;  // The parser has accepted the text.
         }
         const Misfit misfit = {mToken, mPrevious, expected, mOpen, mUnclosed};
-        if (mErrors.empty() && mToken.span.start > mRejectedAt) {
+        if (mTree.errors.empty() && mToken.span.start > mRejectedAt) {
             return Recovery::Stop;  // The parser has rejected something else, before this.
         }
-        mErrors.push_back(hintOn(*mSource, mText, misfit));
-        return mErrors.back().recovery;
+        mTree.errors.push_back(hintOn(*mSource, mText, misfit));
+        return mTree.errors.back().recovery;
     }
 
-    std::string_view decoded(const Token& token) {
-        const std::string_view quoted =
-                mText.substr(token.span.start, token.span.limit - token.span.start);
-        return quoted.find('\\') != kNowhere ? mDecoded.emplace_front(withoutEscapes(quoted))
+    // Of the token.
+    std::string_view text() const {
+        return mText.substr(mToken.span.start, mToken.span.limit - mToken.span.start);
+    }
+
+    std::string_view decoded() {
+        const std::string_view quoted = text();
+        return quoted.find('\\') != kNowhere ? mTree.decoded.emplace_front(withoutEscapes(quoted))
                                              : quoted.substr(1, quoted.size() - 2);
     }
 
     bool isSoundString() const {
         return mToken.kind == Token::kString && mToken.isWhole &&
-               (mSource == nullptr ||
-                badEscapeIn(mText.substr(mToken.span.start,
-                                         mToken.span.limit - mToken.span.start)) == kNowhere);
+               (mSource == nullptr || badEscapeIn(text()) == kNowhere);
     }
 
     bool isSoundWord() const {
-        return mToken.kind == Token::kWord &&
-               (mSource == nullptr ||
-                isValue(mText.substr(mToken.span.start, mToken.span.limit - mToken.span.start)));
+        return mToken.kind == Token::kWord && (mSource == nullptr || isValue(text()));
     }
 
     bool value(Node* node, Expected expected) {
@@ -125,13 +122,13 @@ private:
         }
         node->kind = mToken.kind == Token::kEnd ? '\0' : mText[mToken.span.start];
         if (isSoundString()) {
-            node->string = decoded(mToken);
+            node->string = decoded();
         } else if (!isSoundWord()) {
             if (recover(expected) != Recovery::AcceptToken) {
                 node->kind = '\0';
                 return false;
             }
-            const Fix& fix = mErrors.back().fixes.front();  // A plus removed, or quotes added.
+            const Fix& fix = mTree.errors.back().fixes.front();  // A plus removed, or quotes added.
             node->kind = fix.replacement.empty() ? mText[fix.span.limit] : fix.replacement[0];
         }
         node->value = mToken.span;
@@ -144,7 +141,7 @@ private:
         node->value = {mToken.span.start, mText.size()};
         mOpen.push_back({mToken.kind, mToken.span.start, node->key});
         advance();
-        if (!(node->kind == '{' ? members(node) : elements(node))) {
+        if (!children(node)) {
             return false;
         }
         noteUnclosed();
@@ -154,56 +151,31 @@ private:
         return true;
     }
 
-    bool elements(Node* list) {
-        if (mToken.kind == ']') {
-            return true;
-        }
-        for (Expected expected = Expected::ValueOrEnd;; expected = Expected::Value) {
-            if (mToken.kind == ']' && expected == Expected::Value) {
-                return recover(expected) == Recovery::DropComma;
-            }
-            if (!value(&list->children.emplace_back(), expected)) {
-                dropIfEmpty(list);
+    // Reads the elements of a list, or the members of an object, up to its end.
+    bool children(Node* parent) {
+        const bool isObject = parent->isObject();
+        const char end = isObject ? '}' : ']';
+        Expected expected = isObject ? Expected::NameOrEnd : Expected::ValueOrEnd;
+        while (mToken.kind != end) {
+            Node& child = parent->children.emplace_back();
+            if (!(isObject ? name(&child, expected) && value(&child, Expected::Value)
+                           : value(&child, expected))) {
+                if (child.kind == '\0') {  // Its value could not be read.
+                    parent->children.pop_back();
+                }
                 return false;
             }
-            if (mToken.kind == ']') {
+            if (mToken.kind == end) {
                 return true;
             }
             if (!comma()) {
                 return false;
             }
+            expected = isObject ? Expected::Name : Expected::Value;
         }
-    }
-
-    bool members(Node* object) {
-        if (mToken.kind == '}') {
-            return true;
-        }
-        for (Expected expected = Expected::NameOrEnd;; expected = Expected::Name) {
-            if (mToken.kind == '}' && expected == Expected::Name) {
-                // The parser accepts a comma here when the last name is empty.
-                return object->children.back().key.empty() ||
-                       recover(expected) == Recovery::DropComma;
-            }
-            Node& member = object->children.emplace_back();
-            if (!name(&member, expected) || !value(&member, Expected::Value)) {
-                dropIfEmpty(object);
-                return false;
-            }
-            if (mToken.kind == '}') {
-                return true;
-            }
-            if (!comma()) {
-                return false;
-            }
-        }
-    }
-
-    // A node whose value could not be read.
-    static void dropIfEmpty(Node* parent) {
-        if (parent->children.back().kind == '\0') {
-            parent->children.pop_back();
-        }
+        // After a comma, which the parser accepts where the last name is empty.
+        return parent->children.empty() || (isObject && parent->children.back().key.empty()) ||
+               recover(expected) == Recovery::DropComma;
     }
 
     bool name(Node* member, Expected expected) {
@@ -211,7 +183,7 @@ private:
             recover(expected);
             return false;
         }
-        member->key = decoded(mToken);
+        member->key = decoded();
         member->name = mToken.span;
         advance();
         if (mToken.kind != ':') {
@@ -253,8 +225,7 @@ private:
     const Source* mSource = nullptr;  // Null for a text that the parser accepts.
     size_t mRejectedAt = 0;
     std::optional<OpenBracket> mUnclosed;
-    std::vector<SyntaxHint> mErrors;
-    std::forward_list<std::string> mDecoded;
+    Tree mTree;
 };
 
 const Verdict* join(Node* node, const Verdict* verdict, const Verdict* end) {
