@@ -30,7 +30,8 @@ namespace {
 // The indentation of what follows the first part of a line.
 size_t hangingIndent(std::string_view line, size_t width) {
     const size_t start = std::min(line.find_first_not_of(' '), line.size());
-    size_t indent = start == 0 ? 0 : start + 2;
+    constexpr size_t kColumn = 8;  // Text that begins further to the right is in a column.
+    size_t indent = start == 0 || start >= kColumn ? start : start + 2;
     const size_t gap = line.rfind("  ");
     if (gap != std::string_view::npos && gap >= start) {
         indent = std::min(line.find_first_not_of(' ', gap), line.size());
@@ -79,8 +80,8 @@ size_t helpWidth() {
 class WrappingFormatter final : public CLI::Formatter {
 public:
     explicit WrappingFormatter(size_t width) : mWidth(width) {
-        constexpr size_t kWidest = 26;
-        column_width(std::min(kWidest, width / 3));
+        constexpr size_t kWidest = 28;  // "--property-a NAME=VALUE" and a gap fit into it.
+        column_width(std::min(kWidest, width * 3 / 8));
     }
 
     std::string make_help(const CLI::App* app, std::string name,
