@@ -34,6 +34,8 @@ CHECK_LOAD_LIMIT = 4.02  # `kcodec2_spec check` of a load, as a multiple of both
 CHECK_LIMIT = 2.5  # `kcodec2_spec check` of a large document, as a multiple of the parse.
 MISSPELT = (1000, 10000)  # Names of two documents.
 MISSPELT_LIMIT = 12  # `check` of the second of them, as a multiple of the first.
+FILTERS = (2000, 8000)  # Lines of two logs, one for each filter.
+FILTERS_LIMIT = 4.4  # `log` of the second of them, as a multiple of the first.
 VARIANTS = (100, 400)  # Of the trees of many variants.
 VARIANTS_LIMIT = 4.4  # The cost of the second tree, as a multiple of the first.
 CHANGE_LIMIT = 4  # A change in an editor, as a multiple of the parse.
@@ -331,8 +333,14 @@ class Checks:
                               for name in (*self.LARGE, *self.MANY_FINDINGS)}
         for count in MISSPELT:
             (scratch / "documents" / f"{count} misspelt").write_text(misspelt(count))
-            self._instructions[count] = pool.submit(
+            self._instructions[str(count)] = pool.submit(
                 count_tool, scratch, "check", scratch / "documents" / f"{count} misspelt")
+        for count in FILTERS:
+            (scratch / f"{count} filters").write_text("".join(
+                f"D/KC2TargetSpec( 1): mEncPostProcessingFilters {number:05}\n"
+                for number in range(count)))
+            self._instructions[f"log {count}"] = pool.submit(
+                count_tool, scratch, "log", scratch / f"{count} filters")
         write_load(scratch / "load")
         self._instructions["load"] = pool.submit(count_tool, scratch, "check", "--rootdir",
                                                  scratch / "load")
@@ -393,13 +401,16 @@ def report_findings(checks):
          limited("memory of a finding", each, FINDING_LIMIT)]])
 
 
-def report_misspelt(checks):
-    few, many = (checks.instructions(count) for count in MISSPELT)
-    rows = [[f"{count:,} names: instructions", checks.instructions(count), ""]
-            for count in MISSPELT]
-    table("kcodec2_spec check, misspelt names", ["", "value", "limit"], [
-        *rows, ["ratio", f"{many / few:.3f}", limited("misspelt names", many / few,
-                                                      MISSPELT_LIMIT)]])
+def report_growth(checks):
+    rows = []
+    for name, counts, prefix, limit in (
+            ("check of misspelt names", MISSPELT, "", MISSPELT_LIMIT),
+            ("log of filters", FILTERS, "log ", FILTERS_LIMIT)):
+        few, many = (checks.instructions(f"{prefix}{count}") for count in counts)
+        rows.append([name, f"{counts[0]:,}", few, f"{counts[1]:,}", many, f"{many / few:.3f}",
+                     limited(name, many / few, limit)])
+    table("kcodec2_spec, the whole process, with more and more of one thing",
+          ["", "few", "instructions", "many", "instructions", "ratio", "limit"], rows)
 
 
 def report_rest(names, instructions, allocations):
@@ -490,7 +501,7 @@ def report_bench(build, scratch):
     report_check(instructions, checks)
     report_variants(checks)
     report_findings(checks)
-    report_misspelt(checks)
+    report_growth(checks)
     report_rest(names[:-2], instructions, allocations)
 
 

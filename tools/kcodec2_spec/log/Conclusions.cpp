@@ -137,7 +137,8 @@ std::string pullAndCheck(const std::string& path) {
 // The topics of one load. Each function adds what it knows.
 class Description {
 public:
-    Description(const LoadTrace& trace, const ProvedFacts& facts) : mTrace(trace), mFacts(facts) {}
+    Description(const LoadTrace& trace, const ProvedFacts& facts)
+        : mTrace(trace), mFacts(facts), mSystemSpec(systemSpec()) {}
 
     std::vector<Conclusion> conclude() {
         if (mFacts.loads.isContradictory) {
@@ -167,6 +168,13 @@ public:
     }
 
 private:
+    // A document in words, and what to do about it.
+    struct Subject {
+        std::string brief;
+        std::string name;
+        std::string advice;
+    };
+
     void add(Severity severity, const char* topic, std::string brief, std::string text,
              std::string advice, std::vector<uint64_t> lines = {}, std::string heading = {}) {
         std::erase(lines, 0);
@@ -273,13 +281,6 @@ private:
         }
     }
 
-    // A document in words, and what to do about it.
-    struct Subject {
-        std::string brief;
-        std::string name;
-        std::string advice;
-    };
-
     Subject systemSpec() const {
         const std::string path = mFacts.isOnly(SpecSource::Fallback)  ? kFallbackSystemSpec
                                  : mFacts.isOnly(SpecSource::Variant) ? mTrace.firstPath()
@@ -299,18 +300,17 @@ private:
             return {"built-in document", "the built-in document",
                     "the library is damaged: install it again"};
         }
-        const Subject spec = systemSpec();
         const Subject file = {"private file", fmt::format("the private file ({})", kPrivateConfig),
                               pullAndCheck(kPrivateConfig)};
         switch (whichOf(mTrace, mFacts, event)) {
             case Which::SystemSpec:
-                return spec;
+                return mSystemSpec;
             case Which::Overlay:
                 return file;
             default:
                 return {"system spec document or private file",
-                        fmt::format("either {} or {}", spec.name, file.name),
-                        fmt::format("{}; {}", file.advice, spec.advice)};
+                        fmt::format("either {} or {}", mSystemSpec.name, file.name),
+                        fmt::format("{}; {}", file.advice, mSystemSpec.advice)};
         }
     }
 
@@ -555,6 +555,7 @@ private:
 
     const LoadTrace& mTrace;
     const ProvedFacts& mFacts;
+    const Subject mSystemSpec;  // Looked up once: it is in the text of each skipped value.
     std::vector<Conclusion> mConclusions;
 };
 

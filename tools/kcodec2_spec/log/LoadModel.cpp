@@ -90,8 +90,8 @@ constexpr LoadKind loadKindOf(bool hasVariant, uint64_t infoLines, SpecSource so
 }
 
 // The level word lets through nothing, a heading of the dump, or both.
-constexpr uint64_t kInfoLines[] = {0, slotBit(slot::Dump),
-                                   slotBit(slot::Parsing) | slotBit(slot::Dump)};
+constexpr uint64_t kShownLines[] = {0, slotBit(slot::Dump),
+                                    slotBit(slot::Parsing) | slotBit(slot::Dump)};
 constexpr std::pair<SpecSource, bool> kFirstSteps[] = {
         {SpecSource::Variant, false}, {SpecSource::Variant, true}, {SpecSource::Fallback, false},
         {SpecSource::Fallback, true}, {SpecSource::None, false},
@@ -101,10 +101,10 @@ constexpr OverlayResult kSecondSteps[] = {OverlayResult::BuiltIn, OverlayResult:
 
 constexpr auto kLoadKinds = [] {
     std::array<LoadKind,
-               2 * std::size(kInfoLines) * std::size(kFirstSteps) * std::size(kSecondSteps)>
+               2 * std::size(kShownLines) * std::size(kFirstSteps) * std::size(kSecondSteps)>
             kinds = {};
     size_t count = 0;
-    for (const uint64_t info : kInfoLines) {
+    for (const uint64_t info : kShownLines) {
         for (const auto& [source, isAccepted] : kFirstSteps) {
             for (const OverlayResult overlay : kSecondSteps) {
                 kinds[count++] = loadKindOf(false, info, source, isAccepted, overlay);
