@@ -197,6 +197,14 @@ TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
     EXPECT_LT(many.find("id=\"warnings\""), many.find("id=\"notes\""));
 }
 
+// Not the same as no variant, but here it selects the same document, which once took for ever.
+TEST(ReportTest, AnEmptyVariantIsNamed) {
+    const ScratchDirectory tree;
+    tree.write(std::string("vendor/etc/media") + kSpec, R"({"Video": {}})");
+    const std::string page = run("report --output - --variant '' --rootdir " + tree.path()).output;
+    EXPECT_EQ("no variant and 1 variant no variant, &quot;&quot;", matrixOf(page)[0][1]);
+}
+
 TEST(ReportTest, ShowsWhatIsWrongInAFallbackThatNoLoadReads) {
     const ScratchDirectory tree;
     const std::string spec = R"({"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder"]}})";

@@ -58,7 +58,7 @@ std::vector<LoadColumn> columnsOf(const CheckedVariants& checked, std::vector<si
 
 std::string variantForPage(const CheckedVariants& checked, size_t variant) {
     const std::string& name = checked.variants[variant];
-    return name == kDefaultVariant ? "no variant" : html(name);
+    return name == kDefaultVariant ? "no variant" : html(name.empty() ? "\"\"" : name);
 }
 
 std::string titleForPage(const CheckedVariants& checked, const LoadColumn& column) {
