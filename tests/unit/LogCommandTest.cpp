@@ -699,6 +699,14 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
           S("\xFE\xFF") + inUtf16(plain, true), inUtf16(plain, true)}) {
         EXPECT_EQ(expected, textOfAll(described(encoded)));
     }
+    // A second half alone, a pair, and a first half alone.
+    const auto withName = [](S log, const S& name) {
+        const S old = name[0] == '\0' ? S("p\0l\0u\0g\0", 8) : S("plug");
+        return log.replace(log.find(old), old.size(), name);
+    };
+    const S halves("\0\xDE\x3D\xD8\0\xDE\x3D\xD8", 8);
+    EXPECT_EQ(textOfAll(described(withName(plain, "\uFFFD\U0001F600\uFFFD"))),
+              textOfAll(described(withName(inUtf16(plain, false), halves))));
 }
 
 TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {

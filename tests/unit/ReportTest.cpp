@@ -176,6 +176,7 @@ TEST(ReportTest, EqualLoadsShareAColumnAndEqualNotesALine) {
                 "codecs-available": {"decoders": ["c2.kvx.avc.decoder"], "encoders": []}}})");
         }
         tree.write(std::string("odm/etc/media_other") + kSpec, R"({"Video": {}})");
+        tree.write(std::string("odm/etc/media_too/deep/down") + kSpec, R"({"Video": {}})");
         return run("report --output - --rootdir " + tree.path()).output;
     };
     const std::string few = pageOf(10);
