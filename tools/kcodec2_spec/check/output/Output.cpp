@@ -22,9 +22,11 @@ void addMostSevere(const Entries& entries, size_t most, Entries* shown) {
     for (const ReportEntry* const entry : entries) {
         ++room[static_cast<size_t>(entry->severity)];
     }
-    for (size_t severity = std::size(room), left = most; severity-- != 0;) {
-        room[severity] = std::min(room[severity], left);
-        left -= room[severity];
+    size_t left = most;
+    for (size_t severity = std::size(room); severity > 0; --severity) {
+        size_t& own = room[severity - 1];
+        own = std::min(own, left);
+        left -= own;
     }
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(*shown),
                  [&](const ReportEntry* entry) {
