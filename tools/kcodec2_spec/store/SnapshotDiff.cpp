@@ -67,11 +67,11 @@ std::vector<Change> changesInOrder(const Entries& before, const Entries& after) 
     const auto common = [&](size_t i, size_t j) -> uint32_t& {
         return cells[(i - start) * columns + (j - start)];
     };
-    for (size_t i = limitBefore; isMeasured && i-- > start;) {
-        for (size_t j = limitAfter; j-- > start;) {
-            common(i, j) = isSame(before[i], after[j])
-                                   ? common(i + 1, j + 1) + 1
-                                   : std::max(common(i + 1, j), common(i, j + 1));
+    for (size_t i = limitBefore; isMeasured && i > start; --i) {
+        for (size_t j = limitAfter; j > start; --j) {
+            common(i - 1, j - 1) = isSame(before[i - 1], after[j - 1])
+                                           ? common(i, j) + 1
+                                           : std::max(common(i, j - 1), common(i - 1, j));
         }
     }
     std::vector<Change> changes;
