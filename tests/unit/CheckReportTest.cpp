@@ -124,6 +124,19 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
     EXPECT_EQ("", placesIn(parsed(run("check --format json --disable all " + document).output)));
 }
 
+// Without blanks elsewhere, a comma in a number cannot be told from any other.
+TEST(CheckReportTest, CommasBetweenThousandsAreRecognised) {
+    const ScratchDirectory scratch;
+    for (const auto& [row, isTold] : {std::pair("0, 1,958,400, 5", true), {"0,1,958,400", false}}) {
+        const std::string path = scratch.write(
+                "rows.json",
+                std::string("{\"Video\": {\"NimbraModeBitrateTable\": [[") + row + "]]}}");
+        const std::string report = run("check " + path).output;
+        EXPECT_NE(std::string::npos, report.find("[row-size]")) << report;
+        EXPECT_EQ(isTold, report.find("thousands separators") != std::string::npos) << report;
+    }
+}
+
 // Which documents a load reads is the heading of the report: a clean tree has no findings.
 TEST(CheckReportTest, AHeadingSaysWhichDocumentsALoadReads) {
     const std::string tree =
