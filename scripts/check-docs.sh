@@ -56,7 +56,7 @@ of_documents="README.md docs include"
 limit targetspec/reading/Limits.h kMaxNesting levels 1 $of_documents
 limit targetspec/reading/Limits.h kMaxTextBytes MiB 1048576 $of_documents
 limit targetspec/reading/Limits.h kMaxValues values 1 $of_documents
-limit tools/kcodec2_spec/report/MatrixTable.cpp kMostCells cells 1 docs/tool.md
+limit tools/kcodec2_spec/report/Matrix.cpp kMostCells cells 1 docs/tool.md
 limit tools/kcodec2_spec/report/Page.cpp kMostFindings "distinct findings" 1 docs/tool.md
 limit tools/kcodec2_spec/report/Page.cpp kMostCharts charts 1 docs/tool.md
 limit tools/kcodec2_spec/report/StepChart.cpp kMostRows rows 1 docs/tool.md

@@ -3,6 +3,7 @@
 #include "base/NearNames.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <iterator>
@@ -194,20 +195,29 @@ struct Shape {
     bool operator==(const Shape&) const = default;
 };
 
+// What each byte adds to a shape: the bit of the letter or digit that it is read as. A table, since
+// every name of a document is looked up here.
+constexpr uint64_t kNotAscii = uint64_t{1} << 63;
+constexpr std::array<uint64_t, 256> kShapeBits = [] {
+    std::array<uint64_t, 256> bits = {};
+    for (size_t byte = 0; byte < bits.size(); ++byte) {
+        const char c = letterLike(inSmallLetters(static_cast<char>(byte)));
+        bits[byte] = byte >= 0x80           ? kNotAscii
+                     : c >= 'a' && c <= 'z' ? uint64_t{1} << (c - 'a')
+                     : isDigit(c)           ? uint64_t{1} << (26 + c - '0')
+                                            : 0;
+    }
+    return bits;
+}();
+
 Shape shapeOf(std::string_view name) {
     Shape shape;
     for (const char byte : name) {
-        if (static_cast<unsigned char>(byte) >= 0x80) {
-            return shapeOf(readAs(name));
-        }
-        const char c = letterLike(inSmallLetters(byte));
-        const uint64_t bit = isSmall(c)   ? uint64_t{1} << (c - 'a')
-                             : isDigit(c) ? uint64_t{1} << (26 + c - '0')
-                                          : 0;
+        const uint64_t bit = kShapeBits[static_cast<unsigned char>(byte)];
         shape.bits |= bit;
         shape.characters += bit != 0 ? 1 : 0;
     }
-    return shape;
+    return (shape.bits & kNotAscii) == 0 ? shape : shapeOf(readAs(name));
 }
 
 struct Spelling {

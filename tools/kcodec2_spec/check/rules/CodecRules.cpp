@@ -39,9 +39,11 @@ struct ComponentName {
 
     // c2.<vendor>.<codec>.<decoder or encoder>, and what distinguishes components of one codec.
     bool hasForm() const {
-        constexpr std::string_view kOfParts = "abcdefghijklmnopqrstuvwxyz0123456789_-.";
+        const auto isOfParts = [](char c) {
+            return (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' || c == '-' || c == '.';
+        };
         return name.starts_with("c2.") && (isDecoder() || isEncoder()) &&
-               name.find_first_not_of(kOfParts) == std::string_view::npos &&
+               std::all_of(name.begin(), name.end(), isOfParts) &&
                name.find("..") == std::string_view::npos && !name.ends_with('.');
     }
 
