@@ -204,6 +204,14 @@ TEST(ReportTest, AnEmptyVariantIsNamed) {
     tree.write(std::string("vendor/etc/media") + kSpec, R"({"Video": {}})");
     const std::string page = run("report --output - --variant '' --rootdir " + tree.path()).output;
     EXPECT_EQ("no variant and 1 variant no variant, &quot;&quot;", matrixOf(page)[0][1]);
+
+    // The fallback's path has no variant.
+    const ScratchDirectory bare;
+    bare.write("vendor/etc/video_system_specs.json", R"({"Video": {}})");
+    const std::string fallback =
+            run("report --output - --variant '' --rootdir " + bare.path()).output;
+    EXPECT_NE(std::string::npos, fallback.find("(fallback")) << fallback;
+    EXPECT_EQ(std::string::npos, fallback.find("etc&lt;variant&gt;")) << fallback;
 }
 
 TEST(ReportTest, ShowsWhatIsWrongInAFallbackThatNoLoadReads) {

@@ -17,8 +17,8 @@ namespace kc2::tool {
 inline constexpr char kUsualExitCodes[] =
         "Exit codes: 0 fine; 2 wrong usage, or output that cannot be written.";
 
-// Each adds its command, which sets the exit code, when it is the one that is run, to another than
-// kExitOk.
+// Each adds its command. One that has `exitCode` sets it when it is run; the others end with
+// kExitOk, or throw.
 void addShowCommand(CLI::App* app);
 void addCheckCommand(CLI::App* app, int* exitCode);
 void addLogCommand(CLI::App* app, int* exitCode);

@@ -61,7 +61,7 @@ bool isFarApart(std::string_view earlier, std::string_view later) {
     return since && *since > kMostSecondsApart;
 }
 
-// Where the line of an event with a path may be cut. "Failed to open " may be of two rows.
+// Notes whether the line of an event with a path is cut. "Failed to open " may be of two rows.
 void noteCut(const LoadTrace& trace, LoadEvent* event) {
     const std::string_view fallback = kFallbackSystemSpec;
     const std::string_view path = event->value;

@@ -50,7 +50,7 @@ inline constexpr DumpPart kDumpParts[] = {
 // What the dump showed. The same gate lets headings and entries through, all but the heading of the
 // codec components: without it they are among the plug-ins.
 struct Dump {
-    std::array<std::vector<DumpedValue>, 6> values;  // By DumpSection.
+    std::array<std::vector<DumpedValue>, static_cast<size_t>(DumpSection::Later)> values;
     bool hasCodecsHeading = false;
     bool isStarted = false;
     bool isOfLoad = false;     // Else a component may have asked for it, after the load.

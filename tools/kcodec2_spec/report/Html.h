@@ -1,4 +1,4 @@
-// Text of unknown bytes, escaped for a page.
+// Text of unknown bytes, escaped for a page, and what writes a part of one.
 #pragma once
 
 #include <fmt/format.h>

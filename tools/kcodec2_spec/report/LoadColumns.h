@@ -20,7 +20,8 @@ struct LoadColumn {
 };
 
 // Loads the device under each of the variants. Loads are equal when each entry has the same value
-// from the same kind of document, and the overlay is the same one. `columnOf` gets each variant's.
+// from the same kind of document, and the overlay is the same one. `columnOf`, empty before, gets
+// the column of each variant.
 std::vector<LoadColumn> columnsOf(const CheckedVariants& checked, std::vector<size_t>* columnOf);
 
 // "no variant", "_x" or "12 variants", with no name in it that is not escaped for a page.

@@ -144,6 +144,16 @@ private:
                            names);
     }
 
+    static std::string withAnyVariant(std::string text, const std::string& variant) {
+        for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+            const std::string path = directory + variant + kSystemSpecName;
+            for (size_t at = 0; (at = text.find(path, at)) != std::string::npos; ++at) {
+                text.replace(at + directory.size(), variant.size(), kAnyVariant);
+            }
+        }
+        return text;
+    }
+
     // A line for each way in which the column's loads are described.
     std::string documentsOf(const LoadColumn& column, std::string (*describe)(const Load&)) const {
         std::vector<std::string> lines;
@@ -151,11 +161,8 @@ private:
         for (const size_t variant : column.variants) {
             const Load& load = mContent.checked.loads[variant];
             std::string text = describe(load);
-            for (size_t at = 0;
-                 column.variants.size() > 1 && load.isVariantSet() &&
-                 (at = text.find(load.variant + kSystemSpecName, at)) != std::string::npos;) {
-                text.replace(at, load.variant.size(), kAnyVariant);
-                at += kAnyVariant.size() + 1;  // A variant may be empty.
+            if (column.variants.size() > 1 && load.isVariantSet()) {
+                text = withAnyVariant(std::move(text), load.variant);
             }
             if (++counts[text] == 1) {
                 lines.push_back(text);

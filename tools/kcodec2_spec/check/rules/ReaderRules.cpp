@@ -116,8 +116,9 @@ bool isQuotedBoolean(const Verdict& verdict, const Document& document) {
     return text == "true" || text == "false";
 }
 
-// The value of a plain decimal number, without a plus sign and without a leading zero. Not by
-// std::from_chars(), which wraps around zero in libc++ where a minus sign comes first.
+// The value of a plain decimal number, without a plus sign and without a leading zero. Only
+// the digits go to std::from_chars(): in libc++ it wraps around zero where a minus sign comes
+// first.
 std::optional<int32_t> plainDecimal(std::string_view text) {
     constexpr size_t kMostDigits = 10;
     const bool isNegative = text.starts_with('-');
