@@ -185,6 +185,12 @@ bool isPrefix(std::string_view word, std::string_view prefix) {
 
 // --- What is compared ---
 
+}  // namespace
+
+// Named, since a class of the header has members of these types: a compiler that sees several files
+// as one warns otherwise.
+namespace near_names {
+
 constexpr uint64_t kLetters = (uint64_t{1} << 26) - 1;
 
 // A name without order and separators.
@@ -294,6 +300,19 @@ Reading::Reading(NameKind ofKind, std::string_view name, const WordSet* knownWor
     isPrefixExact = (!hasDebug || words[0].text == kDebugWord) &&
                     (!hasPrivate || words[hasDebug ? 1 : 0].text == kPrivateWord);
 }
+
+}  // namespace near_names
+
+using near_names::kLetters;
+using near_names::Reading;
+using near_names::Shape;
+using near_names::shapeOf;
+using near_names::Spelling;
+using near_names::Word;
+using near_names::Words;
+using near_names::WordSet;
+
+namespace {
 
 // --- How far two names are apart ---
 
