@@ -14,7 +14,6 @@
 
 #include "base/Text.h"
 #include "check/output/Excerpt.h"
-#include "device/DevicePaths.h"
 #include "report/Html.h"
 
 namespace kc2::tool {
@@ -179,15 +178,7 @@ private:
         if (loads.size() != 1) {
             return path;
         }
-        const std::string& variant = mContent.checked.variants[loads[0]];
-        for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-            const std::string end = directory + variant + kSystemSpecName;
-            if (path.ends_with(end)) {
-                return path.substr(0, path.size() - end.size()) + directory + "<variant>" +
-                       kSystemSpecName;
-            }
-        }
-        return path;
+        return withAnyVariant(path, mContent.checked.variants[loads[0]]);
     }
 
     // Which variants these are: all, those of whole columns, or by name.

@@ -71,4 +71,14 @@ std::string titleForPage(const CheckedVariants& checked, const LoadColumn& colum
                    : counted(variants.size(), "variant");
 }
 
+std::string withAnyVariant(std::string text, const std::string& variant) {
+    for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
+        const std::string path = directory + variant + kSystemSpecName;
+        for (size_t at = 0; (at = text.find(path, at)) != std::string::npos; ++at) {
+            text.replace(at + directory.size(), variant.size(), "<variant>");
+        }
+    }
+    return text;
+}
+
 }  // namespace kc2::tool

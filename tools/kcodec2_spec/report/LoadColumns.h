@@ -28,4 +28,7 @@ std::vector<LoadColumn> columnsOf(const CheckedVariants& checked, std::vector<si
 std::string variantForPage(const CheckedVariants& checked, size_t variant);
 std::string titleForPage(const CheckedVariants& checked, const LoadColumn& column);
 
+// `text` with "<variant>" in place of the variant in each path that the variant selects.
+std::string withAnyVariant(std::string text, const std::string& variant);
+
 }  // namespace kc2::tool

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "base/Text.h"
-#include "device/DevicePaths.h"
 #include "platform/Version.h"
 #include "report/FindingList.h"
 #include "report/Html.h"
@@ -27,7 +26,6 @@ constexpr size_t kMostFindings = 2'000;
 constexpr size_t kMostCharts = 24;
 
 // In a path that several variants have.
-constexpr std::string_view kAnyVariant = "<variant>";
 
 // Even if a text got past html(), it could neither run nor load anything. The policy has the hash
 // of the script; scripts/check-report.py compares the two.
@@ -142,16 +140,6 @@ private:
         }
         return fmt::format("<details open><summary>{}</summary>{}</details>", titleOf(column),
                            names);
-    }
-
-    static std::string withAnyVariant(std::string text, const std::string& variant) {
-        for (const std::string directory : {kOdmSpecDirectory, kVendorSpecDirectory}) {
-            const std::string path = directory + variant + kSystemSpecName;
-            for (size_t at = 0; (at = text.find(path, at)) != std::string::npos; ++at) {
-                text.replace(at + directory.size(), variant.size(), kAnyVariant);
-            }
-        }
-        return text;
     }
 
     // A line for each way in which the column's loads are described.
