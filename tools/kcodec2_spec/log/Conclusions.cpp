@@ -300,17 +300,15 @@ private:
             return {"built-in document", "the built-in document",
                     "the library is damaged: install it again"};
         }
-        const Subject file = {"private file", fmt::format("the private file ({})", kPrivateConfig),
-                              pullAndCheck(kPrivateConfig)};
         switch (whichOf(mTrace, mFacts, event)) {
             case Which::SystemSpec:
                 return mSystemSpec;
             case Which::Overlay:
-                return file;
+                return mPrivateFile;
             default:
                 return {"system spec document or private file",
-                        fmt::format("either {} or {}", mSystemSpec.name, file.name),
-                        fmt::format("{}; {}", file.advice, mSystemSpec.advice)};
+                        fmt::format("either {} or {}", mSystemSpec.name, mPrivateFile.name),
+                        fmt::format("{}; {}", mPrivateFile.advice, mSystemSpec.advice)};
         }
     }
 
@@ -555,7 +553,11 @@ private:
 
     const LoadTrace& mTrace;
     const ProvedFacts& mFacts;
-    const Subject mSystemSpec;  // Looked up once: it is in the text of each skipped value.
+    // Made once: one of them is in the text of each skipped value.
+    const Subject mSystemSpec;
+    const Subject mPrivateFile = {"private file",
+                                  fmt::format("the private file ({})", kPrivateConfig),
+                                  pullAndCheck(kPrivateConfig)};
     std::vector<Conclusion> mConclusions;
 };
 

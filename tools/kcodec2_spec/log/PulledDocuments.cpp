@@ -500,10 +500,11 @@ private:
         if (!isWhole() || mTrace.lineBefore == 0) {
             return;
         }
+        const bool hasFilters = mTrace.find(LineId::EncoderFilter) != nullptr;
         for (const PulledDocument* const document : documentsFor(Which::Either)) {
             for (const auto& [key, place] : document->lines()) {
                 const auto& [id, value, reason] = key;
-                if (id != LineId::EncoderFilter || mTrace.find(id) != nullptr) {
+                if (id != LineId::EncoderFilter || hasFilters) {
                     contradict(
                             fmt::format("no line of the log is about {} of {}: the phone has "
                                         "another document, or the log was filtered",
