@@ -183,13 +183,13 @@ bool isPrefix(std::string_view word, std::string_view prefix) {
            (isNear || isShortened(word, prefix) || commonStart(word, prefix) >= kStem);
 }
 
-// --- What is compared ---
-
 }  // namespace
+
+// --- What is compared ---
 
 // Named, since a class of the header has members of these types: a compiler that sees several files
 // as one warns otherwise.
-namespace near_names {
+inline namespace near_names {
 
 constexpr uint64_t kLetters = (uint64_t{1} << 26) - 1;
 
@@ -302,15 +302,6 @@ Reading::Reading(NameKind ofKind, std::string_view name, const WordSet* knownWor
 }
 
 }  // namespace near_names
-
-using near_names::kLetters;
-using near_names::Reading;
-using near_names::Shape;
-using near_names::shapeOf;
-using near_names::Spelling;
-using near_names::Word;
-using near_names::Words;
-using near_names::WordSet;
 
 namespace {
 
