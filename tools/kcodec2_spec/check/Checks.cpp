@@ -57,7 +57,7 @@ const char* nameOf(Severity severity) {
     return kNames[static_cast<size_t>(severity)];
 }
 
-bool isFormerCheck(std::string_view name) {
+bool noteFormerCheck(std::string_view name) {
     if (name != "system-spec" && name != "overlay") {
         return false;
     }
@@ -103,7 +103,7 @@ std::string unknownCheck(std::string_view name) {
 }
 
 std::string Levels::set(const std::string& name, std::optional<Severity> severity) {
-    if (isFormerCheck(name)) {
+    if (noteFormerCheck(name)) {
         return std::string();
     }
     if (const Check* const check = findCheck(name)) {

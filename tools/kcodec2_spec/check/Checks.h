@@ -23,7 +23,7 @@ void noCheckHasThisId();
 class CheckId {
 public:
     consteval CheckId(const char* id) : mCheck(find(id)) {}    // NOLINT: written as its text.
-    constexpr CheckId(const Check& check) : mCheck(&check) {}  // NOLINT
+    constexpr CheckId(const Check& check) : mCheck(&check) {}  // NOLINT: as its id.
 
     constexpr const Check& operator*() const { return *mCheck; }
     constexpr const Check* operator->() const { return mCheck; }
@@ -73,7 +73,7 @@ private:
 
 // Whether there once was a check of that name, whose findings are now the heading of the report:
 // options and comments may still name it, without effect. Says so on standard error, once for each.
-bool isFormerCheck(std::string_view name);
+bool noteFormerCheck(std::string_view name);
 
 // A message that there is no check of that name, with the nearest one.
 std::string unknownCheck(std::string_view name);

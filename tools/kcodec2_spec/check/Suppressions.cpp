@@ -69,7 +69,7 @@ void Suppressions::readComment(Span comment, size_t line) {
 void Suppressions::addId(Span span, size_t line) {
     const std::string_view id = mSource->textAt(span);
     const Check* const check = findCheck(id);
-    if (isFormerCheck(id)) {
+    if (noteFormerCheck(id)) {
         return;
     }
     if (check == nullptr && !isCheckGroup(id)) {

@@ -60,7 +60,7 @@ void appendWrapped(std::string_view line, size_t width, std::string* text) {
 
 // `text` with its lines wrapped at `width` columns. The rest of a line is indented like the text
 // after its last gap of two blanks or more, which is the description of an option, or like the line
-// itself.
+// itself; where that is indented a little, by two columns more.
 std::string wrapped(const std::string& text, size_t width) {
     std::string result;
     std::istringstream lines(text);

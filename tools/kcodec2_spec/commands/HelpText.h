@@ -1,4 +1,5 @@
-// Help and messages about wrong usage, wrapped for the terminal.
+// Help and messages about wrong usage, wrapped for the terminal; the options as the help shows
+// them.
 #pragma once
 
 #include <string>

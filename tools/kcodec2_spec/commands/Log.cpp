@@ -55,7 +55,6 @@ void addLogCommand(CLI::App* app, int* exitCode) {
     command->callback([arguments, exitCode] {
         if (arguments->isTable) {
             printOut("{}", logLineTable());
-            *exitCode = kExitOk;
             return;
         }
         const DeviceOptions& device = arguments->device;

@@ -8,7 +8,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "check/Check.h"
 #include "editor/Cursor.h"

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "base/DeviceOptions.h"
-#include "base/Spelling.h"
 #include "base/Text.h"
 
 namespace kc2::tool {

@@ -56,7 +56,6 @@ std::optional<SkippedText> matchSkipped(std::string_view text) {
     return std::nullopt;
 }
 
-// Texts without placeholder come before those that might contain them.
 const LogLine* rowOf(std::string_view tag, std::string_view text) {
     const std::optional<SkippedText> skipped = matchSkipped(text);
     if (skipped && (tag.empty() || tag == logLine(LineId::Skipped).tag)) {

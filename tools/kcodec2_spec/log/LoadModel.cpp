@@ -131,7 +131,7 @@ uint64_t sectionsOf(const LoadEvent& event) {
     return section - 1;  // Another release's place: any of them.
 }
 
-// Of the lines of a load that are not about a value. The others are the dump's.
+// Of the lines of a load that are not about a skipped value. The others are the dump's.
 constexpr std::pair<LineId, uint64_t> kSlotsOfLines[] = {
         {LineId::NoVariant, kLookups},
         {LineId::Parsing, slotBit(slot::Parsing)},

@@ -24,7 +24,6 @@
 #include "log/Conclusions.h"
 #include "log/LineReader.h"
 #include "log/LoadTrace.h"
-#include "log/LogLines.h"
 #include "log/Logcat.h"
 #include "log/PulledDocuments.h"
 #include "targetspec/reading/Escaped.h"

@@ -15,6 +15,7 @@
 
 namespace kc2::tool {
 
+// From Parsing to NothingOpened: where the document is. From NoCodecs on: calls of components.
 enum class LineId {
     NoVariant,
     Parsing,

@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <span>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>

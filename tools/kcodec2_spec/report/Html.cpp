@@ -9,7 +9,7 @@ namespace kc2::tool {
 
 namespace {
 
-// With a reference in place of markup.
+// Appends the character, or the reference that stands for it where it is markup.
 void append(char c, std::string* text) {
     switch (c) {
         case '&':

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <fstream>
 #include <optional>
-#include <utility>
 
 #include "device/BaseLibrary.h"
 #include "device/DeviceFile.h"

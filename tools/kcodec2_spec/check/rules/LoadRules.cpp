@@ -1,4 +1,5 @@
-// Which documents a load reads, and what is wrong with that: with their paths, their modes.
+// Which documents a load reads, and what is wrong with that, with the chip's name in the path and
+// with the modes along it.
 
 #include <fmt/format.h>
 #include <sys/stat.h>

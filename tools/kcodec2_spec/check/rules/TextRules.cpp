@@ -165,7 +165,6 @@ void checkPlaceholders(const Document& document, Report* report) {
     });
 }
 
-// Parsers and C++ libraries differ in how they read a number beyond the range of double.
 void checkNumbers(const Document& document, Report* report) {
     visitAll(document.tree.root, [&](const Node& node) {
         if (!node.isNumber()) {
@@ -182,6 +181,7 @@ void checkNumbers(const Document& document, Report* report) {
         if (digits.empty() && document.isAccepted) {  // Else the root is the mistake.
             add("lone-minus", "a minus sign without digits is read as 0");
         }
+        // Parsers and C++ libraries differ in how they read a number beyond the range of double.
         const NumberRange range = rangeOf(text);
         if (range == NumberRange::TooLarge) {
             add("number-too-large",
