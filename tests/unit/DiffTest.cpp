@@ -112,6 +112,9 @@ TEST(DiffTest, ComparesEffectsNotTexts) {
             {" tests/unit/check/load-bare --dirmap-b "
              "/data/vendor/media:tests/unit/check/load-empty",
              1, "  B has no entries: every component is enabled\n"},
+            {" tests/unit/check/load-bare --format markdown --dirmap-b "
+             "/data/vendor/media:tests/unit/check/load-empty",
+             1, "\nCodec components: B has no entries: every component is enabled\n"},
     };
     for (const auto& row : rows) {
         const Result result = run("diff" + row.arguments);
@@ -223,6 +226,9 @@ TEST(DiffTest, RejectedDocumentsAreNoMatch) {
                           {bad + " " + bad + " --json", 2, "nothing to compare"},
                           {bad + " " + none, 1, warning + bad},
                           {none + " " + bad, 1, "but a device rejects the document of B\n"},
+                          {none + " " + bad + " --format markdown", 1,
+                           "**no difference in effect, but a device rejects the document of B**"},
+                          {bad + " " + none, 1, "but a device rejects the document of A\n"},
                           {none + " /dev/null", 0, "\nno difference in effect\n"},
                           {bad + " /dev/null", 1, warning + bad},
                           {"tests/unit/check/load-seeded tests/unit/check/load-seeded", 0,
