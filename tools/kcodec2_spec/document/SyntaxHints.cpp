@@ -391,6 +391,9 @@ MaybeHint twoNumbers(const Context& context) {
                     ? fmt::format("a comma is missing, or there is a space next to a minus sign: "
                                   "write {}, {} or what is meant",
                                   shortened(before), shortened(after))
+            : before == "-"
+                    ? fmt::format("there is a space after the minus sign: write -{}",
+                                  shortened(after))
                     : fmt::format("a comma is missing, or there is a space inside a number: "
                                   "write {}, {} or {}",
                                   shortened(before), shortened(after),
@@ -404,13 +407,13 @@ bool isHexadecimalWord(std::string_view word) {
            (word[1] == 'x' || word[1] == 'X') && consistsOf(word.substr(2), std::isxdigit);
 }
 
-std::string hexadecimalHint(std::string_view digits) {
+std::string hexadecimalHint(std::string_view digits, std::string_view sign) {
     const std::string text(digits.substr(0, 16));
     const bool isNumber =
             !digits.empty() && digits.size() <= 16 && consistsOf(digits, std::isxdigit);
     return fmt::format(
             "JSON has no hexadecimal numbers: write {}, or put a perf word in double quotes",
-            isNumber ? std::to_string(std::strtoull(text.c_str(), nullptr, 16))
+            isNumber ? fmt::format("{}{}", sign, std::strtoull(text.c_str(), nullptr, 16))
                      : std::string("it in decimal"));
 }
 
@@ -418,11 +421,11 @@ std::string numberHint(std::string_view number) {
     const size_t digits = number[0] == '-' || number[0] == '+' ? 1 : 0;
     const std::string_view magnitude = number.substr(digits);
     if (magnitude.substr(0, 2) == "0x" || magnitude.substr(0, 2) == "0X") {
-        return hexadecimalHint(magnitude.substr(2));
+        return hexadecimalHint(magnitude.substr(2), number[0] == '-' ? "-" : "");
     }
     constexpr size_t kPerfWordDigits = 8;
     if (number.size() == kPerfWordDigits && consistsOf(number, std::isxdigit)) {
-        return hexadecimalHint(number);
+        return hexadecimalHint(number, "");
     }
     if (number[0] == '+') {
         return fmt::format("JSON numbers have no plus sign: write {}", shortened(magnitude));
