@@ -4,7 +4,6 @@
 #include <json/value.h>
 
 #include <map>
-#include <regex>
 #include <string>
 
 #include "RunTool.h"
@@ -326,7 +325,7 @@ TEST(MistakesTest, EachIsReportedOnceAtItsPlace) {
         std::string& ofDocument = found[finding["path"].asString()];
         ofDocument += (ofDocument.empty() ? "" : " ") + finding["id"].asString() + "@" +
                       finding["column"].asString();
-        messages[finding["path"].asString()] += "    " + finding["message"].asString() + "\n";
+        messages[finding["path"].asString()] += describe(finding);
     }
     std::map<const Mistake*, std::string> inOrder;
     for (const auto& [path, mistake] : mistakes) {

@@ -104,6 +104,25 @@ size_t countOf(const std::string& part, const std::string& text) {
     return count;
 }
 
+std::string describe(const Json::Value& finding) {
+    const auto place = [](const Json::Value& at) {
+        const std::string line = at["line"].asString();
+        const std::string endLine = at["endLine"].asString();
+        return line + ":" + at["column"].asString() + "-" + (line != endLine ? endLine + ":" : "") +
+               at["endColumn"].asString() + " ";
+    };
+    std::string text = "    " + place(finding) + finding["severity"].asString() + ": " +
+                       finding["message"].asString() + " [" + finding["id"].asString() + "]\n";
+    for (const Json::Value& related : finding["related"]) {
+        text += "        see " + place(related) + related["message"].asString() + "\n";
+    }
+    for (const Json::Value& fix : finding["fixes"]) {
+        text += "        fix " + place(fix) + "'" + fix["replacement"].asString() + "' " +
+                fix["what"].asString() + "\n";
+    }
+    return text;
+}
+
 std::string readFile(const std::filesystem::path& path) {
     std::ifstream stream(path);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};

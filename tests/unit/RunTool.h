@@ -39,6 +39,10 @@ Result runOnTerminal(const std::string& arguments, unsigned short columns,
 // The JSON that a command has printed; fails the test when it is not JSON.
 Json::Value parsed(const std::string& text);
 
+// All that a report in JSON says of a finding but its path: its place, severity, message and check,
+// then each related place and each fix on its line.
+std::string describe(const Json::Value& finding);
+
 // How often a part is in a text.
 size_t countOf(const std::string& part, const std::string& text);
 

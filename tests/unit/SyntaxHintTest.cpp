@@ -171,13 +171,13 @@ TEST(SyntaxHintTest, EachMistakeHasItsHintAtItsPlace) {
         EXPECT_EQ("syntax", finding["id"].asString()) << row.text;
         EXPECT_EQ(row.position, finding["line"].asString() + ":" + finding["column"].asString())
                 << row.text;
-        messages[i] = finding["message"].asString();
+        messages[i] = describe(finding);
         EXPECT_NE(std::string::npos, messages[i].find(row.hint)) << row.text << "\n" << messages[i];
     }
     EXPECT_EQ(std::vector<int>(kRows.size(), 1), findings);  // One mistake, one finding.
     std::string text;
     for (size_t i = 0; i < kRows.size(); ++i) {
-        text += kRows[i].text + "\n    " + messages[i] + "\n";
+        text += kRows[i].text + "\n" + messages[i];
     }
     expectFile("syntax-hints.txt", text);
 }
