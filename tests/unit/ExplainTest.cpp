@@ -61,48 +61,53 @@ TEST(ExplainTest, AnExampleHasItsMistakeAndItsFixedFormDoesNot) {
 TEST(ExplainTest, ExplainsEveryKindOfName) {
     const std::string device =
             " --rootdir tests/unit/check/load-traps --property vendor.media.target_variant=";
-    expectAnswers("explain ",
-                  {
-                          {"private_complexity", 0, "  built-in  50 (brel, mirt, document 1)\n"},
-                          {"private_set_cpu_affinity", 0,
-                           "  built-in  not set (brel, mirt, document 1)\n"},
-                          {"private_perf_resource_values_video_decode", 0,
-                           "  built-in  [\"0x40800000\",\"0x5DC\"] (other chips, document 3)\n"},
-                          {"DolbyVision", 0, "replaces both levels"},
-                          {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
-                          {"0x7FA30C09", 0, "TAMRA_TP10"},
-                          {"real-truncated", 0, "  fixed     {\"Video\": {\"Presets\""},
-                          {"'parse json from file'", 0,
-                           "Couldn't parse json from file stream\n  log       E"},
-                          {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
-                           "Failed to open %s... Exit!"},
-                          {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
-                           "Skipped %s in %s: %s\n"},
-                          // Whole lines with their values and headers, and parts of lines.
-                          {"'0x127 is not a Tamra color format!'", 0, "  values    0x127\n"},
-                          {"'11-25 08:00:01.120  6  6 E Platform_BufferLayout: Format A does not "
-                           "contain plane-7'",
-                           0, "  values    A, 7\n"},
-                          {"'I/KC2TargetSpec( 4):        private_enc_cvp_enable    : 1'", 0,
-                           "  values    private_enc_cvp_enable, 1\nprivate_enc_cvp_enable\n"},
-                          {"'private_complexity : 60'", 0, "private_complexity\n  meaning"},
-                          {"'not a boolean'", 0, "Skipped %s in %s: %s"},
-                          {"real-truncatd", 1, "Did you mean real-truncated?"},
-                          {"nv12", 1, "Did you mean TAMRA_NV12?"},
-                          // Names are near as in "check", and other words for a codec are known.
-                          {"private_max_render_rate", 1, "private_max_supported_render_rate?"},
-                          {"private_perf_res_vals_video_enc", 1, "values_video_encode?"},
-                          {"private_slice_size_MB_Mode", 1,
-                           "Did you mean private_max_slice_size_MB_Mode or "
-                           "private_min_slice_size_MB_Mode?"},
-                          {"private_enc_bitrate", 1, "Did you mean private_enc_all_intra_bitrate?"},
-                          {"private_zoom", 1, "unknown name \"private_zoom\".\n"},
-                          {"h264", 1, "Did you mean c2.kvx.avc.decoder?"},
-                          {"c2.kvx.h265.enc", 1, "Did you mean c2.kvx.hevc.encoder?"},
-                          {"c2.kvx.mpeg2.decoder", 1, "unknown name \"c2.kvx.mpeg2.decoder\".\n"},
-                          {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
-                          {"no_such_name" + device, 1, "no document sets it"},
-                  });
+    expectAnswers(
+            "explain ",
+            {
+                    {"private_complexity", 0, "  built-in  50 (brel, mirt, document 1)\n"},
+                    {"private_set_cpu_affinity", 0,
+                     "  built-in  not set (brel, mirt, document 1)\n"},
+                    {"private_perf_resource_values_video_decode", 0,
+                     "  built-in  [\"0x40800000\",\"0x5DC\"] (other chips, document 3)\n"},
+                    {"DolbyVision", 0, "replaces both levels"},
+                    {"TAMRA_TP10", 0, "Y UV Y_META UV_META"},
+                    {"0x7FA30C09", 0, "TAMRA_TP10"},
+                    {"real-truncated", 0, "  fixed     {\"Video\": {\"Presets\""},
+                    {"'parse json from file'", 0,
+                     "Couldn't parse json from file stream\n  log       E"},
+                    {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
+                     "Failed to open %s... Exit!"},
+                    {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
+                     "Skipped %s in %s: %s\n"},
+                    // Whole lines with their values and headers, and parts of lines.
+                    {"'0x127 is not a Tamra color format!'", 0, "  values    0x127\n"},
+                    {"'11-25 08:00:01.120  6  6 E Platform_BufferLayout: Format A does not "
+                     "contain plane-7'",
+                     0, "  values    A, 7\n"},
+                    {"'I/KC2TargetSpec( 4):        private_enc_cvp_enable    : 1'", 0,
+                     "  values    private_enc_cvp_enable, 1\nprivate_enc_cvp_enable\n"},
+                    {"'private_complexity : 60'", 0, "private_complexity\n  meaning"},
+                    {"'not a boolean'", 0, "Skipped %s in %s: %s"},
+                    {"real-truncatd", 1, "Did you mean real-truncated?"},
+                    {"nv12", 1, "Did you mean TAMRA_NV12?"},
+                    {"P01", 1, "Did you mean TAMRA_P010?"},
+                    {"P0", 1, "unknown name \"P0\".\n"},
+                    {"complexity", 1, "Did you mean private_complexity?"},
+                    {"c2.kvx.avc", 1, "Did you mean c2.kvx.avc.decoder or c2.kvx.avc.encoder?"},
+                    // Names are near as in "check", and other words for a codec are known.
+                    {"private_max_render_rate", 1, "private_max_supported_render_rate?"},
+                    {"private_perf_res_vals_video_enc", 1, "values_video_encode?"},
+                    {"private_slice_size_MB_Mode", 1,
+                     "Did you mean private_max_slice_size_MB_Mode or "
+                     "private_min_slice_size_MB_Mode?"},
+                    {"private_enc_bitrate", 1, "Did you mean private_enc_all_intra_bitrate?"},
+                    {"private_zoom", 1, "unknown name \"private_zoom\".\n"},
+                    {"h264", 1, "Did you mean c2.kvx.avc.decoder?"},
+                    {"c2.kvx.h265.enc", 1, "Did you mean c2.kvx.hevc.encoder?"},
+                    {"c2.kvx.mpeg2.decoder", 1, "unknown name \"c2.kvx.mpeg2.decoder\".\n"},
+                    {"'\x1b[31m'", 1, "unknown name \"\\x1B[31m\""},
+                    {"no_such_name" + device, 1, "no document sets it"},
+            });
 }
 
 // What the library does is said by its headers, which the tool contains.
@@ -158,10 +163,14 @@ TEST(ExplainTest, EachCommentOfTheHeadersHasItsName) {
         }
     }
     EXPECT_LT(60u, count);
+    std::string texts;
     for (const tool::HeaderText& text : tool::headerTexts()) {
-        EXPECT_NE("", text.name) << text.declaration;
-        EXPECT_NE("", text.paragraphs.front().text) << text.name;
+        texts += text.name + ": " + text.declaration + "\n";
+        for (const tool::HeaderParagraph& paragraph : text.paragraphs) {
+            texts += "    " + paragraph.title + ": " + paragraph.text + "\n";
+        }
     }
+    expectFile("header-texts.txt", texts);
 }
 
 // The first document that sets a name wins; the other's value is reported as lost.
