@@ -20,6 +20,7 @@ struct LoadEvent {
     std::string document = {};  // As the line names it; empty when it does not.
     uint64_t count = 1;         // How many such lines follow each other.
     bool isCut = false;         // The line ends early.
+    uint64_t lastLine = 0;      // Of these lines.
 
     // Whether the line names a document in such words.
     bool names(std::string_view words) const { return document.find(words) != std::string::npos; }

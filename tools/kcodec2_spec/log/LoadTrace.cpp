@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <utility>
 
 #include "base/Text.h"
 #include "device/DevicePaths.h"
@@ -224,10 +225,12 @@ void TraceCollector::splitIfNewLoad(const LoadEvent& event, const LogEntry& entr
     if (!isApart && event.value == defaultPath() && !old.events.empty() &&
         old.events.back().id == LineId::NoVariant) {
         LoadEvent moved = old.events.back();
+        moved.line = moved.lastLine;
         moved.count = 1;
         if (--old.events.back().count == 0) {
             old.events.pop_back();
         }
+        old.lastLine = old.lastLine == moved.line ? old.lineBeforeLast : old.lastLine;
         process->position.follow(moved);
         process->trace->firstLine = moved.line;
         process->trace->events.push_back(std::move(moved));
@@ -244,7 +247,9 @@ void TraceCollector::addEvent(LoadEvent event, const LogEntry& entry, Process* p
     const bool isCounted = event.id == LineId::NoVariant || event.id == LineId::RowSkipped;
     if (isCounted && !trace.events.empty() && trace.events.back().id == event.id) {
         trace.events.back().count += event.count;
+        trace.events.back().lastLine = event.line;
     } else if (spend(event.value.size() + event.reason.size() + event.document.size(), &trace)) {
+        event.lastLine = event.line;
         trace.events.push_back(std::move(event));
     }
 }
@@ -405,7 +410,7 @@ void TraceCollector::addOurs(const LogEntry& entry) {
     } else if (!cut.isCut) {
         process->trace->strange.add(entry.text, entry.line);
     }
-    process->trace->lastLine = entry.line;
+    process->trace->lineBeforeLast = std::exchange(process->trace->lastLine, entry.line);
     process->last.emplace(entry.tag, entry.text);
 }
 

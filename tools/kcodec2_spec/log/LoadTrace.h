@@ -87,6 +87,7 @@ struct LoadTrace {
     std::string firstTime;
     uint64_t firstLine = 0;
     uint64_t lastLine = 0;
+    uint64_t lineBeforeLast = 0;
 
     std::vector<LoadEvent> events;  // In the order of the log. A dump is one event.
     Dump dump;
