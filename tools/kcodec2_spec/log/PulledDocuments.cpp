@@ -437,9 +437,12 @@ private:
                     !part.isInOrder || (i < expected.size() && expected[i].name == value.name);
             const auto found = left.find(value.name);
             if (found == left.end() || !isInPlace) {
-                contradict(fmt::format("the dump shows \"{}\", which {} does not have {}", text,
-                                       document, isInPlace ? "" : "at this place of its list"),
+                contradict(fmt::format("the dump shows \"{}\", which {} does not have{}", text,
+                                       document, isInPlace ? "" : " at this place of its list"),
                            {value.line});
+                if (found != left.end()) {
+                    left.erase(found);
+                }
                 continue;
             }
             const std::string place = mSystemSpec->placeIn(
@@ -463,11 +466,20 @@ private:
                !mLogFacts.loads.isContradictory;
     }
 
-    // Where the phone has rejected the document, its dump says nothing about the tree's.
+    // Where the phone has merged nothing from the document, its lines and its dump say nothing more
+    // about the tree's.
+    bool isUnusedOnPhone(const PulledDocument& document) const {
+        const bool canAccept = &document == mSystemSpec.get()
+                                       ? mLogFacts.loads.canAccept
+                                       : mLogFacts.isOpen(OverlayResult::Private) ||
+                                                 mLogFacts.isOpen(OverlayResult::BuiltIn);
+        return document.document().isAccepted && !canAccept;
+    }
+
     void compareDump() {
         Dump logged = mTrace.dump;
         if (!logged.isOfLoad || mSystemSpec == nullptr || !logged.lostHeadings.empty() ||
-            (mSystemSpec->document().isAccepted && !mLogFacts.loads.canAccept)) {
+            isUnusedOnPhone(*mSystemSpec)) {
             return;
         }
         const Dump& expected = mSystemSpec->dump();
@@ -504,7 +516,7 @@ private:
         for (const PulledDocument* const document : documentsFor(Which::Either)) {
             for (const auto& [key, place] : document->lines()) {
                 const auto& [id, value, reason] = key;
-                if (id != LineId::EncoderFilter || hasFilters) {
+                if ((id != LineId::EncoderFilter || hasFilters) && !isUnusedOnPhone(*document)) {
                     contradict(
                             fmt::format("no line of the log is about {} of {}: the phone has "
                                         "another document, or the log was filtered",
