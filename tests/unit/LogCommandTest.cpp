@@ -487,6 +487,53 @@ TEST(LogCommandTest, ALogThatEndsAfterALineLeavesTheNextOneOpen) {
     EXPECT_EQ("-x-x-", possibleIn(described(log + other(3660))[0]).substr(0, 5));
 }
 
+// What a load did not write in the ten seconds around it, it did not write at all.
+TEST(LogCommandTest, TenSecondsAroundALoadShowWhatItDidNotWrite) {
+    const auto lines = [](int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i) {
+            text += "I/Other(99): a line\n";
+        }
+        return text;
+    };
+    const auto failed = [](int seconds) { return timed({kFailed, kFalling}, 77, seconds); };
+    const auto rejected = [](int seconds) { return timed({kRejected}, 77, seconds); };
+    const std::string brief = "E/KC2TargetSpec(77): Couldn't parse json from file stream\n";
+    constexpr int kDay = 86400;
+    const char* const kEndOpen = "-xxxx";
+    const char* const kEndKnown = "-x-x-";
+    const char* const kStartOpen = "xxxxx";
+    const char* const kStartKnown = "x--xx";
+    const struct {
+        std::string log;
+        const char* possible;  // Of the first step.
+    } rows[] = {
+            {other(0) + failed(30) + other(39), kEndOpen},
+            {other(0) + failed(30) + other(40), kEndKnown},
+            {other(0) + failed(30) + other(35) + other(40), kEndKnown},
+            {other(0) + failed(30) + other(35) + other(40 + kDay), kEndOpen},
+            {other(0) + failed(30) + other(29 + kDay), kEndKnown},
+            {other(0) + failed(30) + other(30 + kDay), kEndOpen},
+            {other(99) + failed(130) + other(70), kEndOpen},
+            {other(99) + failed(130) + other(69) + other(300), kEndOpen},
+            {other(0) + failed(30) + timed({kNoCodecs}, 77, 31), kEndKnown},
+            {other(0) + rejected(9) + other(60), kStartOpen},
+            {other(0) + rejected(10) + other(60), kStartKnown},
+            {other(0) + other(kDay) + rejected(9 + kDay) + other(60 + kDay), kStartOpen},
+            {other(0) + other(kDay) + rejected(10 + kDay) + other(60 + kDay), kStartKnown},
+            {other(0) + other(30) + other(30 + kDay) + rejected(39 + kDay) + other(99 + kDay),
+             kStartOpen},
+            {lines(990) + brief + lines(1010), kStartOpen},
+            {lines(1010) + brief + lines(1010), kStartKnown},
+            {lines(990) + timed({kRejected}, 77, 5) + other(60), kStartOpen},
+    };
+    for (const auto& [log, possible] : rows) {
+        const Json::Value loads = described(log);
+        ASSERT_EQ(1u, loads.size()) << log;
+        EXPECT_EQ(possible, possibleIn(loads[0]).substr(0, 5)) << log.substr(0, 500);
+    }
+}
+
 TEST(LogCommandTest, ADumpWithoutItsStartIsNamedByItsFirstEntry) {
     const std::string tag = kTag;
     const Json::Value loads = described(inLog({tag + "       a                         : 1",
@@ -506,6 +553,13 @@ TEST(LogCommandTest, ANewLoadBeginsWhereALineCannotFollow) {
     const std::string rejected = timed({kRejected}, 77, 3600);
     const std::vector<std::string> five(5, kMissing);
     const std::string beginning = "--------- beginning of main\n";
+    const std::string system = "--------- beginning of system\n";
+    const auto at = [](const std::string& time) { return time + "   77   77 " + kRejected + "\n"; };
+    constexpr char kOther[] =
+            "E KC2TargetSpec: Failed to open "
+            "/odm/etc/media_y/video_system_specs.json";
+    constexpr char kFeature[] = "W KC2TargetSpec: Skipped Video/Features/a in the system spec: x";
+    constexpr char kPreset[] = "W KC2TargetSpec: Skipped Video/Presets/a in the system spec: x";
     const struct {
         std::string log;
         size_t loads;
@@ -523,6 +577,32 @@ TEST(LogCommandTest, ANewLoadBeginsWhereALineCannotFollow) {
             {timed({kNoCodecs, kRejected}, 77, 3600), 2},
             {timed({"I KC2TargetSpec: Video Core Features:", kFailed}, 77, 3600), 2},
             {timed({kFailed}, 1, 5) + timed({kRejected}, 2, 5) + timed({kFailed}, 1, 5), 3},
+            // A minute apart, or a minute backwards, and a second more; over the ends of a day, a
+            // month and a year; in seconds since the start.
+            {rejected + timed({kRejected}, 77, 3660), 1},
+            {rejected + timed({kRejected}, 77, 3661), 2},
+            {rejected + timed({kRejected}, 77, 3540), 1},
+            {rejected + timed({kRejected}, 77, 3539), 2},
+            {at("11-25 08:00:00.500") + at("11-25 08:01:00.500"), 1},
+            {at("11-25 08:00:00.500") + at("11-25 08:01:00.625"), 2},
+            {at("11-25 08:00:00.625") + at("11-25 08:01:00.500"), 1},
+            {at("11-24 23:59:59.000") + at("11-25 00:00:59.000"), 1},
+            {at("10-31 23:59:59.000") + at("11-01 00:00:59.000"), 1},
+            {at("12-31 23:59:59.000") + at("01-01 00:00:59.000"), 1},
+            {at("12-31 23:59:59.000") + at("01-01 00:01:00.000"), 2},
+            {at("2026-12-31 23:59:59.000") + at("2027-01-01 00:00:59.000"), 1},
+            {at("   12.500") + at("   72.500"), 1},
+            {at("   12.500") + at("   72.625"), 2},
+            {at("   12.500") + at("11-25 08:00:00.000"), 1},
+            // Another path, another variant, lines about sections in another order than a load's.
+            {timed({kPath, kOther}, 77, 3600), 2},
+            {timed({kOther, kFalling}, 77, 3600), 1},
+            {timed({kMissing, kPath}, 77, 3600), 2},
+            {timed({kPath, kMissing}, 77, 3600), 2},
+            {timed({kFeature, kFeature, kPreset}, 77, 3600), 1},
+            {timed({kPreset, kFeature}, 77, 3600), 2},
+            // A buffer is another one only until it begins again.
+            {beginning + rejected + system + beginning + rejected + system + rejected, 2},
             {"E/Other(1): Couldn't parse json from file stream\n", 0},
     };
     for (const auto& [log, loads] : rows) {
@@ -696,7 +776,8 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
     const S plain = logIn(threadtime);
     for (const S& encoded :
          {S("\xEF\xBB\xBF") + plain, S("\xFF\xFE") + inUtf16(plain, false), inUtf16(plain, false),
-          S("\xFE\xFF") + inUtf16(plain, true), inUtf16(plain, true)}) {
+          S("\xFE\xFF") + inUtf16(plain, true), inUtf16(plain, true), inUtf16(plain, false) + "x",
+          S(plain).insert(plain.find("11-25", plain.size() / 2), "\xEF\xBB\xBF")}) {
         EXPECT_EQ(expected, textOfAll(described(encoded)));
     }
     // A second half alone, a pair, and a first half alone.
@@ -707,10 +788,18 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
     const S halves("\0\xDE\x3D\xD8\0\xDE\x3D\xD8", 8);
     EXPECT_EQ(textOfAll(described(withName(plain, "\uFFFD\U0001F600\uFFFD"))),
               textOfAll(described(withName(inUtf16(plain, false), halves))));
+    // The first and the last character of each length in UTF-8.
+    const S ends("\0\x08\x80\0\xFF\x07\xFF\xD7\0\xE0\xFF\xFF\0\xD8\0\xDC\xFF\xDB\xFF\xDF", 20);
+    EXPECT_EQ(textOfAll(described(
+                      withName(plain, "\u0800\u0080\u07FF\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"))),
+              textOfAll(described(withName(inUtf16(plain, false), ends))));
 }
 
 TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {
     const ScratchDirectory scratch;
+    const S start = "E/KC2TargetSpec(77): Failed to open /odm/etc/media_";
+    const S end = "/video_system_specs.json";
+    const S longest = start + S(2048 - start.size() - end.size(), 'x') + end + "\n";
     const struct {
         S log;
         int exitCode;
@@ -728,6 +817,22 @@ TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {
             {timed({"E KC2TargetSpec:"}, 77, 5), 1, "the line of a fault is cut"},
             {timed({"I Host: " + timed({kRejected}, 1, 5)}, 77, 5), 2, "1 line with a tag"},
             {S(5000, '\0'), 2, "binary"},
+            {"BZh91AY", 2, "a bzip2 file: use \"bzcat"},
+            {S("\xFD") + "7zXZ", 2, "an xz file: use \"xzcat"},
+            {"\x28\xB5\x2F\xFD", 2, "a zstd file: use \"zstdcat"},
+            {"\xFF\xD8\xFF\xE0", 2, "a picture"},
+            {"%PDF-1.7\n", 2, "a PDF document"},
+            // One byte of twenty may be anything; of UTF-16 one character of ten.
+            {S(19, 'a') + "\x01", 2, "none of 1 line"},
+            {S(18, 'a') + "\x01", 2, "binary"},
+            {"\t\f\b\033\r", 2, "none of 1 line"},
+            {inUtf16(S(9, 'a') + "\x01", false), 2, "none of 1 line"},
+            {inUtf16(S(8, 'a') + "\x01\x01", false), 2, "binary"},
+            {inUtf16("ab", true), 2, "none of 1 line"},
+            {inUtf16("a", true), 2, "binary"},
+            // The longest line that is read, and one byte more.
+            {longest, 1, "x/video_system_specs.json does not open"},
+            {S(longest).insert(longest.find('x'), "x"), 1, "specs.jso... (cut) does not open"},
             {"--------- beginning of main\n", 0, "No line of the library is in the 1 line of"},
             {other(5), 0, "No line of the library"},
             {"{\"tag\": \"KC2TargetSpec\", \"message\": \"Failed to open /x\"},\n", 2,
@@ -953,6 +1058,13 @@ TEST(LogCommandTest, AHostileLogCostsLittleAndShowsNoRawByte) {
                 tool + " 2>&1 | tail -c 2000");
     EXPECT_NE(std::string::npos, many.output.find("/x\\x1B[2J")) << many.output;
     EXPECT_NE(std::string::npos, many.output.find("the log is too long"));
+    // One process with too many lines, and one whose next load finds no more room.
+    const std::string rejected =
+            "echo \"E/KC2TargetSpec(6): Couldn't parse json from file stream\"";
+    const Result calls = run("--version >/dev/null; (" + rejected + "; " + rejected +
+                             "; seq -f 'E/KC2Platform(7): NOTE9: Failed to fstat(%.0f)' 150000; " +
+                             rejected + ") " + tool + " 2>&1 | grep -c '\\[too-long\\]'");
+    EXPECT_EQ("2\n", calls.output);
     const std::string binary =
             run("--version >/dev/null; head -c 3000000 /dev/urandom " + tool + " 2>&1").output;
     for (const char c : many.output + binary) {
