@@ -71,18 +71,14 @@ const LogLine* rowOf(std::string_view tag, std::string_view text) {
 
 namespace {
 
-bool isStartOf(const LogLine& line, std::string_view tag, std::string_view text) {
-    constexpr size_t kEnough = 4;  // Without a tag fewer letters might be anybody's.
+bool isStartOf(const LogLine& line, std::string_view text) {
     const std::vector<std::string_view> literals = literalsOf(line.text);
     const std::string_view literal = literals.front();
     if (literal.empty()) {
         const size_t end = text.find(' ');
-        return !tag.empty() && end != std::string_view::npos &&
-               literals[1].starts_with(text.substr(end));
+        return end != std::string_view::npos && literals[1].starts_with(text.substr(end));
     }
-    return (!tag.empty() || text.size() >= kEnough) &&
-           (literal.starts_with(text) ||
-            (literal.size() > kEnough && literal.front() != ' ' && text.starts_with(literal)));
+    return literal.starts_with(text) || (literal.front() != ' ' && text.starts_with(literal));
 }
 
 }  // namespace
@@ -90,9 +86,7 @@ bool isStartOf(const LogLine& line, std::string_view tag, std::string_view text)
 CutText matchCut(std::string_view tag, char priority, std::string_view text) {
     CutText cut = {.isCut = false, .isFault = true};
     for (const LogLine& line : logLines()) {
-        if ((!tag.empty() && tag != line.tag) ||
-            (priority != '\0' && priority != letterOf(line.priority)) ||
-            !isStartOf(line, tag, text)) {
+        if (tag != line.tag || priority != letterOf(line.priority) || !isStartOf(line, text)) {
             continue;
         }
         const std::vector<std::string_view> literals = literalsOf(line.text);

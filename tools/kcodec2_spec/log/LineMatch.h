@@ -30,7 +30,7 @@ struct CutText {
     const LogLine* row = nullptr;  // The only one that it can be, if it needs no values.
 };
 
-// The priority is a letter; 0 when it is not known.
+// Of a line with a tag: without one its start may be anybody's. The priority is a letter.
 CutText matchCut(std::string_view tag, char priority, std::string_view text);
 
 // Whether the text has a tag of the library somewhere in it.

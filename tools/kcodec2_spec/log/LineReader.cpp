@@ -102,13 +102,9 @@ LineReader::LineReader(std::FILE* file) : mFile(file) {
 }
 
 bool LineReader::fill() {
-    const size_t kept = mEncoding != Encoding::Bytes ? mBlock.size() % 2 : 0;
-    if (kept != 0) {
-        mBlock[0] = mBlock.back();
-    }
-    mBlock.resize(kept + kReadBytes);
-    const size_t size = std::fread(mBlock.data() + kept, 1, kReadBytes, mFile);
-    mBlock.resize(kept + size);
+    mBlock.resize(kReadBytes);  // An even number: only the last block may end in half a character.
+    const size_t size = std::fread(mBlock.data(), 1, kReadBytes, mFile);
+    mBlock.resize(size);
     mRest = size != 0 ? std::string_view(mBlock) : std::string_view();
     if (size != 0 && mEncoding != Encoding::Bytes) {
         decode();

@@ -382,12 +382,13 @@ bool TraceCollector::isOurs(const LogEntry& entry, const LogLine& row) const {
 
 void TraceCollector::addOurs(const LogEntry& entry) {
     const LogLine* row = rowOf(entry.tag, entry.text);
-    const CutText cut =
-            row == nullptr ? matchCut(entry.tag, entry.priority, entry.text) : CutText();
+    const CutText cut = row == nullptr && !entry.tag.empty()
+                                ? matchCut(entry.tag, entry.priority, entry.text)
+                                : CutText();
     row = cut.row != nullptr ? cut.row : row;
     if (entry.tag.empty()) {
         const bool isRaw = entry.process < 0 && entry.time.empty();
-        const bool isOurLine = row != nullptr && !cut.isCut && isOurs(entry, *row);
+        const bool isOurLine = row != nullptr && isOurs(entry, *row);
         if (isRaw && (mHasHeaders || !isOurLine) && (isOurLine || mentionsLibrary(entry.text))) {
             mUnread.add(entry.text, entry.line);
         }
