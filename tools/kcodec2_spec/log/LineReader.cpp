@@ -96,9 +96,6 @@ LineReader::LineReader(std::FILE* file) : mFile(file) {
     if (mEncoding != Encoding::Bytes) {
         decode();
     }
-    if (*mWhyNotText != '\0') {
-        mRest = std::string_view();
-    }
 }
 
 bool LineReader::fill() {

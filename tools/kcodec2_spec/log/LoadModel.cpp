@@ -300,7 +300,6 @@ bool LoadPosition::follow(const LoadEvent& event) {
         return false;
     }
     const bool hasVariant = mHasVariant || isPathOfVariant(event);
-    const bool lacksVariant = mLacksVariant || event.id == LineId::NoVariant;
     std::vector<EventStep> steps;
     addSteps(event, 0, true, &steps);
     std::vector<uint64_t> slots = mSlots;
@@ -311,7 +310,7 @@ bool LoadPosition::follow(const LoadEvent& event) {
         for (const EventStep& step : steps) {
             slots[i] = nextSlots(kind, slots[i], step.slots, true);
         }
-        slots[i] = (kind.hasVariant ? lacksVariant : hasVariant) ? 0 : slots[i];
+        slots[i] = hasVariant && !kind.hasVariant ? 0 : slots[i];
         anySlots |= slots[i];
     }
     if (anySlots == 0) {
@@ -319,7 +318,6 @@ bool LoadPosition::follow(const LoadEvent& event) {
     }
     mSlots = std::move(slots);
     mHasVariant = hasVariant;
-    mLacksVariant = lacksVariant;
     mPath = isPath && !event.isCut ? event.value : mPath;
     return true;
 }

@@ -74,7 +74,6 @@ private:
     std::vector<uint64_t> mSlots;  // For each kind of load; empty before the first event.
     std::string mPath;             // Of the system spec document.
     bool mHasVariant = false;      // A path that is not the one without a variant.
-    bool mLacksVariant = false;
 };
 
 }  // namespace kc2::tool

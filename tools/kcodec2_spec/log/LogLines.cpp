@@ -116,8 +116,7 @@ const LogLine& logLine(LineId id) {
 
 char letterOf(int priority) {
     constexpr char kLetters[] = "??VDIWEFS";
-    return priority >= 0 && priority < static_cast<int>(sizeof(kLetters)) - 1 ? kLetters[priority]
-                                                                              : '?';
+    return kLetters[priority];
 }
 
 std::string logLineTable() {
