@@ -498,6 +498,7 @@ TEST(LogCommandTest, TenSecondsAroundALoadShowWhatItDidNotWrite) {
     };
     const auto failed = [](int seconds) { return timed({kFailed, kFalling}, 77, seconds); };
     const auto rejected = [](int seconds) { return timed({kRejected}, 77, seconds); };
+    const std::string beginning = "--------- beginning of main\n";
     const std::string brief = "E/KC2TargetSpec(77): Couldn't parse json from file stream\n";
     constexpr int kDay = 86400;
     const char* const kEndOpen = "-xxxx";
@@ -523,6 +524,7 @@ TEST(LogCommandTest, TenSecondsAroundALoadShowWhatItDidNotWrite) {
             {other(0) + other(kDay) + rejected(10 + kDay) + other(60 + kDay), kStartKnown},
             {other(0) + other(30) + other(30 + kDay) + rejected(39 + kDay) + other(99 + kDay),
              kStartOpen},
+            {beginning + other(0) + beginning + rejected(30) + other(60), kStartOpen},
             {lines(990) + brief + lines(1010), kStartOpen},
             {lines(1010) + brief + lines(1010), kStartKnown},
             {lines(990) + timed({kRejected}, 77, 5) + other(60), kStartOpen},
@@ -788,11 +790,16 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
     const S halves("\0\xDE\x3D\xD8\0\xDE\x3D\xD8", 8);
     EXPECT_EQ(textOfAll(described(withName(plain, "\uFFFD\U0001F600\uFFFD"))),
               textOfAll(described(withName(inUtf16(plain, false), halves))));
-    // The first and the last character of each length in UTF-8.
-    const S ends("\0\x08\x80\0\xFF\x07\xFF\xD7\0\xE0\xFF\xFF\0\xD8\0\xDC\xFF\xDB\xFF\xDF", 20);
-    EXPECT_EQ(textOfAll(described(
-                      withName(plain, "\u0800\u0080\u07FF\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"))),
-              textOfAll(described(withName(inUtf16(plain, false), ends))));
+    // The first and the last character of each length in UTF-8, and of each kind of half.
+    const S ends(
+            "\0\x08\x80\0\xFF\x07\xFF\xD7\0\xE0\xFF\xFF\0\xD8\0\xDC\xFF\xDB\xFF\xDF"
+            "\0\xDC\xFF\xDF\0\xD8\xFF\xDB\0\xE0",
+            30);
+    EXPECT_EQ(
+            textOfAll(described(withName(plain,
+                                         "\u0800\u0080\u07FF\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"
+                                         "\uFFFD\uFFFD\uFFFD\uFFFD\uE000"))),
+            textOfAll(described(withName(inUtf16(plain, false), ends))));
 }
 
 TEST(LogCommandTest, WhatIsNoLogIsSaidToBeNone) {
@@ -965,8 +972,22 @@ TEST_F(LogOfTreeTest, WhatTheTreeDisprovesIsSaidOnce) {
 TEST_F(LogOfTreeTest, OnlyAFileThatIsInTheTreeDecides) {
     mTree.write("vendor/README", "");
     // Not pulled: nothing contradicts.
-    EXPECT_EQ(std::string::npos, beside(inLog({kRejected})).find("contradiction"));
-    EXPECT_EQ(std::string::npos, beside(inLog({kFailed, kFalling})).find("contradiction"));
+    const std::string unknown =
+            "the system spec document (no line names it: give the variant with --variant)";
+    const std::pair<std::vector<std::string>, std::string> absent[] = {
+            {{kRejected}, unknown},
+            {{kPath, "I KC2TargetSpec: Video Core Features:"},
+             "/odm/etc/media_x/video_system_specs.json"},
+            {{kFailed, kFalling}, kFallback},
+    };
+    for (const auto& [lines, document] : absent) {
+        const std::string text = beside(inLog(lines));
+        EXPECT_EQ(std::string::npos, text.find("contradiction")) << text;
+        EXPECT_NE(std::string::npos, text.find("note tree: compared with: no document; not in the "
+                                               "tree, and so decides nothing: " +
+                                               document + ", " + kPrivate + "\n"))
+                << text;
+    }
     // The line proves a private file, also where it is the only one; perhaps nobody has pulled it.
     const std::string noCodecs = beside(inLog({kNoCodecs}));
     EXPECT_NE(std::string::npos, noCodecs.find("; the phone has a private file")) << noCodecs;
@@ -980,6 +1001,14 @@ TEST_F(LogOfTreeTest, OnlyAFileThatIsInTheTreeDecides) {
     writeAt(kFallback, kValid);
     EXPECT_NE(std::string::npos, beside(other(3600) + timed({kFailed, kFalling}, 77, 3630))
                                          .find("warning system-spec: "));
+    constexpr char kVendorPath[] =
+            "I KC2TargetSpec: Parsing system specs file from: "
+            "/vendor/etc/media_x/video_system_specs.json";
+    for (const char* const next : {kFailed, kFalling}) {  // Either line shows that it is tried.
+        EXPECT_EQ("-x-x-", possibleIn(described(other(3600) + timed({kVendorPath, next}, 77, 3630),
+                                                "--rootdir " + mTree.path())[0])
+                                   .substr(0, 5));
+    }
     // A file that the load itself may have written.
     writeAt(kPrivate, run("defaults").output);
     EXPECT_EQ("--x-xxxx-", outcomesOf(described(inLog({kMissing, kMissing, kMissing, kMissing}),

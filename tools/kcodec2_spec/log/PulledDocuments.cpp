@@ -178,8 +178,10 @@ public:
         const bool isTriedNext = mTrace.find(LineId::OpenFailed) != nullptr ||
                                  mTrace.find(LineId::FallingBack) != nullptr;
         const std::string path = mTrace.firstPath();
-        mIsOtherPath = !path.empty() && path != mLoad.firstPath;
-        const bool isSpecDecided = isSpecKnown && !mIsOtherPath && mLoad.hasSystemSpec() &&
+        const bool isSamePath = path.empty() || path == mLoad.firstPath;
+        // Where only the phone has the document under /odm, it was not pulled.
+        mIsOtherPath = !isSamePath && path != odmPathOf(mLoad.variant);
+        const bool isSpecDecided = isSpecKnown && isSamePath && mLoad.hasSystemSpec() &&
                                    !mLoad.systemSpec->isPipe &&
                                    (mLoad.hasFirstDocument() || isTriedNext);
         TargetSpec store;
