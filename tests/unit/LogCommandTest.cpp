@@ -782,6 +782,11 @@ TEST(LogCommandTest, EveryFormatAndEncodingIsRead) {
           S(plain).insert(plain.find("11-25", plain.size() / 2), "\xEF\xBB\xBF")}) {
         EXPECT_EQ(expected, textOfAll(described(encoded)));
     }
+    S large = plain;  // Of several blocks.
+    for (int i = 0; i < 2000; ++i) {
+        large.insert(0, threadtime('I', "Other", "a line"));
+    }
+    EXPECT_EQ(described(large), described(inUtf16(large, true)));
     // A second half alone, a pair, and a first half alone.
     const auto withName = [](S log, const S& name) {
         const S old = name[0] == '\0' ? S("p\0l\0u\0g\0", 8) : S("plug");
