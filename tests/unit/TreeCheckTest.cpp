@@ -89,6 +89,7 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     tree.link("/vendor/etc/media_a/video_system_specs.json", "nowhere");
     tree.link("/vendor/etc/media_b/video_system_specs.json", "video_system_specs.json");
     tree.link("/vendor/etc/media_c", "/nowhere");
+    tree.add("/vendor/etc/media_f");
     tree.pipe("/odm/etc/media_p/video_system_specs.json");
     const struct {
         std::string variant;
@@ -97,6 +98,7 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
                 {"_b", "(it is a link in a loop, or one that leads out of the tree)"},
                 {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
                 {"_d", "(/vendor/etc/media_d does not exist)"},
+                {"_f", "(Not a directory)"},
                 {"_p",
                  "/odm/etc/media_p/video_system_specs.json:1:1: error: it is a pipe: a load waits"},
                 {"_" + std::string(300, 'e'), "(the path is too long)"}};
