@@ -594,7 +594,7 @@ TEST(LogCommandTest, ANewLoadBeginsWhereALineCannotFollow) {
             {at("12-31 23:59:59.000") + at("01-01 00:01:00.000"), 2},
             {at("2026-12-31 23:59:59.000") + at("2027-01-01 00:00:59.000"), 1},
             {at("   12.500") + at("   72.500"), 1},
-            {at("   12.500") + at("   72.625"), 2},
+            {at("   12.5") + at("   72.6"), 2},
             {at("   12.500") + at("11-25 08:00:00.000"), 1},
             // Another path, another variant, lines about sections in another order than a load's.
             {timed({kPath, kOther}, 77, 3600), 2},
@@ -943,6 +943,12 @@ TEST_F(LogOfTreeTest, ADocumentThatIsNotThePhonesIsFound) {
     EXPECT_NE(std::string::npos, places.find("video_system_specs.json:2:26: Presets/c must"))
             << places;
     EXPECT_NE(std::string::npos, places.find("video_system_specs.json:1:30")) << places;
+    // Of a name that occurs twice the last value is the one.
+    writeAt(kSpecOfTest, R"({"Video": {"Features": {"b": false, "b": true}}})");
+    const std::string last = described(logOf(std::string("--log info") + kVariant),
+                                       "--rootdir " + mTree.path())[0]["places"]
+                                     .toStyledString();
+    EXPECT_NE(std::string::npos, last.find("video_system_specs.json:1:42")) << last;
     const std::pair<const char*, const char*> others[] = {
             {R"({"Video": {"Features": {"b": false}, "Presets": {"c": "5"}}})", "makes it 0"},
             {R"({"Video": {"Features": {}, "Presets": {"c": "5"}}})", "does not have"},
