@@ -35,7 +35,7 @@ bool FrameReader::readHeader() {
     size_t at = mAt;
     for (;;) {
         const size_t end = mBytes.find(kHeaderEnd, at);
-        if (end == std::string::npos || end - mAt > kMostHeaderBytes) {
+        if (end == std::string::npos || end + kHeaderEnd.size() - mAt > kMostHeaderBytes) {
             if (mBytes.size() - mAt > kMostHeaderBytes) {
                 mWhyBroken = fmt::format("a header has more than {} bytes", kMostHeaderBytes);
             }
