@@ -4,6 +4,7 @@
 #include <json/value.h>
 #include <json/writer.h>
 #include <malloc.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,6 +24,7 @@
 #include "editor/Frames.h"
 #include "editor/Server.h"
 #include "editor/TextLines.h"
+#include "platform/Version.h"
 
 namespace kc2::test {
 
@@ -147,11 +150,15 @@ public:
     LanguageServer& server() { return mServer; }
 
     Json::Value initialized;
-    Json::Value answer;                           // The last one.
-    std::map<std::string, Json::Value> findings;  // By URI.
+    Json::Value answer;                            // The last one.
+    std::map<std::string, Json::Value> findings;   // By URI.
+    std::vector<Json::Value>* received = nullptr;  // Gets each message, if it is set.
 
 private:
     void receive(const Json::Value& message) {
+        if (received != nullptr) {
+            received->push_back(message);
+        }
         if (message["method"] == "textDocument/publishDiagnostics") {
             findings[message["params"]["uri"].asString()] = message["params"]["diagnostics"];
         } else {
@@ -204,6 +211,27 @@ TEST(LspTest, PositionsAreThoseOfTheProtocol) {
     const tool::TextLines lines(text, tool::PositionEncoding::Utf16);
     EXPECT_EQ(11u, lines.offsetOf({0, 4000000000}));  // Before the end of the line.
     EXPECT_EQ(text.size(), lines.offsetOf({4000000000, 0}));
+    EXPECT_EQ(10u, lines.offsetOf({0, 4}));  // Not in the middle of a character.
+    EXPECT_EQ(11u, tool::TextLines(text, tool::PositionEncoding::Utf8).offsetOf({0, 12}));
+    // Returns without a line feed after them.
+    const tool::TextLines returns("a\nb\r\rc\r", tool::PositionEncoding::Utf16);
+    for (const auto& [offset, line] : {std::pair(4u, 2u), {5u, 3u}, {6u, 3u}, {7u, 4u}}) {
+        EXPECT_EQ(line, returns.positionOf(offset).line) << offset;
+    }
+    // A long line, whose characters are counted in blocks.
+    std::string emojis;
+    for (size_t i = 0; i <= 192; ++i, emojis +=
+                                      "\xF0\x9F\x8E\xAC"
+                                      "a\xC3\xA4z") {
+        const tool::TextPosition end =
+                tool::TextLines(emojis, tool::PositionEncoding::Utf16).positionOf(emojis.size());
+        EXPECT_EQ(std::pair(size_t{0}, 5 * i), std::pair(end.line, end.character));
+    }
+    const tool::TextLines blocks(emojis, tool::PositionEncoding::Utf16);
+    for (size_t i = 0; i <= 192; ++i) {
+        EXPECT_EQ(5 * i, blocks.positionOf(8 * i).character);
+        EXPECT_EQ(8 * i, blocks.offsetOf({0, 5 * i}));
+    }
 }
 
 TEST(LspTest, FramesAreFoundHoweverTheyArrive) {
@@ -220,6 +248,23 @@ TEST(LspTest, FramesAreFoundHoweverTheyArrive) {
     }
     EXPECT_EQ((std::vector<std::string>{"{}", "[1]", ""}), messages);
     EXPECT_FALSE(frames.isInMessage());
+    // A header of as many bytes as one may have, all at once and one by one, and a longer one.
+    for (const bool isAtOnce : {true, false}) {
+        for (const size_t more : {0, 1}) {
+            const std::string length = "Content-Length:2\r\n";
+            const std::string header = length +
+                                       "X:" + std::string(4096 - length.size() - 6 + more, 'x') +
+                                       "\r\n\r\n{}";
+            FrameReader reader;
+            std::optional<std::string> message;
+            for (size_t at = 0; at < header.size(); at += isAtOnce ? header.size() : 1) {
+                reader.add(std::string_view(header).substr(at, isAtOnce ? header.size() : 1));
+                message = reader.next();
+            }
+            EXPECT_EQ(more == 0, message == "{}") << isAtOnce;
+            EXPECT_EQ(more == 0 ? "" : "a header has more than 4096 bytes", reader.whyBroken());
+        }
+    }
 }
 
 // What the program does with input that is none of the protocol, or that ends.
@@ -241,7 +286,10 @@ TEST(LspTest, BadInputEndsItWithALine) {
                  {"Content-Length: -9\r\n\r\n", 2, "Content-Length is not a number: \"-9\"\n"},
                  {"X: 9\r\n\r\n", 2, "a header has no Content-Length\n"},
                  {"{}\r\n\r\n", 2, "a header line has no colon: \"{}\"\n"},
-                 {"Content-Length: 67108865\r\n\r\n", 2, "above the limit of 67108864\n"},
+                 {"Content-Length:  \r\n\r\n", 2, "Content-Length is not a number: \"\"\n"},
+                 {"Content-Length: 67108864\r\n\r\n", 2, "ends in the middle of a message\n"},
+                 {"Content-Length: 67108865\r\n\r\n", 2,
+                  "a message of 67108865 bytes is above the limit of 67108864\n"},
                  {"Content-Length: 99999999999999999999\r\n\r\n", 2, "above the limit"},
                  {std::string(5000, 'x'), 2, "a header has more than 4096 bytes\n"},
                  {tool::framed(exit), 1, ""},
@@ -306,11 +354,32 @@ TEST(LspTest, EachWrongMessageGetsTheErrorOfTheProtocol) {
                        {R"({"id": 1, "method": "shutdown"})", 0},
                        {R"({"id": 1, "method": "textDocument/hover"})", -32600},
                });
-    LanguageServer unused(Editor::known(), "", [](const Json::Value& answer) {
-        EXPECT_EQ(-32002, answer["error"]["code"].asInt());
+    // As many levels and values as a message may have, and one more.
+    const auto nested = [](size_t levels) {
+        return R"({"id": 1, "method": "x/y", "params": [[], {}, )" + std::string(levels, '[') +
+               std::string(levels, ']') + "]}";
+    };
+    std::string many = "[[]";
+    for (size_t i = 4; i < size_t{1} << 20; i += 2) {
+        many += ",0";
+    }
+    Editor limits;
+    expectRows(&limits, {{nested(62), -32601},
+                         {nested(63), -32700},
+                         {many + "]", -32600},
+                         {many + ",0]", -32700}});
+    std::vector<int> errors;
+    LanguageServer unused(Editor::known(), "", [&errors](const Json::Value& answer) {
+        errors.push_back(answer["error"]["code"].asInt());
     });
-    unused.add(R"({"id": 1, "method": "textDocument/hover"})");
-    unused.handleNext();
+    for (const char* const message : {R"({"id": 1, "method": "textDocument/hover"})",
+                                      R"({"method": "textDocument/didOpen",
+              "params": {"textDocument": {"uri": "file:///x.json", "text": "{}"}}})"}) {
+        unused.add(message);
+        unused.handleNext();
+    }
+    unused.publish();
+    EXPECT_EQ((std::vector<int>{-32002}), errors);
 }
 
 TEST(LspTest, AWaitingRequestCanBeCancelled) {
@@ -327,6 +396,24 @@ TEST(LspTest, AWaitingRequestCanBeCancelled) {
         server.handleNext();
     }
     EXPECT_EQ((std::vector<std::pair<std::string, int>>{{"2", -32800}, {"1", 0}}), answers);
+}
+
+// An editor waits for what the server says, with the pipe to it open.
+TEST(LspTest, TheProgramAnswersBeforeMoreArrives) {
+    const ScratchDirectory scratch;
+    const std::string path = scratch.path();
+    mkfifo((path + "/in").c_str(), 0644);
+    scratch.write("first", tool::framed(R"({"id": 1, "method": "initialize"})") +
+                                   tool::framed(R"({"method": "textDocument/didOpen", "params":
+            {"textDocument": {"uri": "file:///x.json", "text": "{}"}}})"));
+    scratch.write("last", tool::framed(R"({"id": 2, "method": "shutdown"})") +
+                                  tool::framed(R"({"method": "exit"})"));
+    const Result result = run("lsp < " + path + "/in > " + path + "/out & exec 3> " + path +
+                              "/in; cat " + path + "/first >&3; for i in $(seq 1000); do grep -q " +
+                              "no-video " + path + "/out && break; sleep 0.01; done; cat " + path +
+                              "/out; cat " + path + "/last >&3; wait $!");
+    EXPECT_EQ(0, result.exitCode);
+    EXPECT_EQ(1u, countOf("no-video", result.output)) << result.output;
 }
 
 // A text goes through its changes as in the editor, in both encodings.
@@ -439,6 +526,27 @@ TEST(LspTest, AllFixesTogetherAreThoseOfCheckFix) {
     }
     EXPECT_EQ(1u, edits.size());
     EXPECT_EQ(readFile(path), withEdits(text, edits));
+}
+
+// More than an editor can show, or can be tried: the worst findings are kept.
+TEST(LspTest, OfManyFindingsTheWorstAreSent) {
+    Editor editor;
+    for (const auto& [members, sent] : {std::pair(999, 1000), {1000, 1000}}) {
+        std::string text = "{\"Video\": {\"Features\": {";
+        for (int i = 0; i < members; ++i) {
+            text += "\"v" + std::to_string(i) + "\": 1,\n";
+        }
+        editor.open(kUri, text + "\"z\": \"x\"}, \"OptionalCodecs\": [\"c2.kvx.avc.decoder\"]}}");
+        const Json::Value& findings = editor.findings[kUri];
+        EXPECT_EQ(sent, findings.size());
+        EXPECT_EQ(1, std::count_if(findings.begin(), findings.end(),
+                                   [](const Json::Value& one) { return one["severity"] == 1; }));
+        size_t suppressions = 0;
+        for (const Json::Value& action : editor.actions(kUri)) {
+            suppressions += action["title"].asString().starts_with("// ") ? 1 : 0;
+        }
+        EXPECT_EQ(20u, suppressions);
+    }
 }
 
 // No comment is offered where it would be part of a string or of another comment.
@@ -759,6 +867,88 @@ TEST(LspTest, MemoryDoesNotGrowWithChanges) {
     const size_t many = change(9900);
     EXPECT_FALSE(editor.findings[kUri].empty());
     EXPECT_LE(many, few + few / 100);
+}
+
+// --- A session in a file ---
+
+std::string withInstead(std::string text,
+                        const std::vector<std::pair<std::string, std::string>>& rows) {
+    for (const auto& [part, instead] : rows) {
+        for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += instead.size()) {
+            text.replace(at, part.size(), instead);
+        }
+    }
+    return text;
+}
+
+// A message of the server on a line, the elements of its list below it.
+std::string linesOf(Json::Value message) {
+    Json::Value none;
+    Json::Value& list = message.isMember("method")  ? message["params"]["diagnostics"]
+                        : message.isMember("error") ? none
+                                                    : message["result"];
+    if (list.isArray() && !list.empty()) {
+        none = std::exchange(list, Json::arrayValue);
+    }
+    std::string lines = "  " + tool::writtenMessage(message) + "\n";
+    for (const Json::Value& element : none) {
+        lines += "    " + tool::writtenMessage(element) + "\n";
+    }
+    return lines;
+}
+
+// Each line that is not indented is a step; below it is what the server sends then.
+TEST(LspTest, ASessionGoesAsWritten) {
+    const ScratchDirectory scratch;
+    std::optional<Editor> editor;
+    std::vector<Json::Value> received;
+    std::string text;
+    std::istringstream lines(readFile(KC2_SOURCE_DIR "/tests/unit/check/expected/lsp-session.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("  ")) {
+            continue;
+        }
+        std::istringstream words(
+                withInstead(line, {{"/TREE", scratch.path()}, {"\u00b6", "\n"}, {"\u2190", "\r"}}));
+        std::string step;
+        words >> step >> std::ws;
+        const auto word = [&] {
+            std::string one;
+            words >> one >> std::ws;
+            return one;
+        };
+        const auto rest = [&] { return std::string(std::istreambuf_iterator(words), {}); };
+        testing::internal::CaptureStderr();
+        if (step == "start") {  // With the root of --rootdir.
+            const std::string root = word();
+            editor.emplace(rest(), root == "-" ? "" : root);
+            editor->received = &received;
+            received = {editor->initialized};
+        } else if (step == "write") {
+            const std::string path = word();
+            scratch.write(path, rest());
+        } else if (step == "send") {
+            editor->send(rest());
+            editor->server().publish();
+        } else if (step == "open") {
+            const std::string uri = word();
+            editor->open(uri, rest());
+        } else if (step == "hover" || step == "completion" || step == "definition") {
+            const std::string uri = word();
+            editor->at(step, MarkedText(rest()), uri);
+            received = {editor->answer};
+        } else {
+            EXPECT_TRUE(step.empty() || step == "#") << line;
+        }
+        text += line + "\n";
+        for (const Json::Value& message : std::exchange(received, {})) {
+            text += linesOf(message);
+        }
+        const std::string errors = testing::internal::GetCapturedStderr();
+        text += errors.empty() ? "" : "  " + errors;
+    }
+    expectFile("lsp-session.txt",
+               withInstead(text, {{scratch.path(), "/TREE"}, {KC2_VERSION, "VERSION"}}));
 }
 
 }  // namespace
