@@ -10,6 +10,7 @@
 #include <functional>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -427,6 +428,25 @@ Found countFound(const Kind& kind) {
     return found;
 }
 
+// How each misspelt name is read, counted: a rule that changes slightly changes some of them.
+TEST(NearNamesTest, AsManyAsBeforeAreCertain) {
+    std::string text;
+    for (const Kind& kind : kKinds) {
+        size_t meant = 0, other = 0, certain = 0, none = 0;
+        const std::vector<Misspelt> all = misspeltNames(kind);
+        for (const auto& [known, name] : all) {
+            const NearNames::Match match = known.among->find(name, known.group);
+            none += match.entry == nullptr ? 1 : 0;
+            meant += match.entry != nullptr && match.entry->name == known.name ? 1 : 0;
+            other += match.other != nullptr ? 1 : 0;
+            certain += match.isCertain ? 1 : 0;
+        }
+        text += fmt::format("{}: {} names, {} meant, {} none, {} of two, {} certain\n", kind.name,
+                            all.size(), meant, none, other, certain);
+    }
+    expectFile("near-counts.txt", text);
+}
+
 TEST(NearNamesTest, MisspeltNamesAreFoundKindByKind) {
     Found all = {.kind = "all"};
     std::string rates;
@@ -443,6 +463,60 @@ TEST(NearNamesTest, MisspeltNamesAreFoundKindByKind) {
     EXPECT_LE(97 * all.made, 100 * all.byCheck) << rates;
     EXPECT_LE(100U, all.asked);
     EXPECT_LE(97 * all.asked, 100 * all.byExplain) << tool::joined(all.notExplained, "");
+}
+
+// --- Each rule ----------------------------------------------------------------------------------
+
+std::string describe(const NearNames::Match& match) {
+    return match.entry == nullptr
+                   ? "none"
+                   : fmt::format("{}/{}{}{}", match.entry->group, match.entry->name,
+                                 match.other != nullptr ? " or " + match.other->name : "",
+                                 match.isExact     ? ", exact"
+                                 : match.isCertain ? ", certain"
+                                                   : "");
+}
+
+std::string nameOf(const NearNames::Entry* entry) {
+    return entry != nullptr ? entry->name : "none";
+}
+
+// The file has sets of known names, and how others are read among them.
+TEST(NearNamesTest, EachRuleIsAsWritten) {
+    std::optional<NearNames> names;
+    tool::NameKind kind = tool::NameKind::Setting;
+    std::string text;
+    const std::string rules = readFile(KC2_SOURCE_DIR "/tests/unit/check/expected/near-rules.txt");
+    for (const std::string_view line : tool::split(rules, '\n')) {
+        const std::string_view asked = line.substr(0, line.find(" = "));
+        const std::vector<std::string_view> words = tool::split(asked, ' ');
+        text.append(asked);
+        if (words[0] == "known") {
+            kind = words[1] == "settings" ? tool::NameKind::Setting : tool::NameKind::Component;
+            names.emplace(kind);
+            for (size_t i = 2; i < words.size(); ++i) {
+                const std::vector<std::string_view> parts = tool::split(words[i], '/');
+                names->add({std::string(parts[1]), std::string(parts[0])});
+            }
+        } else if (words[0] == "find") {
+            const size_t at = asked.find(' ', 5) + 1;
+            text += " = " + describe(names->find(asked.substr(at), words[1]));
+        } else if (words[0] == "variation") {
+            text += fmt::format(" = {}", names->isVariation(words[1], words[2]));
+        } else if (words[0] == "closest") {
+            text += " = " + nameOf(names->closest(words[1]));
+        } else if (words[0] == "words") {
+            text += " = " + nameOf(names->withWordsOf(words[1]));
+        } else if (words[0] == "read") {
+            text += " = " + tool::readAs(asked.substr(5));
+        } else if (words[0] == "form") {
+            text += " = " + std::string(tool::commonForm(kind, words[1]));
+        } else {
+            EXPECT_EQ("#", words[0]);
+        }
+        text += '\n';
+    }
+    expectFile("near-rules.txt", text);
 }
 
 // --- What is left alone -------------------------------------------------------------------------
