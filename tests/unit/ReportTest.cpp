@@ -300,6 +300,11 @@ TEST(ReportTest, AWholePageIsAsWritten) {
                                i < 18 ? 5 : i - 12, i < 18 ? 30 : 20 * i * i,
                                i < 18 ? 1000 : 100001 * i));
     }
+    // One column, of documents in two directories.
+    for (const char* const directory :
+         {"odm/etc/media_x1", "odm/etc/media_x2", "vendor/etc/media_x3"}) {
+        tree.write(std::string(directory) + kSpec, R"({"Video": {"Presets": {"y": 1}}})");
+    }
     tree.write("data/vendor/media/video_private_configs.json",
                R"({"Video": {"Presets": {"x": 5}}})");
     std::string page =

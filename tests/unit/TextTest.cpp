@@ -9,6 +9,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,7 @@ TEST(TextTest, WordsAreReadAsALogOrAPersonWritesThem) {
             {"0X10", 0x10},
             {"010", 10},
             {"-1040187392", 0xC2000000},
+            {"-2147483648", 0x80000000},
             {"4294967295", UINT32_MAX},
             {"0xFFFFFFFF", UINT32_MAX},
             {"4294967296", {}},
@@ -55,10 +57,21 @@ TEST(TextTest, NothingIsCutInTheMiddleOfACharacter) {
     const std::pair<const char*, char32_t> characters[] = {{"a", U'a'},
                                                            {"\u00e4", U'\u00e4'},
                                                            {"\u4e16", U'\u4e16'},
+                                                           {"\u0080", U'\u0080'},
+                                                           {"\u07ff", U'\u07ff'},
+                                                           {"\u0800", U'\u0800'},
+                                                           {"\uffff", U'\uffff'},
+                                                           {"\U00010000", U'\U00010000'},
+                                                           {"\U0010ffff", U'\U0010ffff'},
                                                            {"\U0001f600", U'\U0001f600'}};
     for (const auto& [character, code] : characters) {
         EXPECT_EQ(code, codePointOf(character));
     }
+    EXPECT_EQ("", clipped("\x80\x80\x80", 2));
+    const std::string forty(40, 'x');
+    EXPECT_EQ(forty, shortened(forty));
+    EXPECT_EQ(forty + "...", shortened(forty + "x"));
+    EXPECT_EQ(forty.substr(1) + "...", shortened(forty.substr(1) + "\u00e4"));
     size_t at = 0;
     std::vector<char32_t> decoded;
     for (const std::string torn = text + "\x80\xE4\xB8"; at < torn.size();) {
@@ -69,7 +82,8 @@ TEST(TextTest, NothingIsCutInTheMiddleOfACharacter) {
 
 TEST(TextTest, WidthsAreThoseOfATerminal) {
     const std::pair<const char*, size_t> rows[] = {{"", 0},       {"a", 1},      {"\u00e4", 1},
-                                                   {"\u4e16", 2}, {"\uff01", 2}, {"\u0301", 0}};
+                                                   {"\u4e16", 2}, {"\uff01", 2}, {"\u0301", 0},
+                                                   {"\u0085", 1}};  // Not printable.
     for (const auto& [character, columns] : rows) {
         EXPECT_EQ(columns, columnsOf(character)) << character;
     }
@@ -95,7 +109,10 @@ TEST(TextTest, DistancesCountMistakesButIgnoreCase) {
         }
     }
     // Longer words are only equal or not.
+    const std::string most(100, 'a');
+    EXPECT_EQ(1U, editDistance(most, most.substr(1), 1));
     const std::string longName(101, 'a');
+    EXPECT_LT(1U, editDistance(longName, most, 1));
     EXPECT_EQ(0U, editDistance(longName, longName, 3));
     EXPECT_LT(3U, editDistance(longName, longName + "b", 3));
 }
@@ -116,6 +133,23 @@ TEST(TextTest, TheNearestNameIsTheOneWithMostOfTheWord) {
     for (const auto& [word, name] : rows) {
         EXPECT_EQ(name, nearest(word, names)) << word;
     }
+}
+
+TEST(TextTest, CommonLettersAreInOneOrder) {
+    const std::string most(100, 'a');
+    const std::tuple<std::string, std::string, size_t> rows[] = {
+            {"", "", 0},          {"a", "", 0},         {"abc", "abc", 3}, {"abc", "axbxc", 3},
+            {"abc", "cba", 1},    {"aabb", "abab", 3},  {"Ab", "ab", 1},   {most, most, 100},
+            {most + "b", "b", 0}, {"b", most + "b", 0},
+    };
+    for (const auto& [a, b, common] : rows) {
+        EXPECT_EQ(common, commonLetters(a, b)) << a << " " << b;
+    }
+    // A name of as many letters as mistakes is another one.
+    EXPECT_EQ("", nearest("xy", std::vector<std::string>{"x"}));
+    EXPECT_EQ("xz", nearest("xy", std::vector<std::string>{"x", "xz", "yx"}));
+    EXPECT_EQ("abcdef", nearest("abcxyz", std::vector<std::string>{"abcdef"}, 3));
+    EXPECT_EQ("", nearest("abcxyz", std::vector<std::string>{"abcdef"}, 2));
 }
 
 // Blanks replace comments, so that every offset and line stays.

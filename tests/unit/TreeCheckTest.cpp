@@ -156,6 +156,38 @@ TEST(TreeCheckTest, MisusedOptionsAreReported) {
                 "/odm:examples/device/odm");
     EXPECT_EQ(0, fine.exitCode) << fine.output;
     EXPECT_EQ(std::string::npos, fine.output.find("no effect")) << fine.output;
+    // Which directories the library reads in, directly or through another one.
+    for (const auto& [mapping, isUsed] : std::vector<std::pair<std::string, bool>>{
+                 {"/:tests", true},
+                 {"/odm:tests", true},
+                 {"/odm/etc/media:tests", true},
+                 {"/odm/etc/media_x:tests", true},
+                 {"/odm/etc/med:tests", false},
+                 {"/odm/lib:tests", false},
+                 {"/vendor/etc/media_x/y:tests", true},
+                 {"/vendor/etc/video_system_specs.json:tests", true},
+                 {"/data/vendor/media/:tests", true},
+                 {"/data/vendor/medi:tests", false},
+                 {"/vendor/bin:tests", true},
+                 {"/system:examples/device/vendor/", true},
+                 {"/system:examples/device/vendor/etc/media", true},
+                 {"/system:examples/device", true},
+                 {"/system:tests/unit/check", false}}) {
+        const std::string output = run("show --rootdir examples/device --dirmap " + mapping).output;
+        EXPECT_EQ(isUsed ? 0U : 1U, countOf("--dirmap " + mapping + " has no effect", output))
+                << mapping;
+    }
+    // A property sets the variant as the option does, and no other property does.
+    const std::string log =
+            "log tests/unit/transcripts/phone.log --rootdir tests/unit/transcripts/tree";
+    const std::string set = run(log + " --variant _onyx").output;
+    EXPECT_EQ(set, run(log + " --property vendor.media.target_variant=_onyx").output);
+    EXPECT_NE(set, run(log).output);
+    EXPECT_EQ(
+            "kcodec2_spec: --property x.y has no effect: the library reads only "
+            "vendor.media.target_variant\n" +
+                    run(log).output,
+            run(log + " --property x.y=_onyx").output);
 }
 
 // A tree may have hundreds of variants whose names differ in a digit: to name all of them to each
