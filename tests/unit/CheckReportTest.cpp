@@ -3,16 +3,26 @@
 #include <gtest/gtest.h>
 #include <json/value.h>
 #include <json/writer.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "RunTool.h"
+#include "check/FixFiles.h"
 
 namespace kc2::test {
 
@@ -57,6 +67,8 @@ TEST(CheckReportTest, TheLastOptionWinsAndNothingHidesARejection) {
             {rejected + " --disable all --min-severity error --max-findings 1", 1,
              "e:video-not-object@1:11 "},
             {rejected + " --note reader --disable document", 1, "e:video-not-object@1:11 "},
+            {rejected + " --error video-not-object", 1, "e:video-not-object@1:11 "},
+            {mistakes + " --warning reader --min-severity warning", 0, all},
     };
     for (const auto& row : rows) {
         const Result result = run("check --format json " + row.arguments);
@@ -116,6 +128,22 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
           "no finding of the group \"value\" to allow"}) {
         EXPECT_NE(std::string::npos, messages.find(words)) << words << messages;
     }
+    // Nothing hides what the device rejects; what does nothing is reported, each for its reason.
+    const std::string others =
+            scratch.write("others.json", R"(/* kcodec2_spec: allow all */{"Video": [1]
+    /* kcodec2_spec: allow document
+
+       document */} // kcodec2_spec: deny document
+// kcodec2_spec:
+//
+)");
+    EXPECT_EQ(
+            "w:allows-nothing@1:24 e:video-not-object@1:40 w:allows-nothing@2:28 "
+            "w:allows-nothing@4:8 w:allows-nothing@4:21 w:allows-nothing@5:1 ",
+            placesIn(parsed(run("check --format json " + others).output)))
+            << run("check " + others).output;
+    EXPECT_NE(std::string::npos,
+              run("check " + others).output.find("document is already allowed here"));
     // Nothing is before the first byte.
     const std::string first =
             scratch.write("first.json", "/* kcodec2_spec: allow video-empty */{\"Video\": {}}");
@@ -243,7 +271,7 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
     const std::string path = scratch.write("spec.json", kFixable);
     const std::string link = scratch.path() + "/link.json";
     std::filesystem::create_symlink("spec.json", link);
-    ASSERT_EQ(0, chmod(path.c_str(), 0640));
+    ASSERT_EQ(0, chmod(path.c_str(), 01640));
 
     const Result shown = run("check --fix --dry-run " + path + " > " + scratch.path() + "/diff");
     EXPECT_EQ(1, shown.exitCode);
@@ -257,7 +285,7 @@ TEST(CheckReportTest, FixChangesWhatIsCertainAndNothingElse) {
 
     EXPECT_EQ(0, run("check --fix " + link).exitCode);
     EXPECT_EQ(kFixed, readFile(path));
-    EXPECT_EQ("640", modeOf(path));
+    EXPECT_EQ("1640", modeOf(path));
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(std::string::npos, run("check --fix " + link).output.find(": fixed"));
 
@@ -346,14 +374,73 @@ TEST(CheckReportTest, FixNeedsForceForLinkedAndReadOnlyFiles) {
     EXPECT_EQ(hasAttributes ? "value" : "", attributeOf(readOnly));
 }
 
+// Runs the tool where no file can get an extended attribute, as on some file systems.
+Result runWithoutAttributes(const ScratchDirectory& scratch, const std::string& arguments) {
+    const pid_t child = fork();
+    if (child == 0) {
+        sock_filter rules[] = {
+                BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fsetxattr, 0, 1),
+                BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOTSUP),
+                BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        };
+        const sock_fprog program = {.len = std::size(rules), .filter = rules};
+        if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
+            std::_Exit(126);
+        }
+        const Result result = run(arguments);
+        scratch.write("output", result.output);
+        std::_Exit(result.exitCode);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {readFile(scratch.path() + "/output"), WEXITSTATUS(status)};
+}
+
+TEST(CheckReportTest, FixKeepsAttributesUnlessForced) {
+    const ScratchDirectory scratch;
+    const std::string path = scratch.write("spec.json", kFixable);
+    if (setxattr(path.c_str(), "user.first", "", 0, 0) != 0 ||
+        setxattr(path.c_str(), "user.kept", "value", 5, 0) != 0) {
+        GTEST_SKIP() << "the file system has no extended attributes";
+    }
+    const Result kept = runWithoutAttributes(scratch, "check --fix " + path);
+    if (kept.exitCode == 126) {
+        GTEST_SKIP() << "system calls cannot be made to fail here";
+    }
+    EXPECT_EQ(2, kept.exitCode);
+    EXPECT_EQ(0U, kept.output.find("kcodec2_spec: " + path +
+                                   ": not fixed: its attribute user.first cannot be kept ("))
+            << kept.output;
+    EXPECT_NE(std::string::npos, kept.output.find("); --force drops it\n")) << kept.output;
+    EXPECT_EQ(kFixable, readFile(path));
+    const Result forced = runWithoutAttributes(scratch, "check --fix --force " + path);
+    EXPECT_EQ(0, forced.exitCode);
+    EXPECT_EQ(0U, forced.output.find("kcodec2_spec: " + path + ": fixed\n")) << forced.output;
+    EXPECT_EQ(kFixed, readFile(path));
+    EXPECT_EQ("", attributeOf(path));
+
+    EXPECT_EQ("it has changed meanwhile", tool::replaceFile(path, kFixable, "{}", false));
+    EXPECT_EQ(kFixed, readFile(path));
+    // What is not fixed shows in the exit code, whatever comes after it.
+    const std::string linked = scratch.write("linked.json", kFixable);
+    std::filesystem::create_hard_link(linked, scratch.path() + "/other.json");
+    const std::string fine = scratch.write("fine.json", kFixable);
+    EXPECT_EQ(2, run("check --fix " + linked + " " + fine).exitCode);
+    EXPECT_EQ(kFixed, readFile(fine));
+}
+
 TEST(CheckReportTest, PatchAppliesTheDiffOfAnyName) {
     const ScratchDirectory scratch;
-    for (const std::string name :
-         {"plain.json", "with blanks .json", "a\tb.json", "q\"\\.json", "\xC3\xA4 \xE9.json"}) {
+    for (const std::string name : {"plain.json", "with blanks .json", "a\tb.json", "del\x7F.json",
+                                   "q\"\\.json", "\xC3\xA4 \xE9.json"}) {
         const std::string path = scratch.write(name, kFixable);
         const Result shown =
                 run("check --fix --dry-run '" + path + "' > " + scratch.path() + "/diff");
         EXPECT_EQ(1, shown.exitCode) << name;
+        const bool isQuoted = name.find_first_of("\t\x7F\"\xE9") != std::string::npos;
+        EXPECT_EQ(isQuoted ? "--- \"" : "--- /", readFile(scratch.path() + "/diff").substr(0, 5));
         // patch refuses names from the root.
         const size_t levels = static_cast<size_t>(std::count(path.begin(), path.end(), '/'));
         EXPECT_EQ(0, std::system(("cd " + scratch.path() + " && patch --binary -s -p" +
@@ -393,6 +480,34 @@ TEST(CheckReportTest, ATerminalGetsExcerptsThatFit) {
         }
     }
     EXPECT_LE(6u, excerpts);
+}
+
+// The part of a line that is shown ends with what still fits, and the mark is under its text.
+TEST(CheckReportTest, AnExcerptIsAsWideAsTheReport) {
+    const ScratchDirectory scratch;
+    const std::string feature = "{\"Video\": {\"Features\": {\"a\": 1}}} // ";
+    const std::string wide(100 - feature.size() - 2, '-');
+    const std::string japanese = "\xE6\x97\xA5";
+    const std::string above = std::string(1'000'000, '\n');
+    const struct {
+        std::string text;
+        std::string excerpt;
+    } rows[] = {
+            {feature + wide + japanese, "     1 | " + feature + wide + japanese + "\n"},
+            {feature + wide + "-" + japanese, "     1 | " + feature + wide + "-\n"},
+            {above + feature,
+             "1000001 | " + feature + "\n        | " + std::string(29, ' ') + "^\n"},
+    };
+    for (const auto& row : rows) {
+        const std::string report = run("check " + scratch.write("wide.json", row.text)).output;
+        EXPECT_NE(std::string::npos, report.find("\n" + row.excerpt)) << report;
+    }
+    const std::string narrow =
+            runOnTerminal("check " + scratch.write("narrow.json", feature + wide), 20, "TERM=dumb")
+                    .output;
+    EXPECT_NE(std::string::npos,
+              narrow.find("\n     1 | s\": {\"a\": 1}}} // --\n       |           ^\n"))
+            << narrow;
 }
 
 TEST(CheckReportTest, HelpFitsAnyTerminal) {
@@ -463,6 +578,11 @@ TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
                                           "151 errors, 0 warnings, 0 notes\n"))
             << all;
     EXPECT_EQ(100U, countOf("^", all));
+    // A hundred can be looked through: they are not summed up.
+    std::string hundred = text;
+    hundred.resize(text.size() - 51 * std::string(", 1").size());
+    EXPECT_NE(std::string::npos, run("check " + scratch.write("hundred.json", hundred + "]}}"))
+                                         .output.find(" ^\n100 errors, 0 warnings, 0 notes\n"));
     const std::string other = scratch.write("other.json", text + "]}}");
     EXPECT_EQ(200U, countOf("^", run("check " + document + " " + other).output));
     EXPECT_EQ(151U, countOf("^", run("check --max-findings 0 " + document).output));

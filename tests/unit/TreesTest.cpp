@@ -268,6 +268,59 @@ constexpr TreeRow kWrongTrees[] = {
          "\n"
          R"(private {"Video": {"Presets": {"vendor_zoom_limits": 2, "vendor_b": 1}}})",
          "[built-in-not-read] private [name-varies] private:24", ""},
+        // Names that are nearly right, or nearly a chip's: one mistake more is another name.
+        {"vendor good\n/vendor/etc/media/xvideo_system_specs.json good\n"
+         "/vendor/etc/media/video_system_specs.json5 good\n"
+         "/vendor/etc/media/video_systm_spec.json good\n"
+         "/vendor/etc/media/video_systm_spec.jso good\n"
+         "/vendor/etc/other -> nowhere",
+         "[document-unselectable] /vendor/etc/media/video_system_specs.json5 "
+         "[document-unselectable] /vendor/etc/media/video_systm_spec.json "
+         "[document-unselectable] /vendor/etc/media/xvideo_system_specs.json"},
+        {"odm_Berl good", "[chip-name] odm_Berl"},
+        {"odm_lbre good", "[chip-name] odm_lbre"},
+        {"odm_brol good", ""},
+        {"odm_orvele good\nodm_orvxlxe good", "[chip-name] odm_orvele"},
+        {"odm_trail good", "[spec-missing] vendor_trxyl [variant-nearby] vendor_trxyl",
+         "--variant _trxyl"},
+        {"odm_trail good", "[spec-missing] vendor_txxyl", "--variant _txxyl"},
+        {"vendor good\nodm_ good", "[spec-missing] vendor.", "--variant ."},
+        // Names of another chip prove that most is from there: three, or one and three values.
+        {R"(odm_mirt {"Video": {"Features": {"private_set_cpu_affinity": false, )"
+         R"("private_enc_enable_open_gop": false, "private_enc_enable_hdr10plus_stats_gen": false}}})",
+         "[document-of-other-chip] odm_mirt"},
+        {R"(odm_mirt {"Video": {"Features": {"private_set_cpu_affinity": false, )"
+         R"("private_enc_enable_open_gop": false}}})",
+         "[setting-of-other-chip] odm_mirt:25 [setting-of-other-chip] odm_mirt:60"},
+        {R"(odm_mirt {"Video": {"Features": {"private_set_cpu_affinity": false}, "Presets": )"
+         R"({"private_enc_hier_b_max_mbs_per_sec": 1958400, "private_enc_hier_b_max_width": 3840, )"
+         R"("private_enc_hier_b_max_mbs_per_frame": 32640}}})",
+         "[document-of-other-chip] odm_mirt"},
+        {R"(odm_mirt {"Video": {"Features": {"private_set_cpu_affinity": false}, "Presets": )"
+         R"({"private_enc_hier_b_max_mbs_per_sec": 1958400, "private_enc_hier_b_max_width": 3840}}})",
+         "[setting-of-other-chip] odm_mirt:25"},
+        {R"(odm_mirt {"Video": {"Features": {"private_set_cpu_affinity": false, "a": true, "b": true, )"
+         R"("c": true, "d": true}, "Presets": {"private_enc_hier_b_max_mbs_per_sec": 1958400, )"
+         R"("private_enc_hier_b_max_width": 3840, "private_enc_hier_b_max_mbs_per_frame": 32640}}})",
+         "[setting-of-other-chip] odm_mirt:25"},
+        // Another chip's code in an object has its place among the names, and the object is wrong.
+        {R"(odm_orvelle {"Video": {"perf-resource-values": {)"
+         R"("private_perf_resource_values_video_encode": {"a": "0x40800100", "b": "0xFFF"}}}})",
+         "[object-as-array] odm_orvelle:82"},
+        // A limit that is below what the built-in document sets, and a feature that nothing sets.
+        {R"(vendor {"Video": {"Presets": {"private_max_slice_size_MB_Mode": 2}}})",
+         "[above-other] vendor:58"},
+        {R"(vendor {"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"Presets": {"private_cpuaffinity_set": 15, "vendor_a": 1}}})",
+         "[built-in-not-read] private [feature-needed] private:51"},
+        // The rows of two documents: each is in order.
+        {R"(vendor {"Video": {"NimbraModeBitrateTable": [[100, 200, 5]], )"
+         R"("OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"NimbraModeBitrateTable": [[0, 100, 4]], "DolbyVision": )"
+         R"({"profiles": [5], "max_main_tier_level": 9, "max_high_tier_level": 9}}})",
+         "[built-in-not-read] private"},
         // A load that finds nothing, or less than it should.
         {"vendor -> nowhere\nfallback good", "[spec-missing] fallback"},
         {"odm_x -> nowhere", "[spec-missing] vendor_x"},
@@ -332,6 +385,17 @@ constexpr TreeRow kCorrectTrees[] = {
          "\n"
          R"(odm_z {"Video": {"Presets": {"acme_zooms": 1}}})",
          ""},
+        {R"(vendor {"Video": {"OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
+         "\n"
+         R"(private {"Video": {"Presets": {"debug_private_outbuf_tx_fence_codecs": 1}}})",
+         "[built-in-not-read] private"},
+        // The rarer name is a word, so it is the right one.
+        {R"(odm_x {"Video": {"Features": {"acme_zoom_fast": true}}})"
+         "\n"
+         R"(odm_y {"Video": {"Features": {"acme_zooom_fast": true}}})"
+         "\n"
+         R"(odm_z {"Video": {"Features": {"acme_zooom_fast": true}}})",
+         ""},
         // Leftovers beside the documents.
         {"vendor good\n/vendor/etc/media/video_system_specs.json~ broken\n"
          "/vendor/etc/media/#video_system_specs.json# broken\n"
@@ -359,17 +423,48 @@ TEST(TreesTest, EachMistakeIsReportedAtItsFile) {
     expectFound(kWrongTrees);
 }
 
-// A document alone is taken for a system spec document by its name.
-TEST(TreesTest, ADebugSettingIsForThePrivateFile) {
+// A document alone is what its name says: a private file may lack what another document sets.
+TEST(TreesTest, ADocumentAloneIsWhatItsNameSays) {
+    constexpr char kOn[] = R"("Features": {"debug_private_dec_picture_order": true})";
+    constexpr char kSpec[] = "video_system_specs.json";
+    constexpr char kPrivate[] = "video_private_configs.json";
+    constexpr char kOther[] = "other.json";
+    const struct {
+        const char* name;
+        std::string video;
+        std::string found;
+    } rows[] = {
+            {kSpec, kOn, "debug-setting"},
+            {kPrivate, kOn, ""},
+            {kOther, kOn, ""},
+            {"my_video_system_specs.json", kOn, ""},
+            {kSpec, R"("Features": {"debug_private_dec_picture_order": "yes"})",
+             "feature-not-boolean"},
+            {kSpec, R"("Presets": {"debug_vendor": 0})", ""},
+            {kSpec, R"("Presets": {"debug_vendor": 1})", "debug-setting"},
+            {kPrivate, R"("Presets": {"private_cpuaffinity_set": 15})", ""},
+            {kOther, R"("Presets": {"private_cpuaffinity_set": 15})", "feature-needed"},
+            {kPrivate,
+             R"("Features": {"private_set_cpu_affinity": false}, )"
+             R"("Presets": {"private_cpuaffinity_set": 15})",
+             "feature-needed"},
+            {kPrivate, R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder.secure"]})", ""},
+            {kOther, R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"]})",
+             "codecs-of-one-kind"},
+    };
     const ScratchDirectory directory;
-    const std::string text =
-            R"({"Video": {"Features": {"debug_private_dec_picture_order": true}}})";
-    for (const auto& [name, isReported] :
-         {std::pair("video_system_specs.json", true),
-          std::pair("video_private_configs.json", false), std::pair("other.json", false)}) {
-        const Result result = run("check " + directory.write(name, text));
-        EXPECT_EQ(isReported, result.output.find("[debug-setting]") != std::string::npos)
-                << name << result.output;
+    const std::string settings = directory.write("settings.json", R"({"settings": [
+            {"name": "debug_vendor", "section": "Presets", "type": "integer", "meaning": "m"}]})");
+    for (const auto& row : rows) {
+        const std::string path = directory.write(row.name, "{\"Video\": {" + row.video + "}}");
+        std::string found;
+        const std::string output =
+                run("check --format json --settings " + settings + " " + path).output;
+        const Json::Value report = parsed(output);
+        for (const Json::Value& finding : report["findings"]) {
+            found += finding["id"].asString();
+        }
+        EXPECT_EQ(row.found, found) << row.name << output;
     }
 }
 
@@ -379,7 +474,8 @@ TEST(TreesTest, ACorrectTreeHasNothingAboveANote) {
         const ScratchDirectory tree;
         std::string output;
         foundIn(tree, row, &output);
-        for (const Json::Value& finding : parsed(output)["findings"]) {
+        const Json::Value report = parsed(output);
+        for (const Json::Value& finding : report["findings"]) {
             EXPECT_EQ("note", finding["severity"].asString()) << row.files << "\n" << output;
         }
     }
