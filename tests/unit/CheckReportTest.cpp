@@ -342,10 +342,10 @@ TEST(CheckReportTest, FixWithAllVariantsFixesEachFileOnce) {
     }
 }
 
-// "user.kept", as somebody may have set it; empty where there is none.
-std::string attributeOf(const std::string& path) {
+// As somebody may have set it; empty where there is none.
+std::string attributeOf(const std::string& path, const char* name = "user.kept") {
     char value[16];
-    const ssize_t size = getxattr(path.c_str(), "user.kept", value, sizeof value);
+    const ssize_t size = getxattr(path.c_str(), name, value, sizeof value);
     return std::string(value, size > 0 ? static_cast<size_t>(size) : 0);
 }
 
@@ -357,7 +357,8 @@ TEST(CheckReportTest, FixNeedsForceForLinkedAndReadOnlyFiles) {
     const std::string readOnly = scratch.write("read-only.json", kFixable);
     fs::create_hard_link(linked, other);
     ASSERT_EQ(0, chmod(readOnly.c_str(), 0444));
-    const bool hasAttributes = setxattr(readOnly.c_str(), "user.kept", "value", 5, 0) == 0;
+    const bool hasAttributes = setxattr(readOnly.c_str(), "user.kept", "value", 5, 0) == 0 &&
+                               setxattr(readOnly.c_str(), "user.other", "b", 1, 0) == 0;
     for (const std::string option : {"", " --dry-run"}) {
         expectAnswers("check --fix" + option,
                       {{" " + linked, 2, "not fixed: it has 2 hard links, and the others would"},
@@ -372,6 +373,7 @@ TEST(CheckReportTest, FixNeedsForceForLinkedAndReadOnlyFiles) {
     EXPECT_EQ(kFixed, readFile(readOnly));
     EXPECT_EQ("444", modeOf(readOnly));
     EXPECT_EQ(hasAttributes ? "value" : "", attributeOf(readOnly));
+    EXPECT_EQ(hasAttributes ? "b" : "", attributeOf(readOnly, "user.other"));
 }
 
 // Runs the tool where no file can get an extended attribute, as on some file systems.
@@ -401,8 +403,7 @@ Result runWithoutAttributes(const ScratchDirectory& scratch, const std::string& 
 TEST(CheckReportTest, FixKeepsAttributesUnlessForced) {
     const ScratchDirectory scratch;
     const std::string path = scratch.write("spec.json", kFixable);
-    if (setxattr(path.c_str(), "user.first", "", 0, 0) != 0 ||
-        setxattr(path.c_str(), "user.kept", "value", 5, 0) != 0) {
+    if (setxattr(path.c_str(), "user.kept", "value", 5, 0) != 0) {
         GTEST_SKIP() << "the file system has no extended attributes";
     }
     const Result kept = runWithoutAttributes(scratch, "check --fix " + path);
@@ -411,7 +412,7 @@ TEST(CheckReportTest, FixKeepsAttributesUnlessForced) {
     }
     EXPECT_EQ(2, kept.exitCode);
     EXPECT_EQ(0U, kept.output.find("kcodec2_spec: " + path +
-                                   ": not fixed: its attribute user.first cannot be kept ("))
+                                   ": not fixed: its attribute user.kept cannot be kept ("))
             << kept.output;
     EXPECT_NE(std::string::npos, kept.output.find("); --force drops it\n")) << kept.output;
     EXPECT_EQ(kFixable, readFile(path));
@@ -502,6 +503,21 @@ TEST(CheckReportTest, AnExcerptIsAsWideAsTheReport) {
         const std::string report = run("check " + scratch.write("wide.json", row.text)).output;
         EXPECT_NE(std::string::npos, report.find("\n" + row.excerpt)) << report;
     }
+    // Half of the columns are for what is before the mark: each of these characters has two.
+    const auto faces = [](size_t count) {
+        std::string text;
+        for (; count > 0; --count) {
+            text += "\xF0\x9F\x98\x80";
+        }
+        return text;
+    };
+    const std::string cut =
+            run("check " + scratch.write("faces.json",
+                                         "{\"Video\": {\"Features\": {\"" + faces(60) + "\": 1}}}"))
+                    .output;
+    EXPECT_NE(std::string::npos, cut.find("\n     1 | " + faces(23) + "\": 1}}}\n       | " +
+                                          std::string(49, ' ') + "^\n"))
+            << cut;
     const std::string narrow =
             runOnTerminal("check " + scratch.write("narrow.json", feature + wide), 20, "TERM=dumb")
                     .output;

@@ -34,7 +34,10 @@ public:
         fs::create_directories(fs::path(mScratch.path() + path).parent_path());
         mkfifo((mScratch.path() + path).c_str(), 0644);
     }
-    void forbid(const std::string& path) const { chmod((mScratch.path() + path).c_str(), 0750); }
+    void forbid(const std::string& path) const { setMode(path, 0750); }
+    void setMode(const std::string& path, mode_t mode) const {
+        chmod((mScratch.path() + path).c_str(), mode);
+    }
     std::string path() const { return mScratch.path(); }
     Result check(const std::string& options) const {
         return run("check --rootdir " + mScratch.path() + " " + options);
@@ -82,6 +85,31 @@ TEST(TreeCheckTest, EachMistakeIsReportedOnceForAllVariants) {
     EXPECT_EQ(2U, countOf("[chip-name]", output)) << output;
     EXPECT_EQ(2U, countOf("[mode]", output)) << output;
     EXPECT_EQ(4U, countOf("is used as true", output)) << output;  // One for each document read.
+}
+
+// A directory must let others search it, and a document let others read it: nothing else counts.
+TEST(TreeCheckTest, OneBitOfEachModeMatters) {
+    const struct {
+        mode_t directory;
+        mode_t document;
+        std::string found;
+    } rows[] = {
+            {0711, 0604, ""},
+            {0744, 0604, "/odm/etc"},
+            {0711, 0711, "/odm/etc/media_x/video_system_specs.json"},
+    };
+    for (const auto& row : rows) {
+        const Tree tree;
+        tree.add("/odm/etc/media_x/video_system_specs.json");
+        tree.setMode("/odm/etc/media_x/video_system_specs.json", row.document);
+        tree.setMode("/odm/etc", row.directory);
+        const std::string output = tree.check("--variant _x").output;
+        EXPECT_EQ(row.found.empty() ? 0U : 1U, countOf("[mode]", output)) << output;
+        EXPECT_EQ(row.found.empty() ? 0U : 1U,
+                  countOf("\n" + tree.path() + row.found + ":1:1: warning: others may not", output))
+                << output;
+        tree.setMode("/odm/etc", 0755);
+    }
 }
 
 TEST(TreeCheckTest, AMissingDocumentHasItsReason) {

@@ -278,6 +278,7 @@ constexpr TreeRow kWrongTrees[] = {
          "[document-unselectable] /vendor/etc/media/video_systm_spec.json "
          "[document-unselectable] /vendor/etc/media/xvideo_system_specs.json"},
         {"odm_Berl good", "[chip-name] odm_Berl"},
+        {"odm_Berl good\nprivate built-in 3", "[leading-zero] private:45"},
         {"odm_lbre good", "[chip-name] odm_lbre"},
         {"odm_brol good", ""},
         {"odm_orvele good\nodm_orvxlxe good", "[chip-name] odm_orvele"},
