@@ -30,13 +30,12 @@ Suppressions::Suppressions(const Source& source, const std::vector<Span>& commen
     for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {
         const size_t line = source.lineOf(comment->start);
         const size_t before = text.substr(0, comment->start).find_last_not_of(" \t\r");
-        const bool isAfter = before != std::string_view::npos && text[before] != '\n' &&
-                             before >= source.startOf(line);
+        const bool isAfter = before != std::string_view::npos && text[before] != '\n';
         const size_t next = text.find_first_not_of(kJsonBlanks, comment->limit);
         const size_t about = isAfter ? line : next < nextStart ? source.lineOf(next) : nextLine;
         readComment(*comment, about);
         nextStart = comment->start;
-        nextLine = isAfter ? source.lineOf(comment->start) : about;
+        nextLine = about;
     }
 }
 

@@ -176,10 +176,6 @@ void checkTwoSections(const Document& document, const KnownSettings& known, Repo
 
 // --- What a name is made of ---
 
-bool isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-
 // What is odd in a name; empty when nothing is.
 std::string oddIn(std::string_view name) {
     const bool isPlain =
@@ -197,8 +193,7 @@ std::string oddIn(std::string_view name) {
         }
         at += length;
     }
-    const bool hasBlank = !name.empty() && (isBlank(name.front()) || isBlank(name.back()));
-    return hasBlank ? "a blank at its start or end" : "";
+    return name.starts_with(' ') || name.ends_with(' ') ? "a blank at its start or end" : "";
 }
 
 void checkCharacters(const Document& document, const DocumentName& name, const KnownSettings& known,

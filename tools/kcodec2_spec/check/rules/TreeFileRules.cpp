@@ -27,7 +27,7 @@ bool isLeftoverOf(std::string_view wanted, std::string_view name) {
     constexpr std::string_view kBefore = "#.~";
     constexpr std::string_view kAfter = "#.~";
     const size_t at = name.find(wanted);
-    if (at == std::string_view::npos || name == wanted) {
+    if (at == std::string_view::npos) {
         return false;
     }
     const std::string_view after = name.substr(at + wanted.size());
