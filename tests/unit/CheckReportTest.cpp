@@ -144,6 +144,15 @@ TEST(CheckReportTest, CommentsSuppressFindingsWhereTheyAre) {
             << run("check " + others).output;
     EXPECT_NE(std::string::npos,
               run("check " + others).output.find("document is already allowed here"));
+    // To look for what is meant takes long, so only for so many.
+    std::string misspelt = "{} /* kcodec2_spec: allow";
+    for (int i = 0; i < 102; ++i) {
+        misspelt += " documnet";
+    }
+    const std::string suggested =
+            run("check --format json " + scratch.write("misspelt.json", misspelt + "*/")).output;
+    EXPECT_EQ(102U, countOf("there is no check", suggested));
+    EXPECT_EQ(100U, countOf("Did you mean", suggested));
     // Nothing is before the first byte.
     const std::string first =
             scratch.write("first.json", "/* kcodec2_spec: allow video-empty */{\"Video\": {}}");

@@ -44,6 +44,9 @@ constexpr Mistake kMistakes[] = {
          R"(["c2.kvx.hevc.encoder"]})",
          "variant-without-base@46"},
         {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"]})", "codecs-of-one-kind@12"},
+        {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"]}, "DolbyVision": {"profile": [5], )"
+         R"("max_main_tier_level": 9, "max_high_tier_level": 9})",
+         "codecs-of-one-kind@12 unknown-member@86"},
         {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder", ""], "encoders": )"
          R"(["c2.kvx.hevc.encoder"]})",
          "name-empty@68"},

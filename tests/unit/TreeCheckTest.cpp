@@ -119,17 +119,25 @@ TEST(TreeCheckTest, AMissingDocumentHasItsReason) {
     tree.link("/vendor/etc/media_c", "/nowhere");
     tree.add("/vendor/etc/media_f");
     tree.pipe("/odm/etc/media_p/video_system_specs.json");
+    tree.link("/odm/etc/media_l/video_system_specs.json", "nowhere");
+    tree.add("/vendor/etc/media_l/video_system_specs.json");
+    tree.link("/odm/etc/media_m", "/nowhere");
     const struct {
         std::string variant;
         const char* reason;
-    } rows[] = {{"_a", "(it is a link to nowhere)"},
-                {"_b", "(it is a link in a loop, or one that leads out of the tree)"},
-                {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
-                {"_d", "(/vendor/etc/media_d does not exist)"},
-                {"_f", "(Not a directory)"},
-                {"_p",
-                 "/odm/etc/media_p/video_system_specs.json:1:1: error: it is a pipe: a load waits"},
-                {"_" + std::string(300, 'e'), "(the path is too long)"}};
+    } rows[] = {
+            {"_a", "(it is a link to nowhere)"},
+            {"_b", "(it is a link in a loop, or one that leads out of the tree)"},
+            {"_c", "(/vendor/etc/media_c is a link to nowhere)"},
+            {"_d", "(/vendor/etc/media_d does not exist)"},
+            {"_f", "(Not a directory)"},
+            {"_p",
+             "/odm/etc/media_p/video_system_specs.json:1:1: error: it is a pipe: a load waits"},
+            {"_l",
+             "since /odm/etc/media_l/video_system_specs.json is a link to nowhere, and that "
+             "opens\n"},
+            {"_m", "(/vendor/etc/media_m does not exist; /odm/etc/media_m is a link to nowhere)"},
+            {"_" + std::string(300, 'e'), "(the path is too long)"}};
     for (const auto& row : rows) {
         const std::string output =
                 tree.check("--property vendor.media.target_variant=" + row.variant).output;

@@ -315,6 +315,9 @@ constexpr TreeRow kWrongTrees[] = {
          "\n"
          R"(private {"Video": {"Presets": {"private_cpuaffinity_set": 15, "vendor_a": 1}}})",
          "[built-in-not-read] private [feature-needed] private:51"},
+        // A variant whose base no document of the load has.
+        {R"(vendor {"Video": {"OptionalCodecs": ["c2.acme.x.decoder.secure"]}})",
+         "[codecs-added] vendor:12 [variant-without-base] vendor:31"},
         // The rows of two documents: each is in order.
         {R"(vendor {"Video": {"NimbraModeBitrateTable": [[100, 200, 5]], )"
          R"("OptionalCodecs": ["c2.kvx.avc.decoder", "c2.kvx.avc.encoder"]}})"
