@@ -158,6 +158,34 @@ TEST(TreeCheckTest, ALinkToItsOwnDirectoryEndsTheSearch) {
     EXPECT_EQ(1U, countOf("System spec document", output)) << output;
 }
 
+// People put documents beside the right directories; a search of everything would take too long.
+TEST(TreeCheckTest, DocumentsAreLookedForToADepth) {
+    const struct {
+        const char* directory;
+        const char* name;
+        size_t depth;
+    } rows[] = {{"/odm", "video_system_spec.json", 2},
+                {"/odm/etc", "video_system_spec.json", 3},
+                {"/vendor", "video_system_spec.json", 2},
+                {"/vendor/etc", "video_system_spec.json", 3},
+                {"/product/etc", "video_system_spec.json", 3},
+                {"/system/etc", "video_system_spec.json", 3},
+                {"/system_ext/etc", "video_system_spec.json", 3},
+                {"/data", "video_private_configs.json", 1},
+                {"/data/media", "video_private_configs.json", 2},
+                {"/data/vendor", "video_private_configs.json", 3}};
+    for (const auto& row : rows) {
+        const Tree tree;
+        std::string path = row.directory;
+        for (const char* const below : {"/a", "/b", "/c", "/d"}) {
+            tree.add(path + "/" + row.name);
+            path += below;
+        }
+        const std::string output = tree.check("--all-variants").output;
+        EXPECT_EQ(row.depth, countOf("nothing reads this file", output)) << output;
+    }
+}
+
 // A load waits for a pipe; the tool must not.
 TEST(TreeCheckTest, NoCommandWaitsAtAPipe) {
     const Tree tree;
