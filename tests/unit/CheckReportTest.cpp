@@ -57,6 +57,8 @@ TEST(CheckReportTest, TheLastOptionWinsAndNothingHidesARejection) {
             {mistakes, 0, all},
             {mistakes + " --werror", 1, all},
             {mistakes + " --min-severity error --werror", 0, ""},
+            {mistakes + " --disable all --warning null-as-zero --werror", 1,
+             "w:null-as-zero@3:32 "},
             {mistakes + " --error real-truncated --disable null-as-zero --note number-as-boolean",
              1, "n:number-as-boolean@2:23 e:real-truncated@3:22 "},
             {mistakes + " --disable reader --error null-as-zero --warning null-as-zero", 0,
@@ -617,6 +619,13 @@ TEST(CheckReportTest, ThousandsOfFindingsAreSummedUp) {
               few.find("\n149 findings not shown; --max-findings 0 prints all\n151 errors"))
             << few;
     EXPECT_EQ(2, std::count(few.begin(), few.end(), '^'));
+    // Of checks with as many findings, in the order of their names.
+    EXPECT_NE(std::string::npos,
+              run("check --max-findings 1 " + scratch.write("mistakes.json", kTwoMistakes))
+                      .output.find("\n       1  warning  null-as-zero\n"
+                                   "       1  warning  number-as-boolean\n"
+                                   "       1  warning  real-truncated\n"
+                                   "2 findings not shown;"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -66,11 +67,14 @@ void printSummary(const Report& report) {
         severity = entry->severity;
         ++count;
     }
-    std::vector<std::tuple<Severity, size_t, const char*>> rows;
+    std::vector<std::tuple<Severity, size_t, std::string_view>> rows;
     for (const auto& [check, count] : counts) {
         rows.emplace_back(count.first, count.second, check->id);
     }
-    std::sort(rows.rbegin(), rows.rend());
+    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
+        return std::tuple(std::get<0>(b), std::get<1>(b), std::get<2>(a)) <
+               std::tuple(std::get<0>(a), std::get<1>(a), std::get<2>(b));
+    });
     for (const auto& [severity, count, id] : rows) {
         printOut("{:8}  {:8} {}\n", count, nameOf(severity), id);
     }
