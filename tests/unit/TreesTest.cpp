@@ -308,6 +308,9 @@ constexpr TreeRow kWrongTrees[] = {
         {R"(odm_orvelle {"Video": {"perf-resource-values": {)"
          R"("private_perf_resource_values_video_encode": {"a": "0x40800100", "b": "0xFFF"}}}})",
          "[object-as-array] odm_orvelle:82"},
+        {R"(odm_orvelle {"Video": {"perf-resource-values": {)"
+         R"("private_perf_resource_values_video_encode": ["0x40800000", "0x1", "0x40800100"]}}})",
+         "[perf-odd-length] odm_orvelle:82 [setting-of-other-chip] odm_orvelle:104"},
         // A limit that is below what the built-in document sets, and a feature that nothing sets.
         {R"(vendor {"Video": {"Presets": {"private_max_slice_size_MB_Mode": 2}}})",
          "[above-other] vendor:58"},
