@@ -91,6 +91,7 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                     {"real-truncatd", 1, "Did you mean real-truncated?"},
                     {"nv12", 1, "Did you mean TAMRA_NV12?"},
                     {"P01", 1, "Did you mean TAMRA_P010?"},
+                    {"Featuers", 1, "Did you mean Features?"},
                     {"P0", 1, "unknown name \"P0\".\n"},
                     {"complexity", 1, "Did you mean private_complexity?"},
                     {"c2.kvx.avc", 1, "Did you mean c2.kvx.avc.decoder or c2.kvx.avc.encoder?"},
