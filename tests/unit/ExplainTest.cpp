@@ -77,6 +77,8 @@ TEST(ExplainTest, ExplainsEveryKindOfName) {
                      "Couldn't parse json from file stream\n  log       E"},
                     {"'E/KC2TargetSpec( 4): Failed to open /x... Exit!'", 0,
                      "Failed to open %s... Exit!"},
+                    {"'Skipped Video/Presets/a: not a boolean'", 0,
+                     "  values    Video/Presets/a, not a boolean\n"},
                     {"'Skipped Video/Presets/a in the system spec: not an integer'", 0,
                      "Skipped %s in %s: %s\n"},
                     // Whole lines with their values and headers, and parts of lines.

@@ -127,6 +127,7 @@ const std::vector<Row> kRows = {
         {R"({"a": 500ms})", "1:7", "write 500"},
         {"{\"a\": 5µs}", "1:8", "no unit or suffix"},
         {R"({"a": 12e})", "1:7", "12e is not a JSON number"},
+        {"12e", "1:1", "12e is not a JSON number"},
         {R"({"a": -12.5kB})", "1:7", "write -12.5, or a string"},
         {R"({"a": -0x1F})", "1:7", "write -31, or"},
         {R"({"a": 0xG})", "1:7", "write it in decimal"},

@@ -172,6 +172,8 @@ TEST(ToolTest, EachWrongCommandLineHasAClearMessage) {
             {"completion ''", "SHELL: must be bash or zsh, not \"\""},
             {"completion fish", "SHELL: must be bash or zsh, not \"fish\""},
             {"diff", "A is required"},
+            {"diff --git", "--git needs a value: ARGUMENT..."},
+            {"diff --git 1 2 3 4 5 6 7 8 9 10", "--git accepts at most 9 values"},
             {"diff no/such", "A: Path does not exist: no/such"},
             {"report --output", "--output needs a value: FILE.html"},
             {"report", "--output is required"},

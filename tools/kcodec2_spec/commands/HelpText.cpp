@@ -166,8 +166,12 @@ std::string describeMismatch(const std::string& what) {
     if (lower.find("flag override") != std::string::npos) {
         return fmt::format("{}{} accepts no value", isOption(name) ? "" : "--", name);
     }
-    if (lower.find("at most 1 ") != std::string::npos) {
-        return fmt::format("{} can be given only once", name);
+    constexpr std::string_view kMost = "at most ";
+    if (const size_t most = lower.find(kMost); most != std::string::npos) {
+        const std::string count = lower.substr(most + kMost.size());
+        return count.starts_with("1 ") ? fmt::format("{} can be given only once", name)
+                                       : fmt::format("{} accepts at most {} values", name,
+                                                     count.substr(0, count.find(' ')));
     }
     constexpr std::string_view kRequired = " required ";
     constexpr std::string_view kMissing = " missing";
