@@ -253,6 +253,9 @@ constexpr Mistake kMistakes[] = {
          "wrong-level@58"},
         {R"("perf-resource-values": {"a": ["0x1", "0x2"], "OptionalCodecs": ["c2.kvx.avc.decoder"]})",
          "wrong-level@58"},
+        {"\n        \"Presets\": {\"b\": \"x\"},\n            \"vendor_inside\": 1,\n        "
+         "\"KC2CodecPlugins\": [\"a\", 5]",
+         "preset-not-integer@26 unknown-member@29 element-not-string@34"},
         {"\n        \"Presets\": {\n            \"vendor_a\": 1},\n            \"vendor_b\": 2",
          "unknown-member@26"},
         {R"("codecs-available": {"decoders": ["c2.kvx.avc.decoder"], "encoders": )"
