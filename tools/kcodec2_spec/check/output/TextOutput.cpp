@@ -7,7 +7,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -59,24 +58,20 @@ void printEntry(const ReportEntry& entry, const Colours& colours, size_t width) 
     }
 }
 
-// A line for each check, the most severe and the most frequent first.
+// A line for each check, the most severe and the most frequent first, equal ones by their names.
 void printSummary(const Report& report) {
-    std::map<const Check*, std::pair<Severity, size_t>> counts;
+    std::map<std::string_view, std::pair<Severity, size_t>> counts;
     for (const ReportEntry* const entry : report.inOrder()) {
-        auto& [severity, count] = counts[entry->check];
+        auto& [severity, count] = counts[entry->check->id];
         severity = entry->severity;
         ++count;
     }
-    std::vector<std::tuple<Severity, size_t, std::string_view>> rows;
-    for (const auto& [check, count] : counts) {
-        rows.emplace_back(count.first, count.second, check->id);
-    }
-    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
-        return std::tuple(std::get<0>(b), std::get<1>(b), std::get<2>(a)) <
-               std::tuple(std::get<0>(a), std::get<1>(a), std::get<2>(b));
-    });
-    for (const auto& [severity, count, id] : rows) {
-        printOut("{:8}  {:8} {}\n", count, nameOf(severity), id);
+    std::vector<std::pair<std::string_view, std::pair<Severity, size_t>>> rows(counts.begin(),
+                                                                               counts.end());
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    for (const auto& [id, row] : rows) {
+        printOut("{:8}  {:8} {}\n", row.second, nameOf(row.first), id);
     }
 }
 

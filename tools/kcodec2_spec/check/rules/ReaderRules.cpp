@@ -503,7 +503,7 @@ void checkReadingOf(const Document& document, const Checked& checked, Report* re
             reportNoVideo(*rule, verdict, document, report);
             continue;
         }
-        if (isNoArrayAtAll(verdict, document)) {
+        if (rule->applies == isNoArrayAtAll) {
             noArray = &verdict;
         }
         report->add(rule->check, document, {verdict.start, verdict.limit},
