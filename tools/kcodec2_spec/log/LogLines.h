@@ -65,7 +65,7 @@ std::vector<std::string_view> literalsOf(std::string_view format);
 using LineValues = std::vector<std::string_view>;
 std::optional<LineValues> match(std::string_view format, std::string_view text);
 
-// The letter that logcat shows for a priority.
+// The letter that logcat shows for the priority of a row.
 char letterOf(int priority);
 
 // The rows as a Markdown table, which docs/log.md has, too.

@@ -442,20 +442,19 @@ private:
                 contradict(fmt::format("the dump shows \"{}\", which {} does not have{}", text,
                                        document, isInPlace ? "" : " at this place of its list"),
                            {value.line});
-                if (found != left.end()) {
-                    left.erase(found);
+            } else {
+                const std::string place = mSystemSpec->placeIn(
+                        *part.key, part.isInOrder ? fmt::format("{}", i) : value.name);
+                if (found->second != value.value) {
+                    contradict(fmt::format("the dump shows \"{}\", but {} makes it {}", text, place,
+                                           found->second),
+                               {value.line});
                 }
-                continue;
+                mResult.places.push_back({value.line, text, place});
             }
-            const std::string place = mSystemSpec->placeIn(
-                    *part.key, part.isInOrder ? fmt::format("{}", i) : value.name);
-            if (found->second != value.value) {
-                contradict(fmt::format("the dump shows \"{}\", but {} makes it {}", text, place,
-                                       found->second),
-                           {value.line});
+            if (found != left.end()) {
+                left.erase(found);
             }
-            left.erase(found);
-            mResult.places.push_back({value.line, text, place});
         }
         if (!left.empty() && mTrace.dump.isWhole && isWhole()) {
             contradict(fmt::format("the dump does not show {} of {}, which {} has",
@@ -516,9 +515,12 @@ private:
         }
         const bool hasFilters = mTrace.find(LineId::EncoderFilter) != nullptr;
         for (const PulledDocument* const document : documentsFor(Which::Either)) {
+            if (isUnusedOnPhone(*document)) {
+                continue;
+            }
             for (const auto& [key, place] : document->lines()) {
                 const auto& [id, value, reason] = key;
-                if ((id != LineId::EncoderFilter || hasFilters) && !isUnusedOnPhone(*document)) {
+                if (id != LineId::EncoderFilter || hasFilters) {
                     contradict(
                             fmt::format("no line of the log is about {} of {}: the phone has "
                                         "another document, or the log was filtered",
